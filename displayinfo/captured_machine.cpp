@@ -1,0 +1,198 @@
+// Reads the folder of a captured machine: machine.json, edid/ and root/.
+#include <algorithm>
+#include <charconv>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <vector>
+
+#include "displayinfo/host_name.h"
+#include "displayinfo/machine.h"
+#include "realmode/virtual_video_bios.h"
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+namespace {
+
+constexpr std::size_t kEdidBlockSize = 128;  // bytes
+constexpr std::size_t kMaxEdidBlocks = 256;  // a base block and as many extensions as its count byte can tell
+
+std::string ReadFile(const fs::path& file, std::size_t maxSize) {
+  std::error_code error;
+  if (!fs::is_regular_file(file, error)) throw TUnusable(file.string() + ": must be a regular file");
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) throw TUnusable(file.string() + ": cannot be read; check its permissions");
+  std::string content(maxSize + 1, '\0');
+  stream.read(content.data(), static_cast<std::streamsize>(content.size()));
+  if (stream.bad()) throw TUnusable(file.string() + ": cannot be read to its end");
+  content.resize(static_cast<std::size_t>(stream.gcount()));
+  if (content.size() > maxSize) {
+    throw TUnusable(file.string() + ": is larger than " + std::to_string(maxSize) + " bytes, which no such file needs");
+  }
+  return content;
+}
+
+std::optional<unsigned int> ParseUnit(const std::string& text) {
+  unsigned int unit = 0;
+  const char* const end = text.data() + text.size();
+  const std::from_chars_result parsed = std::from_chars(text.data(), end, unit);
+  if (parsed.ec != std::errc() || parsed.ptr != end) return std::nullopt;
+  return unit;
+}
+
+/// machine.json, key by key against what may stand there.
+class TMachineJson {
+ public:
+  TMachineJson(fs::path file, THostConfiguration& host, TVirtualBiosConfiguration& bios)
+      : m_file(std::move(file)), m_host(host), m_bios(bios) {}
+
+  void Read() {
+    const json document = Parse();
+    ReadObject(document, "",
+               {
+                   {"systemName", [&](const json& value, const TKey& key) { m_host.systemName = Text(value, key); }},
+                   {"systemCreationClassName",
+                    [&](const json& value, const TKey& key) { m_host.systemCreationClassName = Text(value, key); }},
+                   {"systemType", [&](const json& value, const TKey& key) { m_host.systemType = Integer(value, key); }},
+                   {"provider", [&](const json& value, const TKey& key) { m_host.provider = Boolean(value, key); }},
+                   {"bios", [&](const json& value, const TKey& key) { ReadBios(value, key); }},
+               });
+  }
+
+ private:
+  typedef std::string TKey;  // the way to a value, such as bios.units.0.failAtBlock
+  typedef std::map<std::string, std::function<void(const json&, const TKey&)>> TReaders;
+
+  json Parse() const {
+    constexpr std::size_t maxSize = 1024 * 1024;
+    try {
+      return json::parse(ReadFile(m_file, maxSize));
+    } catch (const json::parse_error& error) {
+      // The parser's text begins with its own error number, in brackets.
+      const std::string text = error.what();
+      throw TUnusable(m_file.string() + ": is not JSON: " + text.substr(std::min(text.find("] ") + 2, text.size())));
+    }
+  }
+
+  [[noreturn]] void Fail(const TKey& key, const std::string& what) const {
+    throw TUnusable(m_file.string() + ": " + (key.empty() ? "the document" : "\"" + key + "\"") + " " + what);
+  }
+
+  void ReadObject(const json& object, const TKey& key, const TReaders& readers) const {
+    if (!object.is_object()) Fail(key, "must be an object");
+    for (const auto& [name, value] : object.items()) {
+      const TKey itemKey = key.empty() ? name : key + "." + name;
+      const auto reader = readers.find(name);
+      if (reader == readers.end()) Fail(itemKey, "is not a known key; known here: " + ListNames(readers));
+      reader->second(value, itemKey);
+    }
+  }
+
+  void ReadBios(const json& object, const TKey& biosKey) {
+    ReadObject(
+        object, biosKey,
+        {
+            {"present", [&](const json& value, const TKey& key) { m_bios.present = Boolean(value, key); }},
+            {"memory", [&](const json& value, const TKey& key) { m_bios.memory = Boolean(value, key); }},
+            {"ignoresUnit", [&](const json& value, const TKey& key) { m_bios.ignoresUnit = Boolean(value, key); }},
+            {"units", [&](const json& value, const TKey& key) { ReadUnits(value, key); }},
+        });
+  }
+
+  void ReadUnits(const json& object, const TKey& unitsKey) {
+    if (!object.is_object()) Fail(unitsKey, "must be an object");
+    for (const auto& [name, value] : object.items()) {
+      const TKey unitKey = unitsKey + "." + name;
+      const std::optional<unsigned int> number = ParseUnit(name);
+      if (!number) Fail(unitKey, "is not a unit number; units are named 0, 1, 2, ...");
+      auto& unit = m_bios.units[*number];
+      ReadObject(
+          value, unitKey,
+          {
+              {"failAtBlock", [&](const json& block, const TKey& key) { unit.failAtBlock = Count(block, key); }},
+              {"errorAtBlock", [&](const json& block, const TKey& key) { unit.errorAtBlock = Count(block, key); }},
+          });
+    }
+  }
+
+  std::string Text(const json& value, const TKey& key) const {
+    if (!value.is_string()) Fail(key, "must be a string");
+    return value.get<std::string>();
+  }
+
+  bool Boolean(const json& value, const TKey& key) const {
+    if (!value.is_boolean()) Fail(key, "must be true or false");
+    return value.get<bool>();
+  }
+
+  int Integer(const json& value, const TKey& key) const {
+    typedef std::numeric_limits<int> TLimits;
+    return static_cast<int>(Number(value, key, TLimits::min(), TLimits::max(), "must be a whole number of 32 bits"));
+  }
+
+  unsigned int Count(const json& value, const TKey& key) const {
+    constexpr std::int64_t max = std::numeric_limits<unsigned int>::max();
+    return static_cast<unsigned int>(Number(value, key, 0, max, "must be a block number: 0, 1, 2, ..."));
+  }
+
+  std::int64_t Number(const json& value, const TKey& key, std::int64_t min, std::int64_t max,
+                      const char* otherwise) const {
+    const bool fits = value.is_number_integer() &&
+                      !(value.is_number_unsigned() && value.get<std::uint64_t>() > static_cast<std::uint64_t>(max)) &&
+                      value.get<std::int64_t>() >= min && value.get<std::int64_t>() <= max;
+    if (!fits) Fail(key, otherwise);
+    return value.get<std::int64_t>();
+  }
+
+  static std::string ListNames(const TReaders& readers) {
+    std::string names;
+    for (const auto& [name, reader] : readers) names += (names.empty() ? "" : ", ") + name;
+    return names;
+  }
+
+  fs::path m_file;
+  THostConfiguration& m_host;
+  TVirtualBiosConfiguration& m_bios;
+};
+
+void ReadEdid(const fs::path& file, TVirtualBiosConfiguration& bios) {
+  const std::optional<unsigned int> unit = ParseUnit(file.stem().string());
+  if (!unit) throw TUnusable(file.string() + ": is not named after a unit; call it 0.bin, 1.bin, ...");
+  const std::string content = ReadFile(file, kMaxEdidBlocks * kEdidBlockSize);
+  if (content.size() % kEdidBlockSize != 0) {
+    throw TUnusable(file.string() + ": its size, " + std::to_string(content.size()) +
+                    " bytes, is not a multiple of 128; an EDID is whole 128-byte blocks");
+  }
+  bios.units[*unit].edid.assign(content.begin(), content.end());
+}
+
+void ReadEdids(const fs::path& folder, TVirtualBiosConfiguration& bios) {
+  if (!fs::exists(folder)) return;
+  if (!fs::is_directory(folder)) throw TUnusable(folder.string() + ": must be a folder with 0.bin, 1.bin, ...");
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    if (entry.path().extension() == ".bin") ReadEdid(entry.path(), bios);
+  }
+}
+
+}  // namespace
+
+TMachine ReadCapturedMachine(const fs::path& folder) try {
+  if (!fs::is_directory(folder)) {
+    throw TUnusable(folder.string() + ": is not the folder of a captured machine; --machine takes one that exists");
+  }
+  TVirtualBiosConfiguration bios;
+  TMachine machine;
+  machine.host.systemName = GetHostName();
+  machine.host.root = folder / "root";
+  if (fs::exists(folder / "machine.json")) TMachineJson(folder / "machine.json", machine.host, bios).Read();
+  ReadEdids(folder / "edid", bios);
+  machine.bios = std::make_shared<TVirtualVideoBios>(std::move(bios));
+  machine.getBiosFailure = [] { return std::string(); };
+  return machine;
+} catch (const fs::filesystem_error& error) {
+  throw TUnusable(error.path1().string() + ": " + error.code().message() + "; check the permissions of the folder");
+}

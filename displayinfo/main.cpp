@@ -1,0 +1,71 @@
+// displayinfo: collects what the plug-in has to say about one machine, and shows it.
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <iostream>
+#include <string>
+
+#include "displayinfo/collection.h"
+#include "displayinfo/json_report.h"
+#include "displayinfo/machine.h"
+#include "displayinfo/options.h"
+#include "displayinfo/plugin_library.h"
+#include "displayinfo/text_encoding.h"
+#include "displayinfo/text_report.h"
+
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kUnusable = 1;
+
+/// Writes the whole answer to standard output. A reader that has gone away is no error: it had enough.
+void WriteAnswer(const std::string& text) {
+  std::size_t written = 0;
+  while (written < text.size()) {
+    const ssize_t count = write(STDOUT_FILENO, text.data() + written, text.size() - written);
+    if (count >= 0) {
+      written += static_cast<std::size_t>(count);
+    } else if (errno == EPIPE) {
+      return;
+    } else if (errno != EINTR) {
+      throw TUnusable(std::string("standard output cannot be written: ") + std::strerror(errno));
+    }
+  }
+}
+
+TMachine ChooseMachine(const TOptions& options) {
+  if (options.machine) return ReadCapturedMachine(*options.machine);
+  if (options.edidSource == EEdidSource::kDrm) {
+    throw TUnusable("--edid-source drm is not available yet; use --edid-source bios");
+  }
+  return MakeThisMachine();
+}
+
+int Run(const TOptions& options) {
+  const TMachine machine = ChooseMachine(options);
+  const auto showLog = [&](const TLogEntry& entry) {
+    if (entry.severity > options.logLevel) return;
+    std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
+  };
+  const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
+  const std::string biosFailure = machine.getBiosFailure();
+  if (!biosFailure.empty()) std::cerr << "displayinfo: " << biosFailure << '\n';
+  WriteAnswer(options.format == EFormat::kJson ? MakeJsonReport(answer) : MakeTextReport(answer));
+  return kDone;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows in write() instead
+  const TCommandLine line = ParseCommandLine(argumentCount, arguments);
+  if (line.exitStatus) return *line.exitStatus;
+  try {
+    return Run(line.options);
+  } catch (const std::exception& error) {
+    std::cerr << "displayinfo: " << ToPrintable(error.what()) << '\n';
+    return kUnusable;
+  }
+}

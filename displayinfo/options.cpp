@@ -1,0 +1,109 @@
+#include "displayinfo/options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+
+#include "embedded_host/schema.h"
+
+using NQRXZELT20::ILogger;
+
+namespace {
+
+constexpr int kWrongUsage = 2;
+
+template <typename T>
+using TNames = std::vector<std::pair<std::string, T>>;
+
+const TNames<EEdidSource> kEdidSources = {
+    {"auto", EEdidSource::kAuto}, {"bios", EEdidSource::kBios}, {"drm", EEdidSource::kDrm}};
+const TNames<EFormat> kFormats = {{"text", EFormat::kText}, {"json", EFormat::kJson}};
+const TNames<ILogger::EZELTLogSeverity> kLogLevels = {{"error", ILogger::kError},
+                                                      {"warning", ILogger::kWarning},
+                                                      {"status", ILogger::kStatus},
+                                                      {"debug", ILogger::kDebug},
+                                                      {"verbose", ILogger::kVerbose}};
+
+std::vector<std::string> GetClassNames() {
+  std::vector<std::string> names;
+  for (const TClassDeclaration& declaration : GetSchema()) names.emplace_back(declaration.name);
+  return names;
+}
+
+/// An option whose value is one of a few words.
+template <typename T>
+CLI::Option* AddChoice(CLI::App& app, const std::string& name, T& target, const TNames<T>& choices,
+                       const std::string& description) {
+  std::vector<std::string> words;
+  for (const auto& choice : choices) words.push_back(choice.first);
+  const auto set = [&target, &choices](const std::string& word) {
+    for (const auto& choice : choices) {
+      if (choice.first == word) target = choice.second;
+    }
+  };
+  return app.add_option_function<std::string>(name, set, description)
+      ->check(CLI::IsMember(words).description(""))
+      ->option_text(CLI::detail::join(words, "|"));
+}
+
+void CheckClass(const std::string& name) {
+  const std::vector<std::string> names = GetClassNames();
+  if (std::find(names.begin(), names.end(), name) != names.end()) return;
+  throw CLI::ValidationError("\"" + name + "\" is not a class; the classes are " + CLI::detail::join(names, ", "));
+}
+
+TRequest SplitRequest(const std::string& text) {
+  const TRequest request = CLI::detail::split(text, ',');
+  std::for_each(request.begin(), request.end(), CheckClass);
+  return request;
+}
+
+std::vector<TRequest> MakeRequests(const TRequest& classes, const std::vector<std::string>& requests) {
+  std::for_each(classes.begin(), classes.end(), CheckClass);
+  if (!classes.empty()) return {classes};
+  if (requests.empty()) return {GetClassNames()};
+  std::vector<TRequest> split;
+  std::transform(requests.begin(), requests.end(), std::back_inserter(split), SplitRequest);
+  return split;
+}
+
+}  // namespace
+
+TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
+  TCommandLine line;
+  TOptions& options = line.options;
+  TRequest classes;
+  std::vector<std::string> requests;
+
+  CLI::App app("Collects the video controllers, heads and monitors of a machine through the plug-in.", "displayinfo");
+  app.set_version_flag("--version", "displayinfo " DISPLAYINFO_VERSION, "Print the version");
+  CLI::Option* const classOption =
+      app.add_option("CLASS", classes, "What to collect, in one request (default: all six classes)")
+          ->option_text("...");
+  CLI::Option* const machineOption =
+      app.add_option("--machine", options.machine, "Collect from a captured machine instead of this one")
+          ->option_text("DIR");
+  app.add_option("--request", requests, "One request of several classes; may be repeated, in order")
+      ->option_text("CLASS[,CLASS...]")
+      ->excludes(classOption)
+      ->allow_extra_args(false);
+  AddChoice(app, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
+      ->excludes(machineOption);
+  AddChoice(app, "--format", options.format, kFormats, "text for people (default), json for programs");
+  AddChoice(app, "--log-level", options.logLevel, kLogLevels,
+            "What of the log goes to standard error (default: status)");
+  app.add_option("--plugin", options.plugin,
+                 "The plug-in to load (default: beside the command, then the installed one)")
+      ->option_text("FILE");
+
+  try {
+    app.parse(argumentCount, arguments);
+    options.requests = MakeRequests(classes, requests);
+  } catch (const CLI::Success& done) {
+    line.exitStatus = app.exit(done);
+  } catch (const CLI::ParseError& error) {
+    std::cerr << "displayinfo: " << error.what() << " (displayinfo --help shows the usage)\n";
+    line.exitStatus = kWrongUsage;
+  }
+  return line;
+}

@@ -1,0 +1,55 @@
+#include "displayinfo/plugin_library.h"
+
+#include <dlfcn.h>
+
+#include <string>
+#include <vector>
+
+#include "displayinfo/machine.h"
+#include "embedded_host/embedded_host.h"
+#include "host/exception.h"
+
+namespace fs = std::filesystem;
+using NQRXZELT20::IPluginBasicQueryCallbacks;
+using NQRXZELT20::IPluginCallbacks;
+
+namespace {
+
+constexpr const char* kFileName = "libdisplayinfo.pi.so";
+
+void* Load(const fs::path& file) {
+  if (!fs::exists(file)) {
+    throw TUnusable(file.string() + ": no such plug-in; build it, or name another with --plugin FILE");
+  }
+  // A path without a slash would be looked for elsewhere.
+  void* library = dlopen(fs::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (library == nullptr) throw TUnusable(std::string("the plug-in cannot be loaded: ") + dlerror());
+  return library;
+}
+
+}  // namespace
+
+void TPluginLibrary::TClose::operator()(void* library) const { dlclose(library); }
+
+TPluginLibrary::TPluginLibrary(const fs::path& file, TEmbeddedHost& host) try : m_library(Load(file)) {
+  const std::vector<IPluginCallbacks*> registered = host.TakeRegistered();
+  if (registered.size() != 1) {
+    throw TUnusable(file.string() + ": registered " + std::to_string(registered.size()) +
+                    " plug-ins when it was loaded, not one; name another with --plugin FILE");
+  }
+  m_callbacks = registered.front();
+  m_queryCallbacks = dynamic_cast<IPluginBasicQueryCallbacks*>(m_callbacks);
+  if (m_queryCallbacks == nullptr) {
+    throw TUnusable(file.string() + ": its plug-in answers no requests; name another with --plugin FILE");
+  }
+} catch (const NQRXZELT20::TZELTException& exception) {
+  throw TUnusable(file.string() + ": the plug-in failed while it was loaded: " + exception.what());
+}
+
+TPluginLibrary::~TPluginLibrary() { m_callbacks->PrepareForUnload(); }
+
+fs::path FindPlugin() {
+  const fs::path beside = fs::read_symlink("/proc/self/exe").parent_path() / kFileName;
+  const fs::path installed = fs::path(DISPLAYINFO_PLUGIN_FOLDER) / kFileName;
+  return fs::exists(beside) || !fs::exists(installed) ? beside : installed;
+}

@@ -1,0 +1,86 @@
+#include "displayinfo/text_encoding.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <string_view>
+
+namespace {
+
+// The well-formed characters by their first byte: how long they are, and what their second byte may be (RFC 3629).
+struct TLead {
+  unsigned char first, last;
+  std::size_t length;
+  unsigned char secondFirst, secondLast;
+};
+
+constexpr TLead kLeads[] = {
+    {0x00, 0x7F, 1, 0x80, 0xBF}, {0xC2, 0xDF, 2, 0x80, 0xBF}, {0xE0, 0xE0, 3, 0xA0, 0xBF},
+    {0xE1, 0xEC, 3, 0x80, 0xBF}, {0xED, 0xED, 3, 0x80, 0x9F}, {0xEE, 0xEF, 3, 0x80, 0xBF},
+    {0xF0, 0xF0, 4, 0x90, 0xBF}, {0xF1, 0xF3, 4, 0x80, 0xBF}, {0xF4, 0xF4, 4, 0x80, 0x8F},
+};
+
+constexpr const char* kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+
+unsigned char At(std::string_view text, std::size_t position) { return static_cast<unsigned char>(text[position]); }
+
+bool Continues(std::string_view text, const TLead& lead) {
+  if (text.size() < lead.length) return false;
+  if (lead.length > 1 && (At(text, 1) < lead.secondFirst || At(text, 1) > lead.secondLast)) return false;
+  for (std::size_t position = 2; position < lead.length; ++position) {
+    if (At(text, position) < 0x80 || At(text, position) > 0xBF) return false;
+  }
+  return true;
+}
+
+/// The length in bytes of the well-formed character that the text begins with, or 0.
+std::size_t GetCharacterLength(std::string_view text) {
+  for (const TLead& lead : kLeads) {
+    if (At(text, 0) >= lead.first && At(text, 0) <= lead.last) return Continues(text, lead) ? lead.length : 0;
+  }
+  return 0;
+}
+
+bool IsControl(std::string_view character) {
+  const unsigned char first = At(character, 0);
+  const bool isC1 = first == 0xC2 && At(character, 1) < 0xA0;
+  return (first < 0x20 && first != '\t') || first == 0x7F || isC1;
+}
+
+std::string Escape(std::string_view control) {
+  std::string escaped;
+  for (const char byte : control) {
+    char text[8];
+    std::snprintf(text, sizeof text, "\\x%02x", static_cast<unsigned char>(byte));
+    escaped += text;
+  }
+  return escaped;
+}
+
+/// Goes through the characters of `text`; `show` gives what stands for a well-formed one.
+template <typename TShow>
+std::string Convert(std::string_view text, TShow show) {
+  std::string converted;
+  while (!text.empty()) {
+    const std::size_t length = GetCharacterLength(text);
+    if (length == 0) {
+      converted += kReplacement;
+      text.remove_prefix(1);
+    } else {
+      converted += show(text.substr(0, length));
+      text.remove_prefix(length);
+    }
+  }
+  return converted;
+}
+
+}  // namespace
+
+std::string ToUtf8(const std::string& text) {
+  return Convert(text, [](std::string_view character) { return character; });
+}
+
+std::string ToPrintable(const std::string& text) {
+  return Convert(text, [](std::string_view character) {
+    return IsControl(character) ? Escape(character) : std::string(character);
+  });
+}

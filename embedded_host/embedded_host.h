@@ -1,0 +1,72 @@
+// The embedded host: what a plug-in finds around it when no other host is there.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "embedded_host/cim_store.h"
+#include "embedded_host/host_services.h"
+#include "embedded_host/log.h"
+#include "embedded_host/machine_files.h"
+
+namespace NQRXZELT20 {
+class IPluginCallbacks;
+}
+
+/// How the host presents the machine to its plug-ins.
+struct THostConfiguration {
+  std::string systemName;
+  std::string systemCreationClassName = "CIM_UnitaryComputerSystem";
+  int systemType = 2;                // the answer to GetRunningTypeOnXen
+  bool provider = true;              // whether plug-ins are given a provider pointer
+  std::filesystem::path root = "/";  // where the machine's files are
+};
+
+/// A file that a plug-in asked for, and whether it was there.
+struct TFileQuery {
+  std::string path;
+  bool exists;
+};
+
+/// Serves the static services from its construction to its destruction; one at a time in a process.
+class HOST_API TEmbeddedHost : private IHostServices {
+ public:
+  /// `logListener` hears of each log message when it is written; it may be empty.
+  TEmbeddedHost(THostConfiguration configuration, std::function<void(const TLogEntry&)> logListener);
+  ~TEmbeddedHost() override;
+  TEmbeddedHost(const TEmbeddedHost&) = delete;
+  TEmbeddedHost& operator=(const TEmbeddedHost&) = delete;
+
+  /// The CIM model that plug-ins fill.
+  boost::shared_ptr<TCimStore> GetStore();
+
+  const TLog& GetLog() const;
+
+  /// Every question for a file's existence so far, in order.
+  const std::vector<TFileQuery>& GetFileQueries() const;
+
+  /// The plug-ins that registered since the last call of this, in that order. They live until PrepareForUnload.
+  std::vector<NQRXZELT20::IPluginCallbacks*> TakeRegistered();
+
+ private:
+  class TPluginManager;
+
+  NQRXZELT20::ILogger* GetCoreLogger() override;
+  boost::shared_ptr<NQRXZELT20::ICIMNamespace> GetPluginManager() override;
+  std::string GetSystemName(boost::shared_ptr<NQRXZELT20::ICIMNamespace> ns) override;
+  std::string GetSystemCreationClassName(boost::shared_ptr<NQRXZELT20::ICIMNamespace> ns) override;
+  bool FileExists(const std::string& path) override;
+  std::string CaptureFile(const std::string& path) override;
+  int GetRunningTypeOnXen() override;
+
+  THostConfiguration m_configuration;
+  TMachineFiles m_files;
+  std::vector<TFileQuery> m_fileQueries;
+  TLog m_log;
+  boost::shared_ptr<TCimStore> m_store;
+  boost::shared_ptr<TPluginManager> m_pluginManager;
+};

@@ -1,0 +1,71 @@
+#include "embedded_host/machine_files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "host/exception.h"
+
+namespace fs = std::filesystem;
+using NQRXZELT20::TZELTException;
+
+namespace {
+
+bool IsBelow(const fs::path& path, const fs::path& root) {
+  return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
+}
+
+class TOpenFile {
+ public:
+  // Without blocking: what was a file a moment ago may be a FIFO by now.
+  explicit TOpenFile(const fs::path& path)
+      : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)) {}
+  ~TOpenFile() {
+    if (m_descriptor >= 0) close(m_descriptor);
+  }
+  TOpenFile(const TOpenFile&) = delete;
+  TOpenFile& operator=(const TOpenFile&) = delete;
+
+  /// Appends the whole content to `content`; false, with errno set, when that fails.
+  bool ReadAll(std::string& content) const {
+    if (m_descriptor < 0) return false;
+    char piece[65536];
+    for (;;) {
+      const ssize_t count = read(m_descriptor, piece, sizeof piece);
+      if (count == 0) return true;
+      if (count < 0 && errno != EINTR) return false;
+      if (count > 0) content.append(piece, static_cast<std::size_t>(count));
+    }
+  }
+
+ private:
+  int m_descriptor;
+};
+
+}  // namespace
+
+TMachineFiles::TMachineFiles(fs::path root) : m_root(std::move(root)) {}
+
+bool TMachineFiles::Exists(const std::string& path) const { return !Locate(path).empty(); }
+
+std::string TMachineFiles::Read(const std::string& path) const {
+  const fs::path file = Locate(path);
+  if (file.empty()) throw TZELTException(path + ": no such file");
+  std::string content;
+  if (!TOpenFile(file).ReadAll(content)) throw TZELTException(path + ": " + std::strerror(errno));
+  return content;
+}
+
+fs::path TMachineFiles::Locate(const std::string& path) const {
+  std::error_code error;
+  const fs::path root = fs::canonical(m_root, error);
+  if (error) return {};
+  const fs::path file = fs::canonical(root / fs::path(path).relative_path(), error);
+  if (error || !IsBelow(file, root) || !fs::is_regular_file(file, error)) return {};
+  return file;
+}

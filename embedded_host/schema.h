@@ -1,0 +1,34 @@
+// The six CIM classes that the plug-in serves, as one table: every property with its type, whether it is a key, and
+// what it means. The host checks instances against it, and documentation is made from it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/cim_value.h"
+
+/// One property of a class.
+struct TPropertyDeclaration {
+  const char* name;
+  NQRXZELT20::TCIMValue::TCIMType::ECIMType type;  // of the elements, for an array
+  bool isArray;
+  bool isKey;
+  const char* unit;  // of a number; empty where there is none
+  const char* meaning;
+};
+
+/// One class. `properties` stand in the order in which people read them.
+struct HOST_API TClassDeclaration {
+  const char* name;
+  const char* meaning;
+  std::vector<TPropertyDeclaration> properties;
+
+  /// The declaration of that property, or null.
+  const TPropertyDeclaration* Find(const std::string& propertyName) const;
+};
+
+/// The six classes, in the order in which a collection asks for them by default.
+HOST_API const std::vector<TClassDeclaration>& GetSchema();
+
+/// The CIM name of a type: "uint16", or "uint16[]" for an array.
+HOST_API std::string GetTypeName(NQRXZELT20::TCIMValue::TCIMType type, bool isArray);

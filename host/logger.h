@@ -1,0 +1,20 @@
+// The host's log.
+#pragma once
+
+#include <string>
+
+#include "host/visibility.h"
+
+namespace NQRXZELT20 {
+
+class HOST_API ILogger {
+ public:
+  enum EZELTLogSeverity { kError = 0, kWarning = 1, kStatus = 2, kDebug = 3, kVerbose = 4 };
+
+  virtual ~ILogger();
+
+  /// Records one message. Prefixes, time stamps and line ends are the host's to add.
+  virtual void Write(EZELTLogSeverity severity, const std::string& message) = 0;
+};
+
+}  // namespace NQRXZELT20

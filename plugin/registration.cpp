@@ -1,0 +1,10 @@
+// What happens when the library is loaded: one callback object is made, and registers itself.
+#include "plugin/display_info_callbacks.h"
+
+int NQRXZELT20::gStarted = 0;
+
+/// Runs among the library's constructors. The object is not kept here: the host holds it from its registration to
+/// PrepareForUnload. What its constructor throws leaves the load.
+__attribute__((constructor)) HOST_API void TDisplayInfoInit();
+
+void TDisplayInfoInit() { new NQRXZELT20::TDisplayInfoCallbacks(); }

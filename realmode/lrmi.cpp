@@ -1,0 +1,64 @@
+#include "realmode/lrmi.h"
+
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "realmode/choose_bios.h"
+#include "realmode/real_mode_memory.h"
+#include "realmode/real_video_bios.h"
+#include "realmode/video_bios.h"
+
+namespace {
+
+/// What LRMI_init opens and LRMI_deInit closes: a BIOS that was started, on memory of its own.
+struct TSession {
+  std::shared_ptr<IVideoBios> bios;
+  TRealModeMemory memory;
+};
+
+std::shared_ptr<IVideoBios> g_chosen;
+std::optional<TSession> g_session;
+
+void OpenSession() {
+  g_session.emplace();
+  g_session->bios = g_chosen != nullptr ? g_chosen : std::make_shared<TRealVideoBios>();
+  if (!g_session->bios->Start(g_session->memory)) g_session.reset();
+}
+
+}  // namespace
+
+void ChooseVideoBios(std::shared_ptr<IVideoBios> bios) {
+  LRMI_deInit();
+  g_chosen = std::move(bios);
+}
+
+int LRMI_init() try {
+  if (!g_session) OpenSession();
+  return g_session ? 1 : 0;
+} catch (const std::bad_alloc&) {
+  g_session.reset();
+  return 0;
+}
+
+void* LRMI_alloc_real(int size) try {
+  return g_session && size > 0 ? g_session->memory.Allocate(static_cast<std::size_t>(size)) : nullptr;
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+
+void LRMI_free_real(void* buffer) {
+  if (g_session) g_session->memory.Release(buffer);
+}
+
+int LRMI_int(int interrupt, LRMI_regs* registers) try {
+  return g_session && g_session->bios->Interrupt(interrupt, *registers, g_session->memory) ? 1 : 0;
+} catch (const std::bad_alloc&) {
+  return 0;
+}
+
+void LRMI_deInit() {
+  if (!g_session) return;
+  g_session->bios->Stop();
+  g_session.reset();
+}

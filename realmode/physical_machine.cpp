@@ -1,0 +1,71 @@
+#include "realmode/physical_machine.h"
+
+#include <fcntl.h>
+#include <sys/io.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+constexpr const char* kMemoryDevice = "/dev/mem";
+constexpr int kFullPrivilege = 3;
+constexpr const char* kCure = "run as root (CAP_SYS_RAWIO), on a kernel that is not locked down";
+
+}  // namespace
+
+std::string TThisPhysicalMachine::Open() {
+  Close();
+  m_memory = open(kMemoryDevice, O_RDONLY | O_CLOEXEC);
+  if (m_memory < 0) {
+    return std::string("the video BIOS cannot be read from ") + kMemoryDevice + ": " + std::strerror(errno) + "; " +
+           kCure;
+  }
+  // Without it, the first IN or OUT of the BIOS would end the process.
+  if (iopl(kFullPrivilege) != 0) {
+    const std::string reason = std::strerror(errno);
+    Close();
+    return "the video BIOS cannot use the I/O ports: " + reason + "; " + kCure;
+  }
+  return std::string();
+}
+
+bool TThisPhysicalMachine::Read(std::uint32_t address, std::uint8_t* target, std::size_t size) {
+  while (size > 0) {
+    const ssize_t count = pread(m_memory, target, size, static_cast<off_t>(address));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    address += static_cast<std::uint32_t>(count);
+    target += count;
+    size -= static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+std::uint32_t TThisPhysicalMachine::In(std::uint16_t port, unsigned int bytes) {
+  switch (bytes) {
+    case 1:
+      return inb(port);
+    case 2:
+      return inw(port);
+    default:
+      return inl(port);
+  }
+}
+
+void TThisPhysicalMachine::Out(std::uint16_t port, std::uint32_t value, unsigned int bytes) {
+  switch (bytes) {
+    case 1:
+      return outb(static_cast<std::uint8_t>(value), port);
+    case 2:
+      return outw(static_cast<std::uint16_t>(value), port);
+    default:
+      return outl(value, port);
+  }
+}
+
+void TThisPhysicalMachine::Close() {
+  if (m_memory >= 0) close(m_memory);
+  m_memory = -1;
+}

@@ -1,0 +1,39 @@
+// The hardware beneath a real video BIOS: physical memory, which is only read, and the I/O ports.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+class IPhysicalMachine {
+ public:
+  virtual ~IPhysicalMachine() = default;
+
+  /// Asks for the privilege to use memory and ports. The empty string, or which privilege is missing and what it needs.
+  virtual std::string Open() = 0;
+
+  /// Copies `size` bytes of physical memory; false when they cannot be read.
+  virtual bool Read(std::uint32_t address, std::uint8_t* target, std::size_t size) = 0;
+
+  /// Port I/O of 1, 2 or 4 bytes.
+  virtual std::uint32_t In(std::uint16_t port, unsigned int bytes) = 0;
+  virtual void Out(std::uint16_t port, std::uint32_t value, unsigned int bytes) = 0;
+
+  /// Gives up the memory. The I/O privilege level stays as it is.
+  virtual void Close() = 0;
+};
+
+/// This machine, through /dev/mem and iopl.
+class TThisPhysicalMachine : public IPhysicalMachine {
+ public:
+  ~TThisPhysicalMachine() override { Close(); }
+
+  std::string Open() override;
+  bool Read(std::uint32_t address, std::uint8_t* target, std::size_t size) override;
+  std::uint32_t In(std::uint16_t port, unsigned int bytes) override;
+  void Out(std::uint16_t port, std::uint32_t value, unsigned int bytes) override;
+  void Close() override;
+
+ private:
+  int m_memory = -1;  // file descriptor
+};

@@ -1,0 +1,50 @@
+#include "realmode/real_mode_memory.h"
+
+#include <sys/mman.h>
+
+#include <new>
+
+namespace {
+
+constexpr std::size_t kParagraph = 16;  // bytes: what a segment counts in
+
+/// An anonymous mapping of `size` bytes at a multiple of `size`. Mapped rather than allocated: only the pages that a
+/// session touches cost anything.
+void* MapAligned(std::size_t size) {
+  void* const mapped = mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (mapped == MAP_FAILED) throw std::bad_alloc();
+  std::uint8_t* const begin = static_cast<std::uint8_t*>(mapped);
+  const std::size_t before = (size - reinterpret_cast<std::uintptr_t>(begin) % size) % size;
+  if (before != 0) munmap(begin, before);
+  munmap(begin + before + size, size - before);
+  return begin + before;
+}
+
+}  // namespace
+
+void TRealModeMemory::TFree::operator()(std::uint8_t* image) const { munmap(image, kSize); }
+
+TRealModeMemory::TRealModeMemory() : m_image(static_cast<std::uint8_t*>(MapAligned(kSize))) {}
+
+void TRealModeMemory::GrantPool(std::uint32_t begin, std::uint32_t end) {
+  m_poolBegin = begin;
+  m_poolEnd = end;
+}
+
+void* TRealModeMemory::Allocate(std::size_t size) {
+  if (size == 0 || size > m_poolEnd - m_poolBegin) return nullptr;
+  const auto rounded = static_cast<std::uint32_t>((size + kParagraph - 1) / kParagraph * kParagraph);
+  std::uint32_t begin = m_poolBegin;
+  for (const auto& [takenBegin, takenEnd] : m_allocated) {
+    if (takenBegin - begin >= rounded) break;
+    begin = takenEnd;
+  }
+  if (m_poolEnd - begin < rounded) return nullptr;
+  m_allocated[begin] = begin + rounded;
+  return At(begin);
+}
+
+void TRealModeMemory::Release(void* buffer) {
+  const auto address = reinterpret_cast<std::uintptr_t>(buffer) - reinterpret_cast<std::uintptr_t>(m_image.get());
+  if (address < kSize) m_allocated.erase(static_cast<std::uint32_t>(address));
+}

@@ -1,0 +1,20 @@
+// A video BIOS beneath the LRMI calls.
+#pragma once
+
+#include "realmode/lrmi.h"
+
+class TRealModeMemory;
+
+class IVideoBios {
+ public:
+  virtual ~IVideoBios() = default;
+
+  /// Prepares one session and grants the buffers their room in `memory`. False when the BIOS cannot be had.
+  virtual bool Start(TRealModeMemory& memory) = 0;
+
+  /// Runs one interrupt on that memory. False when it did not return; `registers` are then unchanged.
+  virtual bool Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) = 0;
+
+  /// Releases what Start took. Not called after a Start that returned false.
+  virtual void Stop() = 0;
+};

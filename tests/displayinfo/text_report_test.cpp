@@ -1,0 +1,149 @@
+#include "displayinfo/text_report.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+#include "embedded_host/schema.h"
+
+using NQRXZELT20::ILogger;
+using NQRXZELT20::TCIMDateTime;
+using NQRXZELT20::TCIMValue;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+class TextReport : public testing::Test {
+ protected:
+  boost::shared_ptr<TCimStore> store = TCimStore::Create(GetSchema());
+  TAnswer answer;
+
+  void Commit(const std::string& className, const std::map<std::string, TCIMValue>& properties) {
+    const auto instance = store->GetClass(className, {})->CreateInstance({});
+    for (const auto& [name, value] : properties) instance->SetProperty(name, value, {});
+    instance->Commit({});
+  }
+
+  std::string Make(const TRequest& classes, const std::vector<TLogEntry>& log = {}) {
+    answer.requests.push_back({classes, store->TakeCommits(), log});
+    return MakeTextReport(answer);
+  }
+
+  static std::size_t GetWidth(const std::string& text) {
+    std::istringstream lines(text);
+    std::size_t width = 0;
+    for (std::string line; std::getline(lines, line);) width = std::max(width, line.size());
+    return width;
+  }
+};
+
+}  // namespace
+
+TEST_F(TextReport, ShowsAMonitorWithAllItSays) {
+  TCIMDateTime date;
+  date.Set(2008, 4, 1, 6, 0, 0, 0, 0);
+  const auto byte = [](unsigned int value) { return TCIMValue(static_cast<unsigned char>(value)); };
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")},
+                                  {"Name", TCIMValue("Acme A190")},
+                                  {"MonitorManufacturer", TCIMValue("ACM")},
+                                  {"SerialNumber", TCIMValue("A190-1")},
+                                  {"ManufacturingDate", TCIMValue(date)},
+                                  {"HorizontalImageSize", byte(38)},
+                                  {"VerticalImageSize", byte(30)},
+                                  {"Gamma", TCIMValue(2.2F)},
+                                  {"MinHorizFreq", byte(30)},
+                                  {"MaxHorizFreq", byte(83)},
+                                  {"MinVertFreq", byte(56)},
+                                  {"MaxVertFreq", byte(76)},
+                                  {"Bandwidth", TCIMValue(140U)},
+                                  {"DPMSStandby", TCIMValue(true)},
+                                  {"DPMSSuspend", TCIMValue(false)},
+                                  {"DPMSActiveOff", TCIMValue(true)},
+                                  {"SupportedDigitalInterface", byte(2)},
+                                  {"EDIDVersion", TCIMValue(1.3F)}});
+  EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
+            "Monitors\n"
+            "  Monitor 1: Acme A190\n"
+            "    Manufacturer      ACM\n"
+            "    Serial number     A190-1\n"
+            "    Manufactured      week of 2008-04-01\n"
+            "    Picture           38 x 30 cm\n"
+            "    Gamma             2.2\n"
+            "    Line rate         30 to 83 kHz\n"
+            "    Field rate        56 to 76 Hz\n"
+            "    Pixel clock       140 MHz at most\n"
+            "    Power saving      standby, active off\n"
+            "    Digital interface 2\n"
+            "    EDID version      1.3\n");
+}
+
+TEST_F(TextReport, ShowsAMonitorThatSaysNothing) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
+  EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}), "Monitors\n  Monitor 1\n    Power saving      none\n");
+}
+
+TEST_F(TextReport, SaysWhyThereAreNoMonitorsInThePluginsOwnWords) {
+  const std::vector<TLogEntry> log = {
+      {ILogger::kDebug, "TDisplayInfoCallbacks::GetData - Received request for class QRXSG_DesktopMonitor."},
+      {ILogger::kStatus, "Lib not initialized. Cannot get monitor info."},
+      {ILogger::kStatus, "Lib not initialized. Cannot get monitor info."},
+      {ILogger::kDebug, "some detail"}};
+  EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}, log),
+            "Monitors\n"
+            "  None: no EDID from unit 0 of the video BIOS.\n"
+            "  The plug-in says:\n"
+            "    Lib not initialized. Cannot get monitor info.\n");
+}
+
+TEST_F(TextReport, DoesNotBlameTheMonitorsForAnotherClass) {
+  const std::vector<TLogEntry> log = {
+      {ILogger::kDebug, "TDisplayInfoCallbacks::GetData - Received request for class QRXSG_VideoHead."},
+      {ILogger::kStatus, "trouble with the heads"}};
+  EXPECT_EQ(Make({"QRXSG_VideoHead", "QRXSG_DesktopMonitor"}, log),
+            "Video controllers\n"
+            "  None: no X server configuration was asked for.\n"
+            "  The plug-in says:\n"
+            "    trouble with the heads\n"
+            "\n"
+            "Monitors\n"
+            "  None: no EDID from unit 0 of the video BIOS.\n");
+}
+
+TEST_F(TextReport, SaysThatNoConfigurationFileIsThere) {
+  answer.fileQueries = {{"/etc/X11/XF86Config", false}, {"/etc/X11/xorg.conf", false}};
+  EXPECT_THAT(Make({"QRXSG_VideoController"}),
+              HasSubstr("None: none of the 2 X server configuration files that were looked for is\n        there.\n"));
+}
+
+TEST_F(TextReport, NamesTheConfigurationFileThatYieldsNothing) {
+  answer.fileQueries = {{"/etc/X11/XF86Config", false}, {"/etc/X11/xorg.conf", true}};
+  EXPECT_THAT(Make({"QRXSG_VideoController"}), HasSubstr("None: /etc/X11/xorg.conf yields none.\n"));
+}
+
+TEST_F(TextReport, StaysWithinEightyColumns) {
+  std::string words;
+  for (int count = 0; count < 50; ++count) words += "word ";
+  Commit("QRXSG_DesktopMonitor",
+         {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue(words)}, {"SerialNumber", TCIMValue(words)}});
+  const std::string text = Make({"QRXSG_DesktopMonitor"});
+  EXPECT_LE(GetWidth(text), 80U) << text;
+  EXPECT_GT(GetWidth(text), 70U) << text;
+}
+
+TEST_F(TextReport, SendsNoControlBytes) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue("\x1B[2J")}});
+  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("Monitor 1: \\x1b[2J\n"));
+}
+
+TEST_F(TextReport, HeadsEachOfSeveralRequests) {
+  Make({"QRXSG_DesktopMonitor"});
+  EXPECT_EQ(Make({"QRXSG_DesktopMonitor", "QRXSG_MonitorSetting"}),
+            "Request: QRXSG_DesktopMonitor\n"
+            "Monitors\n"
+            "  None: no EDID from unit 0 of the video BIOS.\n"
+            "\n"
+            "Request: QRXSG_DesktopMonitor, QRXSG_MonitorSetting\n"
+            "Monitors\n"
+            "  None: no EDID from unit 0 of the video BIOS.\n");
+}

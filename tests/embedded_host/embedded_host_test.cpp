@@ -1,0 +1,116 @@
+#include "embedded_host/embedded_host.h"
+
+#include <gmock/gmock.h>
+
+#include "host/exception.h"
+#include "host/plugin_callbacks.h"
+#include "host/plugin_manager.h"
+#include "host/services.h"
+#include "tests/support/temporary_folder.h"
+
+using NQRXZELT20::ILogger;
+using NQRXZELT20::IPluginCallbacks;
+using NQRXZELT20::TCIMSchemaHelper;
+using NQRXZELT20::TOSSpecific;
+using NQRXZELT20::TPluginManagerNamespace;
+using NQRXZELT20::TRootObject;
+using NQRXZELT20::TZELTException;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+class TPlugin : public IPluginCallbacks {
+ public:
+  int GetType() override { return 0; }
+  std::string GetName() override { return "A plug-in"; }
+  std::string GetVersion() override { return "1"; }
+  std::string GetInterfaceVersion() override { return "1"; }
+  void PrepareForUnload() override {}
+  void Init() override {}
+  void DeInit() override {}
+  using IPluginCallbacks::GetProvider;
+};
+
+void Register(IPluginCallbacks& plugin) {
+  boost::dynamic_pointer_cast<TPluginManagerNamespace>(TRootObject::GetPluginManager())->RegisterPlugin(&plugin);
+}
+
+THostConfiguration Configure(bool provider) {
+  THostConfiguration configuration;
+  configuration.provider = provider;
+  return configuration;
+}
+
+}  // namespace
+
+TEST(EmbeddedHost, HandsOutTheRegisteredPluginsOnce) {
+  TEmbeddedHost host(THostConfiguration(), {});
+  TPlugin plugin;
+  Register(plugin);
+  EXPECT_THAT(host.TakeRegistered(), ElementsAre(&plugin));
+  EXPECT_THAT(host.TakeRegistered(), IsEmpty());
+}
+
+TEST(EmbeddedHost, GivesAProviderAtRegistration) {
+  const TEmbeddedHost host(Configure(true), {});
+  TPlugin plugin;
+  EXPECT_EQ(plugin.GetProvider(), nullptr);
+  Register(plugin);
+  EXPECT_NE(plugin.GetProvider(), nullptr);
+}
+
+TEST(EmbeddedHost, LeavesTheProviderNullWhenItHasNoneToGive) {
+  const TEmbeddedHost host(Configure(false), {});
+  TPlugin plugin;
+  Register(plugin);
+  EXPECT_EQ(plugin.GetProvider(), nullptr);
+}
+
+TEST(EmbeddedHost, AnswersWithItsConfiguration) {
+  THostConfiguration configuration;
+  configuration.systemName = "ws-17";
+  configuration.systemCreationClassName = "Some_System";
+  configuration.systemType = 7;
+  const TEmbeddedHost host(configuration, {});
+  EXPECT_EQ(TCIMSchemaHelper::GetSystemName(nullptr), "ws-17");
+  EXPECT_EQ(TCIMSchemaHelper::GetSystemCreationClassName(nullptr), "Some_System");
+  EXPECT_EQ(TOSSpecific::GetRunningTypeOnXen(), 7);
+}
+
+TEST(EmbeddedHost, LooksForFilesBelowItsRootAndNotesWhichItWasAskedFor) {
+  const TTemporaryFolder folder;
+  folder.Write("etc/xorg.conf", "text");
+  THostConfiguration configuration;
+  configuration.root = folder.GetPath();
+  TEmbeddedHost host(configuration, {});
+  EXPECT_FALSE(TOSSpecific::FileExists("/etc/other.conf"));
+  EXPECT_TRUE(TOSSpecific::FileExists("/etc/xorg.conf"));
+  EXPECT_EQ(TOSSpecific::CaptureFile("/etc/xorg.conf"), "text");
+  ASSERT_EQ(host.GetFileQueries().size(), 2U);
+  EXPECT_EQ(host.GetFileQueries()[1].path, "/etc/xorg.conf");
+  EXPECT_FALSE(host.GetFileQueries()[0].exists);
+  EXPECT_TRUE(host.GetFileQueries()[1].exists);
+}
+
+TEST(EmbeddedHost, LogsInOrderAndTellsTheListenerAtOnce) {
+  std::vector<TLogEntry> heard;
+  TEmbeddedHost host(THostConfiguration(), [&](const TLogEntry& entry) { heard.push_back(entry); });
+  TRootObject::GetCoreLogger()->Write(ILogger::kError, "first");
+  TRootObject::GetCoreLogger()->Write(ILogger::kVerbose, "second");
+  EXPECT_THAT(heard, ElementsAre(TLogEntry{ILogger::kError, "first"}, TLogEntry{ILogger::kVerbose, "second"}));
+  EXPECT_EQ(host.GetLog().GetEntries(), heard);
+}
+
+TEST(EmbeddedHost, NamesTheSeverities) {
+  EXPECT_STREQ(GetSeverityName(ILogger::kError), "error");
+  EXPECT_STREQ(GetSeverityName(ILogger::kWarning), "warning");
+  EXPECT_STREQ(GetSeverityName(ILogger::kStatus), "status");
+  EXPECT_STREQ(GetSeverityName(ILogger::kDebug), "debug");
+  EXPECT_STREQ(GetSeverityName(ILogger::kVerbose), "verbose");
+}
+
+TEST(EmbeddedHost, TakesItsServicesAwayWhenItGoes) {
+  { const TEmbeddedHost host(THostConfiguration(), {}); }
+  EXPECT_THROW(TRootObject::GetCoreLogger(), TZELTException);
+}

@@ -1,0 +1,52 @@
+#include "embedded_host/schema.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+typedef NQRXZELT20::TCIMValue::TCIMType TType;
+
+TEST(Schema, HasTheSixClassesInTheOrderOfACollection) {
+  std::string names;
+  for (const TClassDeclaration& declaration : GetSchema()) names += std::string(declaration.name) + " ";
+  EXPECT_EQ(names,
+            "QRXSG_VideoController QRXSG_VideoHead QRXSG_HeadOfVideoController QRXSG_DesktopMonitor "
+            "QRXSG_MonitorResolution QRXSG_MonitorSetting ");
+}
+
+TEST(Schema, HasTheKeysOfEachClass) {
+  const std::set<std::string> device = {"SystemCreationClassName", "SystemName", "CreationClassName", "DeviceID"};
+  const std::set<std::string> expected[] = {device, device,        {"Antecedent", "Dependent"},
+                                            device, {"SettingID"}, {"Element", "Setting"}};
+  for (std::size_t index = 0; index < 6; ++index) {
+    std::set<std::string> keys;
+    for (const TPropertyDeclaration& property : GetSchema()[index].properties) {
+      if (property.isKey) keys.insert(property.name);
+    }
+    EXPECT_EQ(keys, expected[index]) << GetSchema()[index].name;
+  }
+}
+
+TEST(Schema, ExplainsEveryPropertyOnce) {
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    std::set<std::string> names;
+    for (const TPropertyDeclaration& property : declaration.properties) {
+      EXPECT_TRUE(names.insert(property.name).second) << declaration.name << "." << property.name;
+      EXPECT_EQ(std::string(property.meaning).back(), '.') << declaration.name << "." << property.name;
+    }
+  }
+}
+
+TEST(Schema, FindsAPropertyByItsExactName) {
+  const TClassDeclaration& monitors = GetSchema()[3];
+  ASSERT_NE(monitors.Find("Gamma"), nullptr);
+  EXPECT_STREQ(monitors.Find("Gamma")->name, "Gamma");
+  EXPECT_EQ(monitors.Find("gamma"), nullptr);
+}
+
+TEST(Schema, NamesTheTypesAsCimDoes) {
+  EXPECT_EQ(GetTypeName(TType::kUint8, false), "uint8");
+  EXPECT_EQ(GetTypeName(TType::kUint16, true), "uint16[]");
+  EXPECT_EQ(GetTypeName(TType::kReal32, false), "real32");
+  EXPECT_EQ(GetTypeName(TType::kReference, false), "reference");
+}

@@ -1,0 +1,132 @@
+#include "realmode/lrmi.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "realmode/choose_bios.h"
+#include "realmode/virtual_video_bios.h"
+
+namespace {
+
+class Lrmi : public testing::Test {
+ protected:
+  Lrmi() { Choose(0x11); }
+  ~Lrmi() override { ChooseVideoBios(nullptr); }
+
+  /// A BIOS whose unit 0 has one block of this byte.
+  static void Choose(std::uint8_t byte) {
+    TVirtualBiosConfiguration configuration;
+    configuration.units[0].edid.assign(128, byte);
+    ChooseVideoBios(std::make_shared<TVirtualVideoBios>(configuration));
+  }
+
+  /// The first byte of unit 0's block, or -1.
+  static int ReadByte() {
+    std::uint8_t* const buffer = static_cast<std::uint8_t*>(LRMI_alloc_real(128));
+    if (buffer == nullptr) return -1;
+    LRMI_regs registers = {};
+    registers.eax = 0x4F15;
+    registers.ebx = 1;
+    registers.es = static_cast<unsigned short>(reinterpret_cast<std::uintptr_t>(buffer) / 16);
+    const int byte = LRMI_int(0x10, &registers) != 0 ? buffer[0] : -1;
+    LRMI_free_real(buffer);
+    return byte;
+  }
+
+  static std::size_t CountResidentPages() {
+    std::size_t total = 0;
+    std::size_t resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
+    return resident;
+  }
+
+  static std::ptrdiff_t CountEntries(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+  }
+
+  static std::size_t CountMappings() {
+    std::ifstream maps("/proc/self/maps");
+    std::size_t count = 0;
+    for (std::string line; std::getline(maps, line);) ++count;
+    return count;
+  }
+};
+
+}  // namespace
+
+TEST_F(Lrmi, ReachesTheChosenBios) {
+  EXPECT_EQ(LRMI_init(), 1);
+  EXPECT_EQ(ReadByte(), 0x11);
+}
+
+TEST_F(Lrmi, HasTheRegisterLayoutOfTheRealModeInterface) {
+  EXPECT_EQ(offsetof(LRMI_regs, ebx), 16U);
+  EXPECT_EQ(offsetof(LRMI_regs, eax), 28U);
+  EXPECT_EQ(offsetof(LRMI_regs, flags), 32U);
+  EXPECT_EQ(offsetof(LRMI_regs, es), 34U);
+  EXPECT_EQ(offsetof(LRMI_regs, ss), 48U);
+}
+
+TEST_F(Lrmi, DoesNothingBeforeItIsSetUp) {
+  LRMI_regs registers = {};
+  EXPECT_EQ(LRMI_alloc_real(128), nullptr);
+  EXPECT_EQ(LRMI_int(0x10, &registers), 0);
+  LRMI_free_real(&registers);
+  LRMI_deInit();
+}
+
+TEST_F(Lrmi, KeepsItsSessionWhenItIsSetUpTwice) {
+  LRMI_init();
+  void* const buffer = LRMI_alloc_real(128);
+  EXPECT_EQ(LRMI_init(), 1);
+  EXPECT_NE(LRMI_alloc_real(128), buffer);
+}
+
+TEST_F(Lrmi, AllocatesNothingOfANegativeSize) {
+  LRMI_init();
+  EXPECT_EQ(LRMI_alloc_real(-1), nullptr);
+}
+
+TEST_F(Lrmi, TakesASecondReleaseOfABuffer) {
+  LRMI_init();
+  void* const buffer = LRMI_alloc_real(128);
+  LRMI_free_real(buffer);
+  LRMI_free_real(buffer);
+  EXPECT_EQ(ReadByte(), 0x11);
+}
+
+TEST_F(Lrmi, FailsToSetUpABiosThatIsNotThere) {
+  TVirtualBiosConfiguration configuration;
+  configuration.present = false;
+  ChooseVideoBios(std::make_shared<TVirtualVideoBios>(configuration));
+  EXPECT_EQ(LRMI_init(), 0);
+  EXPECT_EQ(LRMI_alloc_real(128), nullptr);
+}
+
+TEST_F(Lrmi, EndsTheSessionWhenAnotherBiosIsChosen) {
+  LRMI_init();
+  Choose(0x22);
+  EXPECT_EQ(ReadByte(), -1);
+  LRMI_init();
+  EXPECT_EQ(ReadByte(), 0x22);
+}
+
+TEST_F(Lrmi, LeavesNothingBehindInTenThousandRounds) {
+  const auto round = [] {
+    ASSERT_EQ(LRMI_init(), 1);
+    ASSERT_EQ(ReadByte(), 0x11);
+    ASSERT_NE(LRMI_alloc_real(128), nullptr);  // left to LRMI_deInit
+    LRMI_deInit();
+  };
+  for (int count = 0; count < 1000; ++count) round();
+  const std::size_t pages = CountResidentPages();
+  const std::size_t mappings = CountMappings();
+  const std::ptrdiff_t descriptors = CountEntries("/proc/self/fd");
+  for (int count = 0; count < 10000; ++count) round();
+  // A round that kept one page would have kept 10,000.
+  EXPECT_LT(CountResidentPages(), pages + 1000);
+  EXPECT_LT(CountMappings(), mappings + 10);
+  EXPECT_EQ(CountEntries("/proc/self/fd"), descriptors);
+}

@@ -1,0 +1,75 @@
+#include "realmode/real_mode_memory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+class RealModeMemory : public testing::Test {
+ protected:
+  std::uint32_t AddressOf(const void* buffer) {
+    return static_cast<std::uint32_t>(static_cast<const std::uint8_t*>(buffer) - memory.At(0));
+  }
+
+  TRealModeMemory memory;
+};
+
+}  // namespace
+
+TEST_F(RealModeMemory, BeginsAtAMultipleOfItsSizeSoThatAPointerTellsItsSegment) {
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(memory.At(0)) % TRealModeMemory::kSize, 0U);
+}
+
+TEST_F(RealModeMemory, IsZeroAllOver) {
+  EXPECT_TRUE(
+      std::all_of(memory.At(0), memory.At(0) + TRealModeMemory::kSize, [](std::uint8_t byte) { return byte == 0; }));
+}
+
+TEST_F(RealModeMemory, HasNoRoomForBuffersUntilItIsGranted) { EXPECT_EQ(memory.Allocate(1), nullptr); }
+
+TEST_F(RealModeMemory, AllocatesParagraphsInsideThePool) {
+  memory.GrantPool(0x10000, 0x10040);
+  EXPECT_EQ(AddressOf(memory.Allocate(1)), 0x10000U);
+  EXPECT_EQ(AddressOf(memory.Allocate(17)), 0x10010U);
+  EXPECT_EQ(AddressOf(memory.Allocate(16)), 0x10030U);
+  EXPECT_EQ(memory.Allocate(1), nullptr);
+}
+
+TEST_F(RealModeMemory, AllocatesNothingOfNoSizeOrOfMoreThanThePool) {
+  memory.GrantPool(0x10000, 0x10040);
+  EXPECT_EQ(memory.Allocate(0), nullptr);
+  EXPECT_EQ(memory.Allocate(0x41), nullptr);
+  EXPECT_EQ(memory.Allocate(SIZE_MAX), nullptr);
+  EXPECT_NE(memory.Allocate(0x40), nullptr);
+}
+
+TEST_F(RealModeMemory, UsesReleasedRoomAgain) {
+  memory.GrantPool(0x10000, 0x10030);
+  memory.Allocate(16);
+  void* const middle = memory.Allocate(16);
+  memory.Allocate(16);
+  memory.Release(middle);
+  EXPECT_EQ(memory.Allocate(17), nullptr);
+  EXPECT_EQ(memory.Allocate(16), middle);
+}
+
+TEST_F(RealModeMemory, LeavesASecondReleaseWithoutEffect) {
+  memory.GrantPool(0x10000, 0x10020);
+  void* const first = memory.Allocate(16);
+  memory.Allocate(16);
+  memory.Release(first);
+  memory.Release(first);
+  EXPECT_EQ(memory.Allocate(16), first);
+  EXPECT_EQ(memory.Allocate(16), nullptr);
+}
+
+TEST_F(RealModeMemory, LeavesAloneWhatIsNotItsBuffer) {
+  memory.GrantPool(0x10000, 0x10010);
+  void* const buffer = memory.Allocate(16);
+  int elsewhere = 0;
+  memory.Release(nullptr);
+  memory.Release(&elsewhere);
+  memory.Release(static_cast<std::uint8_t*>(buffer) + 1);
+  EXPECT_EQ(memory.Allocate(16), nullptr);
+}

@@ -1,0 +1,238 @@
+// The emulated video BIOS, over a machine whose memory and ports are the test's. Its BIOSes are hand-assembled.
+#include "realmode/real_video_bios.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "realmode/physical_machine.h"
+#include "realmode/real_mode_memory.h"
+
+namespace {
+
+typedef std::vector<std::uint8_t> TCode;
+
+/// A machine with 1 MiB of memory, a video BIOS at C000:0000 whose interrupt handler is at C000:0010, and notes of what
+/// happened to its ports.
+struct TPhysical {
+  std::vector<std::uint8_t> memory = std::vector<std::uint8_t>(0x100000);
+  std::vector<std::string> ports;
+  std::string missingPrivilege;
+  int opened = 0;
+
+  explicit TPhysical(const TCode& handler) {
+    const TCode head = {0x55, 0xAA, 0x02};
+    std::copy(head.begin(), head.end(), memory.begin() + 0xC0000);
+    std::copy(handler.begin(), handler.end(), memory.begin() + 0xC0010);
+    const TCode vector = {0x10, 0x00, 0x00, 0xC0};
+    std::copy(vector.begin(), vector.end(), memory.begin() + 0x40);
+  }
+};
+
+class TTestMachine : public IPhysicalMachine {
+ public:
+  explicit TTestMachine(TPhysical& physical) : m_physical(physical) {}
+
+  std::string Open() override {
+    if (m_physical.missingPrivilege.empty()) ++m_physical.opened;
+    return m_physical.missingPrivilege;
+  }
+  bool Read(std::uint32_t address, std::uint8_t* target, std::size_t size) override {
+    std::copy_n(m_physical.memory.begin() + address, size, target);
+    return true;
+  }
+  std::uint32_t In(std::uint16_t port, unsigned int bytes) override {
+    m_physical.ports.push_back("in " + std::to_string(port) + " " + std::to_string(bytes));
+    return 0x12345678;
+  }
+  void Out(std::uint16_t port, std::uint32_t value, unsigned int bytes) override {
+    m_physical.ports.push_back("out " + std::to_string(port) + " " + std::to_string(value) + " " +
+                               std::to_string(bytes));
+  }
+  void Close() override { --m_physical.opened; }
+
+ private:
+  TPhysical& m_physical;
+};
+
+class RealVideoBios : public testing::Test {
+ protected:
+  static constexpr std::chrono::milliseconds kBudget{200};
+
+  /// Starts a BIOS with this handler.
+  bool Start(const TCode& handler) { return Start(TPhysical(handler)); }
+
+  bool Start(const TPhysical& machine) {
+    physical = std::make_unique<TPhysical>(machine);
+    bios = std::make_unique<TRealVideoBios>(std::make_unique<TTestMachine>(*physical), kBudget);
+    return bios->Start(memory);
+  }
+
+  bool Call(int interrupt = 0x10) { return bios->Interrupt(interrupt, registers, memory); }
+
+  std::unique_ptr<TPhysical> physical;
+  std::unique_ptr<TRealVideoBios> bios;
+  TRealModeMemory memory;
+  LRMI_regs registers = {};
+};
+
+}  // namespace
+
+TEST_F(RealVideoBios, RunsTheHandlerOfTheInterrupt) {
+  ASSERT_TRUE(Start(TCode{0xB8, 0x4F, 0x00,        // mov ax, 004Fh
+                          0x26, 0x88, 0x0D,        // mov es:[di], cl
+                          0x26, 0x88, 0x55, 0x01,  // mov es:[di+1], dl
+                          0xCF}));                 // iret
+  registers.eax = 0xABCD4F15;
+  registers.ecx = 7;
+  registers.edx = 9;
+  registers.edi = 2;
+  registers.es = 0x1000;
+  ASSERT_TRUE(Call());
+  EXPECT_EQ(registers.eax, 0xABCD004FU);
+  EXPECT_EQ(*memory.At(0x10002), 7);
+  EXPECT_EQ(*memory.At(0x10003), 9);
+  EXPECT_EQ(bios->GetFailure(), "");
+}
+
+TEST_F(RealVideoBios, GivesAndTakesEveryRegister) {
+  ASSERT_TRUE(Start(TCode{0x66, 0x43, 0x66, 0x41, 0x66, 0x42, 0x66, 0x46, 0x66, 0x47, 0x66, 0x45,  // inc of each
+                          0x8C, 0xD8, 0x40, 0x8E, 0xD8,  // ax = ds; inc ax; ds = ax
+                          0xCF}));
+  registers.ebx = 0x10000001;
+  registers.ecx = 0x10000002;
+  registers.edx = 0x10000003;
+  registers.esi = 0x10000004;
+  registers.edi = 0x10000005;
+  registers.ebp = 0x10000006;
+  registers.ds = 0x4000;
+  registers.es = 0x5000;
+  ASSERT_TRUE(Call());
+  EXPECT_EQ(registers.ebx, 0x10000002U);
+  EXPECT_EQ(registers.ecx, 0x10000003U);
+  EXPECT_EQ(registers.edx, 0x10000004U);
+  EXPECT_EQ(registers.esi, 0x10000005U);
+  EXPECT_EQ(registers.edi, 0x10000006U);
+  EXPECT_EQ(registers.ebp, 0x10000007U);
+  EXPECT_EQ(registers.ds, 0x4001);
+  EXPECT_EQ(registers.es, 0x5000);
+}
+
+TEST_F(RealVideoBios, RunsInterruptsOfTheHandlerItself) {
+  TPhysical machine(TCode{0xCD, 0x42, 0xCF});     // int 42h; iret
+  const TCode nested = {0xB0, 0x77, 0xCF};        // mov al, 77h; iret
+  const TCode vector = {0x00, 0x01, 0x00, 0xC0};  // C000:0100
+  std::copy(nested.begin(), nested.end(), machine.memory.begin() + 0xC0100);
+  std::copy(vector.begin(), vector.end(), machine.memory.begin() + 0x42 * 4);
+  ASSERT_TRUE(Start(machine));
+  ASSERT_TRUE(Call());
+  EXPECT_EQ(registers.eax, 0x77U);
+}
+
+TEST_F(RealVideoBios, LetsPortsThroughInEachWidth) {
+  ASSERT_TRUE(Start(TCode{0xBA, 0xC4, 0x03,  // mov dx, 3C4h
+                          0xB0, 0x05, 0xEE,  // mov al, 5; out dx, al
+                          0xED,              // in ax, dx
+                          0x66, 0xED,        // in eax, dx
+                          0xCF}));
+  ASSERT_TRUE(Call());
+  EXPECT_EQ(physical->ports, (std::vector<std::string>{"out 964 5 1", "in 964 2", "in 964 4"}));
+  EXPECT_EQ(registers.eax, 0x12345678U);
+}
+
+TEST_F(RealVideoBios, NeverWritesToPhysicalMemory) {
+  ASSERT_TRUE(Start(TCode{0x31, 0xC0, 0x8E, 0xC0, 0x31, 0xFF,  // es = 0, di = 0
+                          0xB9, 0x00, 0x10, 0xB0, 0xEE,        // cx = 1000h, al = EEh
+                          0xF3, 0xAA,                          // rep stosb: over page 0
+                          0xCF}));
+  const std::vector<std::uint8_t> before = physical->memory;
+  ASSERT_TRUE(Call());
+  EXPECT_EQ(*memory.At(0x800), 0xEE);
+  EXPECT_EQ(physical->memory, before);
+}
+
+TEST_F(RealVideoBios, ReadsOnesAndLosesWritesBeyondTheFirstMegabyte) {
+  ASSERT_TRUE(Start(TCode{0xB8, 0xFF, 0xFF, 0x8E, 0xC0,        // es = FFFFh
+                          0x26, 0xC6, 0x06, 0x10, 0x00, 0x00,  // mov byte es:[10h], 0
+                          0x26, 0xA0, 0x10, 0x00,              // mov al, es:[10h]
+                          0xCF}));
+  ASSERT_TRUE(Call());
+  EXPECT_EQ(registers.eax & 0xFF, 0xFFU);
+}
+
+TEST_F(RealVideoBios, GivesUpAHandlerThatNeverReturns) {
+  ASSERT_TRUE(Start(TCode{0xEB, 0xFE}));  // jmp $
+  EXPECT_FALSE(Call());
+  EXPECT_EQ(bios->GetFailure(), "the video BIOS did not return within 200 ms");
+}
+
+TEST_F(RealVideoBios, GivesUpInTheMidstOfALongStringInstruction) {
+  ASSERT_TRUE(Start(TCode{0x66, 0xB9, 0xFF, 0xFF, 0xFF, 0xFF,  // mov ecx, FFFFFFFFh
+                          0x67, 0xF3, 0xAA}));                 // rep stosb over all of ecx
+  EXPECT_FALSE(Call());
+  EXPECT_EQ(bios->GetFailure(), "the video BIOS did not return within 200 ms");
+}
+
+TEST_F(RealVideoBios, WorksAgainAfterItGaveUp) {
+  TPhysical machine(TCode{0x84, 0xC9, 0x75, 0xFE, 0xCF});  // test cl, cl; jnz $; iret
+  ASSERT_TRUE(Start(machine));
+  registers.ecx = 1;
+  EXPECT_FALSE(Call());
+  registers.ecx = 0;
+  EXPECT_TRUE(Call());
+}
+
+TEST_F(RealVideoBios, TakesAHaltForAFailure) {
+  ASSERT_TRUE(Start(TCode{0xF4}));
+  EXPECT_FALSE(Call());
+  EXPECT_EQ(bios->GetFailure(), "the video BIOS stopped before it returned");
+}
+
+TEST_F(RealVideoBios, LeavesTheRegistersOfAFailedCall) {
+  ASSERT_TRUE(Start(TCode{0xB8, 0x4F, 0x00, 0xF4}));  // mov ax, 004Fh; hlt
+  registers.eax = 0x4F15;
+  EXPECT_FALSE(Call());
+  EXPECT_EQ(registers.eax, 0x4F15U);
+}
+
+TEST_F(RealVideoBios, NeedsAHandler) {
+  ASSERT_TRUE(Start(TCode{0xCF}));
+  EXPECT_FALSE(Call(0x11));
+  EXPECT_FALSE(Call(0x100));
+  EXPECT_FALSE(Call(-1));
+  EXPECT_EQ(bios->GetFailure(), "the video BIOS has no handler for the interrupt");
+}
+
+TEST_F(RealVideoBios, NeedsTheSignatureOfAVideoBios) {
+  TPhysical machine(TCode{0xCF});
+  machine.memory[0xC0000] = 0;
+  EXPECT_FALSE(Start(machine));
+  EXPECT_EQ(bios->GetFailure(), "this machine has no video BIOS that can be read, as one started by UEFI may not");
+  EXPECT_EQ(physical->opened, 0);
+}
+
+TEST_F(RealVideoBios, TellsWhichPrivilegeIsMissing) {
+  TPhysical machine(TCode{0xCF});
+  machine.missingPrivilege = "no memory for you";
+  EXPECT_FALSE(Start(machine));
+  EXPECT_EQ(bios->GetFailure(), "no memory for you");
+}
+
+TEST_F(RealVideoBios, CopiesNoMoreThanTheVideoBiosTellsNorMoreThanThereIsRoomFor) {
+  TPhysical machine(TCode{0xCF});
+  std::fill(machine.memory.begin() + 0xC0400, machine.memory.begin() + 0xF0000, std::uint8_t{0x99});
+  ASSERT_TRUE(Start(machine));
+  EXPECT_EQ(*memory.At(0xC0400), 0);
+  machine.memory[0xC0002] = 0xFF;
+  ASSERT_TRUE(Start(machine));
+  EXPECT_EQ(*memory.At(0xC0000 + 0xFF * 512 - 1), 0x99);
+  EXPECT_EQ(*memory.At(0xC0000 + 0xFF * 512), 0);
+}
+
+TEST_F(RealVideoBios, ClosesTheMachineWhenItStops) {
+  ASSERT_TRUE(Start(TCode{0xCF}));
+  EXPECT_EQ(physical->opened, 1);
+  bios->Stop();
+  EXPECT_EQ(physical->opened, 0);
+}

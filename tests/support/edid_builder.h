@@ -1,0 +1,53 @@
+// Builds EDIDs (VESA Enhanced EDID standard, version 1) from what they are to say.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// Starts with a valid base block that says as little as it can: version 1.3, no maker, no date, no size, no gamma,
+/// four dummy descriptors, no timings, no extensions. Build mends the checksums and the extension count.
+class TEdidBuilder {
+ public:
+  TEdidBuilder();
+
+  /// Three capital letters.
+  TEdidBuilder& Manufacturer(const std::string& letters);
+  TEdidBuilder& Version(unsigned int version, unsigned int revision);
+  /// `year` is the calendar year, 1990 to 2245.
+  TEdidBuilder& Made(unsigned int week, unsigned int year);
+  /// In centimetres.
+  TEdidBuilder& ImageSize(unsigned int width, unsigned int height);
+  /// The stored byte: gamma times 100, less 100.
+  TEdidBuilder& Gamma(unsigned int stored);
+  TEdidBuilder& Features(unsigned int bits);
+
+  /// Fills descriptor slot 0 to 3.
+  TEdidBuilder& Text(unsigned int slot, unsigned int tag, const std::string& text);
+  TEdidBuilder& Name(unsigned int slot, const std::string& name) { return Text(slot, 0xFC, name); }
+  TEdidBuilder& Serial(unsigned int slot, const std::string& serial) { return Text(slot, 0xFF, serial); }
+  /// Rates in kHz and Hz; `clock` in units of 10 MHz, 0xFF for none.
+  TEdidBuilder& RangeLimits(unsigned int slot, unsigned int minVert, unsigned int maxVert, unsigned int minHoriz,
+                            unsigned int maxHoriz, unsigned int clock);
+  TEdidBuilder& DetailedTiming(unsigned int slot, bool interlaced);
+
+  /// The two bytes of established timings.
+  TEdidBuilder& Established(unsigned int first, unsigned int second);
+  /// Standard timing 0 to 7 as its two bytes.
+  TEdidBuilder& Standard(unsigned int index, unsigned int first, unsigned int second);
+
+  /// Appends an extension block that begins with these bytes and is zero after them.
+  TEdidBuilder& Extension(const std::vector<std::uint8_t>& head);
+
+  /// Sets any byte, after all else; checksums are mended all the same unless this sets them.
+  TEdidBuilder& Byte(std::size_t offset, unsigned int value);
+
+  std::vector<std::uint8_t> Build() const;
+
+ private:
+  std::uint8_t* Slot(unsigned int slot) { return &m_bytes[54 + std::size_t{18} * slot]; }
+
+  std::vector<std::uint8_t> m_bytes;
+  std::vector<std::pair<std::size_t, std::uint8_t>> m_overrides;
+};
