@@ -1,10 +1,7 @@
 // One property map for each desktop monitor.
-#include <algorithm>
-
 #include "host/cim_objects.h"
 #include "host/exception.h"
 #include "host/services.h"
-#include "monitor/edid_layout.h"
 #include "monitor/monitor_info.h"
 
 using NQRXZELT20::ICIMNamespace;
@@ -15,26 +12,19 @@ using NQRXZELT20::TZELTException;
 
 std::vector<PropertyMap> TMonitorInfo::GetMonitorInfo() {
   std::vector<PropertyMap> monitors;
-  edid::TBuffer accepted = {};
-  for (int unit = 0; true;) {
-    edid::TBuffer buffer = {};
-    unsigned int length = edid::kBufferSize;
-    const bool noEdid = ReadEdid(unit, buffer.data(), &length);
-    // A BIOS that ignores the unit answers for the same monitor again.
-    const bool isRepeat = unit > 0 && std::equal(buffer.begin(), buffer.begin() + edid::kBlockSize, accepted.begin());
-    if (isRepeat || noEdid || length == 0) return monitors;
-    if (ParseMonitorEdid(buffer.data(), length) != 0) {
+  WalkUnits([&](const std::string& deviceId, unsigned char* edid, unsigned int length) {
+    // An EDID that does not decode ends the walk; the monitors before it stay.
+    if (length == 0 || ParseMonitorEdid(edid, length) != 0) {
       m_properties.clear();
-      return monitors;
+      return false;
     }
-
-    ++unit;
-    Insert("DeviceID", TCIMValue("Monitor " + std::to_string(unit)));
-    if (GetDeviceKeyProperties() != 0) return monitors;
-    std::copy_n(buffer.begin(), length, accepted.begin());
+    Insert("DeviceID", TCIMValue(deviceId));
+    if (GetDeviceKeyProperties() != 0) return false;
     monitors.push_back(m_properties);
     m_properties.clear();
-  }
+    return true;
+  });
+  return monitors;
 }
 
 int TMonitorInfo::GetDeviceKeyProperties() {

@@ -136,7 +136,7 @@ TCIMDateTime TMonitorInfo::GetMfgDateTime(unsigned char week, unsigned short yea
 }
 
 int TMonitorInfo::GetEdidTag(unsigned char* descriptor) {
-  if (descriptor[0] != 0 || descriptor[1] != 0) return -2;
+  if (descriptor[0] != 0 || descriptor[1] != 0) return kDetailedTiming;
   char message[64];
   std::snprintf(message, sizeof message, "Monitor Information EDID Tag: %x ", descriptor[edid::kDescriptorTag]);
   WriteDebug(message);

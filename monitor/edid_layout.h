@@ -24,6 +24,9 @@ constexpr std::size_t kHorizontalImageSize = 21;  // cm
 constexpr std::size_t kVerticalImageSize = 22;    // cm
 constexpr std::size_t kGamma = 23;                // (gamma * 100) - 100
 constexpr std::size_t kFeatures = 24;
+constexpr std::size_t kEstablishedTimings = 35;  // two bytes of bits
+constexpr std::size_t kStandardTimings = 38;     // eight entries of two bytes
+constexpr std::size_t kStandardTimingCount = 8;
 constexpr std::size_t kExtensionCount = 126;
 
 constexpr unsigned short kFirstYear = 1990;
@@ -42,6 +45,10 @@ constexpr std::size_t kDescriptorTextSize = 13;  // bytes
 constexpr int kTagName = 0xFC;
 constexpr int kTagRangeLimits = 0xFD;
 constexpr int kTagSerialNumber = 0xFF;
+
+// A slot that is a detailed timing.
+constexpr std::size_t kTimingFlags = 17;
+constexpr unsigned char kInterlaced = 0x80;
 
 // A range limits descriptor.
 constexpr std::size_t kMinVertFreq = 5;   // Hz

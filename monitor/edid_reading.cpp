@@ -1,6 +1,7 @@
 // Reading an EDID through the video BIOS: VBE/DDC function 0x4F15 of interrupt 0x10 (VESA VBE/DDC standard).
 #include <sys/io.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -89,6 +90,21 @@ bool TMonitorInfo::ReadEdid(int unit, unsigned char* edid, unsigned int* length)
   *length = static_cast<unsigned int>(blocks * edid::kBlockSize);
   LRMI_free_real(buffer);
   return *length == 0;
+}
+
+/// Reads the units in order, each into a zeroed buffer, until one has no EDID or `take` has had enough.
+void TMonitorInfo::WalkUnits(const TTakeEdid& take) {
+  edid::TBuffer taken = {};
+  for (int unit = 0; true; ++unit) {
+    edid::TBuffer buffer = {};
+    unsigned int length = edid::kBufferSize;
+    const bool noEdid = ReadEdid(unit, buffer.data(), &length);
+    // A BIOS that ignores the unit answers for the same monitor again.
+    const bool isRepeat = unit > 0 && std::equal(buffer.begin(), buffer.begin() + edid::kBlockSize, taken.begin());
+    if (isRepeat || noEdid) return;
+    if (!take("Monitor " + std::to_string(unit + 1), buffer.data(), length)) return;
+    std::copy_n(buffer.begin(), length, taken.begin());
+  }
 }
 
 bool TMonitorInfo::PrepareRealMode() {

@@ -43,7 +43,9 @@ std::vector<ICIMInstance*> TMonitorInfo::GetCIMInstances(std::string className) 
   m_lrmiReady = false;
   const TRealModeEnd end(m_lrmiReady);
   std::vector<PropertyMap> maps;
+  if (className == "QRXSG_MonitorSetting") maps = MakeMonitorSettingAssociation();
   if (className == "QRXSG_DesktopMonitor") maps = GetMonitorInfo();
+  if (className == "QRXSG_MonitorResolution") maps = GetMonitorResolution();
 
   std::vector<ICIMInstance*> instances;
   for (const PropertyMap& map : maps) {

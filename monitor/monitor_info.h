@@ -7,6 +7,7 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,22 @@ class TMonitorInfo : public TDisplay {
   /// Always 0.
   int GetDeviceKeyProperties();
 
+  // Monitor resolutions (monitor_resolutions.cpp).
+
+  /// One map per mode that an EDID declares, for units 0, 1, 2, ... until one has no EDID or repeats the one before.
+  /// Unlike the monitors, a unit whose EDID does not decode gives no modes and does not end the walk.
+  std::vector<PropertyMap> GetMonitorResolution();
+
+  /// The modes of one EDID, numbered from 1 behind the device id set beforehand. None, with a message, when it is not
+  /// an EDID of version 1 or no device id is set.
+  std::vector<PropertyMap> GetResolutionInfo(unsigned char* edid, unsigned int length);
+
+  // Monitor settings (monitor_settings.cpp).
+
+  /// One map for each pair of a monitor and one of its modes that the host holds. A TZELTException of the host ends the
+  /// pass, is logged, and leaves the pairs made before; anything else passes through.
+  std::vector<PropertyMap> MakeMonitorSettingAssociation();
+
   // Reading an EDID through the video BIOS (edid_reading.cpp).
 
   /// Reads the EDID of a controller unit, at most 15 blocks of it, into a buffer of 2048 bytes. `length` becomes the
@@ -67,7 +84,10 @@ class TMonitorInfo : public TDisplay {
   /// from 1; `year` is the calendar year.
   NQRXZELT20::TCIMDateTime GetMfgDateTime(unsigned char week, unsigned short year);
 
-  /// The tag of an 18-byte descriptor slot, 0 to 255; -2 for a detailed timing, -1 for a reserved byte that is not 0.
+  static constexpr int kDetailedTiming = -2;
+
+  /// The tag of an 18-byte descriptor slot, 0 to 255; kDetailedTiming for a detailed timing, -1 for a reserved byte
+  /// that is not 0.
   int GetEdidTag(unsigned char* descriptor);
 
   /// Assigns the text of an 18-byte descriptor slot, at most 13 bytes up to a line feed or a zero byte.
@@ -80,7 +100,14 @@ class TMonitorInfo : public TDisplay {
   const PropertyMap& GetProperties() const { return m_properties; }
 
  private:
+  /// Takes one monitor's EDID, of `length` bytes in its buffer; `deviceId` is "Monitor 1" for unit 0. False ends the
+  /// walk.
+  typedef std::function<bool(const std::string& deviceId, unsigned char* edid, unsigned int length)> TTakeEdid;
+
+  void WalkUnits(const TTakeEdid& take);
   bool PrepareRealMode();
+
+  unsigned short GetScanMode(unsigned char* edid);
 
   void Insert(const char* name, const NQRXZELT20::TCIMValue& value);
   void InsertText(const char* name, const std::string& text);

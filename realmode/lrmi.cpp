@@ -1,6 +1,7 @@
 #include "realmode/lrmi.h"
 
-#include <new>
+#include <cstddef>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -33,17 +34,19 @@ void ChooseVideoBios(std::shared_ptr<IVideoBios> bios) {
   g_chosen = std::move(bios);
 }
 
+// An exception ends in the call's own failure result: the caller may be C, through which none may pass.
+
 int LRMI_init() try {
   if (!g_session) OpenSession();
   return g_session ? 1 : 0;
-} catch (const std::bad_alloc&) {
+} catch (...) {
   g_session.reset();
   return 0;
 }
 
 void* LRMI_alloc_real(int size) try {
   return g_session && size > 0 ? g_session->memory.Allocate(static_cast<std::size_t>(size)) : nullptr;
-} catch (const std::bad_alloc&) {
+} catch (...) {
   return nullptr;
 }
 
@@ -53,12 +56,14 @@ void LRMI_free_real(void* buffer) {
 
 int LRMI_int(int interrupt, LRMI_regs* registers) try {
   return g_session && g_session->bios->Interrupt(interrupt, *registers, g_session->memory) ? 1 : 0;
-} catch (const std::bad_alloc&) {
+} catch (...) {
   return 0;
 }
 
-void LRMI_deInit() {
+void LRMI_deInit() try {
   if (!g_session) return;
   g_session->bios->Stop();
+  g_session.reset();
+} catch (...) {
   g_session.reset();
 }

@@ -6,24 +6,30 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace {
 
-constexpr const char* kMemoryDevice = "/dev/mem";
 constexpr int kFullPrivilege = 3;
 constexpr const char* kCure = "run as root (CAP_SYS_RAWIO), on a kernel that is not locked down";
 
 }  // namespace
 
+TThisPhysicalMachine::TThisPhysicalMachine() : TThisPhysicalMachine("/dev/mem", iopl) {}
+
+TThisPhysicalMachine::TThisPhysicalMachine(std::string memoryDevice, TRaisePrivilege raisePrivilege)
+    : m_memoryDevice(std::move(memoryDevice)), m_raisePrivilege(std::move(raisePrivilege)) {}
+
+TThisPhysicalMachine::~TThisPhysicalMachine() { TThisPhysicalMachine::Close(); }
+
 std::string TThisPhysicalMachine::Open() {
   Close();
-  m_memory = open(kMemoryDevice, O_RDONLY | O_CLOEXEC);
+  m_memory = open(m_memoryDevice.c_str(), O_RDONLY | O_CLOEXEC);
   if (m_memory < 0) {
-    return std::string("the video BIOS cannot be read from ") + kMemoryDevice + ": " + std::strerror(errno) + "; " +
-           kCure;
+    return "the video BIOS cannot be read from " + m_memoryDevice + ": " + std::strerror(errno) + "; " + kCure;
   }
   // Without it, the first IN or OUT of the BIOS would end the process.
-  if (iopl(kFullPrivilege) != 0) {
+  if (m_raisePrivilege(kFullPrivilege) != 0) {
     const std::string reason = std::strerror(errno);
     Close();
     return "the video BIOS cannot use the I/O ports: " + reason + "; " + kCure;

@@ -3,7 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
+
+#include "realmode/api.h"
 
 class IPhysicalMachine {
  public:
@@ -23,10 +26,16 @@ class IPhysicalMachine {
   virtual void Close() = 0;
 };
 
-/// This machine, through /dev/mem and iopl.
-class TThisPhysicalMachine : public IPhysicalMachine {
+/// This machine, through its memory device and its I/O privilege level.
+class REALMODE_API TThisPhysicalMachine : public IPhysicalMachine {
  public:
-  ~TThisPhysicalMachine() override { Close(); }
+  /// Raises the I/O privilege to that level, as iopl does: 0, or -1 with the reason in errno.
+  typedef std::function<int(int level)> TRaisePrivilege;
+
+  /// Through /dev/mem and iopl.
+  TThisPhysicalMachine();
+  TThisPhysicalMachine(std::string memoryDevice, TRaisePrivilege raisePrivilege);
+  ~TThisPhysicalMachine() override;
 
   std::string Open() override;
   bool Read(std::uint32_t address, std::uint8_t* target, std::size_t size) override;
@@ -35,5 +44,7 @@ class TThisPhysicalMachine : public IPhysicalMachine {
   void Close() override;
 
  private:
+  const std::string m_memoryDevice;
+  const TRaisePrivilege m_raisePrivilege;
   int m_memory = -1;  // file descriptor
 };

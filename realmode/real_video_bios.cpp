@@ -2,7 +2,10 @@
 
 #include <x86emu.h>
 
+#include <algorithm>
 #include <csetjmp>
+#include <iterator>
+#include <utility>
 
 #include "realmode/physical_machine.h"
 #include "realmode/real_mode_memory.h"
@@ -12,7 +15,6 @@ namespace {
 // The first megabyte as a BIOS knows it.
 constexpr std::uint32_t kPageSize = 0x1000;
 constexpr std::uint32_t kVideoBios = 0xC0000;
-constexpr std::uint32_t kVideoBiosEnd = 0xF0000;
 constexpr std::uint32_t kSystemBios = 0xF0000;
 constexpr std::uint32_t kSystemBiosSize = 0x10000;
 
@@ -20,6 +22,7 @@ constexpr std::uint32_t kSystemBiosSize = 0x10000;
 constexpr std::uint8_t kSignature[] = {0x55, 0xAA};
 constexpr std::uint32_t kSizeOffset = 2;
 constexpr std::uint32_t kSizeUnit = 512;
+static_assert(kVideoBios + 0xFF * kSizeUnit <= kSystemBios, "the largest video BIOS ends before the system BIOS");
 
 // What a session lays out in the conventional memory between them.
 constexpr std::uint32_t kPoolBegin = 0x10000;
@@ -54,12 +57,14 @@ void CheckTime(TRun& run) {
 }
 
 /// Memory beyond the image does not exist: reads give ones, writes are lost.
-unsigned int ReadMemory(TRun& run, std::uint32_t address, std::uint32_t* value, unsigned int bytes) {
+std::uint8_t ReadByte(const TRun& run, std::uint32_t address) {
+  return address < TRealModeMemory::kSize ? *run.memory->At(address) : std::uint8_t{0xFF};
+}
+
+unsigned int ReadMemory(const TRun& run, std::uint32_t address, std::uint32_t* value, unsigned int bytes) {
   *value = 0;
   for (unsigned int index = 0; index < bytes; ++index) {
-    const std::uint32_t at = address + index;
-    const std::uint32_t byte = at < TRealModeMemory::kSize ? *run.memory->At(at) : 0xFF;
-    *value |= byte << (8 * index);
+    *value |= std::uint32_t{ReadByte(run, address + index)} << (8 * index);
   }
   return 0;
 }
@@ -92,11 +97,41 @@ unsigned int Access(x86emu_t* emulator, std::uint32_t address, std::uint32_t* va
   }
 }
 
-/// Called before each instruction: ends the run when the interrupt has come back.
-int CheckReturn(x86emu_t* emulator) {
+constexpr std::uint8_t kOperandSizePrefix = 0x66;
+constexpr std::uint8_t kPrefixes[] = {0x26, 0x2E, 0x36, 0x3E, 0x64, 0x65, kOperandSizePrefix, 0x67, 0xF0, 0xF2, 0xF3};
+constexpr std::uint32_t kLongestInstruction = 15;  // bytes
+
+constexpr std::uint8_t kAdjustAfterMultiply = 0xD4;  // AAM: divides AL by the byte that follows
+constexpr std::uint8_t kUnaryGroup = 0xF7;           // its operations are told apart by bits 3 to 5 of the next byte
+constexpr unsigned int kSignedDivision = 7;          // IDIV of DX:AX or EDX:EAX
+
+/// Whether the smallest dividend there is stands in the registers: no divisor brings its quotient into range.
+bool IsSmallestDividend(const x86emu_t* emulator, bool is32Bit) {
+  return is32Bit ? emulator->x86.R_EDX == 0x80000000U && emulator->x86.R_EAX == 0
+                 : emulator->x86.R_DX == 0x8000 && emulator->x86.R_AX == 0;
+}
+
+/// Whether the next instruction is one of two divisions that are bound to end in a divide error. The emulator leaves
+/// it to the processor beneath to find that out, whose SIGFPE would end the process.
+bool IsHopelessDivision(const x86emu_t* emulator, const TRun& run) {
+  std::uint32_t at = emulator->x86.R_CS_BASE + emulator->x86.R_EIP;
+  const std::uint32_t end = at + kLongestInstruction;
+  bool is32Bit = ACC_D(emulator->x86.R_CS_ACC) != 0;
+  std::uint8_t code = ReadByte(run, at);
+  while (at != end && std::find(std::begin(kPrefixes), std::end(kPrefixes), code) != std::end(kPrefixes)) {
+    if (code == kOperandSizePrefix) is32Bit = !is32Bit;  // at each, as in the emulator
+    code = ReadByte(run, ++at);
+  }
+  const std::uint8_t next = ReadByte(run, at + 1);
+  if (code == kAdjustAfterMultiply) return next == 0;
+  return code == kUnaryGroup && (next >> 3 & 7) == kSignedDivision && IsSmallestDividend(emulator, is32Bit);
+}
+
+/// Called before each instruction: ends the run when the interrupt has come back or cannot go on.
+int CheckInstruction(x86emu_t* emulator) {
   TRun& run = GetRun(emulator);
   run.hasReturned = emulator->x86.R_CS == kReturnSegment && emulator->x86.R_EIP == 0;
-  return run.hasReturned ? 1 : 0;
+  return run.hasReturned || IsHopelessDivision(emulator, run) ? 1 : 0;
 }
 
 void SetSegment(x86emu_t* emulator, int index, unsigned short value) {
@@ -170,14 +205,24 @@ EEnd RunToEnd(x86emu_t* emulator, TRun& run) {
   return run.hasReturned ? EEnd::kReturned : EEnd::kStopped;
 }
 
-/// Copies the video BIOS, which tells its own size. False when there is none.
+/// The size in bytes that the video BIOS in the image tells of itself.
+std::uint32_t GetVideoBiosSize(TRealModeMemory& memory) { return *memory.At(kVideoBios + kSizeOffset) * kSizeUnit; }
+
+/// Copies the video BIOS. False when there is none.
 bool CopyVideoBios(IPhysicalMachine& machine, TRealModeMemory& memory) {
   std::uint8_t* const image = memory.At(kVideoBios);
   if (!machine.Read(kVideoBios, image, kSizeUnit)) return false;
   if (image[0] != kSignature[0] || image[1] != kSignature[1]) return false;
-  const std::uint32_t told = image[kSizeOffset] * kSizeUnit;
-  const std::uint32_t size = told < kVideoBiosEnd - kVideoBios ? told : kVideoBiosEnd - kVideoBios;
-  return machine.Read(kVideoBios, image, size);
+  return machine.Read(kVideoBios, image, GetVideoBiosSize(memory));
+}
+
+/// Whether the vector leads into a BIOS. Anywhere else there are but zeros, which would run until the time is up.
+bool HasHandler(TRealModeMemory& memory, int number) {
+  if (number < 0 || number > 0xFF) return false;
+  const std::uint32_t vector = static_cast<std::uint32_t>(number) * 4;
+  const std::uint32_t handler = ReadWord(memory, vector + 2) * 16U + ReadWord(memory, vector);
+  return (handler >= kVideoBios && handler < kVideoBios + GetVideoBiosSize(memory)) ||
+         (handler >= kSystemBios && handler < kSystemBios + kSystemBiosSize);
 }
 
 }  // namespace
@@ -203,10 +248,7 @@ bool TRealVideoBios::Start(TRealModeMemory& memory) {
 }
 
 bool TRealVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) {
-  const std::uint32_t vector = static_cast<std::uint32_t>(number) * 4;
-  if (number < 0 || number > 0xFF || (ReadWord(memory, vector) | ReadWord(memory, vector + 2)) == 0) {
-    return Fail("the video BIOS has no handler for the interrupt");
-  }
+  if (!HasHandler(memory, number)) return Fail("the video BIOS has no handler for the interrupt");
   const std::unique_ptr<x86emu_t, TEmulatorEnd> emulator(x86emu_new(0, 0));
   if (emulator == nullptr) return Fail("the emulator has no memory");
   TRun run = {};
@@ -215,7 +257,7 @@ bool TRealVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMemory
   run.deadline = TClock::now() + m_budget;
   emulator->_private = &run;
   x86emu_set_memio_handler(emulator.get(), Access);
-  x86emu_set_code_handler(emulator.get(), CheckReturn);
+  x86emu_set_code_handler(emulator.get(), CheckInstruction);
   LoadRegisters(emulator.get(), registers);
   EnterInterrupt(emulator.get(), memory, number, registers.flags);
 

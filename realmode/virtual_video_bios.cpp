@@ -48,7 +48,7 @@ bool TVirtualVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMem
 
   const std::size_t begin = block * kBlockSize;
   const std::size_t target = registers.es * std::size_t{16} + (registers.edi & 0xFFFF);
-  const bool canAnswer = begin < edid.size() && target + kBlockSize <= TRealModeMemory::kSize;
+  const bool canAnswer = begin + kBlockSize <= edid.size() && target + kBlockSize <= TRealModeMemory::kSize;
   if (!canAnswer || errorAtBlock == block) {
     SetAx(registers, kFailure);
     return true;

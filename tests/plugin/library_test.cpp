@@ -1,20 +1,14 @@
 // The plug-in as a loaded library, over the LRMI calls and a virtual BIOS.
-#include <dlfcn.h>
 #include <gmock/gmock.h>
 
 #include <memory>
 #include <string>
 
-#include "host/plugin_callbacks.h"
 #include "realmode/choose_bios.h"
 #include "realmode/virtual_video_bios.h"
 #include "tests/support/edid_builder.h"
-#include "tests/support/properties.h"
-#include "tests/support/test_host.h"
+#include "tests/support/loaded_plugin.h"
 
-using NQRXZELT20::ICIMClass;
-using NQRXZELT20::IPluginBasicQueryCallbacks;
-using NQRXZELT20::IPluginCallbacks;
 using testing::ElementsAre;
 using testing::SizeIs;
 
@@ -24,37 +18,20 @@ class PluginLibrary : public testing::Test {
  protected:
   PluginLibrary() {
     TVirtualBiosConfiguration configuration;
-    configuration.units[0].edid = TEdidBuilder().Name(0, "A").Build();
+    configuration.units[0].edid = TEdidBuilder().Name(0, "A").Established(0x21, 0).Build();
     ChooseVideoBios(std::make_shared<TVirtualVideoBios>(configuration));
-    Load();
+    plugin = std::make_unique<TLoadedPlugin>(host, PLUGIN_FILE);
   }
 
   ~PluginLibrary() override {
-    if (library != nullptr) Unload();
+    plugin.reset();
     ChooseVideoBios(nullptr);
-  }
-
-  void Load() {
-    library = dlopen(PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << dlerror();
-  }
-
-  void Unload() {
-    Registered().back()->PrepareForUnload();
-    dlclose(library);
-    library = nullptr;
-  }
-
-  const std::vector<IPluginCallbacks*>& Registered() const {
-    return boost::dynamic_pointer_cast<TTestPluginManager>(host.pluginManager)->registered;
   }
 
   /// The names of the monitors that a request commits.
   std::vector<std::string> CollectNames() {
-    std::vector<boost::shared_ptr<ICIMClass>> classes = {host.GetClass("QRXSG_DesktopMonitor")};
-    dynamic_cast<IPluginBasicQueryCallbacks&>(*Registered().back()).GetData(host.store, classes);
     std::vector<std::string> names;
-    for (const auto& instance : host.store->TakeCommits()) names.push_back(Describe(*instance)["Name"]);
+    for (TDescribed& monitor : plugin->Ask({"QRXSG_DesktopMonitor"})) names.push_back(monitor["Name"]);
     return names;
   }
 
@@ -65,31 +42,59 @@ class PluginLibrary : public testing::Test {
   }
 
   TTestHost host;
-  void* library = nullptr;
+  std::unique_ptr<TLoadedPlugin> plugin;
 };
+
+const std::vector<std::string> kAll = {"QRXSG_VideoController",       "QRXSG_VideoHead",
+                                       "QRXSG_HeadOfVideoController", "QRXSG_DesktopMonitor",
+                                       "QRXSG_MonitorResolution",     "QRXSG_MonitorSetting"};
 
 }  // namespace
 
 TEST_F(PluginLibrary, RegistersOneCallbackObjectAtLoad) {
-  ASSERT_THAT(Registered(), SizeIs(1));
-  EXPECT_EQ(Registered()[0]->GetName(), "Display Information Collector");
+  ASSERT_THAT(TLoadedPlugin::GetRegistered(host), SizeIs(1));
+  EXPECT_EQ(plugin->GetCallbacks().GetName(), "Display Information Collector");
 }
 
 TEST_F(PluginLibrary, AnswersARequestThroughTheBios) { EXPECT_THAT(CollectNames(), ElementsAre("string A")); }
 
 TEST_F(PluginLibrary, IsGoneAfterItWasClosedAndRegistersAfreshWhenLoadedAgain) {
   EXPECT_THAT(CollectNames(), ElementsAre("string A"));
-  Unload();
+  plugin.reset();
   EXPECT_FALSE(IsLoaded());
-  Load();
-  EXPECT_THAT(Registered(), SizeIs(2));
+  plugin = std::make_unique<TLoadedPlugin>(host, PLUGIN_FILE);
+  EXPECT_THAT(TLoadedPlugin::GetRegistered(host), SizeIs(2));
   EXPECT_THAT(CollectNames(), ElementsAre("string A"));
 }
 
 TEST_F(PluginLibrary, ShowsStartedAsAZeroInteger) {
-  const void* const started = dlsym(library, "_ZN10NQRXZELT208gStartedE");
+  const void* const started = dlsym(plugin->GetLibrary(), "_ZN10NQRXZELT208gStartedE");
   ASSERT_NE(started, nullptr);
   EXPECT_EQ(*static_cast<const int*>(started), 0);
+}
+
+TEST_F(PluginLibrary, AnswersAllSixClassesInOneCallAsInSix) {
+  host.files["/etc/X11/xorg.conf"] = "Section \"Device\"\nIdentifier \"Card0\"\nEndSection\n";
+  const std::vector<TDescribed> together = plugin->Ask(kAll);
+  EXPECT_THAT(together, SizeIs(1 + 1 + 1 + 1 + 2 + 2));
+  std::vector<TDescribed> apart;
+  for (const std::string& name : kAll) {
+    for (const TDescribed& instance : plugin->Ask({name})) apart.push_back(instance);
+  }
+  EXPECT_EQ(apart, together);
+}
+
+TEST_F(PluginLibrary, AnswersARepeatedRequestAsBefore) {
+  host.files["/etc/X11/xorg.conf"] = "Section \"Device\"\nIdentifier \"Card0\"\nEndSection\n";
+  const std::vector<TDescribed> first = plugin->Ask(kAll);
+  for (int count = 0; count < 5; ++count) EXPECT_EQ(plugin->Ask(kAll), first);
+}
+
+TEST_F(PluginLibrary, MakesNoAssociationBeforeWhatItAssociates) {
+  const std::vector<std::string> backwards(kAll.rbegin(), kAll.rend());
+  host.files["/etc/X11/xorg.conf"] = "Section \"Device\"\nIdentifier \"Card0\"\nEndSection\n";
+  EXPECT_THAT(plugin->Ask(backwards), SizeIs(2 + 1 + 1 + 1));
+  EXPECT_THAT(plugin->Ask(backwards), SizeIs(2 + 2 + 1 + 1 + 1 + 1));
 }
 
 TEST(PluginLibraryDeathTest, StopsTheLoadAtAPluginManagerOfAnotherType) {

@@ -2,13 +2,34 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+#include <string>
 
 #include "realmode/choose_bios.h"
 #include "realmode/virtual_video_bios.h"
 
 namespace {
+
+/// A BIOS that throws whatever is asked of it, from its start on or only afterwards.
+class TThrowingBios : public IVideoBios {
+ public:
+  explicit TThrowingBios(bool startThrows) : m_startThrows(startThrows) {}
+
+  bool Start(TRealModeMemory&) override {
+    if (m_startThrows) throw std::runtime_error("start");
+    return true;
+  }
+  bool Interrupt(int, LRMI_regs&, TRealModeMemory&) override { throw std::runtime_error("interrupt"); }
+  void Stop() override { throw std::runtime_error("stop"); }
+
+ private:
+  bool m_startThrows;
+};
 
 class Lrmi : public testing::Test {
  protected:
@@ -103,6 +124,36 @@ TEST_F(Lrmi, FailsToSetUpABiosThatIsNotThere) {
   ChooseVideoBios(std::make_shared<TVirtualVideoBios>(configuration));
   EXPECT_EQ(LRMI_init(), 0);
   EXPECT_EQ(LRMI_alloc_real(128), nullptr);
+}
+
+TEST_F(Lrmi, TakesAnExceptionOfTheStartForAFailure) {
+  ChooseVideoBios(std::make_shared<TThrowingBios>(true));
+  EXPECT_EQ(LRMI_init(), 0);
+  EXPECT_EQ(LRMI_alloc_real(128), nullptr);
+}
+
+TEST_F(Lrmi, TakesAnExceptionOfAnInterruptForAFailure) {
+  ChooseVideoBios(std::make_shared<TThrowingBios>(false));
+  ASSERT_EQ(LRMI_init(), 1);
+  LRMI_regs registers = {};
+  EXPECT_EQ(LRMI_int(0x10, &registers), 0);
+}
+
+TEST_F(Lrmi, EndsTheSessionAlsoWhenTheStopThrows) {
+  ChooseVideoBios(std::make_shared<TThrowingBios>(false));
+  ASSERT_EQ(LRMI_init(), 1);
+  LRMI_deInit();
+  Choose(0x22);
+  ASSERT_EQ(LRMI_init(), 1);
+  EXPECT_EQ(ReadByte(), 0x22);
+}
+
+TEST_F(Lrmi, StartsAnewAfterTheSessionEnded) {
+  LRMI_init();
+  LRMI_deInit();
+  EXPECT_EQ(ReadByte(), -1);
+  EXPECT_EQ(LRMI_init(), 1);
+  EXPECT_EQ(ReadByte(), 0x11);
 }
 
 TEST_F(Lrmi, EndsTheSessionWhenAnotherBiosIsChosen) {

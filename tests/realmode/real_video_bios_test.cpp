@@ -4,10 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "realmode/physical_machine.h"
 #include "realmode/real_mode_memory.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
@@ -22,11 +27,18 @@ struct TPhysical {
   int opened = 0;
 
   explicit TPhysical(const TCode& handler) {
-    const TCode head = {0x55, 0xAA, 0x02};
-    std::copy(head.begin(), head.end(), memory.begin() + 0xC0000);
-    std::copy(handler.begin(), handler.end(), memory.begin() + 0xC0010);
-    const TCode vector = {0x10, 0x00, 0x00, 0xC0};
-    std::copy(vector.begin(), vector.end(), memory.begin() + 0x40);
+    Put(0xC0000, {0x55, 0xAA, 0x02});
+    Put(0xC0010, handler);
+    PutVector(0x10, 0xC000, 0x0010);
+  }
+
+  void Put(std::size_t address, const TCode& code) {
+    std::copy(code.begin(), code.end(), memory.begin() + static_cast<std::ptrdiff_t>(address));
+  }
+
+  void PutVector(std::size_t interrupt, unsigned int segment, unsigned int offset) {
+    const auto low = [](unsigned int word) { return static_cast<std::uint8_t>(word); };
+    Put(interrupt * 4, {low(offset), low(offset >> 8), low(segment), low(segment >> 8)});
   }
 };
 
@@ -120,11 +132,9 @@ TEST_F(RealVideoBios, GivesAndTakesEveryRegister) {
 }
 
 TEST_F(RealVideoBios, RunsInterruptsOfTheHandlerItself) {
-  TPhysical machine(TCode{0xCD, 0x42, 0xCF});     // int 42h; iret
-  const TCode nested = {0xB0, 0x77, 0xCF};        // mov al, 77h; iret
-  const TCode vector = {0x00, 0x01, 0x00, 0xC0};  // C000:0100
-  std::copy(nested.begin(), nested.end(), machine.memory.begin() + 0xC0100);
-  std::copy(vector.begin(), vector.end(), machine.memory.begin() + 0x42 * 4);
+  TPhysical machine(TCode{0xCD, 0x42, 0xCF});  // int 42h; iret
+  machine.PutVector(0x42, 0xF000, 0x0100);
+  machine.Put(0xF0100, {0xB0, 0x77, 0xCF});  // mov al, 77h; iret
   ASSERT_TRUE(Start(machine));
   ASSERT_TRUE(Call());
   EXPECT_EQ(registers.eax, 0x77U);
@@ -150,6 +160,25 @@ TEST_F(RealVideoBios, NeverWritesToPhysicalMemory) {
   ASSERT_TRUE(Call());
   EXPECT_EQ(*memory.At(0x800), 0xEE);
   EXPECT_EQ(physical->memory, before);
+}
+
+TEST_F(RealVideoBios, LeavesTheMemoryDeviceAsItIs) {
+  const TTemporaryFolder folder;
+  TPhysical machine(TCode{0xA2, 0x00, 0x05,  // mov [500h], al
+                          0xB8, 0x4F, 0x00,  // mov ax, 004Fh
+                          0xCF});
+  const std::string before(machine.memory.begin(), machine.memory.end());
+  folder.Write("mem", before);
+  const auto grant = [](int) { return 0; };
+  TRealVideoBios real(std::make_unique<TThisPhysicalMachine>((folder.GetPath() / "mem").string(), grant));
+  ASSERT_TRUE(real.Start(memory));
+  registers.eax = 0x4F15;
+  ASSERT_TRUE(real.Interrupt(0x10, registers, memory));
+  real.Stop();
+  EXPECT_EQ(registers.eax, 0x004FU);
+  EXPECT_EQ(*memory.At(0x500), 0x15);
+  std::ifstream after(folder.GetPath() / "mem", std::ios::binary);
+  EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(after), {}) == before);
 }
 
 TEST_F(RealVideoBios, ReadsOnesAndLosesWritesBeyondTheFirstMegabyte) {
@@ -189,6 +218,38 @@ TEST_F(RealVideoBios, TakesAHaltForAFailure) {
   EXPECT_EQ(bios->GetFailure(), "the video BIOS stopped before it returned");
 }
 
+TEST_F(RealVideoBios, StopsAtADivisionThatWouldEndTheProcess) {
+  const TCode divisions[] = {{0xD4, 0x00, 0xCF},                         // aam 0
+                             {0x2E, 0xD4, 0x00, 0xCF},                   // cs aam 0
+                             {0xBA, 0x00, 0x80, 0x31, 0xC0,              // dx = 8000h, ax = 0
+                              0xBB, 0xFF, 0xFF, 0xF7, 0xFB, 0xCF},       // bx = -1; idiv bx
+                             {0x66, 0xBA, 0x00, 0x00, 0x00, 0x80,        // edx = 80000000h
+                              0x66, 0x31, 0xC0,                          // eax = 0
+                              0x66, 0x83, 0xCB, 0xFF,                    // or ebx, -1
+                              0x66, 0xF7, 0xFB, 0xCF},                   // idiv ebx
+                             {0xBA, 0x00, 0x80, 0x31, 0xC0, 0xBB, 0xFF,  // as the first idiv, behind as many prefixes
+                              0xFF, 0x26, 0x2E, 0x36, 0x3E, 0x26, 0x2E,  // as an instruction can have
+                              0x36, 0x3E, 0x26, 0x2E, 0x36, 0x3E, 0x26,  //
+                              0xF7, 0xFB, 0xCF}};                        //
+  for (const TCode& division : divisions) {
+    ASSERT_TRUE(Start(division));
+    EXPECT_FALSE(Call());
+    EXPECT_EQ(bios->GetFailure(), "the video BIOS stopped before it returned");
+  }
+}
+
+TEST_F(RealVideoBios, CarriesOutAnyOtherDivision) {
+  ASSERT_TRUE(Start(TCode{0x66, 0xBA, 0x00, 0x80, 0x00, 0x00,  // edx = 00008000h: the smallest dividend if it were dx
+                          0x66, 0x31, 0xC0,                    // eax = 0
+                          0x66, 0xBB, 0x00, 0x00, 0x02, 0x00,  // ebx = 00020000h
+                          0x66, 0xF7, 0xFB,                    // idiv ebx
+                          0x66, 0xC1, 0xE8, 0x18,              // shr eax, 24: 40h
+                          0xD4, 0x0A,                          // aam: ah = 6, al = 4
+                          0xCF}));
+  ASSERT_TRUE(Call());
+  EXPECT_EQ(registers.eax, 0x0604U);
+}
+
 TEST_F(RealVideoBios, LeavesTheRegistersOfAFailedCall) {
   ASSERT_TRUE(Start(TCode{0xB8, 0x4F, 0x00, 0xF4}));  // mov ax, 004Fh; hlt
   registers.eax = 0x4F15;
@@ -202,6 +263,26 @@ TEST_F(RealVideoBios, NeedsAHandler) {
   EXPECT_FALSE(Call(0x100));
   EXPECT_FALSE(Call(-1));
   EXPECT_EQ(bios->GetFailure(), "the video BIOS has no handler for the interrupt");
+}
+
+TEST_F(RealVideoBios, NeedsAHandlerThatLiesInABios) {
+  const std::pair<unsigned int, unsigned int> nonsense[] = {{0xFFFF, 0xFFFF}, {0x0000, 0x0500}, {0x9000, 0x0000},
+                                                            {0xC000, 0x0400}, {0xD000, 0x0000}, {0xFFFF, 0x0010}};
+  for (const auto& [segment, offset] : nonsense) {
+    TPhysical machine(TCode{0xCF});
+    machine.PutVector(0x10, segment, offset);
+    ASSERT_TRUE(Start(machine));
+    EXPECT_FALSE(Call()) << segment << ":" << offset;
+    EXPECT_EQ(bios->GetFailure(), "the video BIOS has no handler for the interrupt");
+  }
+}
+
+TEST_F(RealVideoBios, TakesAHandlerInTheSystemBios) {
+  TPhysical machine(TCode{});
+  machine.PutVector(0x10, 0xF000, 0xF065);
+  machine.Put(0xFF065, {0xCF});
+  ASSERT_TRUE(Start(machine));
+  EXPECT_TRUE(Call());
 }
 
 TEST_F(RealVideoBios, NeedsTheSignatureOfAVideoBios) {

@@ -66,6 +66,16 @@ TEST_F(VirtualVideoBios, AnswersAnErrorForAUnitOrABlockThatIsNotThere) {
   ExpectFailure(0, 2);
 }
 
+TEST_F(VirtualVideoBios, AnswersAnErrorForAUnitWithoutAnEdid) {
+  configuration.units[2] = {};
+  ExpectFailure(2, 0);
+}
+
+TEST_F(VirtualVideoBios, AnswersAnErrorForABlockThatIsNotWhole) {
+  configuration.units[0].edid.resize(127);
+  ExpectFailure(0, 0);
+}
+
 TEST_F(VirtualVideoBios, AnswersAnErrorForAnyOtherService) {
   ExpectFailure(0, 0, 0x11);
   registers.eax = 0xABCD4F14;
@@ -80,6 +90,13 @@ TEST_F(VirtualVideoBios, AnswersAnErrorRatherThanWriteBeyondTheFirstMegabyte) {
   registers.edi = 0;
   EXPECT_TRUE(Call(0, 0));
   EXPECT_EQ(registers.eax, 0xABCD014FU);
+}
+
+TEST_F(VirtualVideoBios, FillsTheVeryEndOfTheFirstMegabyte) {
+  registers.es = 0xFFF8;
+  EXPECT_TRUE(Call(0, 0));
+  EXPECT_EQ(registers.eax, 0xABCD004FU);
+  EXPECT_EQ(*memory.At(0xFFFFF), 0x11);
 }
 
 TEST_F(VirtualVideoBios, AnswersForUnitZeroWhenItIgnoresTheUnit) {
