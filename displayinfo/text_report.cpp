@@ -1,9 +1,8 @@
 #include "displayinfo/text_report.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <map>
 #include <set>
-#include <sstream>
 #include <vector>
 
 #include "displayinfo/instance_view.h"
@@ -14,28 +13,36 @@ constexpr std::size_t kWidth = 80;       // columns
 constexpr std::size_t kLabelWidth = 18;  // columns, with the blanks behind the label
 typedef std::vector<TInstanceView> TInstances;
 
+bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }
+
 /// Columns that the text takes: its characters, not its bytes.
 std::size_t CountColumns(const std::string& text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
 }
 
-/// The words of `text` in lines: the first after `head`, the others indented as far.
-std::string Wrap(const std::string& head, const std::string& text) {
-  const std::size_t indent = CountColumns(head);
-  std::string wrapped = head;
-  std::size_t column = indent;
-  std::istringstream words(text);
-  for (std::string word; words >> word;) {
-    if (column > indent && column + 1 + CountColumns(word) > kWidth) {
-      wrapped += "\n" + std::string(indent, ' ');
-      column = indent;
-    }
-    if (column > indent) wrapped += ' ';
-    wrapped += word;
-    column += CountColumns(word) + 1;
+/// The length in bytes of the first `columns` characters.
+std::size_t GetLength(const std::string& text, std::size_t columns) {
+  std::size_t length = 0;
+  for (; length < text.size(); ++length) {
+    if (BeginsCharacter(text[length]) && columns-- == 0) break;
   }
-  return wrapped + "\n";
+  return length;
+}
+
+/// The text in lines: the first after `head`, the others indented as far. Lines break at blanks where they can; all
+/// other blanks stay.
+std::string Wrap(const std::string& head, std::string text) {
+  const std::size_t indent = CountColumns(head);
+  const std::size_t room = kWidth - indent;
+  std::string wrapped = head;
+  while (CountColumns(text) > room) {
+    const std::size_t limit = GetLength(text, room);
+    const std::size_t blank = text.rfind(' ', limit);
+    const bool canBreak = blank != std::string::npos && blank > 0;
+    wrapped += text.substr(0, canBreak ? blank : limit) + "\n" + std::string(indent, ' ');
+    text.erase(0, canBreak ? blank + 1 : limit);
+  }
+  return wrapped + text + "\n";
 }
 
 std::string MakeRow(const std::string& indent, const std::string& label, const std::string& text) {
@@ -219,14 +226,50 @@ class TRequestReport {
 
   std::string MakeMonitors() const {
     const TInstances monitors = Select(m_instances, "QRXSG_DesktopMonitor");
-    const TInstances modes = Select(m_instances, "QRXSG_MonitorResolution");
+    std::map<std::string, TInstances> modes = GetModesByMonitor();
     std::string text = "Monitors\n";
     if (monitors.empty() && modes.empty()) text += Wrap("  None: ", "no EDID from unit 0 of the video BIOS.");
     for (const TInstanceView& monitor : monitors) {
       text += MakeTitle("  ", monitor.Text("DeviceID"), monitor.Text("Name"));
       text += MakeRows("    ", kMonitorRows, monitor);
+      text += MakeModes(modes[monitor.Text("DeviceID")]);
+      modes.erase(monitor.Text("DeviceID"));
     }
+    for (const auto& [deviceId, itsModes] : modes) text += MakeTitle("  ", deviceId, "") + MakeModes(itsModes);
     return text + GetComplaints(m_request, kMonitorClasses);
+  }
+
+  /// The modes by the device id that their setting ids begin with.
+  std::map<std::string, TInstances> GetModesByMonitor() const {
+    std::map<std::string, TInstances> modes;
+    for (const TInstanceView& mode : Select(m_instances, "QRXSG_MonitorResolution")) {
+      const std::string settingId = mode.Text("SettingID");
+      modes[settingId.substr(0, settingId.rfind("\\ Setting "))].push_back(mode);
+    }
+    return modes;
+  }
+
+  std::string MakeModes(const TInstances& modes) const {
+    std::vector<std::string> texts;
+    bool hasConfigured = false;
+    for (const TInstanceView& mode : modes) {
+      const bool isConfigured = IsConfigured(mode);
+      hasConfigured = hasConfigured || isConfigured;
+      texts.push_back(mode.Text("HorizontalResolution") + "x" + mode.Text("VerticalResolution") + "@" +
+                      mode.Text("RefreshRate") + "Hz" + (isConfigured ? "*" : ""));
+    }
+    return MakeRow("    ", "Modes", Join(texts)) +
+           (hasConfigured ? MakeRow("    ", "", "* the resolution that the configuration names") : "");
+  }
+
+  /// True when the configuration sets a head to the mode's resolution.
+  bool IsConfigured(const TInstanceView& mode) const {
+    const TInstances heads = Select(m_instances, "QRXSG_VideoHead");
+    return std::any_of(heads.begin(), heads.end(), [&](const TInstanceView& head) {
+      return head.Has("CurrentHorizontalResolution") &&
+             head.Text("CurrentHorizontalResolution") == mode.Text("HorizontalResolution") &&
+             head.Text("CurrentVerticalResolution") == mode.Text("VerticalResolution");
+    });
   }
 
   static const std::set<std::string> kVideoClasses;

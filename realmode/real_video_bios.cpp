@@ -99,11 +99,23 @@ unsigned int Access(x86emu_t* emulator, std::uint32_t address, std::uint32_t* va
 
 constexpr std::uint8_t kOperandSizePrefix = 0x66;
 constexpr std::uint8_t kPrefixes[] = {0x26, 0x2E, 0x36, 0x3E, 0x64, 0x65, kOperandSizePrefix, 0x67, 0xF0, 0xF2, 0xF3};
-constexpr std::uint32_t kLongestInstruction = 15;  // bytes
+constexpr std::uint32_t kLongestInstruction = 15;  // bytes, prefixes included
 
 constexpr std::uint8_t kAdjustAfterMultiply = 0xD4;  // AAM: divides AL by the byte that follows
 constexpr std::uint8_t kUnaryGroup = 0xF7;           // its operations are told apart by bits 3 to 5 of the next byte
 constexpr unsigned int kSignedDivision = 7;          // IDIV of DX:AX or EDX:EAX
+
+bool IsPrefix(std::uint8_t code) {
+  return std::find(std::begin(kPrefixes), std::end(kPrefixes), code) != std::end(kPrefixes);
+}
+
+bool Is32BitCode(const x86emu_t* emulator) { return ACC_D(emulator->x86.R_CS_ACC) != 0; }
+
+/// A byte of the next instruction, as the emulator will fetch it.
+std::uint8_t PeekCode(const x86emu_t* emulator, const TRun& run, std::uint32_t index) {
+  const std::uint32_t offset = emulator->x86.R_EIP + index;
+  return ReadByte(run, emulator->x86.R_CS_BASE + (Is32BitCode(emulator) ? offset : offset & 0xFFFF));
+}
 
 /// Whether the smallest dividend there is stands in the registers: no divisor brings its quotient into range.
 bool IsSmallestDividend(const x86emu_t* emulator, bool is32Bit) {
@@ -111,18 +123,19 @@ bool IsSmallestDividend(const x86emu_t* emulator, bool is32Bit) {
                  : emulator->x86.R_DX == 0x8000 && emulator->x86.R_AX == 0;
 }
 
-/// Whether the next instruction is one of two divisions that are bound to end in a divide error. The emulator leaves
-/// it to the processor beneath to find that out, whose SIGFPE would end the process.
-bool IsHopelessDivision(const x86emu_t* emulator, const TRun& run) {
-  std::uint32_t at = emulator->x86.R_CS_BASE + emulator->x86.R_EIP;
-  const std::uint32_t end = at + kLongestInstruction;
-  bool is32Bit = ACC_D(emulator->x86.R_CS_ACC) != 0;
-  std::uint8_t code = ReadByte(run, at);
-  while (at != end && std::find(std::begin(kPrefixes), std::end(kPrefixes), code) != std::end(kPrefixes)) {
+/// Whether the next instruction is one that every processor refuses, while the emulator ends this process over it: it
+/// notes the prefixes in a buffer whose end it does not look at, and lets the processor beneath try two divisions that
+/// cannot succeed.
+bool IsFatalInstruction(const x86emu_t* emulator, const TRun& run) {
+  bool is32Bit = Is32BitCode(emulator);
+  std::uint32_t index = 0;
+  std::uint8_t code = PeekCode(emulator, run, index);
+  while (IsPrefix(code)) {
     if (code == kOperandSizePrefix) is32Bit = !is32Bit;  // at each, as in the emulator
-    code = ReadByte(run, ++at);
+    if (++index == kLongestInstruction) return true;
+    code = PeekCode(emulator, run, index);
   }
-  const std::uint8_t next = ReadByte(run, at + 1);
+  const std::uint8_t next = PeekCode(emulator, run, index + 1);
   if (code == kAdjustAfterMultiply) return next == 0;
   return code == kUnaryGroup && (next >> 3 & 7) == kSignedDivision && IsSmallestDividend(emulator, is32Bit);
 }
@@ -131,7 +144,7 @@ bool IsHopelessDivision(const x86emu_t* emulator, const TRun& run) {
 int CheckInstruction(x86emu_t* emulator) {
   TRun& run = GetRun(emulator);
   run.hasReturned = emulator->x86.R_CS == kReturnSegment && emulator->x86.R_EIP == 0;
-  return run.hasReturned || IsHopelessDivision(emulator, run) ? 1 : 0;
+  return run.hasReturned || IsFatalInstruction(emulator, run) ? 1 : 0;
 }
 
 void SetSegment(x86emu_t* emulator, int index, unsigned short value) {

@@ -131,6 +131,76 @@ TEST_F(TextReport, StaysWithinEightyColumns) {
   EXPECT_GT(GetWidth(text), 70U) << text;
 }
 
+TEST_F(TextReport, BreaksAWordThatIsLongerThanALine) {
+  Commit("QRXSG_DesktopMonitor",
+         {{"DeviceID", TCIMValue("Monitor 1")}, {"SerialNumber", TCIMValue(std::string(200, 'x'))}});
+  EXPECT_EQ(GetWidth(Make({"QRXSG_DesktopMonitor"})), 80U);
+}
+
+TEST_F(TextReport, KeepsTheBlanksOfAName) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue(" a  b ")}});
+  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("  Monitor 1:  a  b \n"));
+}
+
+TEST_F(TextReport, CountsCharactersNotBytes) {
+  std::string name;
+  for (int count = 0; count < 60; ++count) name += "\xC3\xA9";
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue(name)}});
+  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("  Monitor 1: " + name + "\n"));
+}
+
+TEST_F(TextReport, ShowsAControllerWithItsHeads) {
+  const auto commit = [&](const char* className, const char* id, const char* displayId, unsigned int number) {
+    std::map<std::string, TCIMValue> properties = {{"DeviceID", TCIMValue(id)}, {"DisplayId", TCIMValue(displayId)}};
+    if (number == 0) {
+      properties["Name"] = TCIMValue("Board");
+      properties["VideoRamSize"] = TCIMValue(1024U);
+    } else {
+      properties["HeadNumber"] = TCIMValue(static_cast<unsigned char>(number));
+      properties["CurrentHorizontalResolution"] = TCIMValue(640U);
+      properties["CurrentVerticalResolution"] = TCIMValue(480U);
+      properties["CurrentBitsPerPixel"] = TCIMValue(24U);
+    }
+    Commit(className, properties);
+  };
+  commit("QRXSG_VideoController", "Card0", "PCI:1:0:0", 0);
+  commit("QRXSG_VideoHead", "Card0", "PCI:1:0:0", 1);
+  commit("QRXSG_VideoHead", "Card1", "PCI:2:0:0", 2);
+  EXPECT_EQ(Make({"QRXSG_VideoController", "QRXSG_VideoHead"}),
+            "Video controllers\n"
+            "  Card0: Board\n"
+            "    Display id        PCI:1:0:0\n"
+            "    Video memory      1024 bytes\n"
+            "    Head 1: Card0\n"
+            "      Configured mode   640 x 480, 24 bits per pixel\n"
+            "  Head 2: Card1\n"
+            "    Configured mode   640 x 480, 24 bits per pixel\n");
+}
+
+TEST_F(TextReport, GivesEachMonitorItsModesAndMarksTheConfiguredOne) {
+  const auto commitMode = [&](const char* settingId, unsigned int width, unsigned int height) {
+    Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue(settingId)},
+                                       {"HorizontalResolution", TCIMValue(width)},
+                                       {"VerticalResolution", TCIMValue(height)},
+                                       {"RefreshRate", TCIMValue(60U)}});
+  };
+  Commit("QRXSG_VideoHead", {{"HeadNumber", TCIMValue(static_cast<unsigned char>(1))},
+                             {"CurrentHorizontalResolution", TCIMValue(640U)},
+                             {"CurrentVerticalResolution", TCIMValue(480U)}});
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
+  commitMode("Monitor 1\\ Setting 1", 800, 600);
+  commitMode("Monitor 1\\ Setting 2", 640, 480);
+  commitMode("Monitor 10\\ Setting 1", 800, 600);
+  EXPECT_EQ(Make({"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"}),
+            "Monitors\n"
+            "  Monitor 1\n"
+            "    Power saving      none\n"
+            "    Modes             800x600@60Hz, 640x480@60Hz*\n"
+            "                      * the resolution that the configuration names\n"
+            "  Monitor 10\n"
+            "    Modes             800x600@60Hz\n");
+}
+
 TEST_F(TextReport, SendsNoControlBytes) {
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue("\x1B[2J")}});
   EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("Monitor 1: \\x1b[2J\n"));

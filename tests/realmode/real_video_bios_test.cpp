@@ -238,6 +238,22 @@ TEST_F(RealVideoBios, StopsAtADivisionThatWouldEndTheProcess) {
   }
 }
 
+TEST_F(RealVideoBios, StopsAtAnInstructionOfMorePrefixesThanAProcessorTakes) {
+  TCode code(64, 0xF3);  // rep, 64 times
+  code.push_back(0x90);  // nop
+  ASSERT_TRUE(Start(code));
+  EXPECT_FALSE(Call());
+  EXPECT_EQ(bios->GetFailure(), "the video BIOS stopped before it returned");
+}
+
+TEST_F(RealVideoBios, CarriesOutAnInstructionOfAsManyPrefixesAsAProcessorTakes) {
+  TCode code(14, 0x2E);  // cs, 14 times
+  code.push_back(0x90);  // nop
+  code.push_back(0xCF);  // iret
+  ASSERT_TRUE(Start(code));
+  EXPECT_TRUE(Call());
+}
+
 TEST_F(RealVideoBios, CarriesOutAnyOtherDivision) {
   ASSERT_TRUE(Start(TCode{0x66, 0xBA, 0x00, 0x80, 0x00, 0x00,  // edx = 00008000h: the smallest dividend if it were dx
                           0x66, 0x31, 0xC0,                    // eax = 0
