@@ -8,6 +8,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "realmode/physical_machine.h"
@@ -219,18 +220,14 @@ TEST_F(RealVideoBios, TakesAHaltForAFailure) {
 }
 
 TEST_F(RealVideoBios, StopsAtADivisionThatWouldEndTheProcess) {
-  const TCode divisions[] = {{0xD4, 0x00, 0xCF},                         // aam 0
-                             {0x2E, 0xD4, 0x00, 0xCF},                   // cs aam 0
-                             {0xBA, 0x00, 0x80, 0x31, 0xC0,              // dx = 8000h, ax = 0
-                              0xBB, 0xFF, 0xFF, 0xF7, 0xFB, 0xCF},       // bx = -1; idiv bx
-                             {0x66, 0xBA, 0x00, 0x00, 0x00, 0x80,        // edx = 80000000h
-                              0x66, 0x31, 0xC0,                          // eax = 0
-                              0x66, 0x83, 0xCB, 0xFF,                    // or ebx, -1
-                              0x66, 0xF7, 0xFB, 0xCF},                   // idiv ebx
-                             {0xBA, 0x00, 0x80, 0x31, 0xC0, 0xBB, 0xFF,  // as the first idiv, behind as many prefixes
-                              0xFF, 0x26, 0x2E, 0x36, 0x3E, 0x26, 0x2E,  // as an instruction can have
-                              0x36, 0x3E, 0x26, 0x2E, 0x36, 0x3E, 0x26,  //
-                              0xF7, 0xFB, 0xCF}};                        //
+  const TCode divisions[] = {{0xD4, 0x00, 0xCF},                    // aam 0
+                             {0x2E, 0xD4, 0x00, 0xCF},              // cs aam 0
+                             {0xBA, 0x00, 0x80, 0x31, 0xC0,         // dx = 8000h, ax = 0
+                              0xBB, 0xFF, 0xFF, 0xF7, 0xFB, 0xCF},  // bx = -1; idiv bx
+                             {0x66, 0xBA, 0x00, 0x00, 0x00, 0x80,   // edx = 80000000h
+                              0x66, 0x31, 0xC0,                     // eax = 0
+                              0x66, 0x83, 0xCB, 0xFF,               // or ebx, -1
+                              0x66, 0xF7, 0xFB, 0xCF}};             // idiv ebx
   for (const TCode& division : divisions) {
     ASSERT_TRUE(Start(division));
     EXPECT_FALSE(Call());
