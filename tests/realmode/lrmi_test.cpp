@@ -3,15 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
 #include "realmode/choose_bios.h"
 #include "realmode/virtual_video_bios.h"
+#include "tests/support/process_resources.h"
 
 namespace {
 
@@ -54,24 +52,6 @@ class Lrmi : public testing::Test {
     const int byte = LRMI_int(0x10, &registers) != 0 ? buffer[0] : -1;
     LRMI_free_real(buffer);
     return byte;
-  }
-
-  static std::size_t CountResidentPages() {
-    std::size_t total = 0;
-    std::size_t resident = 0;
-    std::ifstream("/proc/self/statm") >> total >> resident;
-    return resident;
-  }
-
-  static std::ptrdiff_t CountEntries(const char* folder) {
-    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
-  }
-
-  static std::size_t CountMappings() {
-    std::ifstream maps("/proc/self/maps");
-    std::size_t count = 0;
-    for (std::string line; std::getline(maps, line);) ++count;
-    return count;
   }
 };
 
@@ -165,19 +145,10 @@ TEST_F(Lrmi, EndsTheSessionWhenAnotherBiosIsChosen) {
 }
 
 TEST_F(Lrmi, LeavesNothingBehindInTenThousandRounds) {
-  const auto round = [] {
+  ExpectNothingLeftBehind([] {
     ASSERT_EQ(LRMI_init(), 1);
     ASSERT_EQ(ReadByte(), 0x11);
     ASSERT_NE(LRMI_alloc_real(128), nullptr);  // left to LRMI_deInit
     LRMI_deInit();
-  };
-  for (int count = 0; count < 1000; ++count) round();
-  const std::size_t pages = CountResidentPages();
-  const std::size_t mappings = CountMappings();
-  const std::ptrdiff_t descriptors = CountEntries("/proc/self/fd");
-  for (int count = 0; count < 10000; ++count) round();
-  // A round that kept one page would have kept 10,000.
-  EXPECT_LT(CountResidentPages(), pages + 1000);
-  EXPECT_LT(CountMappings(), mappings + 10);
-  EXPECT_EQ(CountEntries("/proc/self/fd"), descriptors);
+  });
 }

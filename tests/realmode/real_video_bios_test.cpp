@@ -11,8 +11,10 @@
 #include <utility>
 #include <vector>
 
+#include "realmode/choose_bios.h"
 #include "realmode/physical_machine.h"
 #include "realmode/real_mode_memory.h"
+#include "tests/support/process_resources.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -329,4 +331,19 @@ TEST_F(RealVideoBios, ClosesTheMachineWhenItStops) {
   EXPECT_EQ(physical->opened, 1);
   bios->Stop();
   EXPECT_EQ(physical->opened, 0);
+}
+
+TEST_F(RealVideoBios, LeavesNothingBehindInTenThousandSessions) {
+  TPhysical machine(TCode{0xB8, 0x4F, 0x00, 0xCF});  // mov ax, 004Fh; iret
+  ChooseVideoBios(std::make_shared<TRealVideoBios>(std::make_unique<TTestMachine>(machine), kBudget));
+  ExpectNothingLeftBehind([] {
+    LRMI_regs call = {};
+    ASSERT_EQ(LRMI_init(), 1);
+    ASSERT_NE(LRMI_alloc_real(128), nullptr);
+    ASSERT_EQ(LRMI_int(0x10, &call), 1);
+    ASSERT_EQ(call.eax, 0x4FU);
+    LRMI_deInit();
+  });
+  ChooseVideoBios(nullptr);
+  EXPECT_EQ(machine.opened, 0);
 }
