@@ -14,15 +14,15 @@
 
 class IPhysicalMachine;
 
+constexpr std::chrono::milliseconds kInterruptBudget{5000};
+
 class REALMODE_API TRealVideoBios : public IVideoBios {
  public:
-  static constexpr std::chrono::milliseconds kDefaultBudget{5000};  // for one interrupt
-
   /// This machine's BIOS.
   TRealVideoBios();
 
   /// The BIOS of that machine. An interrupt that takes longer than `budget` is given up.
-  explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, std::chrono::milliseconds budget = kDefaultBudget);
+  explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, std::chrono::milliseconds budget = kInterruptBudget);
   ~TRealVideoBios() override;
 
   bool Start(TRealModeMemory& memory) override;
