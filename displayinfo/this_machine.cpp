@@ -9,7 +9,7 @@ TMachine MakeThisMachine() {
   machine.bios = bios;
   machine.getBiosFailure = [bios] {
     const std::string failure = bios->GetFailure();
-    return failure.empty() ? failure : failure + "; a captured machine (--machine DIR) needs no privilege";
+    return failure.empty() ? failure : failure + "; a captured machine (--machine DIR) does without it";
   };
   return machine;
 }

@@ -25,15 +25,15 @@ struct TProcessResources {
   }
 };
 
-/// Runs `round` 1,000 times to warm up and then 10,000 times, and expects that no resource has grown: a round that kept
-/// one page would have kept 10,000.
+/// Runs `round` `warmUp` times and then `rounds` times, and expects that no resource has grown: a round that kept one
+/// page would have kept ten times what is let pass.
 template <typename TRound>
-void ExpectNothingLeftBehind(TRound round) {
-  for (int count = 0; count < 1000; ++count) round();
+void ExpectNothingLeftBehind(TRound round, std::size_t warmUp = 1000, std::size_t rounds = 10000) {
+  for (std::size_t count = 0; count < warmUp; ++count) round();
   const TProcessResources before = TProcessResources::Count();
-  for (int count = 0; count < 10000; ++count) round();
+  for (std::size_t count = 0; count < rounds; ++count) round();
   const TProcessResources after = TProcessResources::Count();
-  EXPECT_LT(after.residentPages, before.residentPages + 1000);
+  EXPECT_LT(after.residentPages, before.residentPages + rounds / 10);
   EXPECT_LT(after.mappings, before.mappings + 10);
   EXPECT_EQ(after.descriptors, before.descriptors);
 }

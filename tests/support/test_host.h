@@ -50,6 +50,12 @@ class TTestHost : public IHostServices {
   std::vector<std::string> calls;  // such as "FileExists /etc/X11/xorg.conf"; log accesses are left out
   TLog log;
 
+  /// Forgets what was seen, so that any number of requests needs the memory of one.
+  void Forget() {
+    calls.clear();
+    log = TLog();
+  }
+
   // A CIM model with the six classes.
   boost::shared_ptr<TCimStore> store = TCimStore::Create(GetSchema());
 
