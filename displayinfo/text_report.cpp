@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <string_view>
 #include <vector>
 
 #include "displayinfo/instance_view.h"
@@ -21,7 +22,7 @@ std::size_t CountColumns(const std::string& text) {
 }
 
 /// The length in bytes of the first `columns` characters.
-std::size_t GetLength(const std::string& text, std::size_t columns) {
+std::size_t GetLength(std::string_view text, std::size_t columns) {
   std::size_t length = 0;
   for (; length < text.size(); ++length) {
     if (BeginsCharacter(text[length]) && columns-- == 0) break;
@@ -31,18 +32,17 @@ std::size_t GetLength(const std::string& text, std::size_t columns) {
 
 /// The text in lines: the first after `head`, the others indented as far. Lines break at blanks where they can; all
 /// other blanks stay.
-std::string Wrap(const std::string& head, std::string text) {
+std::string Wrap(const std::string& head, std::string_view text) {
   const std::size_t indent = CountColumns(head);
   const std::size_t room = kWidth - indent;
   std::string wrapped = head;
-  while (CountColumns(text) > room) {
-    const std::size_t limit = GetLength(text, room);
+  for (std::size_t limit = 0; (limit = GetLength(text, room)) < text.size();) {
     const std::size_t blank = text.rfind(' ', limit);
-    const bool canBreak = blank != std::string::npos && blank > 0;
-    wrapped += text.substr(0, canBreak ? blank : limit) + "\n" + std::string(indent, ' ');
-    text.erase(0, canBreak ? blank + 1 : limit);
+    const bool canBreak = blank != std::string_view::npos && blank > 0;
+    wrapped.append(text.substr(0, canBreak ? blank : limit)).append("\n").append(indent, ' ');
+    text.remove_prefix(canBreak ? blank + 1 : limit);
   }
-  return wrapped + text + "\n";
+  return wrapped.append(text).append("\n");
 }
 
 std::string MakeRow(const std::string& indent, const std::string& label, const std::string& text) {

@@ -1,6 +1,7 @@
 // Lines and words of the X server's configuration.
 #include <cstring>
 #include <memory>
+#include <string_view>
 
 #include "xconfig/xconfig.h"
 
@@ -22,8 +23,14 @@ class TScratch {
 };
 
 /// 1 when the text begins with a delimiter, which is then passed over; else 0.
-std::size_t SkipDelimiter(const std::string& text, const char* delimiters) {
-  return text.find_first_of(delimiters) == 0 ? 1 : 0;
+std::size_t SkipDelimiter(const std::string& text, std::string_view delimiters) {
+  return !text.empty() && delimiters.find(text[0]) != std::string_view::npos ? 1 : 0;
+}
+
+/// The position of the first delimiter from `start` on.
+std::size_t FindDelimiter(const std::string& text, std::string_view delimiters, std::size_t start) {
+  // A single character is found several times faster than one of a set.
+  return delimiters.size() == 1 ? text.find(delimiters[0], start) : text.find_first_of(delimiters, start);
 }
 
 }  // namespace
@@ -55,8 +62,8 @@ std::vector<std::string> TXConfig::MultiStringTok(const std::string& text, const
   std::vector<std::string> pieces;
   std::string piece;
   std::size_t start = SkipDelimiter(text, delimiters);
-  for (std::size_t end = text.find_first_of(delimiters, start); end != std::string::npos;
-       end = text.find_first_of(delimiters, start)) {
+  for (std::size_t end = FindDelimiter(text, delimiters, start); end != std::string::npos;
+       end = FindDelimiter(text, delimiters, start)) {
     piece = text.substr(start, end - start);
     if (!piece.empty()) pieces.push_back(piece);
     start = end + 1;
@@ -71,7 +78,7 @@ std::vector<std::string> TXConfig::MultiStringTok(const std::string& text, const
 
 std::vector<std::string> TXConfig::MultiStringFirstTok(const std::string& text, const char* delimiters) {
   const std::size_t start = SkipDelimiter(text, delimiters);
-  const std::size_t end = text.find_first_of(delimiters, start);
+  const std::size_t end = FindDelimiter(text, delimiters, start);
   if (end == std::string::npos || end == start) return {};
   std::vector<std::string> words = {text.substr(start, end - start)};
   if (end + 1 < text.size()) words.push_back(text.substr(end + 1));

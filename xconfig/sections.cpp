@@ -1,7 +1,9 @@
 // Sections of the X server's configuration.
 #include <algorithm>
 #include <boost/regex.hpp>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "xconfig/xconfig.h"
 
@@ -34,22 +36,15 @@ struct TNumberedKey {
   unsigned int next;
 };
 
-class TSectionReader {
+/// The record of one section, as its values come, line by line.
+class TRecordBuilder {
  public:
-  explicit TSectionReader(const std::vector<std::string>& keys) : m_keys(keys) {}
+  void Add(const std::string& key, const std::string& value) { m_record.emplace(Number(key), value); }
 
-  void ReadLine(const std::string& line) {
-    if (TXConfig::CommentedCode(line.c_str())) return;
-    const std::vector<std::string> words = SplitLine(TXConfig::RemoveSpaces(line.c_str()));
-    if (words.size() < 2) return;
-    // Deliberate: a key counts wherever it stands in the word, so that DefaultColorDepth is a Depth.
-    const auto key = std::find_if(m_keys.begin(), m_keys.end(), [&](const std::string& candidate) {
-      return words[0].find(candidate) != std::string::npos;
-    });
-    if (key != m_keys.end()) m_record.emplace(Number(*key), TXConfig::ExtractString(words[1].c_str()));
-  }
+  /// Whether no further value of the key can enter.
+  bool IsTaken(const std::string& key) const { return m_record.count(key) != 0; }
 
-  const SectionRecord& GetRecord() const { return m_record; }
+  SectionRecord Take() { return std::move(m_record); }
 
  private:
   std::string Number(const std::string& key) {
@@ -59,10 +54,77 @@ class TSectionReader {
     return key;
   }
 
-  const std::vector<std::string>& m_keys;
   SectionRecord m_record;
   // Deliberate: the two are numbered apart from each other, across the whole section.
   TNumberedKey m_numbered[2] = {{"Modes", 1}, {"Depth", 1}};
+};
+
+/// A line that holds one of the keys.
+struct TKeyLine {
+  std::size_t key;  // index
+  std::string value;
+};
+
+/// Reads sections of a text, in the order of their beginnings. Many may have one end; their lines are read once.
+class TSectionReader {
+ public:
+  TSectionReader(const std::string& text, const std::vector<std::string>& keys)
+      : m_text(text), m_keys(keys), m_values(keys.size()) {}
+
+  /// The section from `begin` to before `end`. Its lines come as MultiStringTok parts them: none of a section of one
+  /// line, and the last one twice when its line end belongs to the section.
+  SectionRecord Read(std::size_t begin, std::size_t end) {
+    const std::size_t firstLineEnd = m_text.find('\n', begin + 1);
+    if (firstLineEnd >= end) return {};
+    if (end != m_end) ReadFurtherLines(firstLineEnd + 1, end);
+    TRecordBuilder record;
+    const std::size_t firstLine = m_text[begin] == '\n' ? begin + 1 : begin;
+    if (const auto first = ReadLine(m_text.substr(firstLine, firstLineEnd - firstLine))) {
+      const int times = firstLineEnd + 1 == end ? 2 : 1;
+      for (int time = 0; time < times; ++time) record.Add(m_keys[first->key], first->value);
+    }
+    for (std::size_t key = 0; key < m_keys.size(); ++key) AddFurtherValues(key, firstLineEnd, record);
+    return record.Take();
+  }
+
+ private:
+  typedef std::pair<std::size_t, std::string> TValue;  // with the position of its line
+
+  std::optional<TKeyLine> ReadLine(const std::string& line) const {
+    if (TXConfig::CommentedCode(line.c_str())) return std::nullopt;
+    const std::vector<std::string> words = SplitLine(TXConfig::RemoveSpaces(line.c_str()));
+    if (words.size() < 2) return std::nullopt;
+    // Deliberate: a key counts wherever it stands in the word, so that DefaultColorDepth is a Depth.
+    const auto key = std::find_if(m_keys.begin(), m_keys.end(), [&](const std::string& candidate) {
+      return words[0].find(candidate) != std::string::npos;
+    });
+    if (key == m_keys.end()) return std::nullopt;
+    return TKeyLine{static_cast<std::size_t>(key - m_keys.begin()), TXConfig::ExtractString(words[1].c_str())};
+  }
+
+  void ReadFurtherLines(std::size_t begin, std::size_t end) {
+    for (std::vector<TValue>& values : m_values) values.clear();
+    m_end = end;
+    while (begin < end) {
+      const std::size_t lineEnd = std::min(m_text.find('\n', begin), end);
+      if (const auto line = ReadLine(m_text.substr(begin, lineEnd - begin))) {
+        const int times = lineEnd + 1 == end ? 2 : 1;
+        m_values[line->key].insert(m_values[line->key].end(), times, {begin, line->value});
+      }
+      begin = lineEnd + 1;
+    }
+  }
+
+  void AddFurtherValues(std::size_t key, std::size_t behind, TRecordBuilder& record) const {
+    const std::vector<TValue>& values = m_values[key];
+    auto value = std::lower_bound(values.begin(), values.end(), TValue(behind, ""));
+    for (; value != values.end() && !record.IsTaken(m_keys[key]); ++value) record.Add(m_keys[key], value->second);
+  }
+
+  const std::string& m_text;
+  const std::vector<std::string>& m_keys;
+  std::vector<std::vector<TValue>> m_values;  // of each key, of the lines behind the first one, up to m_end
+  std::size_t m_end = 0;
 };
 
 std::vector<SectionRecord> ReadSections(const std::string& text, const TSectionType& type) {
@@ -71,12 +133,13 @@ std::vector<SectionRecord> ReadSections(const std::string& text, const TSectionT
   // The ends are found once for all starts. A match at an end never covers a start, since what follows its blanks is
   // another word; so the first end behind a start is the same as a search from that start would find.
   const std::vector<unsigned int> ends = TXConfig::GetRegEx(text, 0, kEndPattern);
+  TSectionReader reader(text, type.keys);
   std::vector<SectionRecord> records;
   auto end = ends.begin();
   for (const unsigned int start : starts) {
     end = std::upper_bound(end, ends.end(), start);
     if (end == ends.end()) break;
-    records.push_back(TXConfig::GetSectionInfo(text.substr(start, *end - start), type.keys));
+    records.push_back(reader.Read(start, *end));
   }
   return records;
 }
@@ -99,9 +162,7 @@ std::vector<unsigned int> TXConfig::GetRegEx(const std::string& text, unsigned i
 }
 
 SectionRecord TXConfig::GetSectionInfo(std::string sectionText, std::vector<std::string> keys) {
-  TSectionReader reader(keys);
-  for (const std::string& line : MultiStringTok(sectionText, "\n")) reader.ReadLine(line);
-  return reader.GetRecord();
+  return TSectionReader(sectionText, keys).Read(0, sectionText.size());
 }
 
 std::vector<SectionRecord> TXConfig::GetDeviceSectionInfo(std::string text) { return ReadSections(text, kDevice); }

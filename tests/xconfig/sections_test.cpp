@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
 #include <stdexcept>
 
@@ -16,13 +17,35 @@ const std::vector<std::string> kDeviceKeys = {"Identifier", "Chipset",   "Ramdac
                                               "VendorName", "BoardName", "BusID"};
 const std::vector<std::string> kScreenKeys = {"Identifier", "Device", "Monitor", "DefaultDepth", "Depth", "Modes"};
 
+/// A record as the rules put it: the text's lines one after another, each parted at a blank or an earlier tab.
+SectionRecord ReadRecordPlainly(const std::string& text, const std::vector<std::string>& keys) {
+  SectionRecord record;
+  std::map<std::string, int> numbers;
+  for (const std::string& line : TXConfig::MultiStringTok(text, "\n")) {
+    if (TXConfig::CommentedCode(line.c_str())) continue;
+    const std::string content = TXConfig::RemoveSpaces(line.c_str());
+    std::vector<std::string> words = TXConfig::MultiStringFirstTok(content, " ");
+    if (words.size() < 2 || words[0].find('\t') != std::string::npos) {
+      words = TXConfig::MultiStringFirstTok(content, "\t");
+    }
+    if (words.size() < 2) continue;
+    for (const std::string& key : keys) {
+      if (words[0].find(key) == std::string::npos) continue;
+      const std::string number = key == "Depth" || key == "Modes" ? std::to_string(++numbers[key]) : "";
+      record.emplace(key + number, TXConfig::ExtractString(words[1].c_str()));
+      break;
+    }
+  }
+  return record;
+}
+
 /// The sections as the rules put it: for each start all ends are collected anew, and the first decides.
 TRecords ReadPlainly(const std::string& text, const char* startPattern, const std::vector<std::string>& keys) {
   TRecords records;
   for (const unsigned int start : TXConfig::GetRegEx(text, 0, startPattern)) {
     const TPositions ends = TXConfig::GetRegEx(text, start, kEnd);
     if (ends.empty() || ends[0] <= start) continue;
-    records.push_back(TXConfig::GetSectionInfo(text.substr(start, ends[0] - start), keys));
+    records.push_back(ReadRecordPlainly(text.substr(start, ends[0] - start), keys));
   }
   return records;
 }
@@ -219,7 +242,7 @@ TEST(Sections, WithoutTheirOwnEndTakeInTheNextOnesLines) {
             (TRecords{{{"Identifier", "a"}, {"Chipset", "c"}}, {{"Identifier", "b"}, {"Chipset", "c"}}}));
 }
 
-TEST(Sections, AreTheSameWithTheEndsFoundOnceAsWithTheEndsFoundForEach) {
+TEST(Sections, AreTheSameWithEndsAndLinesReadOnceAsWithEachSectionReadAnew) {
   const char* const fragments[] = {"\n",
                                    "\r",
                                    "\f",
@@ -238,6 +261,9 @@ TEST(Sections, AreTheSameWithTheEndsFoundOnceAsWithTheEndsFoundForEach) {
                                    "Depth 1",
                                    "Modes a",
                                    "Identifier b",
+                                   "\nDepth 2\n",
+                                   "\nModes c\n",
+                                   "\nIdentifier d\n",
                                    " \n \n",
                                    "\nEndSection",
                                    "\nSection \"Device\"",
@@ -257,4 +283,19 @@ TEST(Sections, AreTheSameWithTheEndsFoundOnceAsWithTheEndsFoundForEach) {
     sections += devices.size();
   }
   EXPECT_GT(sections, 1000U);  // the texts do hold sections
+}
+
+TEST(Sections, MayShareTheirLinesByTheThousand) {
+  std::string text;
+  for (int number = 0; number < 20000; ++number) text += "Section \"Device\"\nBusID " + std::to_string(number) + "\n";
+  EXPECT_EQ(TXConfig::GetDeviceSectionInfo(text), TRecords());
+  const TRecords records = TXConfig::GetDeviceSectionInfo(text + "Identifier a\nEndSection\n");
+  ASSERT_EQ(records.size(), 20000U);
+  EXPECT_EQ(records.front(), (SectionRecord{{"BusID", "0"}, {"Identifier", "a"}}));
+  EXPECT_EQ(records.back(), (SectionRecord{{"BusID", "19999"}, {"Identifier", "a"}}));
+}
+
+TEST(Sections, AreFoundBehindAHundredMillionBlankLines) {
+  const std::string text = std::string(100'000'000, '\n') + "Section \"Device\"\nIdentifier a\nEndSection\n";
+  EXPECT_EQ(TXConfig::GetDeviceSectionInfo(text), (TRecords{{{"Identifier", "a"}}}));
 }
