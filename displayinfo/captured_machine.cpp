@@ -1,8 +1,6 @@
 // Reads the folder of a captured machine: machine.json, edid/ and root/.
 #include <algorithm>
 #include <charconv>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -11,6 +9,8 @@
 
 #include "displayinfo/host_name.h"
 #include "displayinfo/machine.h"
+#include "embedded_host/machine_files.h"
+#include "host/exception.h"
 #include "realmode/virtual_video_bios.h"
 
 namespace fs = std::filesystem;
@@ -21,20 +21,32 @@ namespace {
 constexpr std::size_t kEdidBlockSize = 128;  // bytes
 constexpr std::size_t kMaxEdidBlocks = 256;  // a base block and as many extensions as its count byte can tell
 
-std::string ReadFile(const fs::path& file, std::size_t maxSize) {
-  std::error_code error;
-  if (!fs::is_regular_file(file, error)) throw TUnusable(file.string() + ": must be a regular file");
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw TUnusable(file.string() + ": cannot be read; check its permissions");
-  std::string content(maxSize + 1, '\0');
-  stream.read(content.data(), static_cast<std::streamsize>(content.size()));
-  if (stream.bad()) throw TUnusable(file.string() + ": cannot be read to its end");
-  content.resize(static_cast<std::size_t>(stream.gcount()));
-  if (content.size() > maxSize) {
-    throw TUnusable(file.string() + ": is larger than " + std::to_string(maxSize) + " bytes, which no such file needs");
+/// The folder of a captured machine. What is read of it lies inside: a link that leads out of it is an error.
+class TFolder {
+ public:
+  explicit TFolder(fs::path path) : m_path(std::move(path)), m_files(m_path) {}
+
+  /// Where that lies, for messages too.
+  fs::path At(const std::string& name) const { return m_path / name; }
+
+  bool Has(const std::string& name) const { return fs::exists(fs::symlink_status(At(name))); }
+
+  void RequireFolder(const std::string& name) const {
+    if (!m_files.HasFolder(name)) throw TUnusable(At(name).string() + ": must be a folder inside the machine's folder");
   }
-  return content;
-}
+
+  std::string Read(const std::string& name, std::size_t maxSize) const try {
+    if (!m_files.Exists(name))
+      throw TUnusable(At(name).string() + ": must be a regular file inside the machine's folder");
+    return m_files.Read(name, maxSize);
+  } catch (const NQRXZELT20::TZELTException& failure) {
+    throw TUnusable(m_path.string() + "/" + failure.what());
+  }
+
+ private:
+  fs::path m_path;
+  TMachineFiles m_files;
+};
 
 std::optional<unsigned int> ParseUnit(const std::string& text) {
   unsigned int unit = 0;
@@ -47,8 +59,10 @@ std::optional<unsigned int> ParseUnit(const std::string& text) {
 /// machine.json, key by key against what may stand there.
 class TMachineJson {
  public:
-  TMachineJson(fs::path file, THostConfiguration& host, TVirtualBiosConfiguration& bios)
-      : m_file(std::move(file)), m_host(host), m_bios(bios) {}
+  static constexpr const char* kName = "machine.json";
+
+  TMachineJson(const TFolder& folder, THostConfiguration& host, TVirtualBiosConfiguration& bios)
+      : m_folder(folder), m_host(host), m_bios(bios) {}
 
   void Read() {
     const json document = Parse();
@@ -70,16 +84,18 @@ class TMachineJson {
   json Parse() const {
     constexpr std::size_t maxSize = 1024 * 1024;
     try {
-      return json::parse(ReadFile(m_file, maxSize));
+      return json::parse(m_folder.Read(kName, maxSize));
     } catch (const json::parse_error& error) {
       // The parser's text begins with its own error number, in brackets.
       const std::string text = error.what();
-      throw TUnusable(m_file.string() + ": is not JSON: " + text.substr(std::min(text.find("] ") + 2, text.size())));
+      throw TUnusable(m_folder.At(kName).string() +
+                      ": is not JSON: " + text.substr(std::min(text.find("] ") + 2, text.size())));
     }
   }
 
   [[noreturn]] void Fail(const TKey& key, const std::string& what) const {
-    throw TUnusable(m_file.string() + ": " + (key.empty() ? "the document" : "\"" + key + "\"") + " " + what);
+    throw TUnusable(m_folder.At(kName).string() + ": " + (key.empty() ? "the document" : "\"" + key + "\"") + " " +
+                    what);
   }
 
   void ReadObject(const json& object, const TKey& key, const TReaders& readers) const {
@@ -154,42 +170,45 @@ class TMachineJson {
     return names;
   }
 
-  fs::path m_file;
+  const TFolder& m_folder;
   THostConfiguration& m_host;
   TVirtualBiosConfiguration& m_bios;
 };
 
-void ReadEdid(const fs::path& file, TVirtualBiosConfiguration& bios) {
-  const std::optional<unsigned int> unit = ParseUnit(file.stem().string());
-  if (!unit) throw TUnusable(file.string() + ": is not named after a unit; call it 0.bin, 1.bin, ...");
-  const std::string content = ReadFile(file, kMaxEdidBlocks * kEdidBlockSize);
+void ReadEdid(const TFolder& folder, const std::string& name, TVirtualBiosConfiguration& bios) {
+  const std::string file = folder.At(name).string();
+  const std::optional<unsigned int> unit = ParseUnit(fs::path(name).stem().string());
+  if (!unit) throw TUnusable(file + ": is not named after a unit; call it 0.bin, 1.bin, ...");
+  const std::string content = folder.Read(name, kMaxEdidBlocks * kEdidBlockSize);
   if (content.size() % kEdidBlockSize != 0) {
-    throw TUnusable(file.string() + ": its size, " + std::to_string(content.size()) +
+    throw TUnusable(file + ": its size, " + std::to_string(content.size()) +
                     " bytes, is not a multiple of 128; an EDID is whole 128-byte blocks");
   }
   bios.units[*unit].edid.assign(content.begin(), content.end());
 }
 
-void ReadEdids(const fs::path& folder, TVirtualBiosConfiguration& bios) {
-  if (!fs::exists(folder)) return;
-  if (!fs::is_directory(folder)) throw TUnusable(folder.string() + ": must be a folder with 0.bin, 1.bin, ...");
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-    if (entry.path().extension() == ".bin") ReadEdid(entry.path(), bios);
+void ReadEdids(const TFolder& folder, TVirtualBiosConfiguration& bios) {
+  folder.RequireFolder("edid");
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder.At("edid"))) {
+    const std::string name = "edid/" + entry.path().filename().string();
+    if (entry.path().extension() == ".bin") ReadEdid(folder, name, bios);
   }
 }
 
 }  // namespace
 
-TMachine ReadCapturedMachine(const fs::path& folder) try {
-  if (!fs::is_directory(folder)) {
-    throw TUnusable(folder.string() + ": is not the folder of a captured machine; --machine takes one that exists");
+TMachine ReadCapturedMachine(const fs::path& path) try {
+  if (!fs::is_directory(path)) {
+    throw TUnusable(path.string() + ": is not the folder of a captured machine; --machine takes one that exists");
   }
+  const TFolder folder(path);
   TVirtualBiosConfiguration bios;
   TMachine machine;
   machine.host.systemName = GetHostName();
-  machine.host.root = folder / "root";
-  if (fs::exists(folder / "machine.json")) TMachineJson(folder / "machine.json", machine.host, bios).Read();
-  ReadEdids(folder / "edid", bios);
+  machine.host.root = folder.At("root");
+  if (folder.Has("root")) folder.RequireFolder("root");
+  if (folder.Has(TMachineJson::kName)) TMachineJson(folder, machine.host, bios).Read();
+  if (folder.Has("edid")) ReadEdids(folder, bios);
   machine.bios = std::make_shared<TVirtualVideoBios>(std::move(bios));
   machine.getBiosFailure = [] { return std::string(); };
   return machine;

@@ -28,5 +28,5 @@ struct TMachine {
 TMachine MakeThisMachine();
 
 /// The machine that a folder holds. Throws TUnusable, naming file and key, when the folder or anything in it that the
-/// collection would use is not as it must be.
-TMachine ReadCapturedMachine(const std::filesystem::path& folder);
+/// collection would use is not as it must be, or leads out of the folder.
+TMachine ReadCapturedMachine(const std::filesystem::path& path);

@@ -31,16 +31,17 @@ class TOpenFile {
   TOpenFile(const TOpenFile&) = delete;
   TOpenFile& operator=(const TOpenFile&) = delete;
 
-  /// Appends the whole content to `content`; false, with errno set, when that fails.
-  bool ReadAll(std::string& content) const {
+  /// Appends the content, as far as the byte behind `maxSize`; false, with errno set, when that fails.
+  bool Read(std::string& content, std::size_t maxSize) const {
     if (m_descriptor < 0) return false;
     char piece[65536];
-    for (;;) {
-      const ssize_t count = read(m_descriptor, piece, sizeof piece);
+    while (content.size() <= maxSize) {
+      const ssize_t count = read(m_descriptor, piece, std::min(sizeof piece, maxSize + 1 - content.size()));
       if (count == 0) return true;
       if (count < 0 && errno != EINTR) return false;
       if (count > 0) content.append(piece, static_cast<std::size_t>(count));
     }
+    return true;
   }
 
  private:
@@ -51,13 +52,25 @@ class TOpenFile {
 
 TMachineFiles::TMachineFiles(fs::path root) : m_root(std::move(root)) {}
 
-bool TMachineFiles::Exists(const std::string& path) const { return !Locate(path).empty(); }
+bool TMachineFiles::Exists(const std::string& path) const {
+  std::error_code error;
+  return fs::is_regular_file(Locate(path), error);
+}
 
-std::string TMachineFiles::Read(const std::string& path) const {
-  const fs::path file = Locate(path);
-  if (file.empty()) throw TZELTException(path + ": no such file");
+bool TMachineFiles::HasFolder(const std::string& path) const {
+  std::error_code error;
+  return fs::is_directory(Locate(path), error);
+}
+
+std::string TMachineFiles::Read(const std::string& path, std::size_t maxSize) const {
+  if (!Exists(path)) throw TZELTException(path + ": no such file");
   std::string content;
-  if (!TOpenFile(file).ReadAll(content)) throw TZELTException(path + ": " + std::strerror(errno));
+  if (!TOpenFile(Locate(path)).Read(content, maxSize)) {
+    throw TZELTException(path + ": cannot be read: " + std::strerror(errno));
+  }
+  if (content.size() > maxSize) {
+    throw TZELTException(path + ": is larger than " + std::to_string(maxSize) + " bytes, which no such file needs");
+  }
   return content;
 }
 
@@ -66,6 +79,5 @@ fs::path TMachineFiles::Locate(const std::string& path) const {
   const fs::path root = fs::canonical(m_root, error);
   if (error) return {};
   const fs::path file = fs::canonical(root / fs::path(path).relative_path(), error);
-  if (error || !IsBelow(file, root) || !fs::is_regular_file(file, error)) return {};
-  return file;
+  return error || !IsBelow(file, root) ? fs::path() : file;
 }

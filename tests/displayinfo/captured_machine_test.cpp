@@ -193,15 +193,50 @@ TEST_F(CapturedMachine, MayHaveNotesBesideTheEdids) {
 
 TEST_F(CapturedMachine, RefusesAnythingButAFile) {
   fs::create_directories(machine.GetPath() / "edid/0.bin");
-  EXPECT_EQ(GetFailure(), "edid/0.bin: must be a regular file");
+  EXPECT_EQ(GetFailure(), "edid/0.bin: must be a regular file inside the machine's folder");
 }
 
 TEST_F(CapturedMachine, DoesNotWaitForAFifo) {
   ASSERT_EQ(mkfifo((machine.GetPath() / "machine.json").c_str(), 0600), 0);
-  EXPECT_EQ(GetFailure(), "machine.json: must be a regular file");
+  EXPECT_EQ(GetFailure(), "machine.json: must be a regular file inside the machine's folder");
 }
 
 TEST_F(CapturedMachine, RefusesAnEdidFolderThatIsAFile) {
   machine.File("edid", "");
-  EXPECT_EQ(GetFailure(), "edid: must be a folder with 0.bin, 1.bin, ...");
+  EXPECT_EQ(GetFailure(), "edid: must be a folder inside the machine's folder");
+}
+
+TEST_F(CapturedMachine, MayLinkItsFilesToEachOther) {
+  machine.Edid(1, TEdidBuilder().Build());
+  fs::create_symlink("1.bin", machine.GetPath() / "edid/0.bin");
+  EXPECT_EQ(CallBios(0, 0), "004F");
+}
+
+TEST_F(CapturedMachine, RefusesEveryLinkThatLeadsOutOfIt) {
+  const TTemporaryFolder elsewhere;
+  elsewhere.Write("0.bin", std::string(128, '\0'));
+  const std::string file = elsewhere.GetPath() / "0.bin";
+  const struct {
+    const char* name;
+    std::string target;
+    const char* kind;
+  } links[] = {
+      {"machine.json", file, "regular file"},
+      {"edid", elsewhere.GetPath().string(), "folder"},
+      {"root", "/", "folder"},
+      {"root", "..", "folder"},
+  };
+  for (const auto& link : links) {
+    fs::create_symlink(link.target, machine.GetPath() / link.name);
+    EXPECT_EQ(GetFailure(), std::string(link.name) + ": must be a " + link.kind + " inside the machine's folder");
+    fs::remove(machine.GetPath() / link.name);
+  }
+  fs::create_directory(machine.GetPath() / "edid");
+  fs::create_symlink(file, machine.GetPath() / "edid/0.bin");
+  EXPECT_EQ(GetFailure(), "edid/0.bin: must be a regular file inside the machine's folder");
+}
+
+TEST_F(CapturedMachine, RefusesALinkToNothing) {
+  fs::create_symlink("nothing", machine.GetPath() / "machine.json");
+  EXPECT_EQ(GetFailure(), "machine.json: must be a regular file inside the machine's folder");
 }

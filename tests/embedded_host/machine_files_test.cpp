@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
+#include <fstream>
+#include <thread>
+
 #include "host/exception.h"
 #include "tests/support/temporary_folder.h"
 
@@ -104,4 +108,42 @@ TEST_F(MachineFiles, AreNoFifos) {
 TEST_F(MachineFiles, MayLinkInARing) {
   fs::create_symlink("xorg.conf", Root() / "etc/X11/xorg.conf");
   ExpectAbsent();
+}
+
+TEST_F(MachineFiles, AreRefusedBeyondTheLimit) {
+  folder.Write("root" + kPath, std::string(100001, 'x'));
+  EXPECT_EQ(files.Read(kPath, 100001).size(), 100001U);
+  try {
+    files.Read(kPath, 100000);
+    FAIL() << "it was read";
+  } catch (const TZELTException& failure) {
+    EXPECT_EQ(failure.what(), kPath + ": is larger than 100000 bytes, which no such file needs");
+  }
+}
+
+TEST_F(MachineFiles, AreReadToTheLimitAtMostWhileTheyGrow) {
+  folder.Write("root" + kPath, std::string(100000, 'x'));
+  std::atomic<bool> isRead = false;
+  std::thread writer([&] {
+    std::ofstream file(Root() / "etc/X11/xorg.conf", std::ios::app);
+    while (!isRead) file << std::string(100000, 'x') << std::flush;
+  });
+  std::string content;
+  try {
+    content = files.Read(kPath, 10'000'000);
+  } catch (const TZELTException&) {
+    // It grew faster than it was read.
+  }
+  isRead = true;
+  writer.join();
+  EXPECT_LE(content.size(), 10'000'000U);
+}
+
+TEST_F(MachineFiles, HaveFoldersInsideTheRootAlone) {
+  fs::create_symlink("/tmp", Root() / "etc/outside");
+  fs::create_symlink("X11", Root() / "etc/inside");
+  EXPECT_TRUE(files.HasFolder("/etc/X11"));
+  EXPECT_TRUE(files.HasFolder("/etc/inside"));
+  EXPECT_FALSE(files.HasFolder("/etc/outside"));
+  EXPECT_FALSE(files.HasFolder("/etc/X11/none"));
 }
