@@ -12,6 +12,7 @@
 #include "displayinfo/machine.h"
 #include "displayinfo/options.h"
 #include "displayinfo/plugin_library.h"
+#include "displayinfo/privileges.h"
 #include "displayinfo/text_encoding.h"
 #include "displayinfo/text_report.h"
 
@@ -44,12 +45,14 @@ TMachine ChooseMachine(const TOptions& options) {
 }
 
 int Run(const TOptions& options) {
+  if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
   const TMachine machine = ChooseMachine(options);
   const auto showLog = [&](const TLogEntry& entry) {
     if (entry.severity > options.logLevel) return;
     std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
   };
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
+  DropPrivileges(false);
   const std::string biosFailure = machine.getBiosFailure();
   if (!biosFailure.empty()) std::cerr << "displayinfo: " << biosFailure << '\n';
   WriteAnswer(options.format == EFormat::kJson ? MakeJsonReport(answer) : MakeTextReport(answer));

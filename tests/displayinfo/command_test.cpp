@@ -156,3 +156,15 @@ TEST_F(Command, ExplainsItself) {
     EXPECT_THAT(result.output, HasSubstr(option));
   }
 }
+
+// Started without any, it passes whatever the command does.
+TEST_F(Command, HasNoCapabilityLeftWhenItAnswers) {
+  std::string requests;
+  for (int count = 0; count < 100; ++count) requests += " --request QRXSG_DesktopMonitor";  // more than a pipe holds
+  machine.Edid(0, TEdidBuilder().Build());
+  const std::string pipe = machine.GetPath() / "pipe";
+  const TProcessResult result = RunShell(
+      "mkfifo " + pipe + "; " + kCommand + " --machine " + machine.GetPath().string() + " --format json" + requests +
+      " >" + pipe + " & exec 3<" + pipe + "; read -r line <&3; grep CapEff /proc/$!/status; cat <&3 >/dev/null");
+  EXPECT_EQ(result.output, "CapEff:\t0000000000000000\n");
+}
