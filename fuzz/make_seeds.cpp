@@ -19,6 +19,13 @@ const std::string kAllWorks(2, '\0');
 
 constexpr const char* kDelimiters[] = {"\n", " ", "\t", "x"};
 
+// Each type of section at its smallest: short seeds are soon put together in odd ways.
+constexpr const char* kSections[] = {
+    "Section \"Device\"\n Identifier \"a\"\nEndSection\n",
+    "Section \"screen\"\n Device \"a\"\nEndSection\n",
+    "Section \"Monitor\"\n ModelName \"b\"\nEndSection\n",
+};
+
 // Every key that machine.json may have, and a value that each may not have.
 constexpr const char* kMachineJsons[] = {
     R"({"systemName": "a", "systemCreationClassName": "b", "systemType": 2, "provider": true, "bios": {"present": true,
@@ -114,6 +121,7 @@ int main(int argumentCount, char** arguments) try {
     units += MakeUnit(builder);
   }
   seeds.Add("monitors", units);
+  for (const char* text : kSections) seeds.Add("sections", text);
   for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
   return 0;
 } catch (const std::exception& error) {
