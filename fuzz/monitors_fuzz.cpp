@@ -64,7 +64,7 @@ TTexts GetSettingIds(const std::vector<TEdid>& walked) {
 TInstances Collect(TTestHost& host, const char* className) {
   TMonitorInfo collector(host.GetClass(className), TTestHost::Provider());
   const std::size_t returned = collector.GetCIMInstances().size();
-  const TInstances committed = host.store->TakeCommits();
+  TInstances committed = host.store->TakeCommits();
   Require(returned == committed.size(), "what is committed is what is returned");
   RequireValues(committed);
   return committed;
