@@ -71,7 +71,7 @@ class TMachineJson {
     constexpr std::size_t maxSize = 1024 * 1024;
     try {
       return json::parse(ReadFile(m_file, maxSize));
-    } catch (const json::parse_error& error) {
+    } catch (const json::exception& error) {
       // The parser's text begins with its own error number, in brackets.
       const std::string text = error.what();
       throw TUnusable(m_file.string() + ": is not JSON: " + text.substr(std::min(text.find("] ") + 2, text.size())));
