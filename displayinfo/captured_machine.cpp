@@ -85,7 +85,7 @@ class TMachineJson {
     constexpr std::size_t maxSize = 1024 * 1024;
     try {
       return json::parse(m_folder.Read(kName, maxSize));
-    } catch (const json::parse_error& error) {
+    } catch (const json::exception& error) {
       // The parser's text begins with its own error number, in brackets.
       const std::string text = error.what();
       throw TUnusable(m_folder.At(kName).string() +

@@ -108,7 +108,7 @@ class TSectionReader {
     while (begin < end) {
       const std::size_t lineEnd = std::min(m_text.find('\n', begin), end);
       if (const auto line = ReadLine(m_text.substr(begin, lineEnd - begin))) {
-        const int times = lineEnd + 1 == end ? 2 : 1;
+        const std::size_t times = lineEnd + 1 == end ? 2 : 1;
         m_values[line->key].insert(m_values[line->key].end(), times, {begin, line->value});
       }
       begin = lineEnd + 1;
@@ -153,8 +153,8 @@ std::vector<unsigned int> TXConfig::GetRegEx(const std::string& text, unsigned i
   std::vector<unsigned int> positions;
   boost::smatch match;
   boost::match_flag_type flags = boost::match_default;
-  for (auto from = text.begin() + start; boost::regex_search(from, text.end(), match, expression, flags);
-       from = match[0].second) {
+  for (auto from = text.begin() + static_cast<std::ptrdiff_t>(start);
+       boost::regex_search(from, text.end(), match, expression, flags); from = match[0].second) {
     positions.push_back(static_cast<unsigned int>(match[0].first - text.begin()));
     flags = boost::match_prev_avail | boost::match_not_bob;
   }

@@ -165,6 +165,10 @@ TEST_F(CapturedMachine, SaysWhereTheJsonIsBroken) {
   EXPECT_EQ(failure.find("machine.json: is not JSON: parse error at line 1, column "), 0U) << failure;
 }
 
+TEST_F(CapturedMachine, NamesTheFileOfANumberThatNoTypeHolds) {
+  EXPECT_EQ(GetJsonFailure(R"({"systemType": 1e999})"), "machine.json: is not JSON: number overflow parsing '1e999'");
+}
+
 TEST_F(CapturedMachine, RefusesAnEdidThatIsNotWholeBlocks) {
   machine.Edid(0, std::vector<std::uint8_t>(129));
   EXPECT_EQ(GetFailure(),

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <map>
 #include <random>
 #include <stdexcept>
 
+#include "tests/support/plain_record.h"
 #include "xconfig/xconfig.h"
 
 namespace {
@@ -16,28 +16,6 @@ constexpr const char* kEnd = R"(^\s*EndSection)";
 const std::vector<std::string> kDeviceKeys = {"Identifier", "Chipset",   "Ramdac", "VideoRam",
                                               "VendorName", "BoardName", "BusID"};
 const std::vector<std::string> kScreenKeys = {"Identifier", "Device", "Monitor", "DefaultDepth", "Depth", "Modes"};
-
-/// A record as the rules put it: the text's lines one after another, each parted at a blank or an earlier tab.
-SectionRecord ReadRecordPlainly(const std::string& text, const std::vector<std::string>& keys) {
-  SectionRecord record;
-  std::map<std::string, int> numbers;
-  for (const std::string& line : TXConfig::MultiStringTok(text, "\n")) {
-    if (TXConfig::CommentedCode(line.c_str())) continue;
-    const std::string content = TXConfig::RemoveSpaces(line.c_str());
-    std::vector<std::string> words = TXConfig::MultiStringFirstTok(content, " ");
-    if (words.size() < 2 || words[0].find('\t') != std::string::npos) {
-      words = TXConfig::MultiStringFirstTok(content, "\t");
-    }
-    if (words.size() < 2) continue;
-    for (const std::string& key : keys) {
-      if (words[0].find(key) == std::string::npos) continue;
-      const std::string number = key == "Depth" || key == "Modes" ? std::to_string(++numbers[key]) : "";
-      record.emplace(key + number, TXConfig::ExtractString(words[1].c_str()));
-      break;
-    }
-  }
-  return record;
-}
 
 /// The sections as the rules put it: for each start all ends are collected anew, and the first decides.
 TRecords ReadPlainly(const std::string& text, const char* startPattern, const std::vector<std::string>& keys) {

@@ -1,0 +1,130 @@
+// make_seeds EXAMPLES FOLDER: writes the seeds of each fuzz target into FOLDER/<target>, from the example machines and
+// from EDIDs that no example has.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/support/edid_builder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string kEnd(1, '\0');  // of a text within an input
+const std::string kAllWorks(2, '\0');
+
+constexpr const char* kDelimiters[] = {"\n", " ", "\t", "x"};
+
+// Each type of section at its smallest: short seeds are soon put together in odd ways.
+constexpr const char* kSections[] = {
+    "Section \"Device\"\n Identifier \"a\"\nEndSection\n",
+    "Section \"screen\"\n Device \"a\"\nEndSection\n",
+    "Section \"Monitor\"\n ModelName \"b\"\nEndSection\n",
+};
+
+// Every key that machine.json may have, and a value that each may not have.
+constexpr const char* kMachineJsons[] = {
+    R"({"systemName": "a", "systemCreationClassName": "b", "systemType": 2, "provider": true, "bios": {"present": true,
+        "memory": false, "ignoresUnit": true, "units": {"0": {"failAtBlock": 1}, "1": {"errorAtBlock": 0}}}})",
+    R"({"systemType": 99999999999})",
+    R"({"provider": null})",
+    R"({"bios": {"units": {"x": {}}}})",
+    R"({"bios": {"units": {"0": {"failAtBlock": -1}}}})",
+    R"([1.5e3, "\u00e9"])",
+};
+
+std::string ReadFile(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
+/// An EDID as fuzz/input.h takes it.
+std::string MakeUnit(const std::string& edid) { return static_cast<char>(edid.size() / 128) + edid; }
+
+std::string MakeUnit(const TEdidBuilder& builder) {
+  const std::vector<std::uint8_t> bytes = builder.Build();
+  return MakeUnit(std::string(bytes.begin(), bytes.end()));
+}
+
+std::vector<TEdidBuilder> MakeOddEdids() {
+  TEdidBuilder long15;
+  for (unsigned int block = 1; block < 16; ++block) long15.Extension({0x40, 0x01, 0x02});
+  return {
+      TEdidBuilder(),
+      long15,
+      TEdidBuilder().DetailedTiming(0, true).Established(0xFF, 0xFF).Standard(7, 0xD1, 0xC0).Standard(1, 0x31, 0x59),
+      TEdidBuilder().Version(2, 0),
+      TEdidBuilder().Byte(126, 0xFF).RangeLimits(3, 50, 75, 30, 80, 0xFF).Made(54, 2245),
+      TEdidBuilder().Byte(56, 1).Name(1, "exactly 13 ch").Serial(2, ""),
+  };
+}
+
+/// The files below a folder of a machine, in order of their names; none without the folder.
+std::vector<fs::path> ListFiles(const fs::path& folder) {
+  std::vector<fs::path> files;
+  if (!fs::exists(folder)) return files;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+class TSeeds {
+ public:
+  explicit TSeeds(fs::path folder) : m_folder(std::move(folder)) {}
+
+  void Add(const std::string& target, const std::string& seed) {
+    fs::create_directories(m_folder / target);
+    std::ofstream stream(m_folder / target / std::to_string(m_count++), std::ios::binary);
+    stream.exceptions(std::ios::failbit | std::ios::badbit);
+    stream << seed << std::flush;
+  }
+
+  void AddMachine(const fs::path& machine) {
+    std::string units;
+    for (const fs::path& file : ListFiles(machine / "edid")) units += MakeUnit(ReadFile(file));
+    Add("monitors", units);
+    Add("request", kAllWorks + kEnd + units);
+    for (const fs::path& file : ListFiles(machine / "root")) {
+      const std::string configuration = ReadFile(file);
+      Add("sections", configuration);
+      Add("request", kAllWorks + configuration + kEnd + units);
+      for (const char* delimiters : kDelimiters) Add("text", delimiters + kEnd + configuration);
+    }
+    Add("machine_json", ReadFile(machine / "machine.json"));
+  }
+
+ private:
+  fs::path m_folder;
+  unsigned int m_count = 0;
+};
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) try {
+  if (argumentCount != 3) {
+    std::cerr << "usage: make_seeds EXAMPLES FOLDER\n";
+    return 2;
+  }
+  TSeeds seeds(arguments[2]);
+  for (const fs::directory_entry& entry : fs::directory_iterator(arguments[1])) {
+    if (fs::exists(entry.path() / "machine.json")) seeds.AddMachine(entry.path());
+  }
+  std::string units;
+  for (const TEdidBuilder& builder : MakeOddEdids()) {
+    seeds.Add("monitors", MakeUnit(builder));
+    units += MakeUnit(builder);
+  }
+  seeds.Add("monitors", units);
+  for (const char* text : kSections) seeds.Add("sections", text);
+  for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
+  return 0;
+} catch (const std::exception& error) {
+  std::cerr << "make_seeds: " << error.what() << '\n';
+  return 1;
+}

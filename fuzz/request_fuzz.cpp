@@ -1,0 +1,165 @@
+// A whole request for all six classes over a machine of the fuzzer's making: the embedded host, the plug-in's objects
+// and the virtual BIOS in this process. Held against rules on the instances, and on both reports of them: the JSON
+// parses, the text keeps to its width and shows no control characters.
+//
+// Input: a byte of bits for how the host and the BIOS behave, a byte for the block at which units fail, the
+// configuration, a zero byte, EDIDs (fuzz/input.h).
+#include <nlohmann/json.hpp>
+
+#include "displayinfo/collection.h"
+#include "displayinfo/json_report.h"
+#include "displayinfo/text_report.h"
+#include "fuzz/input.h"
+#include "fuzz/instances.h"
+#include "fuzz/require.h"
+#include "plugin/display_info_callbacks.h"
+#include "realmode/choose_bios.h"
+#include "realmode/virtual_video_bios.h"
+#include "tests/support/temporary_folder.h"
+#include "video/video_info.h"
+
+using NQRXZELT20::ICIMClass;
+using NQRXZELT20::ICIMInstance;
+using NQRXZELT20::TCIMQueryContext;
+using NQRXZELT20::TDisplayInfoCallbacks;
+
+namespace {
+
+constexpr const char* kController = "QRXSG_VideoController";
+constexpr const char* kHead = "QRXSG_VideoHead";
+const TRequest kThroughDispatch = {"QRXSG_HeadOfVideoController", "QRXSG_DesktopMonitor", "QRXSG_MonitorResolution",
+                                   "QRXSG_MonitorSetting"};
+
+// The bits of the first byte. None: everything works.
+constexpr unsigned int kNoProvider = 1;
+constexpr unsigned int kNoBios = 2;
+constexpr unsigned int kNoMemory = 4;
+constexpr unsigned int kIgnoresUnit = 8;
+constexpr unsigned int kInterruptFails = 16;
+constexpr unsigned int kBiosErrs = 32;
+constexpr unsigned int kOtherSystem = 64;
+
+/// Reads the configuration in each request, where the product's own collector keeps it until the library is unloaded.
+class TFreshVideoInfo : public TVideoInfo {
+ public:
+  using TVideoInfo::TVideoInfo;
+
+  std::vector<ICIMInstance*> GetCIMInstances(std::string className) override {
+    std::vector<PropertyMap> controllers;
+    std::vector<PropertyMap> heads;
+    GetVideoInfo(&controllers, &heads);
+    std::vector<ICIMInstance*> result;
+    GenerateVideoInstances(&result, className == kController ? controllers : heads, className);
+    return result;
+  }
+};
+
+/// The plug-in's object, for as long as a host holds it.
+class TPlugin {
+ public:
+  TPlugin() : m_callbacks(new TDisplayInfoCallbacks) {}
+  ~TPlugin() { m_callbacks->PrepareForUnload(); }
+  TPlugin(const TPlugin&) = delete;
+  TPlugin& operator=(const TPlugin&) = delete;
+
+  TDisplayInfoCallbacks* operator->() { return m_callbacks; }
+
+ private:
+  TDisplayInfoCallbacks* m_callbacks;
+};
+
+TMachine MakeMachine(TInput& input) {
+  static const TTemporaryFolder folder;
+  const unsigned int bits = input.TakeByte();
+  const unsigned int block = input.TakeByte();
+  folder.Write("etc/X11/xorg.conf", input.TakeText());
+
+  TVirtualBiosConfiguration bios;
+  bios.present = (bits & kNoBios) == 0;
+  bios.memory = (bits & kNoMemory) == 0;
+  bios.ignoresUnit = (bits & kIgnoresUnit) != 0;
+  for (const auto& [number, edid] : input.TakeEdids()) {
+    TVirtualBiosConfiguration::TUnit& unit = bios.units[number];
+    unit.edid = edid;
+    if ((bits & kInterruptFails) != 0) unit.failAtBlock = block;
+    if ((bits & kBiosErrs) != 0) unit.errorAtBlock = block;
+  }
+
+  TMachine machine;
+  machine.host.systemName = "fuzzed";
+  machine.host.systemType = (bits & kOtherSystem) != 0 ? 1 : 2;
+  machine.host.provider = (bits & kNoProvider) == 0;
+  machine.host.root = folder.GetPath();
+  machine.bios = std::make_shared<TVirtualVideoBios>(std::move(bios));
+  return machine;
+}
+
+TAnswer Collect(const TMachine& machine) {
+  ChooseVideoBios(machine.bios);
+  TEmbeddedHost host(machine.host, {});
+  TPlugin plugin;
+  plugin->Init();
+  const boost::shared_ptr<TCimStore> store = host.GetStore();
+  for (const char* name : {kController, kHead}) {
+    TFreshVideoInfo collector(store->GetClass(name, TCIMQueryContext()));
+    plugin->RetrieveDataForClass(&collector);
+  }
+  std::vector<boost::shared_ptr<ICIMClass>> classes;
+  for (const std::string& name : kThroughDispatch) classes.push_back(store->GetClass(name, TCIMQueryContext()));
+  plugin->GetData(store, classes);
+  plugin->DeInit();
+
+  const std::vector<TLogEntry>& log = host.GetLog().GetEntries();
+  TRequest request = {kController, kHead};
+  request.insert(request.end(), kThroughDispatch.begin(), kThroughDispatch.end());
+  return {{plugin->GetName(), plugin->GetVersion(), plugin->GetInterfaceVersion(), plugin->GetType()},
+          {{request, store->TakeCommits(), log}},
+          log,
+          host.GetFileQueries()};
+}
+
+TInstances Select(const TInstances& instances, const std::string& className) {
+  TInstances selected;
+  std::copy_if(instances.begin(), instances.end(), std::back_inserter(selected),
+               [&](const auto& instance) { return className == instance->GetDeclaration().name; });
+  return selected;
+}
+
+void RequireInstances(const TInstances& instances) {
+  RequireValues(instances);
+  const TInstances heads = Select(instances, kHead);
+  const TInstances controllers = Select(instances, kController);
+  Require(controllers.size() <= heads.size(), "each controller has a head");
+  std::vector<std::string> numbers;
+  while (numbers.size() < heads.size()) numbers.push_back(std::to_string((numbers.size() + 1) % 256));
+  Require(GetTexts(heads, "HeadNumber") == numbers, "heads are numbered without a gap");
+
+  const TInstances pairs = Select(instances, "QRXSG_HeadOfVideoController");
+  RequireReferences(pairs, "Antecedent", controllers);
+  RequireReferences(pairs, "Dependent", heads);
+  const TInstances settings = Select(instances, "QRXSG_MonitorSetting");
+  RequireReferences(settings, "Element", Select(instances, "QRXSG_DesktopMonitor"));
+  RequireReferences(settings, "Setting", Select(instances, "QRXSG_MonitorResolution"));
+}
+
+void RequireText(const std::string& report) {
+  constexpr std::size_t maxWidth = 80;
+  std::size_t width = 0;
+  for (const char character : report) {
+    const auto byte = static_cast<unsigned char>(character);
+    Require(byte == '\n' || byte == '\t' || (byte >= ' ' && byte != 0x7F), "no control characters are shown");
+    width = byte == '\n' ? 0 : width + ((byte & 0xC0) != 0x80 ? 1 : 0);
+    Require(width <= maxWidth, "no line is wider than 80 columns");
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  TInput input(data, size);
+  const TAnswer answer = Collect(MakeMachine(input));
+  RequireInstances(answer.requests[0].instances);
+  Require(nlohmann::json::accept(MakeJsonReport(answer)), "the JSON report parses");
+  RequireText(MakeTextReport(answer));
+  return 0;
+}

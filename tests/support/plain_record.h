@@ -1,0 +1,30 @@
+// What is kept of a section, read in the plain way that the section reader is held against.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "xconfig/xconfig.h"
+
+/// A record as the rules put it: the text's lines one after another, each parted at a blank or an earlier tab.
+inline SectionRecord ReadRecordPlainly(const std::string& text, const std::vector<std::string>& keys) {
+  SectionRecord record;
+  std::map<std::string, int> numbers;
+  for (const std::string& line : TXConfig::MultiStringTok(text, "\n")) {
+    if (TXConfig::CommentedCode(line.c_str())) continue;
+    const std::string content = TXConfig::RemoveSpaces(line.c_str());
+    std::vector<std::string> words = TXConfig::MultiStringFirstTok(content, " ");
+    if (words.size() < 2 || words[0].find('\t') != std::string::npos) {
+      words = TXConfig::MultiStringFirstTok(content, "\t");
+    }
+    if (words.size() < 2) continue;
+    for (const std::string& key : keys) {
+      if (words[0].find(key) == std::string::npos) continue;
+      const std::string number = key == "Depth" || key == "Modes" ? std::to_string(++numbers[key]) : "";
+      record.emplace(key + number, TXConfig::ExtractString(words[1].c_str()));
+      break;
+    }
+  }
+  return record;
+}
