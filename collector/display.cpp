@@ -1,5 +1,6 @@
 #include "collector/display.h"
 
+#include <algorithm>
 #include <boost/function.hpp>
 
 #include "host/add_to_vector_callback.h"
@@ -46,10 +47,9 @@ bool TDisplay::IsDuplicateInstance(ICIMInstance* instance) {
   const TCIMReference path = instance->GetObjectPath(TCIMQueryContext());
   std::vector<boost::shared_ptr<ICIMInstance>> held;
   cimClass->EnumerateInstances(TAddToVectorCallback<ICIMInstance>(&held), false, TCIMQueryContext());
-  for (const boost::shared_ptr<ICIMInstance>& other : held) {
-    if (other->GetObjectPath(TCIMQueryContext()) == path) return true;
-  }
-  return false;
+  return std::any_of(held.begin(), held.end(), [&](const boost::shared_ptr<ICIMInstance>& other) {
+    return other->GetObjectPath(TCIMQueryContext()) == path;
+  });
 }
 
 void TDisplay::Write(const std::string& message, ILogger::EZELTLogSeverity severity) const {

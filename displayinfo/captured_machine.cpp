@@ -82,7 +82,7 @@ class TMachineJson {
   typedef std::map<std::string, std::function<void(const json&, const TKey&)>> TReaders;
 
   json Parse() const {
-    constexpr std::size_t maxSize = 1024 * 1024;
+    constexpr std::size_t maxSize = std::size_t{1024} * 1024;
     try {
       return json::parse(m_folder.Read(kName, maxSize));
     } catch (const json::exception& error) {

@@ -53,7 +53,7 @@ void CheckClass(const std::string& name) {
 }
 
 TRequest SplitRequest(const std::string& text) {
-  const TRequest request = CLI::detail::split(text, ',');
+  TRequest request = CLI::detail::split(text, ',');
   std::for_each(request.begin(), request.end(), CheckClass);
   return request;
 }

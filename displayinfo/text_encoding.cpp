@@ -8,9 +8,7 @@ namespace {
 
 // The well-formed characters by their first byte: how long they are, and what their second byte may be (RFC 3629).
 struct TLead {
-  unsigned char first, last;
-  std::size_t length;
-  unsigned char secondFirst, secondLast;
+  unsigned char first, last, length, secondFirst, secondLast;
 };
 
 constexpr TLead kLeads[] = {

@@ -36,7 +36,7 @@ std::string Escape(const std::string& value) {
 
 template <typename T>
 boost::shared_ptr<T> LockOrThrow(const boost::weak_ptr<T>& pointer, const char* what) {
-  const boost::shared_ptr<T> locked = pointer.lock();
+  boost::shared_ptr<T> locked = pointer.lock();
   if (locked == nullptr) throw TZELTException(std::string(what) + " is gone");
   return locked;
 }
@@ -128,7 +128,7 @@ void TStoredClass::Hold(boost::shared_ptr<TStoredInstance> instance) {
 const TClassDeclaration& TStoredClass::GetDeclaration() const { return m_declaration; }
 
 boost::shared_ptr<TCimStore> TCimStore::Create(const std::vector<TClassDeclaration>& schema) {
-  const boost::shared_ptr<TCimStore> store(new TCimStore());
+  boost::shared_ptr<TCimStore> store(new TCimStore());
   for (const TClassDeclaration& declaration : schema) {
     store->m_classes[declaration.name] = boost::make_shared<TStoredClass>(declaration, store);
   }

@@ -8,7 +8,7 @@
 #include "host/visibility.h"
 
 /// More than any configuration needs, and little enough to hold several times in a 32-bit process.
-constexpr std::size_t kMaxMachineFileSize = 256 * 1024 * 1024;  // bytes
+constexpr std::size_t kMaxMachineFileSize = std::size_t{256} * 1024 * 1024;  // bytes
 
 /// Reads regular files by the paths they have on the machine. A path that leads out of the root, by ".." or through
 /// symbolic links, does not exist; neither does anything that is not a regular file.

@@ -70,8 +70,9 @@ void TDisplayInfoCallbacks::GetData(boost::shared_ptr<ICIMNamespace>,
   for (const boost::shared_ptr<ICIMClass>& cimClass : classes) {
     const std::string name = cimClass->GetName(TCIMQueryContext());
     Log(ILogger::kDebug, "TDisplayInfoCallbacks::GetData - Received request for class " + name + ".");
-    const auto service = std::find_if(std::begin(kServices), std::end(kServices),
-                                      [&](const TService& candidate) { return name == candidate.className; });
+    const TService* const service =
+        std::find_if(std::begin(kServices), std::end(kServices),
+                     [&](const TService& candidate) { return name == candidate.className; });
     if (service == std::end(kServices)) continue;
     RetrieveDataForClass(service->makeCollector(cimClass, GetProvider()).get());
   }

@@ -7,4 +7,5 @@ int NQRXZELT20::gStarted = 0;
 /// PrepareForUnload. What its constructor throws leaves the load.
 __attribute__((constructor)) HOST_API void TDisplayInfoInit();
 
+// NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the host holds it
 void TDisplayInfoInit() { new NQRXZELT20::TDisplayInfoCallbacks(); }

@@ -13,6 +13,7 @@ bool IsBlank(char character) { return character == ' ' || character == '\t'; }
 /// is too small and the heap does not.
 class TScratch {
  public:
+  // cppcheck-suppress uninitMemberVar ; it is written before it is read
   explicit TScratch(std::size_t size) : m_heap(size > sizeof m_stack ? new char[size] : nullptr) {}
 
   char* Get() { return m_heap != nullptr ? m_heap.get() : m_stack; }

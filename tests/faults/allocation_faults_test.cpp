@@ -1,0 +1,59 @@
+// Every allocation inside a request fails once. Wherever it strikes, in the plug-in or in the host that it calls, the
+// process goes on, nobody keeps an object, and the next request is whole.
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <new>
+
+#include "tests/faults/faulty_session.h"
+
+namespace {
+
+/// The allocation that fails, counted down from its number; 0: none does.
+std::size_t g_untilFailure = 0;
+
+void* Allocate(std::size_t size) {
+  if (g_untilFailure > 0 && --g_untilFailure == 0) throw std::bad_alloc();
+  void* const memory = std::malloc(size > 0 ? size : 1);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
+
+// These serve the whole process, the plug-in's library included.
+void* operator new(std::size_t size) { return Allocate(size); }
+void* operator new[](std::size_t size) { return Allocate(size); }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace {
+
+/// Whether the request made as many allocations.
+bool FailAllocation(TFaultySession& session, std::size_t number) {
+  g_untilFailure = number;
+  try {
+    session.Ask();
+  } catch (const std::bad_alloc&) {
+    // It struck the name of a class, or a message for the log.
+  }
+  return std::exchange(g_untilFailure, 0) == 0;
+}
+
+}  // namespace
+
+TEST(AllocationFaults, LeaveTheProcessAndTheNextRequestWhole) {
+  const std::set<TDescribed> whole = TFaultySession().AskForAll();
+  std::size_t failures = 0;
+  for (bool hasStruck = true; hasStruck;) {
+    TFaultySession session;
+    hasStruck = FailAllocation(session, failures + 1);
+    ASSERT_EQ(session.CountObjects(), 0) << "allocation " << failures + 1;
+    session.TakeInstances();
+    ASSERT_EQ(session.AskForAll(), whole) << "allocation " << failures + 1;
+    if (hasStruck) ++failures;
+  }
+  EXPECT_GT(failures, 1000U);
+}
