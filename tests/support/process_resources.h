@@ -11,6 +11,7 @@ struct TProcessResources {
   std::size_t residentPages = 0;
   std::size_t mappings = 0;
   std::ptrdiff_t descriptors = 0;
+  std::ptrdiff_t threads = 0;
 
   /// As they are now.
   static TProcessResources Count() {
@@ -19,9 +20,14 @@ struct TProcessResources {
     std::ifstream("/proc/self/statm") >> allPages >> resources.residentPages;
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);) ++resources.mappings;
-    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    resources.descriptors = std::distance(descriptors, std::filesystem::directory_iterator());
+    resources.descriptors = CountEntries("/proc/self/fd");
+    resources.threads = CountEntries("/proc/self/task");
     return resources;
+  }
+
+ private:
+  static std::ptrdiff_t CountEntries(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
   }
 };
 
@@ -36,4 +42,5 @@ void ExpectNothingLeftBehind(TRound round, std::size_t warmUp = 1000, std::size_
   EXPECT_LT(after.residentPages, before.residentPages + rounds / 10);
   EXPECT_LT(after.mappings, before.mappings + 10);
   EXPECT_EQ(after.descriptors, before.descriptors);
+  EXPECT_EQ(after.threads, before.threads);
 }
