@@ -258,6 +258,7 @@ TEST(Sections, AreTheSameWithEndsAndLinesReadOnceAsWithEachSectionReadAnew) {
     ASSERT_EQ(devices, ReadPlainly(text, R"(^\s*Section\s*"[Dd]evice")", kDeviceKeys)) << text;
     ASSERT_EQ(TXConfig::GetScreenSectionInfo(text), ReadPlainly(text, R"(^\s*Section\s*"[Ss]creen")", kScreenKeys))
         << text;
+    ASSERT_EQ(TXConfig::GetSectionInfo(text, kScreenKeys), ReadRecordPlainly(text, kScreenKeys)) << text;
     sections += devices.size();
   }
   EXPECT_GT(sections, 1000U);  // the texts do hold sections
