@@ -17,15 +17,27 @@ class TUnusable : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Where the EDIDs of this machine come from: the kernel's graphics drivers, the video BIOS, or the drivers if they
+/// have any and else the BIOS.
+enum class EEdidSource { kAuto, kBios, kDrm };
+
+/// What a report can say of where the EDIDs came from.
+struct TEdidOrigin {
+  std::string none = "no EDID from unit 0 of the video BIOS.";  // why there is no monitor
+  /// Whence the EDID of a unit was read; empty for a captured machine, of which only the folder is known.
+  std::function<std::string(std::size_t unit)> describe;
+};
+
 struct TMachine {
   THostConfiguration host;
   std::shared_ptr<IVideoBios> bios;
   /// Why the BIOS could not be called, asked after a collection; empty when it could, or was not needed.
   std::function<std::string()> getBiosFailure;
+  TEdidOrigin edidOrigin;
 };
 
-/// This machine, with its own files and its own video BIOS.
-TMachine MakeThisMachine();
+/// This machine, with its own files. `drmFolder`: where the kernel shows its graphics outputs.
+TMachine MakeThisMachine(EEdidSource source, const std::filesystem::path& drmFolder = "/sys/class/drm");
 
 /// The machine that a folder holds. Throws TUnusable, naming file and key, when the folder or anything in it that the
 /// collection would use is not as it must be, or leads out of the folder.

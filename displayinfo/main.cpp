@@ -38,10 +38,7 @@ void WriteAnswer(const std::string& text) {
 
 TMachine ChooseMachine(const TOptions& options) {
   if (options.machine) return ReadCapturedMachine(*options.machine);
-  if (options.edidSource == EEdidSource::kDrm) {
-    throw TUnusable("--edid-source drm is not available yet; use --edid-source bios");
-  }
-  return MakeThisMachine();
+  return MakeThisMachine(options.edidSource);
 }
 
 int Run(const TOptions& options) {
@@ -55,7 +52,7 @@ int Run(const TOptions& options) {
   DropPrivileges(false);
   const std::string biosFailure = machine.getBiosFailure();
   if (!biosFailure.empty()) std::cerr << "displayinfo: " << biosFailure << '\n';
-  WriteAnswer(options.format == EFormat::kJson ? MakeJsonReport(answer) : MakeTextReport(answer));
+  WriteAnswer(options.format == EFormat::kJson ? MakeJsonReport(answer) : MakeTextReport(answer, machine.edidOrigin));
   return kDone;
 }
 

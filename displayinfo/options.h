@@ -8,7 +8,6 @@
 #include "displayinfo/collection.h"
 #include "host/logger.h"
 
-enum class EEdidSource { kAuto, kBios, kDrm };
 enum class EFormat { kText, kJson };
 
 struct TOptions {

@@ -1,6 +1,7 @@
 #include "displayinfo/text_report.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <set>
 #include <string_view>
@@ -177,7 +178,8 @@ std::string ExplainNoControllers(const TAnswer& answer) {
 /// One request's instances, and the text made of them.
 class TRequestReport {
  public:
-  TRequestReport(const TAnswer& answer, const TRequestAnswer& request) : m_answer(answer), m_request(request) {
+  TRequestReport(const TAnswer& answer, const TRequestAnswer& request, const TEdidOrigin& origin)
+      : m_answer(answer), m_request(request), m_origin(origin) {
     for (const auto& instance : request.instances) m_instances.emplace_back(*instance);
   }
 
@@ -228,15 +230,22 @@ class TRequestReport {
     const TInstances monitors = Select(m_instances, "QRXSG_DesktopMonitor");
     std::map<std::string, TInstances> modes = GetModesByMonitor();
     std::string text = "Monitors\n";
-    if (monitors.empty() && modes.empty()) text += Wrap("  None: ", "no EDID from unit 0 of the video BIOS.");
+    if (monitors.empty() && modes.empty()) text += Wrap("  None: ", m_origin.none);
     for (const TInstanceView& monitor : monitors) {
       text += MakeTitle("  ", monitor.Text("DeviceID"), monitor.Text("Name"));
       text += MakeRows("    ", kMonitorRows, monitor);
+      if (m_origin.describe) text += MakeRow("    ", "EDID read from", m_origin.describe(GetUnit(monitor)));
       text += MakeModes(modes[monitor.Text("DeviceID")]);
       modes.erase(monitor.Text("DeviceID"));
     }
     for (const auto& [deviceId, itsModes] : modes) text += MakeTitle("  ", deviceId, "") + MakeModes(itsModes);
     return text + GetComplaints(m_request, kMonitorClasses);
+  }
+
+  /// The unit whose EDID made the monitor: a unit without a monitor ends the walk, so "Monitor 1" is unit 0.
+  static std::size_t GetUnit(const TInstanceView& monitor) {
+    const std::string id = monitor.Text("DeviceID");
+    return std::strtoul(id.c_str() + id.find_first_of("0123456789"), nullptr, 10) - 1;
   }
 
   /// The modes by the device id that their setting ids begin with.
@@ -277,6 +286,7 @@ class TRequestReport {
 
   const TAnswer& m_answer;
   const TRequestAnswer& m_request;
+  const TEdidOrigin& m_origin;
   TInstances m_instances;
 };
 
@@ -287,11 +297,11 @@ const std::set<std::string> TRequestReport::kMonitorClasses = {"QRXSG_DesktopMon
 
 }  // namespace
 
-std::string MakeTextReport(const TAnswer& answer) {
+std::string MakeTextReport(const TAnswer& answer, const TEdidOrigin& origin) {
   std::string text;
   for (const TRequestAnswer& request : answer.requests) {
     if (answer.requests.size() > 1) text += (text.empty() ? "" : "\n") + Wrap("Request: ", Join(request.classes));
-    text += TRequestReport(answer, request).Make();
+    text += TRequestReport(answer, request, origin).Make();
   }
   return text;
 }

@@ -4,7 +4,8 @@
 #include <string>
 
 #include "displayinfo/collection.h"
+#include "displayinfo/machine.h"
 
 /// For each request, the video controllers with their heads, then the monitors with their modes, as far as the request
-/// asked for them. A part that is empty says why.
-std::string MakeTextReport(const TAnswer& answer);
+/// asked for them. A part that is empty says why, and a monitor where its EDID came from, as far as the origin tells.
+std::string MakeTextReport(const TAnswer& answer, const TEdidOrigin& origin = {});

@@ -124,11 +124,6 @@ TEST_F(Command, NamesAPluginThatIsNotThere) {
                  "/no/such/plugin.so: no such plug-in; build it, or name another with --plugin FILE");
 }
 
-TEST_F(Command, SaysThatDrmIsNotThereYet) {
-  ExpectUnusable(RunShell(kCommand + " --edid-source drm"),
-                 "--edid-source drm is not available yet; use --edid-source bios");
-}
-
 TEST_F(Command, EndsQuietlyWhenItsReaderHasGone) {
   const TProcessResult result = RunShell("{ " + kCommand + " --machine " + machine.GetPath().string() +
                                          " --log-level error; echo $? >&2; } | true");

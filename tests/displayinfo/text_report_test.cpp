@@ -18,6 +18,7 @@ class TextReport : public testing::Test {
  protected:
   boost::shared_ptr<TCimStore> store = TCimStore::Create(GetSchema());
   TAnswer answer;
+  TEdidOrigin origin;
 
   void Commit(const std::string& className, const std::map<std::string, TCIMValue>& properties) {
     const auto instance = store->GetClass(className, {})->CreateInstance({});
@@ -27,7 +28,7 @@ class TextReport : public testing::Test {
 
   std::string Make(const TRequest& classes, const std::vector<TLogEntry>& log = {}) {
     answer.requests.push_back({classes, store->TakeCommits(), log});
-    return MakeTextReport(answer);
+    return MakeTextReport(answer, origin);
   }
 
   static std::size_t GetWidth(const std::string& text) {
@@ -216,4 +217,21 @@ TEST_F(TextReport, HeadsEachOfSeveralRequests) {
             "Request: QRXSG_DesktopMonitor, QRXSG_MonitorSetting\n"
             "Monitors\n"
             "  None: no EDID from unit 0 of the video BIOS.\n");
+}
+
+TEST_F(TextReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
+  origin.describe = [](std::size_t unit) { return "output " + std::to_string(unit); };
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 2")}});
+  EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
+            "Monitors\n"
+            "  Monitor 1\n"
+            "    EDID read from    output 0\n"
+            "  Monitor 2\n"
+            "    EDID read from    output 1\n");
+}
+
+TEST_F(TextReport, TellsWhyThereIsNoMonitorByWhereEdidsComeFrom) {
+  origin.none = "nothing is connected.";
+  EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}), "Monitors\n  None: nothing is connected.\n");
 }
