@@ -226,8 +226,10 @@ TEST_F(TextReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
             "Monitors\n"
             "  Monitor 1\n"
+            "    Power saving      none\n"
             "    EDID read from    output 0\n"
             "  Monitor 2\n"
+            "    Power saving      none\n"
             "    EDID read from    output 1\n");
 }
 
