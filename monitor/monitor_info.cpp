@@ -32,12 +32,12 @@ class TRealModeEnd {
 }  // namespace
 
 // The constructors leave m_lrmiReady alone: it belongs to a request, and GetCIMInstances clears it.
-// cppcheck-suppress-begin uninitMemberVar
+// cppcheck-suppress uninitMemberVar
 TMonitorInfo::TMonitorInfo(boost::shared_ptr<ICIMClass> cimClass) : TDisplay(std::move(cimClass)) {}
 
+// cppcheck-suppress uninitMemberVar
 TMonitorInfo::TMonitorInfo(boost::shared_ptr<ICIMClass> cimClass, TPluginManagerProvider* provider)
     : TDisplay(std::move(cimClass), provider) {}
-// cppcheck-suppress-end uninitMemberVar
 
 TMonitorInfo::~TMonitorInfo() = default;
 
