@@ -75,26 +75,29 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   TRequest classes;
   std::vector<std::string> requests;
 
-  CLI::App app("Collects the video controllers, heads and monitors of a machine through the plug-in.", "displayinfo");
+  CLI::App app("Shows the video controllers, heads and monitors of a machine.", "displayinfo");
   app.set_version_flag("--version", "displayinfo " DISPLAYINFO_VERSION, "Print the version");
   CLI::Option* const classOption =
-      app.add_option("CLASS", classes, "What to collect, in one request (default: all six classes)")
-          ->option_text("...");
+      app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
   CLI::Option* const machineOption =
-      app.add_option("--machine", options.machine, "Collect from a captured machine instead of this one")
-          ->option_text("DIR");
-  app.add_option("--request", requests, "One request of several classes; may be repeated, in order")
+      app.add_option("--machine", options.machine, "A captured machine instead of this one")->option_text("DIR");
+  app.add_option("--request", requests, "One request of several; may be repeated")
       ->option_text("CLASS[,CLASS...]")
       ->excludes(classOption)
       ->allow_extra_args(false);
   AddChoice(app, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
       ->excludes(machineOption);
   AddChoice(app, "--format", options.format, kFormats, "text for people (default), json for programs");
-  AddChoice(app, "--log-level", options.logLevel, kLogLevels,
-            "What of the log goes to standard error (default: status)");
-  app.add_option("--plugin", options.plugin,
-                 "The plug-in to load (default: beside the command, then the installed one)")
-      ->option_text("FILE");
+  AddChoice(app, "--log-level", options.logLevel, kLogLevels, "What is logged (default: status)");
+  app.add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
+
+  app.footer(
+      "Classes:  QRXSG_VideoController   QRXSG_VideoHead\n"
+      "          QRXSG_DesktopMonitor    QRXSG_HeadOfVideoController\n"
+      "          QRXSG_MonitorResolution QRXSG_MonitorSetting\n"
+      "Examples: displayinfo QRXSG_DesktopMonitor            this machine's monitors\n"
+      "          sudo displayinfo --edid-source bios         all, by its own video BIOS\n"
+      "          displayinfo --machine ws-17 --format json   a captured machine");
 
   try {
     app.parse(argumentCount, arguments);

@@ -49,7 +49,8 @@ TPluginLibrary::TPluginLibrary(const fs::path& file, TEmbeddedHost& host) try : 
 TPluginLibrary::~TPluginLibrary() { m_callbacks->PrepareForUnload(); }
 
 fs::path FindPlugin() {
-  const fs::path beside = fs::read_symlink("/proc/self/exe").parent_path() / kFileName;
-  const fs::path installed = fs::path(DISPLAYINFO_PLUGIN_FOLDER) / kFileName;
+  const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
+  const fs::path beside = folder / kFileName;
+  const fs::path installed = folder / DISPLAYINFO_PLUGIN_FOLDER / kFileName;
   return fs::exists(beside) || !fs::exists(installed) ? beside : installed;
 }

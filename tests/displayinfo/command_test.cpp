@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
@@ -150,6 +151,13 @@ TEST_F(Command, ExplainsItself) {
         "--log-level error|warning|status|debug|verbose", "--plugin FILE", "--version", "--help"}) {
     EXPECT_THAT(result.output, HasSubstr(option));
   }
+}
+
+TEST_F(Command, ExplainsItselfOnOneScreen) {
+  std::istringstream lines(RunShell(kCommand + " --help").output);
+  std::size_t count = 0;
+  for (std::string line; std::getline(lines, line); ++count) EXPECT_LE(line.size(), 80U) << line;
+  EXPECT_LE(count, 24U);
 }
 
 // Started without any, it passes whatever the command does.

@@ -1,0 +1,19 @@
+# Completes the options of displayinfo, their values, and the classes.
+_displayinfo() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local options='--machine --request --edid-source --format --log-level --plugin --version --help'
+  local classes='QRXSG_VideoController QRXSG_VideoHead QRXSG_HeadOfVideoController QRXSG_DesktopMonitor
+    QRXSG_MonitorResolution QRXSG_MonitorSetting'
+  local words
+  case $previous in
+    --machine) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+    --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --request) words=$classes ;;
+    --edid-source) words='auto bios drm' ;;
+    --format) words='text json' ;;
+    --log-level) words='error warning status debug verbose' ;;
+    *) words="$options $classes" ;;
+  esac
+  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+}
+complete -F _displayinfo displayinfo
