@@ -13,6 +13,7 @@
 #include "displayinfo/options.h"
 #include "displayinfo/plugin_library.h"
 #include "displayinfo/privileges.h"
+#include "displayinfo/schema_document.h"
 #include "displayinfo/text_encoding.h"
 #include "displayinfo/text_report.h"
 
@@ -41,6 +42,18 @@ TMachine ChooseMachine(const TOptions& options) {
   return MakeThisMachine(options.edidSource);
 }
 
+std::string MakeSchemaDocument(ESchemaFormat format) {
+  switch (format) {
+    case ESchemaFormat::kMof:
+      return MakeSchemaMof();
+    case ESchemaFormat::kJsonSchema:
+      return MakeJsonSchema();
+    case ESchemaFormat::kText:
+      break;
+  }
+  return MakeSchemaText();
+}
+
 int Run(const TOptions& options) {
   if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
   const TMachine machine = ChooseMachine(options);
@@ -63,7 +76,9 @@ int main(int argumentCount, char** arguments) {
   const TCommandLine line = ParseCommandLine(argumentCount, arguments);
   if (line.exitStatus) return *line.exitStatus;
   try {
-    return Run(line.options);
+    if (!line.schemaFormat) return Run(line.options);
+    WriteAnswer(MakeSchemaDocument(*line.schemaFormat));
+    return kDone;
   } catch (const std::exception& error) {
     std::cerr << "displayinfo: " << ToPrintable(error.what()) << '\n';
     return kUnusable;

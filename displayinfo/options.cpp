@@ -18,6 +18,8 @@ using TNames = std::vector<std::pair<std::string, T>>;
 const TNames<EEdidSource> kEdidSources = {
     {"auto", EEdidSource::kAuto}, {"bios", EEdidSource::kBios}, {"drm", EEdidSource::kDrm}};
 const TNames<EFormat> kFormats = {{"text", EFormat::kText}, {"json", EFormat::kJson}};
+const TNames<ESchemaFormat> kSchemaFormats = {
+    {"text", ESchemaFormat::kText}, {"mof", ESchemaFormat::kMof}, {"json-schema", ESchemaFormat::kJsonSchema}};
 const TNames<ILogger::EZELTLogSeverity> kLogLevels = {{"error", ILogger::kError},
                                                       {"warning", ILogger::kWarning},
                                                       {"status", ILogger::kStatus},
@@ -91,10 +93,15 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   AddChoice(app, "--log-level", options.logLevel, kLogLevels, "What is logged (default: status)");
   app.add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
 
+  ESchemaFormat schemaFormat = ESchemaFormat::kText;
+  CLI::App* const schema = app.add_subcommand("schema", "Print the classes with their properties")->group("");
+  AddChoice(*schema, "--format", schemaFormat, kSchemaFormats, "text (default), MOF, or a JSON Schema of the answer");
+
   app.footer(
       "Classes:  QRXSG_VideoController   QRXSG_VideoHead\n"
       "          QRXSG_DesktopMonitor    QRXSG_HeadOfVideoController\n"
       "          QRXSG_MonitorResolution QRXSG_MonitorSetting\n"
+      "          displayinfo schema [--format text|mof|json-schema] explains them\n"
       "Examples: displayinfo QRXSG_DesktopMonitor            this machine's monitors\n"
       "          sudo displayinfo --edid-source bios         all, by its own video BIOS\n"
       "          displayinfo --machine ws-17 --format json   a captured machine");
@@ -102,6 +109,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   try {
     app.parse(argumentCount, arguments);
     options.requests = MakeRequests(classes, requests);
+    if (schema->parsed()) line.schemaFormat = schemaFormat;
   } catch (const CLI::Success& done) {
     line.exitStatus = app.exit(done);
   } catch (const CLI::ParseError& error) {

@@ -9,6 +9,7 @@
 #include "host/logger.h"
 
 enum class EFormat { kText, kJson };
+enum class ESchemaFormat { kText, kMof, kJsonSchema };
 
 struct TOptions {
   std::optional<std::filesystem::path> machine;  // a captured machine; this one when absent
@@ -19,10 +20,11 @@ struct TOptions {
   std::optional<std::filesystem::path> plugin;  // looked for when absent
 };
 
-/// Either the options, or the exit status of a command that is done: after --help, --version or wrong usage, which has
-/// been explained on standard error.
+/// Either the options, or the format in which to print the classes, or the exit status of a command that is done: after
+/// --help, --version or wrong usage, which has been explained on standard error.
 struct TCommandLine {
   TOptions options;
+  std::optional<ESchemaFormat> schemaFormat;
   std::optional<int> exitStatus;
 };
 

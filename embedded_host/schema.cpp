@@ -7,19 +7,19 @@ namespace {
 typedef NQRXZELT20::TCIMValue::TCIMType TType;
 
 TPropertyDeclaration Key(const char* name, const char* meaning) {
-  return {name, TType::kString, false, true, "", meaning};
+  return {name, TType::kString, false, true, "", meaning, ""};
 }
 
-TPropertyDeclaration Reference(const char* name, const char* meaning) {
-  return {name, TType::kReference, false, true, "", meaning};
+TPropertyDeclaration Reference(const char* name, const char* target, const char* meaning) {
+  return {name, TType::kReference, false, true, "", meaning, target};
 }
 
 TPropertyDeclaration Scalar(const char* name, TType::ECIMType type, const char* meaning, const char* unit = "") {
-  return {name, type, false, false, unit, meaning};
+  return {name, type, false, false, unit, meaning, ""};
 }
 
 TPropertyDeclaration Array(const char* name, TType::ECIMType elementType, const char* meaning) {
-  return {name, elementType, true, false, "", meaning};
+  return {name, elementType, true, false, "", meaning, ""};
 }
 
 typedef std::vector<TPropertyDeclaration> TProperties;
@@ -28,6 +28,10 @@ TProperties operator+(TProperties first, const TProperties& second) {
   first.insert(first.end(), second.begin(), second.end());
   return first;
 }
+
+constexpr const char* kConfiguration = "the X server's configuration";
+constexpr const char* kEdid = "the EDID of the monitor";
+constexpr const char* kInstances = "the instances that the host holds of the two classes";
 
 TProperties DeviceKeys() {
   return {
@@ -89,29 +93,33 @@ const TPropertyDeclaration* TClassDeclaration::Find(const std::string& propertyN
 const std::vector<TClassDeclaration>& GetSchema() {
   static const std::vector<TClassDeclaration> schema = {
       {"QRXSG_VideoController", "A video controller: one for each bus address that the configuration names.",
+       kConfiguration,
        DeviceKeys() + VideoProperties() +
            TProperties{Array("OtherIdentifyingInfo", TType::kString, "The Device section's identifier.")}},
-      {"QRXSG_VideoHead", "A head of a video controller: one for each usable Device section.",
+      {"QRXSG_VideoHead", "A head of a video controller: one for each usable Device section.", kConfiguration,
        DeviceKeys() + VideoProperties() +
            TProperties{
                Scalar("HeadNumber", TType::kUint8, "The head's number, counted over the whole configuration.")}},
       {"QRXSG_HeadOfVideoController",
        "Links a head to its controller.",
-       {Reference("Antecedent", "The controller."), Reference("Dependent", "The head.")}},
-      {"QRXSG_DesktopMonitor", "A monitor that answers the video BIOS with an EDID.",
+       kInstances,
+       {Reference("Antecedent", "QRXSG_VideoController", "The controller."),
+        Reference("Dependent", "QRXSG_VideoHead", "The head.")}},
+      {"QRXSG_DesktopMonitor", "A monitor that answers the video BIOS with an EDID.", kEdid,
        DeviceKeys() + MonitorProperties()},
       {"QRXSG_MonitorResolution",
        "A mode that a monitor's EDID declares as an established or a standard timing.",
+       kEdid,
        {Key("SettingID", "The monitor's DeviceID and the number of the mode."),
         Scalar("HorizontalResolution", TType::kUint32, "The width.", "pixels"),
         Scalar("VerticalResolution", TType::kUint32, "The height.", "lines"),
         Scalar("RefreshRate", TType::kUint32, "The field rate.", "Hz"),
-        Scalar("ScanMode", TType::kUint16,
-               "5 interlaced, 4 not interlaced, 2 unknown; the same for all of a monitor's "
-               "modes.")}},
+        Scalar("ScanMode", TType::kUint16, "5 interlaced, 4 not interlaced, 2 unknown; for all of its modes alike.")}},
       {"QRXSG_MonitorSetting",
        "Links a monitor to a mode.",
-       {Reference("Element", "The monitor."), Reference("Setting", "The mode.")}},
+       kInstances,
+       {Reference("Element", "QRXSG_DesktopMonitor", "The monitor."),
+        Reference("Setting", "QRXSG_MonitorResolution", "The mode.")}},
   };
   return schema;
 }

@@ -15,12 +15,14 @@ struct TPropertyDeclaration {
   bool isKey;
   const char* unit;  // of a number; empty where there is none
   const char* meaning;
+  const char* target;  // the class that a reference refers to; empty for other types
 };
 
 /// One class. `properties` stand in the order in which people read them.
 struct HOST_API TClassDeclaration {
   const char* name;
   const char* meaning;
+  const char* source;  // what its instances are made from
   std::vector<TPropertyDeclaration> properties;
 
   /// The declaration of that property, or null.

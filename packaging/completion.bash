@@ -10,9 +10,9 @@ _displayinfo() {
     --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     --request) words=$classes ;;
     --edid-source) words='auto bios drm' ;;
-    --format) words='text json' ;;
+    --format) if [ "${COMP_WORDS[1]}" = schema ]; then words='text mof json-schema'; else words='text json'; fi ;;
     --log-level) words='error warning status debug verbose' ;;
-    *) words="$options $classes" ;;
+    *) words="$options $classes schema" ;;
   esac
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
 }

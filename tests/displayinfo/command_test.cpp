@@ -153,6 +153,13 @@ TEST_F(Command, ExplainsItself) {
   }
 }
 
+TEST_F(Command, ExplainsItsClasses) {
+  EXPECT_THAT(RunShell(kCommand + " schema").output, StartsWith("QRXSG_VideoController\n"));
+  EXPECT_THAT(RunShell(kCommand + " schema --format mof").output, StartsWith("[Description("));
+  EXPECT_TRUE(json::accept(RunShell(kCommand + " schema --format json-schema").output));
+  ExpectWrongUsage("schema --format html", "html");
+}
+
 TEST_F(Command, ExplainsItselfOnOneScreen) {
   std::istringstream lines(RunShell(kCommand + " --help").output);
   std::size_t count = 0;

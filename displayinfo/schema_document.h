@@ -1,0 +1,14 @@
+// The classes served, documented out of the schema table.
+#pragma once
+
+#include <string>
+
+/// For people: each class with what it is, what it is made from, and its properties with type, "key" or unit,
+/// and meaning.
+std::string MakeSchemaText();
+
+/// In the DMTF's Managed Object Format: what `displayinfo schema --format mof` prints.
+std::string MakeSchemaMof();
+
+/// A JSON Schema (2020-12) of the answer that `displayinfo --format json` writes.
+std::string MakeJsonSchema();
