@@ -36,10 +36,10 @@ class TFolder {
   }
 
   std::string Read(const std::string& name, std::size_t maxSize) const try {
-    if (!m_files.Exists(name))
-      throw TUnusable(At(name).string() + ": must be a regular file inside the machine's folder");
     return m_files.Read(name, maxSize);
   } catch (const NQRXZELT20::TZELTException& failure) {
+    if (!m_files.Exists(name))
+      throw TUnusable(At(name).string() + ": must be a regular file inside the machine's folder");
     throw TUnusable(m_path.string() + "/" + failure.what());
   }
 

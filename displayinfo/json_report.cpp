@@ -1,79 +1,122 @@
 #include "displayinfo/json_report.h"
 
-#include <cstdlib>
-#include <nlohmann/json.hpp>
+#include <cmath>
 
-#include "displayinfo/text_encoding.h"
+#include "displayinfo/json_writer.h"
 
-using nlohmann::ordered_json;
 using NQRXZELT20::TCIMValue;
 
 namespace {
 
-ordered_json MakeValue(const TCIMValue& value) {
+void WriteMember(TJsonWriter& json, const char* name, const std::string& text) {
+  json.Key(name);
+  json.String(text);
+}
+
+/// A number is written with a point or an exponent, so that a reader of any language takes it for a real.
+std::string MakeReal(const TCIMValue& value) {
+  if (!std::isfinite(value.GetReal())) return "null";
+  const std::string text = value;
+  return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
+}
+
+void WriteValue(TJsonWriter& json, const TCIMValue& value) {
   typedef TCIMValue::TCIMType TType;
   if (value.IsArray()) {
-    ordered_json elements = ordered_json::array();
-    for (const TCIMValue& element : value.GetElements()) elements.push_back(MakeValue(element));
-    return elements;
+    json.BeginArray();
+    for (const TCIMValue& element : value.GetElements()) WriteValue(json, element);
+    json.EndArray();
+    return;
   }
-  const std::string text = value;
   switch (value.GetType().GetCode()) {
     case TType::kNull:
-      return nullptr;
+      return json.Literal("null");
     case TType::kBoolean:
-      return value.GetBoolean();
     case TType::kUint8:
     case TType::kUint16:
     case TType::kUint32:
-      return value.GetUnsigned();
+      return json.Literal(value);
     case TType::kReal32:
-      // The shortest text of the float, read as a double, is written as that same text.
-      return std::strtod(text.c_str(), nullptr);
+      return json.Literal(MakeReal(value));
     case TType::kString:
     case TType::kDateTime:
     case TType::kReference:
       break;
   }
-  return ToUtf8(text);
+  json.String(value);
 }
 
-ordered_json MakeInstance(const TStoredInstance& instance) {
-  ordered_json properties = ordered_json::object();
+void WriteInstance(TJsonWriter& json, const TStoredInstance& instance) {
+  json.BeginObject();
+  WriteMember(json, "class", instance.GetDeclaration().name);
+  WriteMember(json, "path", instance.GetPathText());
+  json.Key("properties");
+  json.BeginObject();
   for (const auto& [name, value] : instance.GetProperties()) {
-    properties[name] = {{"type", GetTypeName(value.GetType(), value.IsArray())}, {"value", MakeValue(value)}};
+    json.Key(name);
+    json.BeginObject();
+    WriteMember(json, "type", GetTypeName(value.GetType(), value.IsArray()));
+    json.Key("value");
+    WriteValue(json, value);
+    json.EndObject();
   }
-  return {{"class", instance.GetDeclaration().name},
-          {"path", ToUtf8(instance.GetPathText())},
-          {"properties", std::move(properties)}};
+  json.EndObject();
+  json.EndObject();
 }
 
-ordered_json MakeLog(const std::vector<TLogEntry>& entries) {
-  ordered_json log = ordered_json::array();
+void WriteLog(TJsonWriter& json, const std::vector<TLogEntry>& entries) {
+  json.Key("log");
+  json.BeginArray();
   for (const TLogEntry& entry : entries) {
-    log.push_back({{"severity", GetSeverityName(entry.severity)}, {"message", ToUtf8(entry.message)}});
+    json.BeginObject();
+    WriteMember(json, "severity", GetSeverityName(entry.severity));
+    WriteMember(json, "message", entry.message);
+    json.EndObject();
   }
-  return log;
+  json.EndArray();
 }
 
-ordered_json MakeRequest(const TRequestAnswer& request) {
-  ordered_json instances = ordered_json::array();
-  for (const auto& instance : request.instances) instances.push_back(MakeInstance(*instance));
-  return {{"classes", request.classes}, {"instances", std::move(instances)}, {"log", MakeLog(request.log)}};
+void WriteRequest(TJsonWriter& json, const TRequestAnswer& request) {
+  json.BeginObject();
+  json.Key("classes");
+  json.BeginArray();
+  for (const std::string& name : request.classes) json.String(name);
+  json.EndArray();
+  json.Key("instances");
+  json.BeginArray();
+  for (const auto& instance : request.instances) WriteInstance(json, *instance);
+  json.EndArray();
+  WriteLog(json, request.log);
+  json.EndObject();
+}
+
+void WritePlugin(TJsonWriter& json, const TPluginIdentity& plugin) {
+  json.Key("plugin");
+  json.BeginObject();
+  WriteMember(json, "name", plugin.name);
+  WriteMember(json, "version", plugin.version);
+  WriteMember(json, "interfaceVersion", plugin.interfaceVersion);
+  json.Key("type");
+  json.Literal(std::to_string(plugin.type));
+  json.EndObject();
+}
+
+/// The members of the answer's object.
+void WriteAnswer(TJsonWriter& json, const TAnswer& answer) {
+  WritePlugin(json, answer.plugin);
+  json.Key("requests");
+  json.BeginArray();
+  for (const TRequestAnswer& request : answer.requests) WriteRequest(json, request);
+  json.EndArray();
+  WriteLog(json, answer.log);
 }
 
 }  // namespace
 
 std::string MakeJsonReport(const TAnswer& answer) {
-  ordered_json requests = ordered_json::array();
-  for (const TRequestAnswer& request : answer.requests) requests.push_back(MakeRequest(request));
-  const TPluginIdentity& plugin = answer.plugin;
-  const ordered_json report = {{"plugin",
-                                {{"name", plugin.name},
-                                 {"version", plugin.version},
-                                 {"interfaceVersion", plugin.interfaceVersion},
-                                 {"type", plugin.type}}},
-                               {"requests", std::move(requests)},
-                               {"log", MakeLog(answer.log)}};
-  return report.dump(2) + "\n";
+  TJsonWriter json(TJsonWriter::ELayout::kIndented);
+  json.BeginObject();
+  WriteAnswer(json, answer);
+  json.EndObject();
+  return json.TakeText() + "\n";
 }

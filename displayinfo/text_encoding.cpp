@@ -1,5 +1,6 @@
 #include "displayinfo/text_encoding.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <string_view>
@@ -38,6 +39,8 @@ std::size_t GetCharacterLength(std::string_view text) {
   return 0;
 }
 
+bool IsAscii(char character) { return static_cast<unsigned char>(character) < 0x80; }
+
 bool IsControl(std::string_view character) {
   const unsigned char first = At(character, 0);
   const bool isC1 = first == 0xC2 && At(character, 1) < 0xA0;
@@ -74,6 +77,7 @@ std::string Convert(std::string_view text, TShow show) {
 }  // namespace
 
 std::string ToUtf8(const std::string& text) {
+  if (std::all_of(text.begin(), text.end(), IsAscii)) return text;  // as most texts are
   return Convert(text, [](std::string_view character) { return character; });
 }
 

@@ -78,9 +78,11 @@ const std::map<std::string, TCIMValue>& TStoredInstance::GetProperties() const {
 std::string TStoredInstance::GetPathText() const {
   std::string path = m_declaration.name;
   char separator = '.';
-  for (const auto& [name, value] : m_properties) {
-    if (!m_declaration.Find(name)->isKey) continue;
-    path += separator + name + "=\"" + Escape(value) + '"';
+  for (const TPropertyDeclaration& property : m_declaration.properties) {
+    if (!property.isKey) break;
+    const auto found = m_properties.find(property.name);
+    if (found == m_properties.end()) continue;
+    path.append(1, separator).append(property.name).append("=\"").append(Escape(found->second)).append(1, '"');
     separator = ',';
   }
   return path;

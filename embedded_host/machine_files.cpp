@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <utility>
 
 #include "host/exception.h"
 
@@ -50,11 +49,15 @@ class TOpenFile {
 
 }  // namespace
 
-TMachineFiles::TMachineFiles(fs::path root) : m_root(std::move(root)) {}
+TMachineFiles::TMachineFiles(const fs::path& root) {
+  std::error_code error;
+  m_root = fs::weakly_canonical(root, error);
+}
 
 bool TMachineFiles::Exists(const std::string& path) const {
+  const fs::path location = Locate(path);
   std::error_code error;
-  return fs::is_regular_file(Locate(path), error);
+  return !location.empty() && fs::is_regular_file(location, error);
 }
 
 bool TMachineFiles::HasFolder(const std::string& path) const {
@@ -63,9 +66,11 @@ bool TMachineFiles::HasFolder(const std::string& path) const {
 }
 
 std::string TMachineFiles::Read(const std::string& path, std::size_t maxSize) const {
-  if (!Exists(path)) throw TZELTException(path + ": no such file");
+  const fs::path location = Locate(path);
+  std::error_code error;
+  if (!fs::is_regular_file(location, error)) throw TZELTException(path + ": no such file");
   std::string content;
-  if (!TOpenFile(Locate(path)).Read(content, maxSize)) {
+  if (!TOpenFile(location).Read(content, maxSize)) {
     throw TZELTException(path + ": cannot be read: " + std::strerror(errno));
   }
   if (content.size() > maxSize) {
@@ -75,9 +80,10 @@ std::string TMachineFiles::Read(const std::string& path, std::size_t maxSize) co
 }
 
 fs::path TMachineFiles::Locate(const std::string& path) const {
+  const fs::path wanted = m_root / fs::path(path).relative_path();
+  // Most files that are asked for are not there, which takes one call to tell; a canonical path takes one a folder.
+  if (access(wanted.c_str(), F_OK) != 0) return {};
   std::error_code error;
-  const fs::path root = fs::canonical(m_root, error);
-  if (error) return {};
-  const fs::path file = fs::canonical(root / fs::path(path).relative_path(), error);
-  return error || !IsBelow(file, root) ? fs::path() : file;
+  const fs::path location = fs::canonical(wanted, error);
+  return error || m_root.empty() || !IsBelow(location, m_root) ? fs::path() : location;
 }

@@ -14,8 +14,8 @@ constexpr std::size_t kMaxMachineFileSize = std::size_t{256} * 1024 * 1024;  // 
 /// symbolic links, does not exist; neither does anything that is not a regular file.
 class HOST_API TMachineFiles {
  public:
-  /// `root`: the folder that stands for "/". It need not exist; then no file does.
-  explicit TMachineFiles(std::filesystem::path root);
+  /// `root`: the folder that stands for "/", free of links from now on. It need not exist; then no file does.
+  explicit TMachineFiles(const std::filesystem::path& root);
 
   bool Exists(const std::string& path) const;
 
@@ -30,5 +30,5 @@ class HOST_API TMachineFiles {
   /// Where the file or folder lies, free of links; empty when it does not exist or lies outside the root.
   std::filesystem::path Locate(const std::string& path) const;
 
-  std::filesystem::path m_root;
+  std::filesystem::path m_root;  // canonical
 };

@@ -35,10 +35,10 @@ constexpr const char* kInstances = "the instances that the host holds of the two
 
 TProperties DeviceKeys() {
   return {
-      Key("DeviceID", "What tells the device from the others of its class."),
       Key("CreationClassName", "The name of the instance's class."),
-      Key("SystemName", "The name of the computer system the device belongs to."),
-      Key("SystemCreationClassName", "The class of that computer system."),
+      Key("DeviceID", "What tells the device from the others of its class."),
+      Key("SystemCreationClassName", "The class of the computer system the device belongs to."),
+      Key("SystemName", "The name of that computer system."),
   };
 }
 

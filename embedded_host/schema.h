@@ -18,7 +18,8 @@ struct TPropertyDeclaration {
   const char* target;  // the class that a reference refers to; empty for other types
 };
 
-/// One class. `properties` stand in the order in which people read them.
+/// One class. Its keys stand first, in ascending order of their names as an object path has them; the other properties
+/// in the order in which people read them.
 struct HOST_API TClassDeclaration {
   const char* name;
   const char* meaning;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "embedded_host/schema.h"
@@ -87,6 +88,11 @@ TEST_F(JsonReport, WritesARealAsTheShortestDecimalOfTheSameFloat) {
     EXPECT_NE(text.find("\"value\": " + shortest + "\n"), std::string::npos) << shortest;
     EXPECT_EQ(std::strtof(shortest.c_str(), nullptr), value);
   }
+}
+
+TEST_F(JsonReport, HasNoNumberForARealThatIsNone) {
+  EXPECT_TRUE(
+      GetProperties({{"Gamma", TCIMValue(std::numeric_limits<float>::infinity())}})["Gamma"]["value"].is_null());
 }
 
 TEST_F(JsonReport, ReplacesBytesThatAreNotText) {

@@ -15,7 +15,7 @@ TEST(SchemaText, TellsTypeKeyUnitMeaningAndSource) {
   EXPECT_THAT(text, HasSubstr("QRXSG_DesktopMonitor\n"
                               "  A monitor that answers the video BIOS with an EDID.\n"
                               "  From the EDID of the monitor.\n"
-                              "  DeviceID                      string    key\n"));
+                              "  CreationClassName             string    key\n"));
   EXPECT_THAT(text, HasSubstr("  Bandwidth                     uint32    MHz\n      The highest pixel clock.\n"));
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <set>
 
 typedef NQRXZELT20::TCIMValue::TCIMType TType;
@@ -24,6 +26,17 @@ TEST(Schema, HasTheKeysOfEachClass) {
       if (property.isKey) keys.insert(property.name);
     }
     EXPECT_EQ(keys, expected[index]) << GetSchema()[index].name;
+  }
+}
+
+TEST(Schema, PutsTheKeysFirstInTheOrderOfAnObjectPath) {
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    const auto& properties = declaration.properties;
+    const auto isKey = [](const TPropertyDeclaration& property) { return property.isKey; };
+    EXPECT_TRUE(std::is_partitioned(properties.begin(), properties.end(), isKey)) << declaration.name;
+    EXPECT_TRUE(std::is_sorted(properties.begin(), std::partition_point(properties.begin(), properties.end(), isKey),
+                               [](const auto& left, const auto& right) { return std::string(left.name) < right.name; }))
+        << declaration.name;
   }
 }
 

@@ -1,0 +1,42 @@
+// Writes JSON text value by value, without holding the document as objects first: an answer is mostly strings that are
+// there already, and starting, copying and freeing their tree was the larger part of a short run.
+#pragma once
+
+#include <string>
+
+class TJsonWriter {
+ public:
+  enum class ELayout { kIndented, kOneLine };
+
+  explicit TJsonWriter(ELayout layout);
+
+  void BeginObject();
+  void EndObject();
+  void BeginArray();
+  void EndArray();
+
+  /// The name of the next value; inside an object alone.
+  void Key(const std::string& name);
+
+  /// A string. `text` need not be UTF-8: what is not becomes U+FFFD, byte by byte.
+  void String(const std::string& text);
+
+  /// A value that is JSON already, such as a number or null.
+  void Literal(const std::string& text);
+
+  /// The text so far, without a line end. The writer is empty then.
+  std::string TakeText();
+
+ private:
+  void Begin(char bracket);
+  void End(char bracket);
+  void Separate();
+  void BreakLine();
+  void Quote(const std::string& text);
+
+  ELayout m_layout;
+  std::string m_text;
+  std::size_t m_depth = 0;
+  bool m_isFirst = true;  // nothing stands in the innermost object or array yet
+  bool m_followsKey = false;
+};
