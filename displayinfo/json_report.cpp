@@ -120,3 +120,21 @@ std::string MakeJsonReport(const TAnswer& answer) {
   json.EndObject();
   return json.TakeText() + "\n";
 }
+
+std::string MakeMachineLine(const std::string& machine, const TAnswer& answer) {
+  TJsonWriter json(TJsonWriter::ELayout::kOneLine);
+  json.BeginObject();
+  WriteMember(json, "machine", machine);
+  WriteAnswer(json, answer);
+  json.EndObject();
+  return json.TakeText() + "\n";
+}
+
+std::string MakeErrorLine(const std::string& machine, const std::string& reason) {
+  TJsonWriter json(TJsonWriter::ELayout::kOneLine);
+  json.BeginObject();
+  WriteMember(json, "machine", machine);
+  WriteMember(json, "error", reason);
+  json.EndObject();
+  return json.TakeText() + "\n";
+}

@@ -7,3 +7,9 @@
 
 /// The answer as JSON text, indented, with a line end.
 std::string MakeJsonReport(const TAnswer& answer);
+
+/// One line, with its end, of the answer for many machines: the answer's members behind the machine's name.
+std::string MakeMachineLine(const std::string& machine, const TAnswer& answer);
+
+/// The line of a machine that could not be collected from.
+std::string MakeErrorLine(const std::string& machine, const std::string& reason);

@@ -1,19 +1,17 @@
 // displayinfo: collects what the plug-in has to say about one machine, and shows it.
-#include <unistd.h>
-
-#include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <iostream>
 #include <string>
 
 #include "displayinfo/collection.h"
+#include "displayinfo/fleet/fleet.h"
 #include "displayinfo/json_report.h"
 #include "displayinfo/machine.h"
 #include "displayinfo/options.h"
 #include "displayinfo/plugin_library.h"
 #include "displayinfo/privileges.h"
 #include "displayinfo/schema_document.h"
+#include "displayinfo/standard_output.h"
 #include "displayinfo/text_encoding.h"
 #include "displayinfo/text_report.h"
 
@@ -22,23 +20,8 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kUnusable = 1;
 
-/// Writes the whole answer to standard output. A reader that has gone away is no error: it had enough.
-void WriteAnswer(const std::string& text) {
-  std::size_t written = 0;
-  while (written < text.size()) {
-    const ssize_t count = write(STDOUT_FILENO, text.data() + written, text.size() - written);
-    if (count >= 0) {
-      written += static_cast<std::size_t>(count);
-    } else if (errno == EPIPE) {
-      return;
-    } else if (errno != EINTR) {
-      throw TUnusable(std::string("standard output cannot be written: ") + std::strerror(errno));
-    }
-  }
-}
-
 TMachine ChooseMachine(const TOptions& options) {
-  if (options.machine) return ReadCapturedMachine(*options.machine);
+  if (!options.machines.empty()) return ReadCapturedMachine(options.machines.front());
   return MakeThisMachine(options.edidSource);
 }
 
@@ -54,18 +37,26 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
   return MakeSchemaText();
 }
 
+int RunFleet(const TOptions& options) {
+  DropPrivileges(true);
+  return CollectFleet({options.machineList ? TMachineList::Open(*options.machineList) : TMachineList(options.machines),
+                       options.resume ? TFinishedMachines(*options.resume) : TFinishedMachines(), options.requests,
+                       options.plugin.value_or(FindPlugin()), options.jobs, options.logLevel});
+}
+
 int Run(const TOptions& options) {
-  if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
+  if (!options.machines.empty()) DropPrivileges(true);  // what others captured is read with no more than it takes
   const TMachine machine = ChooseMachine(options);
   const auto showLog = [&](const TLogEntry& entry) {
-    if (entry.severity > options.logLevel) return;
+    if (entry.severity > options.logLevel.value_or(NQRXZELT20::ILogger::kStatus)) return;
     std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
   };
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
   DropPrivileges(false);
   const std::string biosFailure = machine.getBiosFailure();
   if (!biosFailure.empty()) std::cerr << "displayinfo: " << biosFailure << '\n';
-  WriteAnswer(options.format == EFormat::kJson ? MakeJsonReport(answer) : MakeTextReport(answer, machine.edidOrigin));
+  WriteStandardOutput(options.format == EFormat::kJson ? MakeJsonReport(answer)
+                                                       : MakeTextReport(answer, machine.edidOrigin));
   return kDone;
 }
 
@@ -76,8 +67,8 @@ int main(int argumentCount, char** arguments) {
   const TCommandLine line = ParseCommandLine(argumentCount, arguments);
   if (line.exitStatus) return *line.exitStatus;
   try {
-    if (!line.schemaFormat) return Run(line.options);
-    WriteAnswer(MakeSchemaDocument(*line.schemaFormat));
+    if (!line.schemaFormat) return line.options.IsFleet() ? RunFleet(line.options) : Run(line.options);
+    WriteStandardOutput(MakeSchemaDocument(*line.schemaFormat));
     return kDone;
   } catch (const std::exception& error) {
     std::cerr << "displayinfo: " << ToPrintable(error.what()) << '\n';

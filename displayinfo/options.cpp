@@ -1,8 +1,9 @@
 #include "displayinfo/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
-#include <map>
+#include <thread>
 
 #include "embedded_host/schema.h"
 
@@ -11,6 +12,7 @@ using NQRXZELT20::ILogger;
 namespace {
 
 constexpr int kWrongUsage = 2;
+constexpr unsigned int kMaxJobs = 1000;
 
 template <typename T>
 using TNames = std::vector<std::pair<std::string, T>>;
@@ -32,9 +34,9 @@ std::vector<std::string> GetClassNames() {
   return names;
 }
 
-/// An option whose value is one of a few words.
-template <typename T>
-CLI::Option* AddChoice(CLI::App& app, const std::string& name, T& target, const TNames<T>& choices,
+/// An option whose value is one of a few words. `target`: a T, or an optional one.
+template <typename TTarget, typename T>
+CLI::Option* AddChoice(CLI::App& app, const std::string& name, TTarget& target, const TNames<T>& choices,
                        const std::string& description) {
   std::vector<std::string> words;
   for (const auto& choice : choices) words.push_back(choice.first);
@@ -69,11 +71,23 @@ std::vector<TRequest> MakeRequests(const TRequest& classes, const std::vector<st
   return split;
 }
 
+/// Several machines are answered in lines of JSON, and only several can be spread and resumed.
+void CheckFleet(const TOptions& options, const CLI::App& app) {
+  if (options.IsFleet() && options.format.value_or(EFormat::kJson) != EFormat::kJson) {
+    throw CLI::ValidationError("several machines are answered in JSON; leave --format out, or name one machine");
+  }
+  for (const char* const name : {"--jobs", "--resume"}) {
+    if (options.IsFleet() || app.count(name) == 0) continue;
+    throw CLI::ValidationError(std::string(name) + " is for several machines; name them with --machines LIST");
+  }
+}
+
 }  // namespace
 
 TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   TCommandLine line;
   TOptions& options = line.options;
+  options.jobs = std::clamp(std::thread::hardware_concurrency(), 1U, kMaxJobs);
   TRequest classes;
   std::vector<std::string> requests;
 
@@ -82,13 +96,24 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   CLI::Option* const classOption =
       app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
   CLI::Option* const machineOption =
-      app.add_option("--machine", options.machine, "A captured machine instead of this one")->option_text("DIR");
+      app.add_option("--machine", options.machines, "A captured machine instead of this one")
+          ->option_text("DIR")
+          ->allow_extra_args(false);
+  CLI::Option* const listOption =
+      app.add_option("--machines", options.machineList, "Many: a file of their names, or - (stdin)")
+          ->option_text("LIST")
+          ->excludes(machineOption);
+  app.add_option("--jobs", options.jobs, "So many at a time (default: the cores)")
+      ->option_text("N")
+      ->check(CLI::Range(1U, kMaxJobs).description(""));
+  app.add_option("--resume", options.resume, "Leave out those that FILE has a line of")->option_text("FILE");
   app.add_option("--request", requests, "One request of several; may be repeated")
       ->option_text("CLASS[,CLASS...]")
       ->excludes(classOption)
       ->allow_extra_args(false);
   AddChoice(app, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
-      ->excludes(machineOption);
+      ->excludes(machineOption)
+      ->excludes(listOption);
   AddChoice(app, "--format", options.format, kFormats, "text for people (default), json for programs");
   AddChoice(app, "--log-level", options.logLevel, kLogLevels, "What is logged (default: status)");
   app.add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
@@ -98,17 +123,15 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   AddChoice(*schema, "--format", schemaFormat, kSchemaFormats, "text (default), MOF, or a JSON Schema of the answer");
 
   app.footer(
-      "Classes:  QRXSG_VideoController   QRXSG_VideoHead\n"
-      "          QRXSG_DesktopMonitor    QRXSG_HeadOfVideoController\n"
-      "          QRXSG_MonitorResolution QRXSG_MonitorSetting\n"
-      "          displayinfo schema [--format text|mof|json-schema] explains them\n"
-      "Examples: displayinfo QRXSG_DesktopMonitor            this machine's monitors\n"
-      "          sudo displayinfo --edid-source bios         all, by its own video BIOS\n"
-      "          displayinfo --machine ws-17 --format json   a captured machine");
+      "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
+      "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting\n"
+      "Examples: sudo displayinfo --edid-source bios; displayinfo --machine ws-17\n"
+      "          ls -d captured/* | displayinfo --machines - >answers.jsonl");
 
   try {
     app.parse(argumentCount, arguments);
     options.requests = MakeRequests(classes, requests);
+    CheckFleet(options, app);
     if (schema->parsed()) line.schemaFormat = schemaFormat;
   } catch (const CLI::Success& done) {
     line.exitStatus = app.exit(done);

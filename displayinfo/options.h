@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "displayinfo/collection.h"
@@ -12,12 +13,18 @@ enum class EFormat { kText, kJson };
 enum class ESchemaFormat { kText, kMof, kJsonSchema };
 
 struct TOptions {
-  std::optional<std::filesystem::path> machine;  // a captured machine; this one when absent
-  std::vector<TRequest> requests;                // at least one
+  std::vector<std::string> machines;                 // captured machines; this one when there is none and no list
+  std::optional<std::filesystem::path> machineList;  // a file of their names, "-" for standard input
+  std::optional<std::filesystem::path> resume;       // what a run over many machines has written already
+  unsigned int jobs;                                 // worker processes for many machines
+  std::vector<TRequest> requests;                    // at least one
   EEdidSource edidSource = EEdidSource::kAuto;
-  EFormat format = EFormat::kText;
-  NQRXZELT20::ILogger::EZELTLogSeverity logLevel = NQRXZELT20::ILogger::kStatus;
+  std::optional<EFormat> format;
+  std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
   std::optional<std::filesystem::path> plugin;  // looked for when absent
+
+  /// The answer is one line for each of many machines.
+  bool IsFleet() const { return machineList || machines.size() > 1; }
 };
 
 /// Either the options, or the format in which to print the classes, or the exit status of a command that is done: after

@@ -18,9 +18,7 @@ namespace {
 constexpr const char* kFileName = "libdisplayinfo.pi.so";
 
 void* Load(const fs::path& file) {
-  if (!fs::exists(file)) {
-    throw TUnusable(file.string() + ": no such plug-in; build it, or name another with --plugin FILE");
-  }
+  RequirePlugin(file);
   // A path without a slash would be looked for elsewhere.
   void* library = dlopen(fs::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) throw TUnusable(std::string("the plug-in cannot be loaded: ") + dlerror());
@@ -47,6 +45,12 @@ TPluginLibrary::TPluginLibrary(const fs::path& file, TEmbeddedHost& host) try : 
 }
 
 TPluginLibrary::~TPluginLibrary() { m_callbacks->PrepareForUnload(); }
+
+void RequirePlugin(const fs::path& file) {
+  if (!fs::exists(file)) {
+    throw TUnusable(file.string() + ": no such plug-in; build it, or name another with --plugin FILE");
+  }
+}
 
 fs::path FindPlugin() {
   const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();

@@ -31,5 +31,8 @@ class TPluginLibrary {
   NQRXZELT20::IPluginBasicQueryCallbacks* m_queryCallbacks;
 };
 
+/// Throws TUnusable when there is no such file.
+void RequirePlugin(const std::filesystem::path& file);
+
 /// The plug-in to load when none is named: the one beside the command, else the installed one.
 std::filesystem::path FindPlugin();

@@ -1,0 +1,196 @@
+#include "displayinfo/fleet/fleet.h"
+
+#include <poll.h>
+
+#include <csignal>
+#include <iostream>
+#include <memory>
+#include <utility>
+
+#include "displayinfo/fleet/ordered_lines.h"
+#include "displayinfo/fleet/progress_bar.h"
+#include "displayinfo/fleet/worker.h"
+#include "displayinfo/json_report.h"
+#include "displayinfo/plugin_library.h"
+#include "displayinfo/standard_output.h"
+#include "displayinfo/text_encoding.h"
+
+namespace {
+
+// How far the workers may be ahead of a slow machine whose line is the next: in machines, and in bytes of their lines.
+constexpr std::size_t kMaxAhead = 1000;
+constexpr std::size_t kMaxHeldSize = std::size_t{64} * 1024 * 1024;
+
+volatile std::sig_atomic_t gSignal = 0;
+
+/// While it lives, the first SIGINT or SIGTERM is noted instead of ending the process, so that a line can be finished.
+/// The second one ends it.
+class TSignals {
+ public:
+  TSignals() {
+    gSignal = 0;
+    sigemptyset(&m_noted);
+    struct sigaction action = {};
+    action.sa_handler = [](int signal) { gSignal = signal; };
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (const int signal : {SIGINT, SIGTERM}) {
+      sigaddset(&m_noted, signal);
+      sigaction(signal, &action, nullptr);
+    }
+  }
+  ~TSignals() {
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+  }
+  TSignals(const TSignals&) = delete;
+  TSignals& operator=(const TSignals&) = delete;
+
+  /// The signal that has come, or 0.
+  static int Get() { return gSignal; }
+
+  /// poll, which a signal ends also when it comes just before.
+  void Wait(std::vector<pollfd>& descriptors) const {
+    sigset_t before;
+    sigprocmask(SIG_BLOCK, &m_noted, &before);
+    if (gSignal != 0 || ppoll(descriptors.data(), descriptors.size(), nullptr, &before) < 0) {
+      for (pollfd& descriptor : descriptors) descriptor.revents = 0;
+    }
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+  }
+
+ private:
+  sigset_t m_noted;
+};
+
+/// What a worker does with a machine: the collection that a single machine gets, in a freshly loaded plug-in.
+TMachineLine CollectLine(const std::string& machine, const TFleet& fleet) try {
+  const auto showLog = [&](const TLogEntry& entry) {
+    if (!fleet.logLevel || entry.severity > *fleet.logLevel) return;
+    std::cerr << ToPrintable(machine + ": " + GetSeverityName(entry.severity) + ": " + entry.message) + "\n";
+  };
+  const TAnswer answer = Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog);
+  return {MakeMachineLine(machine, answer), false};
+} catch (const std::exception& error) {
+  return {MakeErrorLine(machine, ToPrintable(error.what())), true};
+}
+
+class TFleetRun {
+ public:
+  explicit TFleetRun(TFleet fleet) : m_fleet(std::move(fleet)), m_bar([this] { return m_fleet.machines.CountAll(); }) {
+    while (m_workers.size() < m_fleet.jobs) m_workers.push_back(StartWorker());
+  }
+
+  int Run() {
+    bool isRead = true;
+    while (isRead && m_signals.Get() == 0) {
+      SpreadMachines();
+      if (IsDone()) break;
+      WaitForSomething();
+      isRead = WriteStandardOutput(m_lines.TakeReady());
+      m_bar.Set(m_skipped + m_lines.GetTurn(), m_failed);
+    }
+    if (m_signals.Get() != 0) return 128 + m_signals.Get();
+    return m_failed == 0 ? 0 : 1;
+  }
+
+  void ShowSummary() {
+    m_bar.Finish();
+    if (m_failed == 0) return;
+    std::cerr << "displayinfo: " << m_failed << " of " << m_lines.GetTurn() << " machines failed; their lines say why\n";
+  }
+
+ private:
+  std::unique_ptr<TWorker> StartWorker() const {
+    std::vector<int> others;
+    for (const auto& worker : m_workers) others.push_back(worker->GetDescriptor());
+    return std::make_unique<TWorker>([this](const std::string& machine) { return CollectLine(machine, m_fleet); },
+                                     others);
+  }
+
+  /// Gives machines to the idle workers, as far as there are any and the order lets them go ahead.
+  void SpreadMachines() {
+    for (auto& worker : m_workers) {
+      if (!worker->IsIdle() || !MayGoAhead() || !FindNext()) continue;
+      while (!worker->Give(m_given, *m_next)) worker = StartWorker();
+      m_next.reset();
+      ++m_given;
+    }
+  }
+
+  bool MayGoAhead() const { return m_given - m_lines.GetTurn() < kMaxAhead && m_lines.GetHeldSize() < kMaxHeldSize; }
+
+  /// Looks for a machine that is not finished, among those that are known already.
+  bool FindNext() {
+    while (!m_next && m_fleet.machines.HasNext()) {
+      std::string machine = m_fleet.machines.TakeNext();
+      if (m_fleet.finished.Take(machine)) {
+        ++m_skipped;
+      } else {
+        m_next = std::move(machine);
+      }
+    }
+    return m_next.has_value();
+  }
+
+  bool IsDone() const { return !m_next && m_fleet.machines.IsAtEnd() && m_lines.GetTurn() == m_given; }
+
+  /// Until a worker has something to say, or the list has, when a worker could go on with it.
+  void WaitForSomething() {
+    std::vector<pollfd> descriptors;
+    std::vector<std::unique_ptr<TWorker>*> busy;
+    bool mayGoOn = false;
+    for (auto& worker : m_workers) {
+      mayGoOn = mayGoOn || worker->IsIdle();
+      if (worker->IsIdle()) continue;
+      descriptors.push_back({worker->GetDescriptor(), POLLIN, 0});
+      busy.push_back(&worker);
+    }
+    const bool needsName = mayGoOn && MayGoAhead() && !m_next && !m_fleet.machines.IsAtEnd();
+    if (needsName) descriptors.push_back({m_fleet.machines.GetDescriptor(), POLLIN, 0});
+    m_signals.Wait(descriptors);
+    if (needsName && descriptors.back().revents != 0) m_fleet.machines.ReadMore();
+    for (std::size_t index = 0; index < busy.size(); ++index) {
+      if (descriptors[index].revents != 0) Receive(*busy[index]);
+    }
+  }
+
+  void Receive(std::unique_ptr<TWorker>& worker) {
+    switch (worker->Receive()) {
+      case TWorker::EState::kBusy:
+        break;
+      case TWorker::EState::kDone:
+        Put(worker->GetNumber(), worker->TakeLine());
+        break;
+      case TWorker::EState::kDied:
+        const std::string reason = "the process that collected from it " + worker->DescribeDeath();
+        Put(worker->GetNumber(), {MakeErrorLine(worker->GetMachine(), reason), true});
+        worker = StartWorker();
+        break;
+    }
+  }
+
+  void Put(std::size_t number, TMachineLine line) {
+    m_failed += line.hasFailed ? 1 : 0;
+    m_lines.Put(number, std::move(line.text));
+  }
+
+  TFleet m_fleet;
+  TSignals m_signals;
+  TProgressBar m_bar;
+  std::vector<std::unique_ptr<TWorker>> m_workers;
+  std::optional<std::string> m_next;  // to be given
+  std::size_t m_given = 0;            // so many machines have been given to workers
+  std::size_t m_skipped = 0;
+  std::size_t m_failed = 0;
+  TOrderedLines m_lines;
+};
+
+}  // namespace
+
+int CollectFleet(TFleet fleet) {
+  RequirePlugin(fleet.plugin);
+  TFleetRun run(std::move(fleet));
+  const int status = run.Run();
+  run.ShowSummary();
+  return status;
+}

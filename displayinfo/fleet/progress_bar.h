@@ -1,0 +1,31 @@
+// How far a run over a fleet has come, on standard error while that is a terminal.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+
+class TProgressBar {
+ public:
+  /// `countAll` is asked for the number of machines when there is a terminal; it may not know.
+  explicit TProgressBar(const std::function<std::optional<std::size_t>()>& countAll);
+  /// Notes how many machines are done, those that failed among them; shows it a few times a second.
+  void Set(std::size_t done, std::size_t failed);
+
+  /// Leaves the last state to be read.
+  void Finish();
+
+ private:
+  void Show();
+
+  bool m_isShown;
+  std::optional<std::size_t> m_total;
+  std::size_t m_done = 0;
+  std::size_t m_failed = 0;
+  std::chrono::steady_clock::time_point m_lastShown;
+};
+
+/// The bar's text, 79 columns wide at most: "[#####     ] 50 of 100 machines, 1 failed".
+std::string MakeProgressText(std::size_t done, std::size_t failed, std::optional<std::size_t> total);

@@ -1,0 +1,138 @@
+#include "displayinfo/fleet/worker.h"
+
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+#include "displayinfo/machine.h"
+
+namespace {
+
+// Between the two processes, which are the same program: a machine's name behind its size, and a line behind this.
+struct TLineHeader {
+  std::uint32_t size;  // of the line, bytes
+  std::uint32_t hasFailed;
+};
+
+bool SendAll(int descriptor, const void* data, std::size_t size) {
+  const char* next = static_cast<const char*>(data);
+  while (size > 0) {
+    const ssize_t count = send(descriptor, next, size, MSG_NOSIGNAL);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return false;
+    next += count;
+    size -= static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+bool ReceiveAll(int descriptor, void* data, std::size_t size) {
+  return size == 0 || recv(descriptor, data, size, MSG_WAITALL) == static_cast<ssize_t>(size);
+}
+
+bool SendMachine(int descriptor, const std::string& machine) {
+  const auto size = static_cast<std::uint32_t>(machine.size());
+  return SendAll(descriptor, &size, sizeof size) && SendAll(descriptor, machine.data(), machine.size());
+}
+
+bool ReceiveMachine(int descriptor, std::string& machine) {
+  std::uint32_t size = 0;
+  if (!ReceiveAll(descriptor, &size, sizeof size)) return false;
+  machine.resize(size);
+  return ReceiveAll(descriptor, machine.data(), size);
+}
+
+bool SendLine(int descriptor, const TMachineLine& line) {
+  const TLineHeader header = {static_cast<std::uint32_t>(line.text.size()), line.hasFailed ? 1U : 0U};
+  return SendAll(descriptor, &header, sizeof header) && SendAll(descriptor, line.text.data(), line.text.size());
+}
+
+/// Interrupting is the parent's to answer, and a worker does not outlive it.
+void PrepareProcess(pid_t parent) {
+  std::signal(SIGINT, SIG_IGN);
+  std::signal(SIGTERM, SIG_DFL);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(0);  // it ended before that was said
+}
+
+[[noreturn]] void Serve(int descriptor, const TWorker::TWork& work) {
+  std::string machine;
+  while (ReceiveMachine(descriptor, machine) && SendLine(descriptor, work(machine))) continue;
+  _exit(0);
+}
+
+}  // namespace
+
+TWorker::TWorker(const TWork& work, const std::vector<int>& others) {
+  int ends[2];
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+    throw TUnusable(std::string("no worker process can be reached: ") + std::strerror(errno) + "; take fewer --jobs");
+  }
+  const pid_t parent = getpid();
+  m_process = fork();
+  if (m_process == 0) {
+    PrepareProcess(parent);
+    for (const int other : others) close(other);
+    close(ends[0]);
+    Serve(ends[1], work);
+  }
+  close(ends[1]);
+  m_descriptor = ends[0];
+  if (m_process < 0) {
+    const std::string reason = std::strerror(errno);
+    close(m_descriptor);
+    throw TUnusable("no worker process can be started: " + reason + "; take fewer --jobs");
+  }
+}
+
+TWorker::~TWorker() {
+  close(m_descriptor);
+  if (m_process < 0) return;
+  kill(m_process, SIGKILL);
+  while (waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) continue;
+}
+
+bool TWorker::Give(std::size_t number, const std::string& machine) {
+  m_number = number;
+  m_machine = machine;
+  m_isBusy = SendMachine(m_descriptor, machine);
+  return m_isBusy;
+}
+
+TWorker::EState TWorker::Receive() {
+  char piece[65536];
+  const ssize_t count = recv(m_descriptor, piece, sizeof piece, MSG_DONTWAIT);
+  if (count < 0 && (errno == EINTR || errno == EAGAIN)) return EState::kBusy;
+  if (count <= 0) return EState::kDied;
+  m_received.append(piece, static_cast<std::size_t>(count));
+  TLineHeader header = {};
+  if (m_received.size() < sizeof header) return EState::kBusy;
+  std::memcpy(&header, m_received.data(), sizeof header);
+  return m_received.size() == sizeof header + header.size ? EState::kDone : EState::kBusy;
+}
+
+TMachineLine TWorker::TakeLine() {
+  TLineHeader header = {};
+  std::memcpy(&header, m_received.data(), sizeof header);
+  m_received.erase(0, sizeof header);
+  m_isBusy = false;
+  return {std::exchange(m_received, std::string()), header.hasFailed != 0};
+}
+
+std::string TWorker::DescribeDeath() {
+  int status = 0;
+  while (waitpid(m_process, &status, 0) < 0 && errno == EINTR) continue;
+  m_process = -1;
+  if (!WIFSIGNALED(status)) return "ended with status " + std::to_string(WEXITSTATUS(status));
+  return "was ended by signal " + std::to_string(WTERMSIG(status)) + " (" + strsignal(WTERMSIG(status)) + ")";
+}
