@@ -2,6 +2,8 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
+
 #include "host/exception.h"
 
 using NQRXZELT20::ICIMClass;
@@ -25,13 +27,15 @@ class TStoredProperty : public ICIMProperty {
   TCIMValue m_value;
 };
 
+bool IsSpecial(char character) { return character == '\\' || character == '"'; }
+
 std::string Escape(const std::string& value) {
   std::string escaped;
-  for (const char character : value) {
-    if (character == '\\' || character == '"') escaped += '\\';
-    escaped += character;
+  auto rest = value.begin();
+  for (auto special = rest; (special = std::find_if(rest, value.end(), IsSpecial)) != value.end(); rest = special + 1) {
+    escaped.append(rest, special).append(1, '\\').append(1, *special);
   }
-  return escaped;
+  return escaped.append(rest, value.end());
 }
 
 template <typename T>

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include "host/exception.h"
@@ -21,14 +22,20 @@ bool IsBelow(const fs::path& path, const fs::path& root) {
 
 class TOpenFile {
  public:
-  // Without blocking: what was a file a moment ago may be a FIFO by now.
-  explicit TOpenFile(const fs::path& path)
-      : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)) {}
+  TOpenFile(const fs::path& path, int flags) : m_descriptor(open(path.c_str(), flags | O_CLOEXEC)) {}
   ~TOpenFile() {
     if (m_descriptor >= 0) close(m_descriptor);
   }
   TOpenFile(const TOpenFile&) = delete;
   TOpenFile& operator=(const TOpenFile&) = delete;
+
+  /// Where the system has found it, free of links; empty when it was not opened.
+  fs::path GetLocation() const {
+    char location[PATH_MAX];
+    const std::string link = "/proc/self/fd/" + std::to_string(m_descriptor);
+    const ssize_t length = m_descriptor < 0 ? -1 : readlink(link.c_str(), location, sizeof location);
+    return length < 0 ? fs::path() : fs::path(location, location + length);
+  }
 
   /// Appends the content, as far as the byte behind `maxSize`; false, with errno set, when that fails.
   bool Read(std::string& content, std::size_t maxSize) const {
@@ -70,7 +77,8 @@ std::string TMachineFiles::Read(const std::string& path, std::size_t maxSize) co
   std::error_code error;
   if (!fs::is_regular_file(location, error)) throw TZELTException(path + ": no such file");
   std::string content;
-  if (!TOpenFile(location).Read(content, maxSize)) {
+  // Without blocking: what was a file a moment ago may be a FIFO by now.
+  if (!TOpenFile(location, O_RDONLY | O_NOFOLLOW | O_NONBLOCK).Read(content, maxSize)) {
     throw TZELTException(path + ": cannot be read: " + std::strerror(errno));
   }
   if (content.size() > maxSize) {
@@ -80,10 +88,6 @@ std::string TMachineFiles::Read(const std::string& path, std::size_t maxSize) co
 }
 
 fs::path TMachineFiles::Locate(const std::string& path) const {
-  const fs::path wanted = m_root / fs::path(path).relative_path();
-  // Most files that are asked for are not there, which takes one call to tell; a canonical path takes one a folder.
-  if (access(wanted.c_str(), F_OK) != 0) return {};
-  std::error_code error;
-  const fs::path location = fs::canonical(wanted, error);
-  return error || m_root.empty() || !IsBelow(location, m_root) ? fs::path() : location;
+  const fs::path location = TOpenFile(m_root / fs::path(path).relative_path(), O_PATH).GetLocation();
+  return m_root.empty() || !IsBelow(location, m_root) ? fs::path() : location;
 }

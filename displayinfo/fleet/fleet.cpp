@@ -21,6 +21,8 @@ namespace {
 constexpr std::size_t kMaxAhead = 1000;
 constexpr std::size_t kMaxHeldSize = std::size_t{64} * 1024 * 1024;
 
+constexpr std::size_t kMaxWaiting = 1;  // machines that wait at a busy worker
+
 volatile std::sig_atomic_t gSignal = 0;
 
 /// While it lives, the first SIGINT or SIGTERM is noted instead of ending the process, so that a line can be finished.
@@ -96,7 +98,8 @@ class TFleetRun {
   void ShowSummary() {
     m_bar.Finish();
     if (m_failed == 0) return;
-    std::cerr << "displayinfo: " << m_failed << " of " << m_lines.GetTurn() << " machines failed; their lines say why\n";
+    std::cerr << "displayinfo: " << m_failed << " of " << m_lines.GetTurn()
+              << " machines failed; their lines say why\n";
   }
 
  private:
@@ -107,13 +110,17 @@ class TFleetRun {
                                      others);
   }
 
-  /// Gives machines to the idle workers, as far as there are any and the order lets them go ahead.
+  /// Gives each worker machines, as far as there are any and the order lets it go ahead: first to those with nothing to
+  /// do, then one that waits, so that no worker has to.
   void SpreadMachines() {
-    for (auto& worker : m_workers) {
-      if (!worker->IsIdle() || !MayGoAhead() || !FindNext()) continue;
-      while (!worker->Give(m_given, *m_next)) worker = StartWorker();
-      m_next.reset();
-      ++m_given;
+    for (std::size_t waiting = 0; waiting <= kMaxWaiting; ++waiting) {
+      for (auto& worker : m_workers) {
+        if (worker->GetTasks().size() > waiting || !MayGoAhead() || !FindNext()) continue;
+        // Whether the process is there still is what waiting for it tells.
+        if (!worker->Give({m_given, *m_next})) continue;
+        m_next.reset();
+        ++m_given;
+      }
     }
   }
 
@@ -134,38 +141,36 @@ class TFleetRun {
 
   bool IsDone() const { return !m_next && m_fleet.machines.IsAtEnd() && m_lines.GetTurn() == m_given; }
 
-  /// Until a worker has something to say, or the list has, when a worker could go on with it.
+  /// Until a worker has something to say, or the list has, when the run could go on with it.
   void WaitForSomething() {
     std::vector<pollfd> descriptors;
-    std::vector<std::unique_ptr<TWorker>*> busy;
-    bool mayGoOn = false;
-    for (auto& worker : m_workers) {
-      mayGoOn = mayGoOn || worker->IsIdle();
-      if (worker->IsIdle()) continue;
-      descriptors.push_back({worker->GetDescriptor(), POLLIN, 0});
-      busy.push_back(&worker);
-    }
-    const bool needsName = mayGoOn && MayGoAhead() && !m_next && !m_fleet.machines.IsAtEnd();
+    for (const auto& worker : m_workers) descriptors.push_back({worker->GetDescriptor(), POLLIN, 0});
+    const bool needsName = MayGoAhead() && !m_next && !m_fleet.machines.IsAtEnd();
     if (needsName) descriptors.push_back({m_fleet.machines.GetDescriptor(), POLLIN, 0});
     m_signals.Wait(descriptors);
     if (needsName && descriptors.back().revents != 0) m_fleet.machines.ReadMore();
-    for (std::size_t index = 0; index < busy.size(); ++index) {
-      if (descriptors[index].revents != 0) Receive(*busy[index]);
+    for (std::size_t index = 0; index < m_workers.size(); ++index) {
+      if (descriptors[index].revents != 0) Receive(m_workers[index]);
     }
   }
 
   void Receive(std::unique_ptr<TWorker>& worker) {
-    switch (worker->Receive()) {
-      case TWorker::EState::kBusy:
-        break;
-      case TWorker::EState::kDone:
-        Put(worker->GetNumber(), worker->TakeLine());
-        break;
-      case TWorker::EState::kDied:
-        const std::string reason = "the process that collected from it " + worker->DescribeDeath();
-        Put(worker->GetNumber(), {MakeErrorLine(worker->GetMachine(), reason), true});
-        worker = StartWorker();
-        break;
+    const bool isAlive = worker->Receive();
+    while (auto done = worker->TakeLine()) Put(done->first, std::move(done->second));
+    if (!isAlive) Replace(worker);
+  }
+
+  /// The machine that a worker has died of fails; those that waited go to its successor.
+  void Replace(std::unique_ptr<TWorker>& worker) {
+    std::deque<TTask> tasks = worker->GetTasks();
+    const std::string death = worker->DescribeDeath();
+    worker = StartWorker();
+    if (tasks.empty()) return;
+    const TTask& fatal = tasks.front();
+    Put(fatal.number, {MakeErrorLine(fatal.machine, "the process that collected from it " + death), true});
+    tasks.pop_front();
+    for (const TTask& task : tasks) {
+      while (!worker->Give(task)) worker = StartWorker();
     }
   }
 

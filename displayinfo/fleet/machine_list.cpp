@@ -15,6 +15,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::size_t kMaxLine = std::size_t{64} * 1024;  // bytes; the system's longest name has 4096
+
 [[noreturn]] void Fail(const std::string& name) {
   throw TUnusable(name + ": cannot be read: " + std::strerror(errno) +
                   "; --machines takes a file of folder names, one a line, or - for standard input");
@@ -79,6 +81,10 @@ void TMachineList::TakeLines() {
     if (end > begin) m_names.push_back(m_rest.substr(begin, end - begin));
   }
   m_rest.erase(0, begin);
+  if (m_rest.size() > kMaxLine) {
+    throw TUnusable(m_name + ": has a line of more than " + std::to_string(kMaxLine) +
+                    " bytes; --machines takes a file of folder names, one a line");
+  }
 }
 
 std::optional<std::size_t> TMachineList::CountAll() const {

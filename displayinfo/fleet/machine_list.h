@@ -27,6 +27,7 @@ class TMachineList {
   bool IsAtEnd() const;
 
   /// What to wait for (with poll) when neither holds; then ReadMore takes what has come, without waiting for more.
+  /// Throws TUnusable when the list cannot be read, or is none.
   int GetDescriptor() const;
   void ReadMore();
 

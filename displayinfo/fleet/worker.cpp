@@ -21,37 +21,36 @@ struct TLineHeader {
   std::uint32_t hasFailed;
 };
 
-bool SendAll(int descriptor, const void* data, std::size_t size) {
-  const char* next = static_cast<const char*>(data);
-  while (size > 0) {
-    const ssize_t count = send(descriptor, next, size, MSG_NOSIGNAL);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    next += count;
-    size -= static_cast<std::size_t>(count);
+/// Sends header and text as one message, so that their receiver is woken once.
+template <typename THeader>
+bool Send(int descriptor, const THeader& header, const std::string& text) {
+  const std::string message = std::string(reinterpret_cast<const char*>(&header), sizeof header) + text;
+  for (std::size_t sent = 0; sent < message.size();) {
+    const ssize_t count = send(descriptor, message.data() + sent, message.size() - sent, MSG_NOSIGNAL);
+    if (count < 0 && errno != EINTR) return false;
+    if (count > 0) sent += static_cast<std::size_t>(count);
   }
   return true;
 }
 
-bool ReceiveAll(int descriptor, void* data, std::size_t size) {
-  return size == 0 || recv(descriptor, data, size, MSG_WAITALL) == static_cast<ssize_t>(size);
+bool SendMachine(int descriptor, const std::string& machine) {
+  return Send(descriptor, static_cast<std::uint32_t>(machine.size()), machine);
 }
 
-bool SendMachine(int descriptor, const std::string& machine) {
-  const auto size = static_cast<std::uint32_t>(machine.size());
-  return SendAll(descriptor, &size, sizeof size) && SendAll(descriptor, machine.data(), machine.size());
+bool SendLine(int descriptor, const TMachineLine& line) {
+  return Send(descriptor, TLineHeader{static_cast<std::uint32_t>(line.text.size()), line.hasFailed ? 1U : 0U},
+              line.text);
+}
+
+bool Receive(int descriptor, void* data, std::size_t size) {
+  return size == 0 || recv(descriptor, data, size, MSG_WAITALL) == static_cast<ssize_t>(size);
 }
 
 bool ReceiveMachine(int descriptor, std::string& machine) {
   std::uint32_t size = 0;
-  if (!ReceiveAll(descriptor, &size, sizeof size)) return false;
+  if (!Receive(descriptor, &size, sizeof size)) return false;
   machine.resize(size);
-  return ReceiveAll(descriptor, machine.data(), size);
-}
-
-bool SendLine(int descriptor, const TMachineLine& line) {
-  const TLineHeader header = {static_cast<std::uint32_t>(line.text.size()), line.hasFailed ? 1U : 0U};
-  return SendAll(descriptor, &header, sizeof header) && SendAll(descriptor, line.text.data(), line.text.size());
+  return Receive(descriptor, machine.data(), size);
 }
 
 /// Interrupting is the parent's to answer, and a worker does not outlive it.
@@ -102,31 +101,31 @@ TWorker::~TWorker() {
   while (waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) continue;
 }
 
-bool TWorker::Give(std::size_t number, const std::string& machine) {
-  m_number = number;
-  m_machine = machine;
-  m_isBusy = SendMachine(m_descriptor, machine);
-  return m_isBusy;
+bool TWorker::Give(TTask task) {
+  if (!SendMachine(m_descriptor, task.machine)) return false;
+  m_tasks.push_back(std::move(task));
+  return true;
 }
 
-TWorker::EState TWorker::Receive() {
+bool TWorker::Receive() {
   char piece[65536];
   const ssize_t count = recv(m_descriptor, piece, sizeof piece, MSG_DONTWAIT);
-  if (count < 0 && (errno == EINTR || errno == EAGAIN)) return EState::kBusy;
-  if (count <= 0) return EState::kDied;
+  if (count < 0 && (errno == EINTR || errno == EAGAIN)) return true;
+  if (count <= 0) return false;
   m_received.append(piece, static_cast<std::size_t>(count));
-  TLineHeader header = {};
-  if (m_received.size() < sizeof header) return EState::kBusy;
-  std::memcpy(&header, m_received.data(), sizeof header);
-  return m_received.size() == sizeof header + header.size ? EState::kDone : EState::kBusy;
+  return true;
 }
 
-TMachineLine TWorker::TakeLine() {
+std::optional<std::pair<std::size_t, TMachineLine>> TWorker::TakeLine() {
   TLineHeader header = {};
+  if (m_received.size() < sizeof header) return std::nullopt;
   std::memcpy(&header, m_received.data(), sizeof header);
-  m_received.erase(0, sizeof header);
-  m_isBusy = false;
-  return {std::exchange(m_received, std::string()), header.hasFailed != 0};
+  if (m_received.size() < sizeof header + header.size) return std::nullopt;
+  TMachineLine line = {m_received.substr(sizeof header, header.size), header.hasFailed != 0};
+  m_received.erase(0, sizeof header + header.size);
+  const std::size_t number = m_tasks.front().number;
+  m_tasks.pop_front();
+  return std::pair(number, std::move(line));
 }
 
 std::string TWorker::DescribeDeath() {

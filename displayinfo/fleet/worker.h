@@ -4,15 +4,23 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What the answer says of one machine.
 struct TMachineLine {
   std::string text;  // with its line end
   bool hasFailed;    // it holds an error
+};
+
+/// A machine and its number in the list.
+struct TTask {
+  std::size_t number;
+  std::string machine;
 };
 
 class TWorker {
@@ -27,20 +35,18 @@ class TWorker {
   TWorker(const TWorker&) = delete;
   TWorker& operator=(const TWorker&) = delete;
 
-  bool IsIdle() const { return !m_isBusy; }
+  /// Hands over a machine, which waits until those before are done; false when the process cannot be reached.
+  bool Give(TTask task);
 
-  /// Hands a machine, which has that number, to the idle worker; false when its process has died meanwhile.
-  bool Give(std::size_t number, const std::string& machine);
-  std::size_t GetNumber() const { return m_number; }
-  const std::string& GetMachine() const { return m_machine; }
+  /// What it has not done yet; it is at work on the first.
+  const std::deque<TTask>& GetTasks() const { return m_tasks; }
 
-  /// What to wait for (with poll) while the worker is busy; then Receive takes what has come.
+  /// What to wait for (with poll); then Receive takes what has come. False when the process has died.
   int GetDescriptor() const { return m_descriptor; }
-  enum class EState { kBusy, kDone, kDied };
-  EState Receive();
+  bool Receive();
 
-  /// The line, once Receive has said that it is done; the worker is idle then.
-  TMachineLine TakeLine();
+  /// The next line that has come whole, and the number of its machine.
+  std::optional<std::pair<std::size_t, TMachineLine>> TakeLine();
 
   /// How the process ended, once Receive has said that it died: "was ended by signal 11 (Segmentation fault)".
   std::string DescribeDeath();
@@ -48,8 +54,6 @@ class TWorker {
  private:
   pid_t m_process = -1;
   int m_descriptor = -1;
-  bool m_isBusy = false;
-  std::size_t m_number = 0;
-  std::string m_machine;
-  std::string m_received;  // of the answer: its header, then the line
+  std::deque<TTask> m_tasks;
+  std::string m_received;  // lines, each behind its header
 };

@@ -135,6 +135,21 @@ TEST_F(Fleet, LosesOneMachineWithAWorkerThatDies) {
   EXPECT_THAT(lines[2], HasSubstr("{\"machine\":\"m2\",\"error\":\"" FATAL_PLUGIN_FILE ": registered 0"));
 }
 
+TEST_F(Fleet, LosesNoOtherMachineWhenManyAreFatal) {
+  folder.Write("fatal/root/fatal", "");
+  std::vector<std::string> mixed;
+  for (const std::string& name : names) mixed.insert(mixed.end(), {name, "fatal", "fatal"});
+  std::string list;
+  for (const std::string& name : mixed) list += name + "\n";
+  const TProcessResult result = RunList(list, "--jobs 3 --plugin " FATAL_PLUGIN_FILE);
+  EXPECT_EQ(GetNames(result.output), mixed);
+  for (const std::string& line : SplitLines(result.output)) {
+    const json parsed = json::parse(line);
+    const bool isFatal = parsed["error"].get<std::string>().find("was ended by signal 6") != std::string::npos;
+    EXPECT_EQ(isFatal, parsed["machine"] == "fatal") << line;
+  }
+}
+
 TEST_F(Fleet, IsNotBegunWithoutThePlugin) {
   const TProcessResult result = RunList("m1\n", "--plugin nowhere");
   EXPECT_EQ(result.status, 1);

@@ -111,6 +111,11 @@ TEST_F(MachineList, TakesNamesFromStandardInputAsTheyCome) {
   EXPECT_EQ(list.TakeNext(), "bc");
 }
 
+TEST_F(MachineList, IsRefusedWithALineThatIsNoName) {
+  EXPECT_EQ(Read(std::string(65536, 'x') + "\n").front().size(), 65536U);
+  EXPECT_THROW(Read(std::string(200000, 'x')), TUnusable);
+}
+
 TEST_F(MachineList, IsRefusedWithoutItsFile) {
   EXPECT_THROW(TMachineList::Open(folder.GetPath() / "nowhere"), TUnusable);
 }

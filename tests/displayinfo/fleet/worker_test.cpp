@@ -5,26 +5,27 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 namespace {
 
 TMachineLine Echo(const std::string& machine) { return {machine + "\n", machine.empty()}; }
 
-/// Until the worker is done with its machine, or has died.
-TWorker::EState Wait(TWorker& worker) {
-  TWorker::EState state = TWorker::EState::kBusy;
-  while (state == TWorker::EState::kBusy) {
+/// Waits for the next line; nothing when the worker dies before.
+std::optional<std::pair<std::size_t, TMachineLine>> Wait(TWorker& worker) {
+  bool isAlive = true;
+  while (true) {
+    if (auto line = worker.TakeLine()) return line;
+    if (!isAlive) return std::nullopt;
     pollfd descriptor = {worker.GetDescriptor(), POLLIN, 0};
     poll(&descriptor, 1, -1);
-    state = worker.Receive();
+    isAlive = worker.Receive();
   }
-  return state;
 }
 
 TMachineLine Work(TWorker& worker, const std::string& machine) {
-  EXPECT_TRUE(worker.Give(0, machine));
-  EXPECT_EQ(Wait(worker), TWorker::EState::kDone);
-  return worker.TakeLine();
+  EXPECT_TRUE(worker.Give({0, machine}));
+  return Wait(worker).value().second;
 }
 
 }  // namespace
@@ -41,16 +42,29 @@ TEST(Worker, TellsThatAMachineFailed) {
   EXPECT_TRUE(Work(worker, "").hasFailed);
 }
 
-TEST(Worker, IsBusyUntilItsLineIsTaken) {
+TEST(Worker, KnowsWhatItHasNotDoneYet) {
   TWorker worker(Echo, {});
-  EXPECT_TRUE(worker.IsIdle());
-  EXPECT_TRUE(worker.Give(7, "a"));
-  EXPECT_FALSE(worker.IsIdle());
-  EXPECT_EQ(worker.GetNumber(), 7U);
-  EXPECT_EQ(worker.GetMachine(), "a");
+  EXPECT_TRUE(worker.GetTasks().empty());
+  EXPECT_TRUE(worker.Give({7, "a"}));
+  EXPECT_TRUE(worker.Give({9, "b"}));
+  ASSERT_EQ(worker.GetTasks().size(), 2U);
+  EXPECT_EQ(worker.GetTasks()[0].number, 7U);
+  EXPECT_EQ(worker.GetTasks()[0].machine, "a");
   Wait(worker);
-  worker.TakeLine();
-  EXPECT_TRUE(worker.IsIdle());
+  ASSERT_EQ(worker.GetTasks().size(), 1U);
+  EXPECT_EQ(worker.GetTasks()[0].machine, "b");
+}
+
+TEST(Worker, TakesMachinesWhileItIsAtWork) {
+  TWorker worker(Echo, {});
+  EXPECT_TRUE(worker.Give({7, "a"}));
+  EXPECT_TRUE(worker.Give({9, "b"}));
+  const auto first = Wait(worker).value();
+  const auto second = Wait(worker).value();
+  EXPECT_EQ(first.first, 7U);
+  EXPECT_EQ(first.second.text, "a\n");
+  EXPECT_EQ(second.first, 9U);
+  EXPECT_EQ(second.second.text, "b\n");
 }
 
 TEST(Worker, WorksInAProcessOfItsOwn) {
@@ -80,23 +94,34 @@ TEST(Worker, HandsOverLinesOfAnyLength) {
 
 TEST(Worker, TellsHowItDied) {
   TWorker worker([](const std::string&) -> TMachineLine { std::abort(); }, {});
-  ASSERT_TRUE(worker.Give(0, "a"));
-  EXPECT_EQ(Wait(worker), TWorker::EState::kDied);
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(Wait(worker), std::nullopt);
   EXPECT_EQ(worker.DescribeDeath(), "was ended by signal 6 (Aborted)");
+  EXPECT_EQ(worker.GetTasks().front().machine, "a");
 }
 
 TEST(Worker, TellsTheStatusWithWhichItEnded) {
   TWorker worker([](const std::string&) -> TMachineLine { _exit(3); }, {});
-  ASSERT_TRUE(worker.Give(0, "a"));
-  EXPECT_EQ(Wait(worker), TWorker::EState::kDied);
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(Wait(worker), std::nullopt);
   EXPECT_EQ(worker.DescribeDeath(), "ended with status 3");
 }
 
-TEST(Worker, TellsThatItDiedBeforeItWasGivenAMachine) {
+TEST(Worker, HandsOverTheLinesFromBeforeItDied) {
+  TWorker worker([](const std::string& machine) { return machine == "fatal" ? _exit(3), Echo("") : Echo(machine); },
+                 {});
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  ASSERT_TRUE(worker.Give({1, "fatal"}));
+  EXPECT_EQ(Wait(worker).value().second.text, "a\n");
+  EXPECT_EQ(Wait(worker), std::nullopt);
+  EXPECT_EQ(worker.GetTasks().front().machine, "fatal");
+}
+
+TEST(Worker, TakesNothingOnceItsProcessHasEnded) {
   TWorker worker([](const std::string&) -> TMachineLine { _exit(0); }, {});
-  ASSERT_TRUE(worker.Give(0, "a"));
-  EXPECT_EQ(Wait(worker), TWorker::EState::kDied);
-  EXPECT_FALSE(worker.Give(1, "b"));
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(Wait(worker), std::nullopt);
+  EXPECT_FALSE(worker.Give({1, "b"}));
 }
 
 TEST(Worker, IsNotInterruptedWithItsParent) {
