@@ -1,0 +1,59 @@
+// How the time to make the associations grows with the instances that the host holds.
+#include <benchmark/benchmark.h>
+
+#include <string>
+
+#include "monitor/monitor_info.h"
+#include "tests/support/test_host.h"
+#include "video/video_info.h"
+
+using NQRXZELT20::TCIMValue;
+
+namespace {
+
+void Commit(TTestHost& host, const char* className, const std::map<std::string, TCIMValue>& properties) {
+  const auto instance = host.GetClass(className)->CreateInstance({});
+  for (const auto& [name, value] : properties) instance->SetProperty(name, value, {});
+  instance->Commit({});
+}
+
+/// So many monitors, each with one mode.
+void LinkMonitorsToModes(benchmark::State& state) {
+  TTestHost host;
+  for (std::int64_t number = 1; number <= state.range(0); ++number) {
+    const std::string id = "Monitor " + std::to_string(number);
+    Commit(host, "QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue(id)}});
+    Commit(host, "QRXSG_MonitorResolution", {{"SettingID", TCIMValue(id + "\\ Setting 1")}});
+  }
+  TMonitorInfo monitor(host.GetClass("QRXSG_MonitorSetting"), TTestHost::Provider());
+  for (auto unused : state) {
+    static_cast<void>(unused);
+    benchmark::DoNotOptimize(monitor.MakeMonitorSettingAssociation());
+    host.Forget();
+  }
+  state.SetComplexityN(state.range(0));
+}
+
+/// So many controllers, each with one head.
+void LinkHeadsToControllers(benchmark::State& state) {
+  TTestHost host;
+  for (std::int64_t number = 0; number < state.range(0); ++number) {
+    const std::map<std::string, TCIMValue> properties = {
+        {"DeviceID", TCIMValue("Card" + std::to_string(number))},
+        {"DisplayId", TCIMValue("PCI:" + std::to_string(number) + ":0:0")}};
+    Commit(host, "QRXSG_VideoController", properties);
+    Commit(host, "QRXSG_VideoHead", properties);
+  }
+  TVideoInfo video(host.GetClass("QRXSG_HeadOfVideoController"), TTestHost::Provider());
+  for (auto unused : state) {
+    static_cast<void>(unused);
+    benchmark::DoNotOptimize(video.MakeHeadAssociation());
+    host.Forget();
+  }
+  state.SetComplexityN(state.range(0));
+}
+
+}  // namespace
+
+BENCHMARK(LinkMonitorsToModes)->RangeMultiplier(10)->Range(1, 1000)->Complexity()->Unit(benchmark::kMicrosecond);
+BENCHMARK(LinkHeadsToControllers)->RangeMultiplier(10)->Range(1, 1000)->Complexity()->Unit(benchmark::kMicrosecond);

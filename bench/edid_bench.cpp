@@ -1,0 +1,61 @@
+// How long an EDID takes to be decoded, and its modes to be listed.
+#include <benchmark/benchmark.h>
+
+#include "monitor/edid_layout.h"
+#include "monitor/monitor_info.h"
+#include "tests/support/edid_builder.h"
+#include "tests/support/test_host.h"
+
+namespace {
+
+constexpr unsigned int kBlockSize = 128;  // bytes
+
+/// A monitor that says as much as one block holds, in so many blocks, as the decoder gets them.
+std::vector<unsigned char> MakeEdid(std::int64_t blocks) {
+  TEdidBuilder builder;
+  builder.Manufacturer("ACM")
+      .Made(14, 2008)
+      .ImageSize(38, 30)
+      .Gamma(120)
+      .Features(0xEA)
+      .Established(0xFF, 0xFF)
+      .RangeLimits(1, 56, 76, 30, 83, 14)
+      .Name(2, "Acme A190")
+      .Serial(3, "A190-004711");
+  for (unsigned int index = 0; index < 8; ++index) builder.Standard(index, 0x81 + index, 0x80);
+  while (--blocks > 0) builder.Extension({0x40, 0x01, 0x02});
+  std::vector<unsigned char> edid = builder.Build();
+  edid.resize(edid::kBufferSize);
+  return edid;
+}
+
+void DecodeEdid(benchmark::State& state) {
+  TTestHost host;
+  const auto cimClass = host.GetClass("QRXSG_DesktopMonitor");
+  std::vector<unsigned char> edid = MakeEdid(state.range(0));
+  for (auto unused : state) {
+    static_cast<void>(unused);
+    TMonitorInfo monitor(cimClass, TTestHost::Provider());
+    monitor.ParseMonitorEdid(edid.data(), static_cast<unsigned int>(state.range(0)) * kBlockSize);
+    benchmark::DoNotOptimize(monitor.GetProperties());
+    host.Forget();
+  }
+}
+
+void ListModes(benchmark::State& state) {
+  TTestHost host;
+  TMonitorInfo monitor(host.GetClass("QRXSG_MonitorResolution"), TTestHost::Provider());
+  monitor.SetDeviceId("Monitor 1");
+  std::vector<unsigned char> edid = MakeEdid(1);
+  for (auto unused : state) {
+    static_cast<void>(unused);
+    benchmark::DoNotOptimize(monitor.GetResolutionInfo(edid.data(), kBlockSize));
+    host.Forget();
+  }
+  state.counters["modes"] = static_cast<double>(monitor.GetResolutionInfo(edid.data(), kBlockSize).size());
+}
+
+}  // namespace
+
+BENCHMARK(DecodeEdid)->ArgName("blocks")->Arg(1)->Arg(3);
+BENCHMARK(ListModes);
