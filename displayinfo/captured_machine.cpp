@@ -1,4 +1,4 @@
-// Reads the folder of a captured machine: machine.json, edid/ and root/.
+// Reads a captured machine, a folder or one packed into a file: machine.json, edid/ and root/.
 #include <algorithm>
 #include <charconv>
 #include <limits>
@@ -9,6 +9,8 @@
 
 #include "displayinfo/host_name.h"
 #include "displayinfo/machine.h"
+#include "displayinfo/machine_archive.h"
+#include "displayinfo/private_folder.h"
 #include "embedded_host/machine_files.h"
 #include "host/exception.h"
 #include "realmode/virtual_video_bios.h"
@@ -195,12 +197,7 @@ void ReadEdids(const TFolder& folder, TVirtualBiosConfiguration& bios) {
   }
 }
 
-}  // namespace
-
-TMachine ReadCapturedMachine(const fs::path& path) try {
-  if (!fs::is_directory(path)) {
-    throw TUnusable(path.string() + ": is not the folder of a captured machine; --machine takes one that exists");
-  }
+TMachine ReadFolder(const fs::path& path) {
   const TFolder folder(path);
   TVirtualBiosConfiguration bios;
   TMachine machine;
@@ -212,6 +209,29 @@ TMachine ReadCapturedMachine(const fs::path& path) try {
   machine.bios = std::make_shared<TVirtualVideoBios>(std::move(bios));
   machine.getBiosFailure = [] { return std::string(); };
   return machine;
+}
+
+TMachine ReadArchive(const fs::path& path) {
+  const auto folder = std::make_shared<TPrivateFolder>();
+  try {
+    TMachine machine = ReadFolder(UnpackMachine(path, folder->GetPath()));
+    machine.folder = folder;
+    return machine;
+  } catch (const TUnusable& error) {
+    // Where it was unpacked to is gone when somebody reads this.
+    const std::string hidden = folder->GetPath().string();
+    std::string text = error.what();
+    if (text.compare(0, hidden.size(), hidden) == 0) text.replace(0, hidden.size(), path.string());
+    throw TUnusable(text);
+  }
+}
+
+}  // namespace
+
+TMachine ReadCapturedMachine(const fs::path& path) try {
+  if (fs::is_directory(path)) return ReadFolder(path);
+  if (IsMachineArchive(path)) return ReadArchive(path);
+  throw TUnusable(path.string() + ": is not the folder of a captured machine; --machine takes one that exists");
 } catch (const fs::filesystem_error& error) {
   throw TUnusable(error.path1().string() + ": " + error.code().message() + "; check the permissions of the folder");
 }

@@ -34,11 +34,13 @@ struct TMachine {
   /// Why the BIOS could not be called, asked after a collection; empty when it could, or was not needed.
   std::function<std::string()> getBiosFailure;
   TEdidOrigin edidOrigin;
+  std::shared_ptr<const void> folder;  // that a machine in one file was unpacked into; goes with the machine
 };
 
 /// This machine, with its own files. `drmFolder`: where the kernel shows its graphics outputs.
 TMachine MakeThisMachine(EEdidSource source, const std::filesystem::path& drmFolder = "/sys/class/drm");
 
-/// The machine that a folder holds. Throws TUnusable, naming file and key, when the folder or anything in it that the
-/// collection would use is not as it must be, or leads out of the folder.
+/// The machine that a folder holds, or a file that a folder was packed into (see machine_archive.h). Throws TUnusable,
+/// naming file and key, when the folder or anything in it that the collection would use is not as it must be, or leads
+/// out of the folder.
 TMachine ReadCapturedMachine(const std::filesystem::path& path);

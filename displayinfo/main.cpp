@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string>
 
+#include "displayinfo/capture.h"
 #include "displayinfo/collection.h"
 #include "displayinfo/fleet/fleet.h"
 #include "displayinfo/json_report.h"
@@ -25,6 +26,11 @@ TMachine ChooseMachine(const TOptions& options) {
   return MakeThisMachine(options.edidSource);
 }
 
+void ShowBiosFailure(const TMachine& machine) {
+  const std::string failure = machine.getBiosFailure();
+  if (!failure.empty()) std::cerr << "displayinfo: " << failure << '\n';
+}
+
 std::string MakeSchemaDocument(ESchemaFormat format) {
   switch (format) {
     case ESchemaFormat::kMof:
@@ -35,6 +41,13 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
       break;
   }
   return MakeSchemaText();
+}
+
+int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
+  const TMachine machine = MakeThisMachine(options.edidSource);
+  CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
+  ShowBiosFailure(machine);
+  return kDone;
 }
 
 int RunFleet(const TOptions& options) {
@@ -53,8 +66,7 @@ int Run(const TOptions& options) {
   };
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
   DropPrivileges(false);
-  const std::string biosFailure = machine.getBiosFailure();
-  if (!biosFailure.empty()) std::cerr << "displayinfo: " << biosFailure << '\n';
+  ShowBiosFailure(machine);
   WriteStandardOutput(options.format == EFormat::kJson ? MakeJsonReport(answer)
                                                        : MakeTextReport(answer, machine.edidOrigin));
   return kDone;
@@ -67,6 +79,7 @@ int main(int argumentCount, char** arguments) {
   const TCommandLine line = ParseCommandLine(argumentCount, arguments);
   if (line.exitStatus) return *line.exitStatus;
   try {
+    if (line.capture) return RunCapture(line.options, *line.capture);
     if (!line.schemaFormat) return line.options.IsFleet() ? RunFleet(line.options) : Run(line.options);
     WriteStandardOutput(MakeSchemaDocument(*line.schemaFormat));
     return kDone;

@@ -122,10 +122,17 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   CLI::App* const schema = app.add_subcommand("schema", "Print the classes with their properties")->group("");
   AddChoice(*schema, "--format", schemaFormat, kSchemaFormats, "text (default), MOF, or a JSON Schema of the answer");
 
+  TCaptureOptions captureOptions;
+  CLI::App* const capture = app.add_subcommand("capture", "Write this machine down as a captured machine")->group("");
+  capture->add_option("TARGET", captureOptions.target, "A folder, or FILE.tar.gz; must not exist")->required();
+  capture->add_flag("--anonymous", captureOptions.isAnonymous, "Blank serial numbers and the system's name");
+  AddChoice(*capture, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from");
+  capture->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
+
   app.footer(
       "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
       "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting\n"
-      "Examples: sudo displayinfo --edid-source bios; displayinfo --machine ws-17\n"
+      "Examples: sudo displayinfo --edid-source bios; displayinfo capture ws-17.tar.gz\n"
       "          ls -d captured/* | displayinfo --machines - >answers.jsonl");
 
   try {
@@ -133,6 +140,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
     options.requests = MakeRequests(classes, requests);
     CheckFleet(options, app);
     if (schema->parsed()) line.schemaFormat = schemaFormat;
+    if (capture->parsed()) line.capture = captureOptions;
   } catch (const CLI::Success& done) {
     line.exitStatus = app.exit(done);
   } catch (const CLI::ParseError& error) {

@@ -27,11 +27,19 @@ struct TOptions {
   bool IsFleet() const { return machineList || machines.size() > 1; }
 };
 
-/// Either the options, or the format in which to print the classes, or the exit status of a command that is done: after
+/// What `displayinfo capture` writes, of the machine that the options name.
+struct TCaptureOptions {
+  std::filesystem::path target;
+  bool isAnonymous = false;
+};
+
+/// Either the options of a collection, or of a capture, or the format in which to print the classes, or the exit status
+/// of a command that is done: after
 /// --help, --version or wrong usage, which has been explained on standard error.
 struct TCommandLine {
   TOptions options;
   std::optional<ESchemaFormat> schemaFormat;
+  std::optional<TCaptureOptions> capture;
   std::optional<int> exitStatus;
 };
 

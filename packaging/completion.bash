@@ -1,18 +1,17 @@
 # Completes the options of displayinfo, their values, and the classes.
 _displayinfo() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local options='--machine --machines --jobs --resume --request --edid-source --format --log-level --plugin --version --help'
+  local options='--anonymous --machine --machines --jobs --resume --request --edid-source --format --log-level --plugin --version --help'
   local classes='QRXSG_VideoController QRXSG_VideoHead QRXSG_HeadOfVideoController QRXSG_DesktopMonitor
     QRXSG_MonitorResolution QRXSG_MonitorSetting'
   local words
   case $previous in
-    --machine) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    --machines | --resume | --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --machine | --machines | --resume | capture | --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     --request) words=$classes ;;
     --edid-source) words='auto bios drm' ;;
     --format) if [ "${COMP_WORDS[1]}" = schema ]; then words='text mof json-schema'; else words='text json'; fi ;;
     --log-level) words='error warning status debug verbose' ;;
-    *) words="$options $classes schema" ;;
+    *) words="$options $classes capture schema" ;;
   esac
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
 }

@@ -60,7 +60,7 @@ void PrepareProcess(pid_t parent) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (getppid() != parent) _exit(0);  // it ended before that was said
 }
 
@@ -97,7 +97,7 @@ TWorker::TWorker(const TWork& work, const std::vector<int>& others) {
 TWorker::~TWorker() {
   close(m_descriptor);
   if (m_process < 0) return;
-  kill(m_process, SIGKILL);
+  kill(m_process, SIGTERM);
   while (waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) continue;
 }
 

@@ -147,8 +147,9 @@ TEST_F(Command, ExplainsItself) {
   const TProcessResult result = RunShell(kCommand + " --help");
   EXPECT_EQ(result.status, 0);
   for (const char* option :
-       {"CLASS...", "--machine DIR", "--machines LIST", "--jobs N", "--resume FILE", "--request CLASS[,CLASS...]", "--edid-source auto|bios|drm", "--format text|json",
-        "--log-level error|warning|status|debug|verbose", "--plugin FILE", "--version", "--help"}) {
+       {"CLASS...", "--machine DIR", "--machines LIST", "--jobs N", "--resume FILE", "--request CLASS[,CLASS...]",
+        "--edid-source auto|bios|drm", "--format text|json", "--log-level error|warning|status|debug|verbose",
+        "--plugin FILE", "--version", "--help"}) {
     EXPECT_THAT(result.output, HasSubstr(option));
   }
 }

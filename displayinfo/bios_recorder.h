@@ -1,0 +1,39 @@
+// Notes what a video BIOS answers, so that a virtual one can answer the same again.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "realmode/video_bios.h"
+#include "realmode/virtual_video_bios.h"
+
+/// Stands before the BIOS and hands every call through. Of what is asked more than once, the first answer counts.
+class TBiosRecorder : public IVideoBios {
+ public:
+  explicit TBiosRecorder(std::shared_ptr<IVideoBios> bios);
+
+  bool Start(TRealModeMemory& memory) override;
+  bool Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) override;
+  void Stop() override;
+
+  /// What a virtual BIOS needs to answer as this one did.
+  TVirtualBiosConfiguration GetRecord() const;
+
+ private:
+  enum class EResult { kRead, kError, kNoReturn };
+  struct TBlock {
+    EResult result;
+    std::vector<std::uint8_t> bytes;  // of a block that was read
+  };
+
+  static TVirtualBiosConfiguration::TUnit MakeUnit(const std::vector<TBlock>& blocks);
+
+  std::shared_ptr<IVideoBios> m_bios;
+  std::optional<bool> m_isPresent;
+  std::optional<bool> m_hasMemory;
+  std::map<unsigned int, std::vector<TBlock>> m_units;  // blocks 0, 1, ... as far as they were asked for
+};
