@@ -103,7 +103,6 @@ class TNewFolder {
   TNewFolder(const TNewFolder&) = delete;
   TNewFolder& operator=(const TNewFolder&) = delete;
 
-  const fs::path& GetPath() const { return m_path; }
   void Keep() { m_isKept = true; }
 
  private:
@@ -112,10 +111,8 @@ class TNewFolder {
 };
 
 /// Collects from the captured machine to see that it answers the same.
-void RequireSameAnswer(const TContent& content, const TAnswer& answer, const fs::path& plugin) {
-  const TPrivateFolder folder;
-  WriteContent(folder.GetPath(), content);
-  const TAnswer again = Collect(ReadCapturedMachine(folder.GetPath()), plugin, AskForAll(), {});
+void RequireAnswer(const fs::path& folder, const TAnswer& answer, const fs::path& plugin) {
+  const TAnswer again = Collect(ReadCapturedMachine(folder), plugin, AskForAll(), {});
   if (MakeJsonReport(again) == MakeJsonReport(answer)) return;
   throw TUnusable("what was captured does not answer as the machine did, which may have changed meanwhile; try again");
 }
@@ -127,16 +124,19 @@ void CaptureMachine(TMachine machine, const fs::path& plugin, const fs::path& ta
   machine.bios = recorder;
   const TAnswer answer = Collect(machine, plugin, AskForAll(), {});
   TContent content = MakeContent(machine.host, answer.fileQueries, recorder->GetRecord());
-  RequireSameAnswer(content, answer, plugin);
-  if (isAnonymous) MakeAnonymous(content);
-  if (IsMachineArchive(target)) {
-    const TPrivateFolder parent;
-    const fs::path folder = parent.GetPath() / GetArchivedName(target);
-    WriteContent(folder, content);
-    PackMachine(folder, target);
-  } else {
-    TNewFolder folder(target);
-    WriteContent(folder.GetPath(), content);
+  const auto write = [&](const fs::path& path) {
+    TNewFolder folder(path);
+    WriteContent(path, content);
+    RequireAnswer(path, answer, plugin);
+    if (isAnonymous) {
+      MakeAnonymous(content);
+      WriteContent(path, content);
+    }
     folder.Keep();
-  }
+  };
+  if (!IsMachineArchive(target)) return write(target);
+  const TPrivateFolder parent;
+  const fs::path folder = parent.GetPath() / GetArchivedName(target);
+  write(folder);
+  PackMachine(folder, target);
 }
