@@ -20,6 +20,12 @@ bool IsBelow(const fs::path& path, const fs::path& root) {
   return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
 }
 
+/// Empty when the system does not tell.
+fs::path MakeCanonical(const fs::path& path) {
+  std::error_code error;
+  return fs::weakly_canonical(path, error);
+}
+
 class TOpenFile {
  public:
   TOpenFile(const fs::path& path, int flags) : m_descriptor(open(path.c_str(), flags | O_CLOEXEC)) {}
@@ -56,10 +62,7 @@ class TOpenFile {
 
 }  // namespace
 
-TMachineFiles::TMachineFiles(const fs::path& root) {
-  std::error_code error;
-  m_root = fs::weakly_canonical(root, error);
-}
+TMachineFiles::TMachineFiles(const fs::path& root) : m_root(MakeCanonical(root)) {}
 
 bool TMachineFiles::Exists(const std::string& path) const {
   const fs::path location = Locate(path);
