@@ -47,6 +47,8 @@ int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   const TMachine machine = MakeThisMachine(options.edidSource);
   CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
   ShowBiosFailure(machine);
+  const std::string target = ToPrintable(capture.target.string());
+  std::cerr << "displayinfo: captured; displayinfo --machine " << target << " answers as this machine does\n";
   return kDone;
 }
 

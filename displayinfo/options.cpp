@@ -82,6 +82,17 @@ void CheckFleet(const TOptions& options, const CLI::App& app) {
   }
 }
 
+/// capture and schema have options of their own, behind them.
+void CheckSubcommand(const CLI::App& app) {
+  for (const CLI::App* const subcommand : app.get_subcommands()) {
+    for (const CLI::Option* const option : app.get_options()) {
+      if (option->count() == 0) continue;
+      throw CLI::ValidationError(option->get_name() + " is not for " + subcommand->get_name() +
+                                 ", whose options follow it");
+    }
+  }
+}
+
 }  // namespace
 
 TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
@@ -139,6 +150,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
     app.parse(argumentCount, arguments);
     options.requests = MakeRequests(classes, requests);
     CheckFleet(options, app);
+    CheckSubcommand(app);
     if (schema->parsed()) line.schemaFormat = schemaFormat;
     if (capture->parsed()) line.capture = captureOptions;
   } catch (const CLI::Success& done) {

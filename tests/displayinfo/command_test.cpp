@@ -161,6 +161,30 @@ TEST_F(Command, ExplainsItsClasses) {
   ExpectWrongUsage("schema --format html", "html");
 }
 
+TEST_F(Command, CapturesThisMachineOnce) {
+  const TTemporaryFolder folder;
+  const std::string target = (folder.GetPath() / "ws-17").string();
+  const TProcessResult result = RunShell(kCommand + " capture --edid-source drm " + target);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(result.errors, HasSubstr("captured; displayinfo --machine " + target));
+  EXPECT_EQ(RunShell(kCommand + " --format json --machine " + target).output,
+            RunShell(kCommand + " --format json --edid-source drm").output);
+  ExpectUnusable(RunShell(kCommand + " capture " + target),
+                 target + ": cannot be made: is there already; name a folder that can be");
+}
+
+TEST_F(Command, CapturesNothingWithoutATarget) {
+  ExpectWrongUsage("capture", "TARGET is required");
+  ExpectWrongUsage("capture --machine ws-17 x", "--machine");
+}
+
+TEST_F(Command, TakesNoOptionsBeforeASubcommand) {
+  ExpectWrongUsage("--format json schema", "--format is not for schema, whose options follow it");
+  ExpectWrongUsage("--machine ws-17 capture x", "--machine is not for capture");
+  ExpectWrongUsage("QRXSG_VideoHead schema", "CLASS is not for schema");
+}
+
 TEST_F(Command, ExplainsItselfOnOneScreen) {
   std::istringstream lines(RunShell(kCommand + " --help").output);
   std::size_t count = 0;
