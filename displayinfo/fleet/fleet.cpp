@@ -89,17 +89,15 @@ class TFleetRun {
       if (IsDone()) break;
       WaitForSomething();
       isRead = WriteStandardOutput(m_lines.TakeReady());
-      m_bar.Set(m_skipped + m_lines.GetTurn(), m_failed);
+      m_bar.Set(m_skipped + m_done, m_failed);
+    }
+    m_bar.Finish();
+    if (!isRead) return 0;
+    if (m_failed > 0) {
+      std::cerr << "displayinfo: " << m_failed << " of " << m_done << " machines failed; their lines say why\n";
     }
     if (m_signals.Get() != 0) return 128 + m_signals.Get();
     return m_failed == 0 ? 0 : 1;
-  }
-
-  void ShowSummary() {
-    m_bar.Finish();
-    if (m_failed == 0) return;
-    std::cerr << "displayinfo: " << m_failed << " of " << m_lines.GetTurn()
-              << " machines failed; their lines say why\n";
   }
 
  private:
@@ -175,6 +173,7 @@ class TFleetRun {
   }
 
   void Put(std::size_t number, TMachineLine line) {
+    ++m_done;
     m_failed += line.hasFailed ? 1 : 0;
     m_lines.Put(number, std::move(line.text));
   }
@@ -186,7 +185,8 @@ class TFleetRun {
   std::optional<std::string> m_next;  // to be given
   std::size_t m_given = 0;            // so many machines have been given to workers
   std::size_t m_skipped = 0;
-  std::size_t m_failed = 0;
+  std::size_t m_done = 0;
+  std::size_t m_failed = 0;  // of those that are done
   TOrderedLines m_lines;
 };
 
@@ -194,8 +194,5 @@ class TFleetRun {
 
 int CollectFleet(TFleet fleet) {
   RequirePlugin(fleet.plugin);
-  TFleetRun run(std::move(fleet));
-  const int status = run.Run();
-  run.ShowSummary();
-  return status;
+  return TFleetRun(std::move(fleet)).Run();
 }
