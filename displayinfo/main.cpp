@@ -10,6 +10,7 @@
 #include "displayinfo/collection.h"
 #include "displayinfo/json_report.h"
 #include "displayinfo/machine.h"
+#include "displayinfo/mof_report.h"
 #include "displayinfo/options.h"
 #include "displayinfo/plugin_library.h"
 #include "displayinfo/privileges.h"
@@ -54,6 +55,18 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
   return MakeSchemaText();
 }
 
+std::string MakeReport(EFormat format, const TAnswer& answer, const TEdidOrigin& origin) {
+  switch (format) {
+    case EFormat::kJson:
+      return MakeJsonReport(answer);
+    case EFormat::kMof:
+      return MakeMofReport(answer);
+    case EFormat::kText:
+      break;
+  }
+  return MakeTextReport(answer, origin);
+}
+
 int Run(const TOptions& options) {
   if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
   const TMachine machine = ChooseMachine(options);
@@ -65,7 +78,7 @@ int Run(const TOptions& options) {
   DropPrivileges(false);
   const std::string biosFailure = machine.getBiosFailure();
   if (!biosFailure.empty()) std::cerr << "displayinfo: " << biosFailure << '\n';
-  WriteAnswer(options.format == EFormat::kJson ? MakeJsonReport(answer) : MakeTextReport(answer, machine.edidOrigin));
+  WriteAnswer(MakeReport(options.format, answer, machine.edidOrigin));
   return kDone;
 }
 
