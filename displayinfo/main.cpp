@@ -8,6 +8,7 @@
 #include <string>
 
 #include "displayinfo/collection.h"
+#include "displayinfo/html_report.h"
 #include "displayinfo/json_report.h"
 #include "displayinfo/machine.h"
 #include "displayinfo/mof_report.h"
@@ -61,6 +62,8 @@ std::string MakeReport(EFormat format, const TAnswer& answer, const TEdidOrigin&
       return MakeJsonReport(answer);
     case EFormat::kMof:
       return MakeMofReport(answer);
+    case EFormat::kHtml:
+      return MakeHtmlReport(answer, origin);
     case EFormat::kText:
       break;
   }
