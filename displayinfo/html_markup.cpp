@@ -53,12 +53,22 @@ TMarkup MakeSvgBox(TPoint corner, int width, int height, const char* look) {
                                    {"class", look}});
 }
 
+TMarkup MakeSvgClip(TPoint corner, int width, int height, const TMarkup& content) {
+  return TMarkup::Element("svg",
+                          {{"x", std::to_string(corner.x)},
+                           {"y", std::to_string(corner.y)},
+                           {"width", std::to_string(width)},
+                           {"height", std::to_string(height)}},
+                          content);
+}
+
 TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& content) {
   return TMarkup::Element("svg",
                           {{"xmlns", "http://www.w3.org/2000/svg"},
                            {"viewBox", "0 0 " + std::to_string(width) + " " + std::to_string(height)},
                            {"width", std::to_string(width)},
                            {"height", std::to_string(height)},
+                           {"class", "picture"},
                            {"role", "img"}},
                           TMarkup::Element("title", {}, title) + content);
 }

@@ -40,5 +40,8 @@ TMarkup MakeSvgLine(TPoint from, TPoint to, const char* look);
 
 TMarkup MakeSvgBox(TPoint corner, int width, int height, const char* look);
 
+/// The content with its origin at the corner, without what lies outside of that size.
+TMarkup MakeSvgClip(TPoint corner, int width, int height, const TMarkup& content);
+
 /// A picture of that size that shrinks with the page. `title` tells it to those who do not see it.
 TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& content);

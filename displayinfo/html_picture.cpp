@@ -14,8 +14,9 @@ constexpr int kPad = 8;  // between a box and its text
 constexpr int kHeadX = kWidth - kBoxWidth - 1;
 constexpr std::size_t kBoxColumns = 23;
 
-// Monitors stand two in a row.
-constexpr int kCellWidth = kWidth / 2;
+// Monitors stand in rows.
+constexpr std::ptrdiff_t kPerRow = 2;
+constexpr int kCellWidth = kWidth / kPerRow;
 constexpr int kScreenSide = 150;  // of the largest monitor, its longer side
 constexpr std::size_t kCellColumns = 26;
 constexpr unsigned int kNeutralWidth = 40;  // cm
@@ -25,21 +26,21 @@ typedef std::vector<std::string> TLines;
 
 int GetBoxHeight(const TLines& lines) { return 2 * kPad + kLine * static_cast<int>(lines.size()); }
 
-/// The lines below each other, the first in bold.
-TMarkup MakeLines(TPoint corner, const TLines& lines, std::size_t columns) {
+/// The lines below each other, the first in bold. A line of wide letters is cut off at the width.
+TMarkup MakeLines(TPoint corner, int width, const TLines& lines, std::size_t columns) {
   TMarkup markup;
-  const char* look = "name";
+  int bottom = 0;
   for (const std::string& line : lines) {
-    corner.y += kLine;
-    markup += MakeSvgText({corner.x, corner.y - 4}, line, columns, look);
-    look = "";
+    const char* look = bottom == 0 ? "name" : "";
+    bottom += kLine;
+    markup += MakeSvgText({0, bottom - 4}, line, columns, look);
   }
-  return markup;
+  return MakeSvgClip(corner, width, bottom, markup);
 }
 
 TMarkup MakeBox(TPoint corner, const TLines& lines, const char* look) {
   return MakeSvgBox(corner, kBoxWidth, GetBoxHeight(lines), look) +
-         MakeLines({corner.x + kPad, corner.y + kPad}, lines, kBoxColumns);
+         MakeLines({corner.x + kPad, corner.y + kPad}, kBoxWidth - 2 * kPad, lines, kBoxColumns);
 }
 
 TLines DropEmpty(TLines lines) {
@@ -97,9 +98,39 @@ TLines DescribeMonitor(const TMonitorView& view) {
   return lines;
 }
 
-/// The picture's units for so many cm, when the longest side of all monitors is `longest`.
+unsigned int GetLongestSide(const std::vector<TMonitorView>& monitors) {
+  unsigned int longest = 1;
+  for (const TMonitorView& monitor : monitors) {
+    const TSize size = GetPhysicalSize(monitor);
+    longest = std::max({longest, size.width, size.height});
+  }
+  return longest;
+}
+
+/// The picture's units for so many cm.
 int Scale(unsigned int length, unsigned int longest) {
   return std::max(2, static_cast<int>(length * kScreenSide / longest));
+}
+
+/// Draws the monitors beside each other from `top` on, upon a common floor, and gives where they end.
+int DrawRow(TMarkup& picture, const std::vector<TMonitorView>& monitors, int top, unsigned int longest) {
+  int floor = top;
+  for (const TMonitorView& monitor : monitors) {
+    floor = std::max(floor, top + Scale(GetPhysicalSize(monitor).height, longest));
+  }
+  int left = 1;
+  int bottom = floor;
+  for (const TMonitorView& monitor : monitors) {
+    const TSize size = GetPhysicalSize(monitor);
+    const int height = Scale(size.height, longest);
+    const TLines lines = DescribeMonitor(monitor);
+    picture += MakeSvgBox({left, floor - height}, Scale(size.width, longest), height,
+                          size.isKnown ? "monitor" : "monitor unknown");
+    picture += MakeLines({left, floor + 2}, kCellWidth - kPad, lines, kCellColumns);
+    bottom = std::max(bottom, floor + 2 + kLine * static_cast<int>(lines.size()));
+    left += kCellWidth;
+  }
+  return bottom + kGap;
 }
 
 }  // namespace
@@ -120,32 +151,13 @@ TMarkup MakeVideoPicture(const TRequestView& view) {
 
 TMarkup MakeMonitorsPicture(const TRequestView& view) {
   const std::vector<TMonitorView>& monitors = view.GetMonitors();
-  unsigned int longest = 1;
-  for (const TMonitorView& monitor : monitors) {
-    const TSize size = GetPhysicalSize(monitor);
-    longest = std::max({longest, size.width, size.height});
-  }
+  const unsigned int longest = GetLongestSide(monitors);
   TMarkup picture;
   int top = 1;
-  for (std::size_t first = 0; first < monitors.size(); first += 2) {
-    const auto begin = monitors.begin() + static_cast<std::ptrdiff_t>(first);
-    const auto end = monitors.begin() + static_cast<std::ptrdiff_t>(std::min(first + 2, monitors.size()));
-    int floor = top;
-    for (auto monitor = begin; monitor != end; ++monitor) {
-      floor = std::max(floor, top + Scale(GetPhysicalSize(*monitor).height, longest));
-    }
-    int bottom = floor;
-    for (auto monitor = begin; monitor != end; ++monitor) {
-      const int left = 1 + static_cast<int>(monitor - begin) * kCellWidth;
-      const TSize size = GetPhysicalSize(*monitor);
-      const int height = Scale(size.height, longest);
-      const TLines lines = DescribeMonitor(*monitor);
-      picture += MakeSvgBox({left, floor - height}, Scale(size.width, longest), height,
-                            size.isKnown ? "monitor" : "monitor unknown");
-      picture += MakeLines({left, floor + 2}, lines, kCellColumns);
-      bottom = std::max(bottom, floor + 2 + kLine * static_cast<int>(lines.size()));
-    }
-    top = bottom + kGap;
+  for (auto first = monitors.begin(); first != monitors.end();) {
+    const auto end = first + std::min(kPerRow, monitors.end() - first);
+    top = DrawRow(picture, {first, end}, top, longest);
+    first = end;
   }
   return MakeSvg(kWidth, top, "The monitors, to the scale of their pictures", picture);
 }

@@ -9,13 +9,13 @@ namespace {
 // The plot lies at the left, one label for each point at the right: so no two labels meet, however near the points are.
 constexpr int kWidth = 360;
 constexpr int kLeft = 40;
-constexpr int kRight = 190;
+constexpr int kRight = 160;
 constexpr int kTop = 22;
-constexpr int kLabelX = 212;
+constexpr int kLabelX = 180;
 constexpr int kLabelStep = 16;
 constexpr int kLeastHeight = 180;
 constexpr int kBelow = 36;  // the ticks' labels and the axis's
-constexpr std::size_t kLabelColumns = 23;
+constexpr std::size_t kLabelColumns = 30;
 
 struct TResolutionPoint {
   unsigned int width, height;
@@ -44,11 +44,11 @@ std::string GetRates(const TResolutionPoint& point) {
   return JoinTexts(rates) + " Hz";
 }
 
-/// A round number of which `limit` holds no more than four.
+/// A round number of which `limit` holds no more than three.
 unsigned int GetTickStep(unsigned int limit) {
   for (unsigned int power = 1;; power *= 10) {
     for (const unsigned int step : {power, 2 * power, 5 * power}) {
-      if (limit / step <= 4) return step;
+      if (limit / step <= 3) return step;
     }
   }
 }

@@ -74,7 +74,7 @@ TMarkup MakeLog(const std::vector<TLogEntry>& log) {
     const char* severity = GetSeverityName(entry.severity);
     rows += Element("tr", severity, Element("td", severity) + Element("td", entry.message));
   }
-  const std::string title = "Log (" + std::to_string(log.size()) + " messages)";
+  const std::string title = "Log (" + std::to_string(log.size()) + ")";
   return Element("details", Element("summary", title) + Element("table", Element("tbody", rows)));
 }
 

@@ -15,7 +15,7 @@ constexpr const char* kHtmlStyle =
     ".row{margin:.8rem 0;display:flex;flex-wrap:wrap;gap:1rem;align-items:flex-start}"
     ".panel{flex:1 1 20rem;min-width:0;max-width:37.5rem;background:var(--panel);border:1px solid var(--line);"
     "border-radius:8px;padding:0 1rem .6rem;box-sizing:border-box}"
-    "svg{display:block;width:100%;height:auto;max-width:34rem;font:12px system-ui,sans-serif}"
+    ".picture{display:block;width:100%;height:auto;max-width:34rem;font:12px system-ui,sans-serif}"
     "text{fill:var(--ink)}.name{font-weight:600}.tick,.label{font-size:11px}.tick{fill:var(--soft)}"
     ".middle{text-anchor:middle}.end{text-anchor:end}"
     "line{stroke:var(--soft)}.grid{stroke:var(--line)}.leader{stroke:var(--soft);stroke-width:.5}"
@@ -30,5 +30,5 @@ constexpr const char* kHtmlStyle =
     "@media (max-width:30rem){table{font-size:.78rem}}"
     "ul{margin:.3rem 0;padding-left:1.2rem}details{margin:2rem 0}summary{cursor:pointer;font-weight:600}"
     ".error,.warning{color:var(--alarm)}"
-    "@media print{body{max-width:none;padding:0;font-size:10pt}.panel,tr,svg{break-inside:avoid}"
+    "@media print{body{max-width:none;padding:0;font-size:10pt}.panel,tr,.picture{break-inside:avoid}"
     "h2,h3,caption{break-after:avoid}.wide{overflow:visible}}";

@@ -1,8 +1,6 @@
 #include "displayinfo/mof_report.h"
 
-#include <gtest/gtest.h>
-
-#include "embedded_host/schema.h"
+#include "tests/support/answer_test.h"
 
 using NQRXZELT20::TCIMDateTime;
 using NQRXZELT20::TCIMReference;
@@ -10,19 +8,10 @@ using NQRXZELT20::TCIMValue;
 
 namespace {
 
-class MofReport : public testing::Test {
+class MofReport : public TAnswerTest {
  protected:
-  boost::shared_ptr<TCimStore> store = TCimStore::Create(GetSchema());
-  TAnswer answer;
-
-  void Commit(const std::string& className, const std::map<std::string, TCIMValue>& properties) {
-    const auto instance = store->GetClass(className, {})->CreateInstance({});
-    for (const auto& [name, value] : properties) instance->SetProperty(name, value, {});
-    instance->Commit({});
-  }
-
   std::string Make(const TRequest& classes = {"QRXSG_DesktopMonitor"}) {
-    answer.requests.push_back({classes, store->TakeCommits(), {}});
+    EndRequest(classes);
     return MakeMofReport(answer);
   }
 
