@@ -12,7 +12,7 @@ constexpr int kGap = 12;
 constexpr int kBoxWidth = 164;
 constexpr int kPad = 8;  // between a box and its text
 constexpr int kHeadX = kWidth - kBoxWidth - 1;
-constexpr std::size_t kBoxColumns = 23;
+constexpr std::size_t kBoxColumns = 20;
 
 // Monitors stand in rows.
 constexpr std::ptrdiff_t kPerRow = 2;
@@ -146,7 +146,7 @@ TMarkup MakeVideoPicture(const TRequestView& view) {
     top = std::max(bottom, top + GetBoxHeight(lines) + kGap);
   }
   top = DrawHeads(picture, view.GetLooseHeads(), top, nullptr);
-  return MakeSvg(kWidth, top, "The video controllers with their heads", picture);
+  return MakeSvg(kWidth, top - kGap + 1, "The video controllers with their heads", picture);
 }
 
 TMarkup MakeMonitorsPicture(const TRequestView& view) {
@@ -159,5 +159,5 @@ TMarkup MakeMonitorsPicture(const TRequestView& view) {
     top = DrawRow(picture, {first, end}, top, longest);
     first = end;
   }
-  return MakeSvg(kWidth, top, "The monitors, to the scale of their pictures", picture);
+  return MakeSvg(kWidth, top - kGap + 1, "The monitors, to the scale of their pictures", picture);
 }

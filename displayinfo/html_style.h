@@ -7,7 +7,7 @@ constexpr const char* kHtmlStyle =
     "@media screen and (prefers-color-scheme:dark){:root{color-scheme:dark;--ink:#e6edf3;--soft:#9aa4af;"
     "--paper:#0d1117;--panel:#161b22;--line:#3d444d;--accent:#6cb0ff;--mark:#f0a050;--alarm:#ff8a80}}"
     "body{margin:0 auto;padding:1rem;max-width:76rem;background:var(--paper);color:var(--ink);"
-    "font:16px/1.45 system-ui,sans-serif}"
+    "font:1rem/1.45 system-ui,sans-serif}"
     "h1{font-size:1.6rem;line-height:1.2;margin:.5rem 0}h2{font-size:1.3rem;margin:2rem 0 .5rem}"
     "h3{font-size:1.05rem;margin:1.2rem 0 .4rem}.panel h3{margin-top:.8rem}p{margin:.4rem "
     "0}.soft,caption,.unit{color:var(--soft)}"
@@ -30,5 +30,5 @@ constexpr const char* kHtmlStyle =
     "@media (max-width:30rem){table{font-size:.78rem}}"
     "ul{margin:.3rem 0;padding-left:1.2rem}details{margin:2rem 0}summary{cursor:pointer;font-weight:600}"
     ".error,.warning{color:var(--alarm)}"
-    "@media print{body{max-width:none;padding:0;font-size:10pt}.panel,tr,.picture{break-inside:avoid}"
+    "@media print{:root{font-size:11px}body{max-width:none;padding:0}.panel,tr,.picture{break-inside:avoid}"
     "h2,h3,caption{break-after:avoid}.wide{overflow:visible}}";

@@ -169,7 +169,7 @@ TEST_F(HtmlReport, PlotsModesOfTheLargestNumbers) {
 TEST_F(HtmlReport, CutsALongNameInThePictureAndKeepsItWholeAsItsTitle) {
   const std::string name(40, 'x');
   Commit("QRXSG_VideoHead", {{"DeviceID", TCIMValue(name)}, {"HeadNumber", Byte(1)}});
-  EXPECT_THAT(Make(), HasSubstr("<title>" + name + "</title>\n" + std::string(22, 'x') + "\u2026</text>"));
+  EXPECT_THAT(Make(), HasSubstr("<title>" + name + "</title>\n" + std::string(19, 'x') + "\u2026</text>"));
 }
 
 TEST_F(HtmlReport, TabulatesEveryPropertyWithItsKeyOrUnit) {
