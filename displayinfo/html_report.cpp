@@ -1,6 +1,7 @@
 #include "displayinfo/html_report.h"
 
 #include <algorithm>
+#include <set>
 
 #include "displayinfo/html_picture.h"
 #include "displayinfo/html_plot.h"

@@ -29,15 +29,15 @@ class TInstanceView {
     return (Has(width) ? Text(width) : "?") + " x " + (Has(height) ? Text(height) : "?");
   }
 
-  /// The value of an unsigned integer; 0 for a property that is not there.
+  /// The value of an unsigned integer; 0 for a property that is not there or null.
   unsigned int Number(const std::string& name) const {
     const auto found = m_instance.GetProperties().find(name);
-    return found == m_instance.GetProperties().end() ? 0 : found->second.GetUnsigned();
+    const bool isThere = found != m_instance.GetProperties().end() && !found->second.IsNull();
+    return isThere ? found->second.GetUnsigned() : 0;
   }
 
   const TClassDeclaration& Declaration() const { return m_instance.GetDeclaration(); }
   std::string Class() const { return m_instance.GetDeclaration().name; }
-  std::string Path() const { return m_instance.GetPathText(); }
 
  private:
   static std::string Join(const NQRXZELT20::TCIMValue& value) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -31,7 +30,6 @@ class TRequestView {
   explicit TRequestView(const TRequestAnswer& request);
 
   bool Asks(EPart part) const;
-  const TInstances& GetInstances() const { return m_instances; }
   const std::vector<TControllerView>& GetControllers() const { return m_controllers; }
   /// The heads of no controller that the request has.
   const TInstances& GetLooseHeads() const { return m_looseHeads; }

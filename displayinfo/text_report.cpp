@@ -1,9 +1,6 @@
 #include "displayinfo/text_report.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <map>
-#include <set>
 #include <string_view>
 #include <vector>
 

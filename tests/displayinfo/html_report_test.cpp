@@ -119,6 +119,11 @@ TEST_F(HtmlReport, DashesAMonitorOfUnknownSizeAndSaysHowItIsDrawn) {
   EXPECT_THAT(page, HasSubstr(">40 x 30 cm<"));
 }
 
+TEST_F(HtmlReport, TakesANullSizeForUnknown) {
+  Commit("QRXSG_DesktopMonitor", {{"HorizontalImageSize", TCIMValue()}, {"VerticalImageSize", TCIMValue()}});
+  EXPECT_THAT(Make(), HasSubstr("class=\"monitor unknown\""));
+}
+
 TEST_F(HtmlReport, PlotsTheRatesOfAResolutionAtOnePoint) {
   CommitMode(640, 480, 75);
   CommitMode(640, 480, 60);
