@@ -28,7 +28,7 @@ constexpr const char* kHtmlStyle =
     "th{font-weight:600}td{unicode-bidi:isolate;white-space:pre-wrap}.unit{font-weight:400;font-size:.85em;white-space:"
     "nowrap}"
     ".properties{flex:1 1 20rem;min-width:0;max-width:37.5rem}.properties th{width:55%;overflow-wrap:anywhere}"
-    "@media (max-width:30rem){table{font-size:.78rem}}"
+    "@media (max-width:30rem){table{font-size:.74rem}}"
     "ul{margin:.3rem 0;padding-left:1.2rem}details{margin:2rem 0}summary{cursor:pointer;font-weight:600}"
     ".error,.warning{color:var(--alarm)}"
     "@media print{:root{font-size:11px}body{max-width:none;padding:0}.panel,tr,.picture{break-inside:avoid}"
