@@ -6,8 +6,10 @@
 #include "displayinfo/capture.h"
 #include "displayinfo/collection.h"
 #include "displayinfo/fleet/fleet.h"
+#include "displayinfo/html_report.h"
 #include "displayinfo/json_report.h"
 #include "displayinfo/machine.h"
+#include "displayinfo/mof_report.h"
 #include "displayinfo/options.h"
 #include "displayinfo/plugin_library.h"
 #include "displayinfo/privileges.h"
@@ -59,6 +61,20 @@ int RunFleet(const TOptions& options) {
                        options.plugin.value_or(FindPlugin()), options.jobs, options.logLevel});
 }
 
+std::string MakeReport(EFormat format, const TAnswer& answer, const TEdidOrigin& origin) {
+  switch (format) {
+    case EFormat::kJson:
+      return MakeJsonReport(answer);
+    case EFormat::kMof:
+      return MakeMofReport(answer);
+    case EFormat::kHtml:
+      return MakeHtmlReport(answer, origin);
+    case EFormat::kText:
+      break;
+  }
+  return MakeTextReport(answer, origin);
+}
+
 int Run(const TOptions& options) {
   if (!options.machines.empty()) DropPrivileges(true);  // what others captured is read with no more than it takes
   const TMachine machine = ChooseMachine(options);
@@ -69,8 +85,7 @@ int Run(const TOptions& options) {
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
   DropPrivileges(false);
   ShowBiosFailure(machine);
-  WriteStandardOutput(options.format == EFormat::kJson ? MakeJsonReport(answer)
-                                                       : MakeTextReport(answer, machine.edidOrigin));
+  WriteStandardOutput(MakeReport(options.format.value_or(EFormat::kText), answer, machine.edidOrigin));
   return kDone;
 }
 

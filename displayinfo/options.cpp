@@ -19,7 +19,8 @@ using TNames = std::vector<std::pair<std::string, T>>;
 
 const TNames<EEdidSource> kEdidSources = {
     {"auto", EEdidSource::kAuto}, {"bios", EEdidSource::kBios}, {"drm", EEdidSource::kDrm}};
-const TNames<EFormat> kFormats = {{"text", EFormat::kText}, {"json", EFormat::kJson}};
+const TNames<EFormat> kFormats = {
+    {"text", EFormat::kText}, {"json", EFormat::kJson}, {"mof", EFormat::kMof}, {"html", EFormat::kHtml}};
 const TNames<ESchemaFormat> kSchemaFormats = {
     {"text", ESchemaFormat::kText}, {"mof", ESchemaFormat::kMof}, {"json-schema", ESchemaFormat::kJsonSchema}};
 const TNames<ILogger::EZELTLogSeverity> kLogLevels = {{"error", ILogger::kError},
@@ -125,7 +126,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   AddChoice(app, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
       ->excludes(machineOption)
       ->excludes(listOption);
-  AddChoice(app, "--format", options.format, kFormats, "text for people (default), json for programs");
+  AddChoice(app, "--format", options.format, kFormats, "For people (default), programs, CIM, a browser");
   AddChoice(app, "--log-level", options.logLevel, kLogLevels, "What is logged (default: status)");
   app.add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
 

@@ -9,7 +9,7 @@
 #include "displayinfo/collection.h"
 #include "host/logger.h"
 
-enum class EFormat { kText, kJson };
+enum class EFormat { kText, kJson, kMof, kHtml };
 enum class ESchemaFormat { kText, kMof, kJsonSchema };
 
 struct TOptions {

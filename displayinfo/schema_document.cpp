@@ -4,6 +4,7 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "displayinfo/text_encoding.h"
 #include "embedded_host/log.h"
 #include "embedded_host/schema.h"
 
@@ -20,8 +21,6 @@ std::string GetType(const TPropertyDeclaration& property) { return GetTypeName(p
 
 /// "key", the unit, or nothing: a key has no unit.
 std::string GetRemark(const TPropertyDeclaration& property) { return property.isKey ? "key" : property.unit; }
-
-std::string QuoteMof(const std::string& text) { return ordered_json(text).dump(); }
 
 bool IsAssociation(const TClassDeclaration& declaration) {
   return std::any_of(declaration.properties.begin(), declaration.properties.end(),

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
-#include <string_view>
+#include <map>
 
 namespace {
 
@@ -57,6 +57,32 @@ std::string Escape(std::string_view control) {
   return escaped;
 }
 
+std::string EscapeForMof(std::string_view character) {
+  static const std::map<char, const char*> escapes = {{'\\', "\\\\"}, {'"', "\\\""}, {'\b', "\\b"}, {'\t', "\\t"},
+                                                      {'\n', "\\n"},  {'\f', "\\f"}, {'\r', "\\r"}};
+  const auto escape = escapes.find(character.front());
+  if (escape != escapes.end()) return escape->second;
+  if (!IsControl(character)) return std::string(character);
+  char text[8];
+  std::snprintf(text, sizeof text, "\\x%04X", static_cast<unsigned char>(character.back()));
+  return text;
+}
+
+std::string EscapeForHtml(std::string_view character) {
+  static const std::map<std::string_view, const char*> escapes = {
+      {"&", "&amp;"},
+      {"<", "&lt;"},
+      {">", "&gt;"},
+      {"\"", "&quot;"},
+      {"'", "&#39;"},
+      {"\xEF\xBF\xBE", kReplacement},  // U+FFFE and U+FFFF are no characters of XML
+      {"\xEF\xBF\xBF", kReplacement}};
+  const auto escape = escapes.find(character);
+  return escape == escapes.end() ? std::string(character) : escape->second;
+}
+
+bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }
+
 /// Goes through the characters of `text`; `show` gives what stands for a well-formed one.
 template <typename TShow>
 std::string Convert(std::string_view text, TShow show) {
@@ -85,4 +111,20 @@ std::string ToPrintable(const std::string& text) {
   return Convert(text, [](std::string_view character) {
     return IsControl(character) ? Escape(character) : std::string(character);
   });
+}
+
+std::string QuoteMof(const std::string& text) { return '"' + Convert(text, EscapeForMof) + '"'; }
+
+std::string EscapeHtml(const std::string& text) { return Convert(ToPrintable(text), EscapeForHtml); }
+
+std::size_t CountColumns(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
+}
+
+std::size_t GetLength(std::string_view text, std::size_t columns) {
+  std::size_t length = 0;
+  for (; length < text.size(); ++length) {
+    if (BeginsCharacter(text[length]) && columns-- == 0) break;
+  }
+  return length;
 }

@@ -9,7 +9,7 @@ _displayinfo() {
     --machine | --machines | --resume | capture | --plugin) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     --request) words=$classes ;;
     --edid-source) words='auto bios drm' ;;
-    --format) if [ "${COMP_WORDS[1]}" = schema ]; then words='text mof json-schema'; else words='text json'; fi ;;
+    --format) if [ "${COMP_WORDS[1]}" = schema ]; then words='text mof json-schema'; else words='text json mof html'; fi ;;
     --log-level) words='error warning status debug verbose' ;;
     *) words="$options $classes capture schema" ;;
   esac

@@ -82,6 +82,16 @@ TEST_F(Command, ShowsTheLogDownToTheStatusByDefault) {
 
 TEST_F(Command, ShowsOnlyErrorsWhenAskedTo) { EXPECT_EQ(Run("--log-level error").errors, ""); }
 
+TEST_F(Command, WritesEachFormat) {
+  machine.Edid(0, TEdidBuilder().Name(0, "A <b> \"c\"").Build());
+  const std::string classAndFormat = "QRXSG_DesktopMonitor --format ";
+  EXPECT_THAT(Run(classAndFormat + "text").output, StartsWith("Monitors\n  Monitor 1: A <b> \"c\"\n"));
+  EXPECT_TRUE(json::accept(Run(classAndFormat + "json").output));
+  EXPECT_THAT(Run(classAndFormat + "mof").output, HasSubstr("    Name = \"A <b> \\\"c\\\"\";\n"));
+  EXPECT_THAT(Run(classAndFormat + "html").output,
+              AllOf(StartsWith("<!DOCTYPE html>\n<html"), HasSubstr("<td>A &lt;b&gt; &quot;c&quot;</td>")));
+}
+
 TEST_F(Command, SucceedsWhenNothingIsFoundAndSaysWhy) {
   const TProcessResult result = Run("QRXSG_DesktopMonitor");
   EXPECT_EQ(result.status, 0);
@@ -148,7 +158,7 @@ TEST_F(Command, ExplainsItself) {
   EXPECT_EQ(result.status, 0);
   for (const char* option :
        {"CLASS...", "--machine DIR", "--machines LIST", "--jobs N", "--resume FILE", "--request CLASS[,CLASS...]",
-        "--edid-source auto|bios|drm", "--format text|json", "--log-level error|warning|status|debug|verbose",
+        "--edid-source auto|bios|drm", "--format text|json|mof|html", "--log-level error|warning|status|debug|verbose",
         "--plugin FILE", "--version", "--help"}) {
     EXPECT_THAT(result.output, HasSubstr(option));
   }

@@ -51,3 +51,19 @@ TEST(Printable, ShowsControlCharactersAndDoesNotSendThem) {
 }
 
 TEST(Printable, KeepsTabsAndLetters) { EXPECT_EQ(ToPrintable("a\tb \xC3\xA9"), "a\tb \xC3\xA9"); }
+
+TEST(MofText, IsQuotedWithItsQuotesAndControlCharactersEscaped) {
+  EXPECT_EQ(QuoteMof("a\"\\\n\x1B\xC2\x9B\xC3\xA9\xFF"), "\"a\\\"\\\\\\n\\x001B\\x009B\xC3\xA9" + kReplacement + "\"");
+}
+
+TEST(HtmlText, HasItsMarkupEscaped) { EXPECT_EQ(EscapeHtml("&<>\"'"), "&amp;&lt;&gt;&quot;&#39;"); }
+
+TEST(HtmlText, HasNoCharacterThatXmlLacks) {
+  EXPECT_EQ(EscapeHtml("\x01\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBD"), "\\x01" + Replacements(3));
+}
+
+TEST(Columns, AreCharactersNotBytes) {
+  EXPECT_EQ(CountColumns("a\xC3\xA9\xE2\x82\xAC"), 3U);
+  EXPECT_EQ(GetLength("a\xC3\xA9\xE2\x82\xAC", 2), 3U);
+  EXPECT_EQ(GetLength("a", 2), 1U);
+}

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "embedded_host/schema.h"
+#include "tests/support/answer_test.h"
 
 using NQRXZELT20::ILogger;
 using NQRXZELT20::TCIMDateTime;
@@ -14,20 +14,12 @@ using testing::Not;
 
 namespace {
 
-class TextReport : public testing::Test {
+class TextReport : public TAnswerTest {
  protected:
-  boost::shared_ptr<TCimStore> store = TCimStore::Create(GetSchema());
-  TAnswer answer;
   TEdidOrigin origin;
 
-  void Commit(const std::string& className, const std::map<std::string, TCIMValue>& properties) {
-    const auto instance = store->GetClass(className, {})->CreateInstance({});
-    for (const auto& [name, value] : properties) instance->SetProperty(name, value, {});
-    instance->Commit({});
-  }
-
   std::string Make(const TRequest& classes, const std::vector<TLogEntry>& log = {}) {
-    answer.requests.push_back({classes, store->TakeCommits(), log});
+    EndRequest(classes, log);
     return MakeTextReport(answer, origin);
   }
 

@@ -1,0 +1,47 @@
+// Markup in which a text can stand only escaped: an HTML page, with SVG in it, that is well-formed XML as well.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// A piece of markup: what is not an element made here is an escaped text.
+class TMarkup {
+ public:
+  typedef std::vector<std::pair<const char*, std::string>> TAttributes;
+
+  TMarkup() = default;
+  TMarkup(const std::string& text);  // NOLINT(google-explicit-constructor): a text is markup, escaped
+  TMarkup(const char* text);         // NOLINT(google-explicit-constructor): as above
+
+  /// An element. The values of the attributes are escaped, and those without a value left out.
+  static TMarkup Element(const char* name, const TAttributes& attributes = {}, const TMarkup& content = {});
+
+  TMarkup& operator+=(const TMarkup& other);
+  friend TMarkup operator+(TMarkup first, const TMarkup& second) { return first += second; }
+
+  bool IsEmpty() const { return m_markup.empty(); }
+  const std::string& Get() const { return m_markup; }
+
+ private:
+  std::string m_markup;
+};
+
+/// What stands at a place of a picture: its corner, in the picture's units.
+struct TPoint {
+  int x, y;
+};
+
+/// A line of text that begins at the point, cut off with an ellipsis behind `columns` characters; the whole is its
+/// title.
+TMarkup MakeSvgText(TPoint point, const std::string& text, std::size_t columns, const char* look = "");
+
+TMarkup MakeSvgLine(TPoint from, TPoint to, const char* look);
+
+TMarkup MakeSvgBox(TPoint corner, int width, int height, const char* look);
+
+/// The content with its origin at the corner, without what lies outside of that size.
+TMarkup MakeSvgClip(TPoint corner, int width, int height, const TMarkup& content);
+
+/// A picture of that size that shrinks with the page. `title` tells it to those who do not see it.
+TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& content);
