@@ -1,13 +1,16 @@
 // A whole request for all six classes over a machine of the fuzzer's making: the embedded host, the plug-in's objects
-// and the virtual BIOS in this process. Held against rules on the instances, and on both reports of them: the JSON
-// parses, the text keeps to its width and shows no control characters.
+// and the virtual BIOS in this process. Held against rules on the instances, and on the four reports of them: the
+// JSON parses, the text keeps to its width, neither it nor the MOF shows control characters, the page holds no script.
 //
 // Input: a byte of bits for how the host and the BIOS behave, a byte for the block at which units fail, the
 // configuration, a zero byte, EDIDs (fuzz/input.h).
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "displayinfo/collection.h"
+#include "displayinfo/html_report.h"
 #include "displayinfo/json_report.h"
+#include "displayinfo/mof_report.h"
 #include "displayinfo/text_report.h"
 #include "fuzz/input.h"
 #include "fuzz/instances.h"
@@ -153,6 +156,17 @@ void RequireText(const std::string& report) {
   }
 }
 
+void RequirePrintable(const std::string& text) {
+  const auto isControl = [](char byte) { return static_cast<unsigned char>(byte) < 0x20 && byte != '\n'; };
+  Require(std::none_of(text.begin(), text.end(), isControl), "the MOF report holds no control character");
+}
+
+/// The page's own markup has neither.
+void RequireInert(const std::string& page) {
+  Require(page.find("<script") == std::string::npos, "nothing becomes a script on the page");
+  Require(page.find("<img") == std::string::npos, "nothing becomes a picture on the page");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -161,5 +175,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   RequireInstances(answer.requests[0].instances);
   Require(nlohmann::json::accept(MakeJsonReport(answer)), "the JSON report parses");
   RequireText(MakeTextReport(answer));
+  RequirePrintable(MakeMofReport(answer));
+  RequireInert(MakeHtmlReport(answer, {}));
   return 0;
 }
