@@ -13,9 +13,8 @@ const std::set<std::string> kMonitorClasses = {"QRXSG_DesktopMonitor", "QRXSG_Mo
 
 const std::set<std::string>& GetClasses(EPart part) { return part == EPart::kVideo ? kVideoClasses : kMonitorClasses; }
 
-/// By the display id, which the association goes by too; a request need not have asked for the association.
-bool IsLinked(const TInstanceView& controller, const TInstanceView& head) {
-  return controller.Has("DisplayId") && controller.Text("DisplayId") == head.Text("DisplayId");
+std::string GetResolution(const TInstanceView& instance, const char* width, const char* height) {
+  return instance.Text(width) + "x" + instance.Text(height);
 }
 
 /// The unit whose EDID made the monitor: a unit without a monitor ends the walk, so "Monitor 1" is unit 0.
@@ -32,16 +31,19 @@ TRequestView::TRequestView(const TRequestAnswer& request) : m_request(request) {
   JoinMonitors();
 }
 
+/// By the display id, which the association goes by too; a request need not have asked for the association.
 void TRequestView::JoinVideo() {
-  for (const TInstanceView& controller : Select("QRXSG_VideoController")) m_controllers.push_back({controller, {}});
+  std::multimap<std::string, std::size_t> byDisplay;
+  for (const TInstanceView& controller : Select("QRXSG_VideoController")) {
+    if (controller.Has("DisplayId")) byDisplay.emplace(controller.Text("DisplayId"), m_controllers.size());
+    m_controllers.push_back({controller, {}});
+  }
   for (const TInstanceView& head : Select("QRXSG_VideoHead")) {
-    bool isLoose = true;
-    for (TControllerView& view : m_controllers) {
-      if (!IsLinked(view.controller, head)) continue;
-      view.heads.push_back(head);
-      isLoose = false;
-    }
-    if (isLoose) m_looseHeads.push_back(head);
+    const auto [begin, end] = byDisplay.equal_range(head.Text("DisplayId"));
+    for (auto found = begin; found != end; ++found) m_controllers[found->second].heads.push_back(head);
+    if (begin == end) m_looseHeads.push_back(head);
+    if (!head.Has("CurrentHorizontalResolution")) continue;
+    m_configured.insert(GetResolution(head, "CurrentHorizontalResolution", "CurrentVerticalResolution"));
   }
 }
 
@@ -65,16 +67,12 @@ bool TRequestView::Asks(EPart part) const {
 }
 
 bool TRequestView::IsConfigured(const TInstanceView& mode) const {
-  const TInstances heads = Select("QRXSG_VideoHead");
-  return std::any_of(heads.begin(), heads.end(), [&](const TInstanceView& head) {
-    return head.Has("CurrentHorizontalResolution") &&
-           head.Text("CurrentHorizontalResolution") == mode.Text("HorizontalResolution") &&
-           head.Text("CurrentVerticalResolution") == mode.Text("VerticalResolution");
-  });
+  return m_configured.count(GetResolution(mode, "HorizontalResolution", "VerticalResolution")) != 0;
 }
 
 std::vector<std::string> TRequestView::GetComplaints(EPart part) const {
   std::vector<std::string> complaints;
+  std::set<std::string> known;
   bool concerns = false;
   for (const TLogEntry& entry : m_request.log) {
     const std::string marker = "Received request for class ";
@@ -84,7 +82,7 @@ std::vector<std::string> TRequestView::GetComplaints(EPart part) const {
       concerns = GetClasses(part).count(rest.substr(0, rest.size() - 1)) != 0;
     } else if (concerns && entry.severity <= NQRXZELT20::ILogger::kStatus) {
       const std::string text = ToPrintable(entry.message);
-      if (std::find(complaints.begin(), complaints.end(), text) == complaints.end()) complaints.push_back(text);
+      if (known.insert(text).second) complaints.push_back(text);
     }
   }
   return complaints;

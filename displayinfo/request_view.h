@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,7 @@ class TRequestView {
   TInstances m_instances;
   std::vector<TControllerView> m_controllers;
   TInstances m_looseHeads;
+  std::set<std::string> m_configured;  // resolutions of heads, such as "1280x1024"
   std::vector<TMonitorView> m_monitors;
 };
 
