@@ -48,6 +48,7 @@ class TDescriptor {
   dup2(output, STDOUT_FILENO);
   dup2(silence, STDERR_FILENO);
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   execvp(arguments[0], arguments.data());

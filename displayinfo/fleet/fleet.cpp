@@ -84,7 +84,7 @@ class TFleetRun {
 
   int Run() {
     bool isRead = true;
-    while (isRead && m_signals.Get() == 0) {
+    while (isRead && TSignals::Get() == 0) {
       SpreadMachines();
       if (IsDone()) break;
       WaitForSomething();
@@ -96,7 +96,7 @@ class TFleetRun {
     if (m_failed > 0) {
       std::cerr << "displayinfo: " << m_failed << " of " << m_done << " machines failed; their lines say why\n";
     }
-    if (m_signals.Get() != 0) return 128 + m_signals.Get();
+    if (TSignals::Get() != 0) return 128 + TSignals::Get();
     return m_failed == 0 ? 0 : 1;
   }
 
