@@ -50,11 +50,11 @@ class TFolder {
   TMachineFiles m_files;
 };
 
+/// Nothing for what is no number, or not in the one way to write it: two names of a unit would be two answers.
 std::optional<unsigned int> ParseUnit(const std::string& text) {
   unsigned int unit = 0;
-  const char* const end = text.data() + text.size();
-  const std::from_chars_result parsed = std::from_chars(text.data(), end, unit);
-  if (parsed.ec != std::errc() || parsed.ptr != end) return std::nullopt;
+  std::from_chars(text.data(), text.data() + text.size(), unit);
+  if (text != std::to_string(unit)) return std::nullopt;
   return unit;
 }
 

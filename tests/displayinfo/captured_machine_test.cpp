@@ -149,6 +149,7 @@ TEST_F(CapturedMachine, NamesAValueOfTheWrongType) {
       {R"({"bios": {"units": {"first": {}}}})",
        "\"bios.units.first\" is not a unit number; units are named 0, 1, 2, ..."},
       {R"({"bios": {"units": {"-1": {}}}})", "\"bios.units.-1\" is not a unit number; units are named 0, 1, 2, ..."},
+      {R"({"bios": {"units": {"01": {}}}})", "\"bios.units.01\" is not a unit number; units are named 0, 1, 2, ..."},
       {R"({"bios": {"units": {"0": 1}}})", "\"bios.units.0\" must be an object"},
       {R"({"bios": {"units": {"0": {"failAtBlock": -1}}}})",
        "\"bios.units.0.failAtBlock\" must be a block number: 0, 1, 2, ..."},
@@ -188,6 +189,12 @@ TEST_F(CapturedMachine, TakesAnEmptyEdidForNone) {
 TEST_F(CapturedMachine, RefusesAnEdidThatIsNotNamedAfterAUnit) {
   machine.File("edid/left.bin", std::string(128, '\0'));
   EXPECT_EQ(GetFailure(), "edid/left.bin: is not named after a unit; call it 0.bin, 1.bin, ...");
+}
+
+TEST_F(CapturedMachine, RefusesASecondNameOfAUnit) {
+  machine.File("edid/0.bin", std::string(128, '\0'));
+  machine.File("edid/00.bin", std::string(128, '\xFF'));
+  EXPECT_EQ(GetFailure(), "edid/00.bin: is not named after a unit; call it 0.bin, 1.bin, ...");
 }
 
 TEST_F(CapturedMachine, MayHaveNotesBesideTheEdids) {
