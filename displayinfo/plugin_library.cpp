@@ -21,7 +21,9 @@ void* Load(const fs::path& file) {
   RequirePlugin(file);
   // A path without a slash would be looked for elsewhere.
   void* library = dlopen(fs::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (library == nullptr) throw TUnusable(std::string("the plug-in cannot be loaded: ") + dlerror());
+  if (library == nullptr) {
+    throw TUnusable(std::string("the plug-in cannot be loaded: ") + dlerror() + "; name another with --plugin FILE");
+  }
   return library;
 }
 
@@ -41,7 +43,8 @@ TPluginLibrary::TPluginLibrary(const fs::path& file, TEmbeddedHost& host) try : 
     throw TUnusable(file.string() + ": its plug-in answers no requests; name another with --plugin FILE");
   }
 } catch (const NQRXZELT20::TZELTException& exception) {
-  throw TUnusable(file.string() + ": the plug-in failed while it was loaded: " + exception.what());
+  throw TUnusable(file.string() + ": the plug-in failed while it was loaded: " + exception.what() +
+                  "; name another with --plugin FILE");
 }
 
 TPluginLibrary::~TPluginLibrary() { m_callbacks->PrepareForUnload(); }

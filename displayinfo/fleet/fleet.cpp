@@ -17,10 +17,6 @@
 
 namespace {
 
-// How far the workers may be ahead of a slow machine whose line is the next: in machines, and in bytes of their lines.
-constexpr std::size_t kMaxAhead = 1000;
-constexpr std::size_t kMaxHeldSize = std::size_t{64} * 1024 * 1024;
-
 constexpr std::size_t kMaxWaiting = 1;  // machines that wait at a busy worker
 
 volatile std::sig_atomic_t gSignal = 0;
@@ -113,7 +109,7 @@ class TFleetRun {
   void SpreadMachines() {
     for (std::size_t waiting = 0; waiting <= kMaxWaiting; ++waiting) {
       for (auto& worker : m_workers) {
-        if (worker->GetTasks().size() > waiting || !MayGoAhead() || !FindNext()) continue;
+        if (worker->GetTasks().size() > waiting || !m_lines.HasRoomFor(m_given) || !FindNext()) continue;
         // Whether the process is there still is what waiting for it tells.
         if (!worker->Give({m_given, *m_next})) continue;
         m_next.reset();
@@ -121,8 +117,6 @@ class TFleetRun {
       }
     }
   }
-
-  bool MayGoAhead() const { return m_given - m_lines.GetTurn() < kMaxAhead && m_lines.GetHeldSize() < kMaxHeldSize; }
 
   /// Looks for a machine that is not finished, among those that are known already.
   bool FindNext() {
@@ -143,7 +137,7 @@ class TFleetRun {
   void WaitForSomething() {
     std::vector<pollfd> descriptors;
     for (const auto& worker : m_workers) descriptors.push_back({worker->GetDescriptor(), POLLIN, 0});
-    const bool needsName = MayGoAhead() && !m_next && !m_fleet.machines.IsAtEnd();
+    const bool needsName = m_lines.HasRoomFor(m_given) && !m_next && !m_fleet.machines.IsAtEnd();
     if (needsName) descriptors.push_back({m_fleet.machines.GetDescriptor(), POLLIN, 0});
     m_signals.Wait(descriptors);
     if (needsName && descriptors.back().revents != 0) m_fleet.machines.ReadMore();

@@ -1,4 +1,5 @@
-// Puts the lines of a fleet's answer, which come as the workers are done, in the order of its list.
+// Puts the lines of a fleet's answer, which come as the workers are done, in the order of its list. How many there are
+// that wait for an earlier one is bounded.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +8,14 @@
 
 class TOrderedLines {
  public:
+  // How far the workers may be ahead of a slow machine whose line is the next: in lines, and in bytes of those that
+  // wait.
+  static constexpr std::size_t kMaxAhead = 1000;
+  static constexpr std::size_t kMaxHeldSize = std::size_t{64} * 1024 * 1024;
+
+  /// Whether work on the line of that number may begin.
+  bool HasRoomFor(std::size_t number) const { return number - m_turn < kMaxAhead && m_heldSize < kMaxHeldSize; }
+
   /// Takes the line of that number; each number from 0 on comes once, in any order.
   void Put(std::size_t number, std::string line);
 
@@ -16,11 +25,8 @@ class TOrderedLines {
   /// The number of the line whose turn it is.
   std::size_t GetTurn() const { return m_turn; }
 
-  /// What waits for its turn, in bytes.
-  std::size_t GetHeldSize() const { return m_heldSize; }
-
  private:
   std::map<std::size_t, std::string> m_held;
   std::size_t m_turn = 0;
-  std::size_t m_heldSize = 0;
+  std::size_t m_heldSize = 0;  // bytes
 };

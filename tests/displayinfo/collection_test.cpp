@@ -8,8 +8,10 @@
 
 using NQRXZELT20::ILogger;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::StartsWith;
 
 namespace {
 
@@ -82,6 +84,6 @@ TEST_F(Collection, NamesAPluginThatIsNotThere) {
 TEST_F(Collection, NamesAPluginThatIsNotALibrary) {
   machine.File("plugin.so", "not a library");
   const std::string failure = GetFailure(machine.GetPath() / "plugin.so");
-  EXPECT_EQ(failure.find("the plug-in cannot be loaded: " + machine.GetPath().string() + "/plugin.so: "), 0U)
-      << failure;
+  EXPECT_THAT(failure, StartsWith("the plug-in cannot be loaded: " + machine.GetPath().string() + "/plugin.so: "));
+  EXPECT_THAT(failure, EndsWith("; name another with --plugin FILE"));
 }

@@ -9,6 +9,7 @@
 #include "tests/support/process.h"
 
 using nlohmann::json;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -212,4 +213,13 @@ TEST_F(Command, HasNoCapabilityLeftWhenItAnswers) {
       "mkfifo " + pipe + "; " + kCommand + " --machine " + machine.GetPath().string() + " --format json" + requests +
       " >" + pipe + " & exec 3<" + pipe + "; read -r line <&3; grep CapEff /proc/$!/status; cat <&3 >/dev/null");
   EXPECT_EQ(result.output, "CapEff:\t0000000000000000\n");
+}
+
+// A pipe in the place of the plug-in: it is opened when the machine has been looked at.
+TEST_F(Command, HasNoCapabilityButToReadWhenItLooksAtACapturedMachine) {
+  const std::string pipe = machine.GetPath() / "pipe";
+  const TProcessResult result =
+      RunShell("mkfifo " + pipe + "; " + kCommand + " --machine " + machine.GetPath().string() + " --plugin " + pipe +
+               " & exec 3>" + pipe + "; grep CapEff /proc/$!/status");
+  EXPECT_THAT(result.output, AnyOf("CapEff:\t0000000000000000\n", "CapEff:\t0000000000000004\n"));
 }

@@ -182,11 +182,11 @@ TEST_F(Fleet, EndsWithAWholeLineWhenItIsInterrupted) {
 }
 
 TEST_F(Fleet, EndsQuietlyWhenItsReaderHasGone) {
-  std::string list;
-  for (int count = 0; count < 100; ++count) list += ListAll() + "broken\n";  // more than a pipe holds
+  std::string list = "broken\n";
+  for (int count = 0; count < 100; ++count) list += ListAll();  // more than a pipe holds
   folder.Write("list", list);
   const TProcessResult result = Run("--machines list | head -n 1");
-  EXPECT_EQ(GetNames(result.output), std::vector<std::string>{"m0"});
+  EXPECT_EQ(GetNames(result.output), std::vector<std::string>{"broken"});
   EXPECT_EQ(result.errors, "");
 }
 

@@ -21,12 +21,23 @@ TEST(OrderedLines, TellWhoseTurnItIs) {
   EXPECT_EQ(lines.GetTurn(), 1U);
 }
 
-TEST(OrderedLines, TellHowMuchIsHeld) {
+TEST(OrderedLines, HaveRoomForAThousandBehindTheOneWhoseTurnItIs) {
   TOrderedLines lines;
-  lines.Put(1, "four");
-  lines.Put(2, "five5");
-  EXPECT_EQ(lines.GetHeldSize(), 9U);
+  EXPECT_TRUE(lines.HasRoomFor(999));
+  EXPECT_FALSE(lines.HasRoomFor(1000));
+  lines.Put(0, "a\n");
+  lines.TakeReady();
+  EXPECT_TRUE(lines.HasRoomFor(1000));
+  EXPECT_FALSE(lines.HasRoomFor(1001));
+}
+
+TEST(OrderedLines, HaveRoomForSixtyFourMebibytesThatWait) {
+  TOrderedLines lines;
+  lines.Put(1, std::string(TOrderedLines::kMaxHeldSize - 1, 'x'));
+  EXPECT_TRUE(lines.HasRoomFor(3));
+  lines.Put(2, "x");
+  EXPECT_FALSE(lines.HasRoomFor(3));
   lines.Put(0, "");
   lines.TakeReady();
-  EXPECT_EQ(lines.GetHeldSize(), 0U);
+  EXPECT_TRUE(lines.HasRoomFor(3));
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -125,6 +126,7 @@ TEST(Worker, TakesNothingOnceItsProcessHasEnded) {
 }
 
 TEST(Worker, IsNotInterruptedWithItsParent) {
+  std::signal(SIGINT, SIG_DFL);  // a shell may have started this with another
   TWorker worker(
       [](const std::string&) {
         std::raise(SIGINT);
@@ -132,4 +134,27 @@ TEST(Worker, IsNotInterruptedWithItsParent) {
       },
       {});
   EXPECT_EQ(Work(worker, "a").text, "still here");
+}
+
+TEST(Worker, DoesNotOutliveItsParentWhateverItDoes) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const pid_t parent = fork();
+  if (parent == 0) {
+    TWorker worker(
+        [&](const std::string&) -> TMachineLine {
+          if (write(ends[1], "w", 1) != 1) _exit(1);
+          while (true) pause();
+        },
+        {});
+    worker.Give({0, "a"});
+    while (true) pause();
+  }
+  close(ends[1]);
+  char byte = 0;
+  ASSERT_EQ(read(ends[0], &byte, 1), 1);
+  kill(parent, SIGKILL);
+  EXPECT_EQ(read(ends[0], &byte, 1), 0);  // nobody holds the other end any more
+  waitpid(parent, nullptr, 0);
+  close(ends[0]);
 }
