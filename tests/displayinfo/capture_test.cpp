@@ -105,6 +105,14 @@ TEST_F(Capture, HoldsAFileInThePlaceOfALink) {
   EXPECT_EQ(Read("root/etc/X11/xorg.conf"), "# real\n");
 }
 
+TEST_F(Capture, WritesNothingOutsideItsFolderWhateverPathAPluginAsksFor) {
+  TMachine machine = ReadCapturedMachine(live.GetPath());
+  machine.host.root = "/";
+  CaptureMachine(machine, ASKING_PLUGIN_FILE, target, false);
+  EXPECT_EQ(List(), "./machine.json\n./root/etc/passwd\n");
+  EXPECT_EQ(RunShell("ls " + folder.GetPath().string()).output, "ws-17\n");
+}
+
 TEST_F(Capture, NamesTheSystem) {
   live.Json(R"({"systemName": "ws-17", "systemType": 2})");
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
