@@ -84,9 +84,10 @@ void WriteContent(const fs::path& folder, const TContent& content) {
     fs::create_directories((folder / name).parent_path());
     std::ofstream file(folder / name, std::ios::binary);
     file << bytes;
-    if (file.flush()) continue;
-    throw TUnusable((folder / name).string() + ": cannot be written: " + std::strerror(errno) +
-                    "; capture to where there is room");
+    if (!file.flush()) {
+      throw TUnusable((folder / name).string() + ": cannot be written: " + std::strerror(errno) +
+                      "; capture to where there is room");
+    }
   }
 }
 

@@ -1,5 +1,4 @@
 // A plug-in that asks for one file, by a path with dots, and has nothing else to say.
-
 #include "host/plugin_callbacks.h"
 #include "host/plugin_manager.h"
 #include "host/services.h"
