@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "monitor/monitor_info.h"
+#include "plugin/monitor/monitor_info.h"
+#include "plugin/video/video_info.h"
 #include "tests/support/test_host.h"
-#include "video/video_info.h"
 
 using NQRXZELT20::TCIMValue;
 

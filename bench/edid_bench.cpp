@@ -1,8 +1,8 @@
 // How long an EDID takes to be decoded, and its modes to be listed.
 #include <benchmark/benchmark.h>
 
-#include "monitor/edid_layout.h"
-#include "monitor/monitor_info.h"
+#include "edid/layout.h"
+#include "plugin/monitor/monitor_info.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/test_host.h"
 

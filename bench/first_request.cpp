@@ -3,8 +3,9 @@
 #include <chrono>
 #include <iostream>
 
-#include "displayinfo/machine.h"
-#include "displayinfo/plugin_library.h"
+#include "command/collection/plugin_library.h"
+#include "command/machine/captured_machine.h"
+#include "command/machine/machine.h"
 #include "embedded_host/schema.h"
 #include "realmode/choose_bios.h"
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "displayinfo/machine.h"
+#include "command/machine/captured_machine.h"
 #include "embedded_host/machine_files.h"
 #include "embedded_host/schema.h"
 #include "realmode/choose_bios.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "xconfig/xconfig.h"
+#include "plugin/xconfig/xconfig.h"
 
 namespace {
 

@@ -4,48 +4,19 @@
 
 #include <utility>
 
+#include "embedded_host/plugin_manager.h"
 #include "embedded_host/schema.h"
-#include "host/plugin_manager.h"
 
-using NQRXZELT20::ICIMClass;
 using NQRXZELT20::ICIMNamespace;
 using NQRXZELT20::ILogger;
 using NQRXZELT20::IPluginCallbacks;
-using NQRXZELT20::TCIMQueryContext;
-using NQRXZELT20::TPluginManagerProvider;
-
-// The handle that plug-ins are given: only whether there is one matters to them.
-class NQRXZELT20::TPluginManagerProvider {};
-
-class TEmbeddedHost::TPluginManager : public NQRXZELT20::TPluginManagerNamespace {
- public:
-  TPluginManager(TPluginManagerProvider* provider, boost::shared_ptr<TCimStore> store)
-      : TPluginManagerNamespace(provider), m_store(std::move(store)) {}
-
-  boost::shared_ptr<ICIMClass> GetClass(const std::string& className, TCIMQueryContext context) override {
-    return m_store->GetClass(className, std::move(context));
-  }
-
-  std::vector<IPluginCallbacks*> TakeRegistered() { return std::exchange(m_registered, {}); }
-
- protected:
-  void Accept(IPluginCallbacks* plugin) override { m_registered.push_back(plugin); }
-
- private:
-  boost::shared_ptr<TCimStore> m_store;
-  std::vector<IPluginCallbacks*> m_registered;
-};
-
-namespace {
-TPluginManagerProvider g_provider;
-}
 
 TEmbeddedHost::TEmbeddedHost(THostConfiguration configuration, std::function<void(const TLogEntry&)> logListener)
     : m_configuration(std::move(configuration)),
       m_files(m_configuration.root),
       m_log(std::move(logListener)),
       m_store(TCimStore::Create(GetSchema())),
-      m_pluginManager(boost::make_shared<TPluginManager>(m_configuration.provider ? &g_provider : nullptr, m_store)) {
+      m_pluginManager(boost::make_shared<TPluginManager>(m_configuration.provider, m_store)) {
   InstallHostServices(this);
 }
 

@@ -16,6 +16,7 @@
 namespace NQRXZELT20 {
 class IPluginCallbacks;
 }
+class TPluginManager;
 
 /// How the host presents the machine to its plug-ins.
 struct THostConfiguration {
@@ -53,8 +54,6 @@ class HOST_API TEmbeddedHost : private IHostServices {
   std::vector<NQRXZELT20::IPluginCallbacks*> TakeRegistered();
 
  private:
-  class TPluginManager;
-
   NQRXZELT20::ILogger* GetCoreLogger() override;
   boost::shared_ptr<NQRXZELT20::ICIMNamespace> GetPluginManager() override;
   std::string GetSystemName(boost::shared_ptr<NQRXZELT20::ICIMNamespace> ns) override;

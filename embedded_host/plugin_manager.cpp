@@ -1,9 +1,13 @@
-// The plug-in namespace library: registration of plug-ins.
-#include "host/plugin_manager.h"
+#include "embedded_host/plugin_manager.h"
+
+#include <utility>
 
 #include "host/plugin_callbacks.h"
 
 namespace NQRXZELT20 {
+
+// The handle that plug-ins are given: only whether there is one matters to them.
+class TPluginManagerProvider {};
 
 TPluginManagerNamespace::TPluginManagerNamespace(TPluginManagerProvider* provider) : m_provider(provider) {}
 
@@ -13,3 +17,22 @@ void TPluginManagerNamespace::RegisterPlugin(IPluginCallbacks* plugin) {
 }
 
 }  // namespace NQRXZELT20
+
+using NQRXZELT20::ICIMClass;
+using NQRXZELT20::IPluginCallbacks;
+using NQRXZELT20::TCIMQueryContext;
+
+namespace {
+NQRXZELT20::TPluginManagerProvider g_provider;
+}
+
+TPluginManager::TPluginManager(bool hasProvider, boost::shared_ptr<TCimStore> store)
+    : TPluginManagerNamespace(hasProvider ? &g_provider : nullptr), m_store(std::move(store)) {}
+
+boost::shared_ptr<ICIMClass> TPluginManager::GetClass(const std::string& className, TCIMQueryContext context) {
+  return m_store->GetClass(className, std::move(context));
+}
+
+std::vector<IPluginCallbacks*> TPluginManager::TakeRegistered() { return std::exchange(m_registered, {}); }
+
+void TPluginManager::Accept(IPluginCallbacks* plugin) { m_registered.push_back(plugin); }

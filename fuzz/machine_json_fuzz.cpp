@@ -4,8 +4,9 @@
 // Input: the text of machine.json.
 #include <nlohmann/json.hpp>
 
-#include "displayinfo/machine.h"
-#include "displayinfo/text_encoding.h"
+#include "command/base/text_encoding.h"
+#include "command/base/unusable.h"
+#include "command/machine/captured_machine.h"
 #include "fuzz/input.h"
 #include "fuzz/require.h"
 #include "tests/support/captured_machine_builder.h"

@@ -6,7 +6,7 @@
 #include "fuzz/input.h"
 #include "fuzz/instances.h"
 #include "fuzz/require.h"
-#include "monitor/monitor_info.h"
+#include "plugin/monitor/monitor_info.h"
 #include "tests/support/lrmi_double.h"
 #include "tests/support/plain_monitors.h"
 #include "tests/support/test_host.h"

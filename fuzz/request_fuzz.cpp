@@ -7,19 +7,20 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "displayinfo/collection.h"
-#include "displayinfo/html_report.h"
-#include "displayinfo/json_report.h"
-#include "displayinfo/mof_report.h"
-#include "displayinfo/text_report.h"
+#include "command/collection/collection.h"
+#include "command/machine/machine.h"
+#include "command/report/html/html_report.h"
+#include "command/report/json_report.h"
+#include "command/report/mof_report.h"
+#include "command/report/text_report.h"
 #include "fuzz/input.h"
 #include "fuzz/instances.h"
 #include "fuzz/require.h"
 #include "plugin/display_info_callbacks.h"
+#include "plugin/video/video_info.h"
 #include "realmode/choose_bios.h"
 #include "realmode/virtual_video_bios.h"
 #include "tests/support/temporary_folder.h"
-#include "video/video_info.h"
 
 using NQRXZELT20::ICIMClass;
 using NQRXZELT20::ICIMInstance;

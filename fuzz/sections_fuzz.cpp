@@ -8,8 +8,8 @@
 
 #include "fuzz/input.h"
 #include "fuzz/require.h"
+#include "plugin/xconfig/xconfig.h"
 #include "tests/support/plain_record.h"
-#include "xconfig/xconfig.h"
 
 namespace {
 

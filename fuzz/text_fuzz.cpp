@@ -4,10 +4,10 @@
 // Input: delimiters, a zero byte, a text.
 #include <vector>
 
-#include "collector/data_to_string.h"
 #include "fuzz/input.h"
 #include "fuzz/require.h"
-#include "xconfig/xconfig.h"
+#include "plugin/collector/data_to_string.h"
+#include "plugin/xconfig/xconfig.h"
 
 namespace {
 

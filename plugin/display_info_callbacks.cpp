@@ -4,12 +4,12 @@
 #include <iterator>
 #include <memory>
 
-#include "collector/display.h"
 #include "host/logger.h"
 #include "host/plugin_manager.h"
 #include "host/services.h"
-#include "monitor/monitor_info.h"
-#include "video/video_info.h"
+#include "plugin/collector/display.h"
+#include "plugin/monitor/monitor_info.h"
+#include "plugin/video/video_info.h"
 
 namespace NQRXZELT20 {
 

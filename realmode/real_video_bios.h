@@ -22,7 +22,8 @@ class REALMODE_API TRealVideoBios : public IVideoBios {
   TRealVideoBios();
 
   /// The BIOS of that machine. An interrupt that takes longer than `budget` is given up.
-  explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, std::chrono::milliseconds budget = kInterruptBudget);
+  explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine,
+                          std::chrono::milliseconds budget = kInterruptBudget);
   ~TRealVideoBios() override;
 
   bool Start(TRealModeMemory& memory) override;

@@ -6,8 +6,8 @@
 
 #include <stdexcept>
 
-#include "collector/display.h"
 #include "host/exception.h"
+#include "plugin/collector/display.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/lrmi_double.h"
 #include "tests/support/mock_cim.h"

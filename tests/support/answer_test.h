@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "displayinfo/collection.h"
+#include "command/collection/collection.h"
 #include "embedded_host/schema.h"
 
 class TAnswerTest : public testing::Test {

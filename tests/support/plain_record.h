@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "xconfig/xconfig.h"
+#include "plugin/xconfig/xconfig.h"
 
 /// A record as the rules put it: the text's lines one after another, each parted at a blank or an earlier tab.
 inline SectionRecord ReadRecordPlainly(const std::string& text, const std::vector<std::string>& keys) {

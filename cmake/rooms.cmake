@@ -1,0 +1,43 @@
+# A room is a folder whose code is one target. It names the other rooms it uses, and asks for the project's flags itself.
+# tests/check-includes holds every #include against what is declared here.
+
+# What every target of the project is compiled with.
+add_library(project_flags INTERFACE)
+target_include_directories(project_flags INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(project_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror)
+# 64-bit time and file sizes in the 32-bit build too: a date after 2038 is a date in both.
+target_compile_definitions(project_flags INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+# No library may have undefined symbols. Those of a build with fuzzers must: clang's sanitizers are linked into the
+# program only.
+if(NOT WITH_FUZZERS)
+  target_link_options(project_flags INTERFACE $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:-Wl,--no-undefined>)
+endif()
+
+# declare_room(NAME [USES room...] [HEADERS path...]): what code below the current folder, or only the HEADERS, may include.
+function(declare_room name)
+  cmake_parse_arguments(ROOM "" "" "HEADERS;USES" ${ARGN})
+  file(RELATIVE_PATH folder ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  set(places ${folder}/)
+  if(ROOM_HEADERS)
+    list(TRANSFORM ROOM_HEADERS PREPEND ${folder}/ OUTPUT_VARIABLE places)
+  endif()
+  foreach(place ${places})
+    file(APPEND ${ROOMS_FILE} "${place} ${name} ${ROOM_USES}\n")
+  endforeach()
+endfunction()
+set(ROOMS_FILE ${CMAKE_BINARY_DIR}/rooms.txt)
+file(WRITE ${ROOMS_FILE} "")
+
+# add_room(NAME [SOURCES file...] [USES room...] [LIBRARIES target...]): a room of headers only when it has no SOURCES.
+# LIBRARIES are not ours.
+function(add_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;USES;LIBRARIES" ${ARGN})
+  declare_room(${name} USES ${ROOM_USES})
+  if(ROOM_SOURCES)
+    add_library(${name} STATIC ${ROOM_SOURCES})
+    target_link_libraries(${name} PUBLIC ${ROOM_USES} PRIVATE project_flags ${ROOM_LIBRARIES})
+  else()
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE ${ROOM_USES})
+  endif()
+endfunction()

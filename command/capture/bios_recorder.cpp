@@ -1,0 +1,59 @@
+#include "command/capture/bios_recorder.h"
+
+#include "realmode/real_mode_memory.h"
+
+namespace {
+
+constexpr std::size_t kBlockSize = 128;  // bytes
+
+bool HasRoom(TRealModeMemory& memory) {
+  void* const buffer = memory.Allocate(kBlockSize);
+  memory.Release(buffer);
+  return buffer != nullptr;
+}
+
+}  // namespace
+
+TBiosRecorder::TBiosRecorder(std::shared_ptr<IVideoBios> bios) : m_bios(std::move(bios)) {}
+
+bool TBiosRecorder::Start(TRealModeMemory& memory) {
+  const bool isPresent = m_bios->Start(memory);
+  if (!m_isPresent) m_isPresent = isPresent;
+  if (isPresent && !m_hasMemory) m_hasMemory = HasRoom(memory);
+  return isPresent;
+}
+
+bool TBiosRecorder::Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) {
+  const LRMI_regs asked = registers;
+  const bool hasReturned = m_bios->Interrupt(number, registers, memory);
+  std::vector<TBlock>& blocks = m_units[asked.ecx & 0xFFFF];
+  if ((asked.edx & 0xFFFF) != blocks.size()) return hasReturned;  // noted before
+  // AH is 0 when a VBE function has done its work.
+  if (!hasReturned || (registers.eax & 0xFF00) != 0) {
+    blocks.push_back({hasReturned ? EResult::kError : EResult::kNoReturn, {}});
+  } else {
+    const std::uint8_t* const bytes = memory.At(asked.es * 16U + (asked.edi & 0xFFFF));
+    blocks.push_back({EResult::kRead, {bytes, bytes + kBlockSize}});
+  }
+  return hasReturned;
+}
+
+void TBiosRecorder::Stop() { m_bios->Stop(); }
+
+TVirtualBiosConfiguration TBiosRecorder::GetRecord() const {
+  TVirtualBiosConfiguration record;
+  record.present = m_isPresent.value_or(true);
+  record.memory = m_hasMemory.value_or(true);
+  for (const auto& [unit, blocks] : m_units) record.units[unit] = MakeUnit(blocks);
+  return record;
+}
+
+/// A virtual BIOS answers with an error behind the last block by itself.
+TVirtualBiosConfiguration::TUnit TBiosRecorder::MakeUnit(const std::vector<TBlock>& blocks) {
+  TVirtualBiosConfiguration::TUnit unit;
+  for (std::size_t block = 0; block < blocks.size(); ++block) {
+    if (blocks[block].result == EResult::kNoReturn) unit.failAtBlock = static_cast<unsigned int>(block);
+    unit.edid.insert(unit.edid.end(), blocks[block].bytes.begin(), blocks[block].bytes.end());
+  }
+  return unit;
+}

@@ -1,0 +1,50 @@
+#include "command/collection/collection.h"
+
+#include <utility>
+
+#include "command/base/unusable.h"
+#include "command/collection/plugin_library.h"
+#include "command/machine/machine.h"
+#include "host/exception.h"
+#include "realmode/choose_bios.h"
+
+using NQRXZELT20::ICIMClass;
+using NQRXZELT20::IPluginCallbacks;
+using NQRXZELT20::TCIMQueryContext;
+
+namespace {
+
+TPluginIdentity Identify(IPluginCallbacks& plugin) {
+  return {plugin.GetName(), plugin.GetVersion(), plugin.GetInterfaceVersion(), plugin.GetType()};
+}
+
+TRequestAnswer Ask(TPluginLibrary& plugin, TEmbeddedHost& host, const TRequest& request) {
+  const boost::shared_ptr<TCimStore> store = host.GetStore();
+  std::vector<boost::shared_ptr<ICIMClass>> classes;
+  for (const std::string& name : request) classes.push_back(store->GetClass(name, TCIMQueryContext()));
+  const auto logged = static_cast<std::ptrdiff_t>(host.GetLog().GetEntries().size());
+  plugin.GetQueryCallbacks().GetData(store, classes);
+  const std::vector<TLogEntry>& log = host.GetLog().GetEntries();
+  return {request, store->TakeCommits(), {log.begin() + logged, log.end()}};
+}
+
+}  // namespace
+
+TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile, const std::vector<TRequest>& requests,
+                std::function<void(const TLogEntry&)> logListener) try {
+  ChooseVideoBios(machine.bios);
+  TEmbeddedHost host(machine.host, std::move(logListener));
+  TAnswer answer;
+  {
+    TPluginLibrary plugin(pluginFile, host);
+    plugin.GetCallbacks().Init();
+    answer.plugin = Identify(plugin.GetCallbacks());
+    for (const TRequest& request : requests) answer.requests.push_back(Ask(plugin, host, request));
+    plugin.GetCallbacks().DeInit();
+  }
+  answer.log = host.GetLog().GetEntries();
+  answer.fileQueries = host.GetFileQueries();
+  return answer;
+} catch (const NQRXZELT20::TZELTException& exception) {
+  throw TUnusable(std::string("the host failed during a request: ") + exception.what());
+}

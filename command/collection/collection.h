@@ -1,0 +1,43 @@
+// One collection: the plug-in loaded over a machine, asked for classes, and unloaded again.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "command/machine/machine.h"
+#include "embedded_host/cim_store.h"
+#include "embedded_host/log.h"
+
+/// The classes of one GetData call, in order.
+typedef std::vector<std::string> TRequest;
+
+struct TPluginIdentity {
+  std::string name;
+  std::string version;
+  std::string interfaceVersion;
+  int type;
+};
+
+struct TRequestAnswer {
+  TRequest classes;
+  /// Every instance committed during the request, in commit order.
+  std::vector<boost::shared_ptr<TStoredInstance>> instances;
+  std::vector<TLogEntry> log;  // of this request
+};
+
+/// All that a collection found out. It outlives the plug-in and the host.
+struct TAnswer {
+  TPluginIdentity plugin;
+  std::vector<TRequestAnswer> requests;
+  std::vector<TLogEntry> log;  // of the whole run
+  std::vector<TFileQuery> fileQueries;
+};
+
+/// Runs the requests in order. `logListener` hears of each log message when it is written. Throws TUnusable when the
+/// plug-in cannot be used, or when a failure of the host leaves a request.
+TAnswer Collect(const TMachine& machine, const std::filesystem::path& plugin, const std::vector<TRequest>& requests,
+                std::function<void(const TLogEntry&)> logListener);

@@ -1,0 +1,26 @@
+// Many machines: one line of JSON for each, in the order of their list, the work spread over worker processes.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "command/collection/collection.h"
+#include "command/fleet/finished_machines.h"
+#include "command/fleet/machine_list.h"
+#include "host/logger.h"
+
+struct TFleet {
+  TMachineList machines;
+  TFinishedMachines finished;  // these are left out
+  std::vector<TRequest> requests;
+  std::filesystem::path plugin;
+  unsigned int jobs;  // worker processes, at least 1
+  /// What of the log goes to standard error too, each line behind its machine's name; the lines hold all of it.
+  std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
+};
+
+/// Writes the lines to standard output. The exit status: 0, 1 when a machine failed, or 128 and the number of the
+/// signal that ended the run, behind a whole line. Throws TUnusable when the run cannot go on.
+int CollectFleet(TFleet fleet);

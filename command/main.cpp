@@ -1,0 +1,109 @@
+// displayinfo: collects what the plug-in has to say about one machine, and shows it.
+#include <csignal>
+#include <iostream>
+#include <string>
+
+#include "command/base/privileges.h"
+#include "command/base/standard_output.h"
+#include "command/base/text_encoding.h"
+#include "command/capture/capture.h"
+#include "command/collection/collection.h"
+#include "command/collection/plugin_library.h"
+#include "command/fleet/fleet.h"
+#include "command/machine/captured_machine.h"
+#include "command/machine/machine.h"
+#include "command/machine/this_machine.h"
+#include "command/options.h"
+#include "command/report/html/html_report.h"
+#include "command/report/json_report.h"
+#include "command/report/mof_report.h"
+#include "command/report/schema_document.h"
+#include "command/report/text_report.h"
+
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kUnusable = 1;
+
+TMachine ChooseMachine(const TOptions& options) {
+  if (!options.machines.empty()) return ReadCapturedMachine(options.machines.front());
+  return MakeThisMachine(options.edidSource);
+}
+
+void ShowBiosFailure(const TMachine& machine) {
+  const std::string failure = machine.getBiosFailure();
+  if (!failure.empty()) std::cerr << "displayinfo: " << failure << '\n';
+}
+
+std::string MakeSchemaDocument(ESchemaFormat format) {
+  switch (format) {
+    case ESchemaFormat::kMof:
+      return MakeSchemaMof();
+    case ESchemaFormat::kJsonSchema:
+      return MakeJsonSchema();
+    case ESchemaFormat::kText:
+      break;
+  }
+  return MakeSchemaText();
+}
+
+int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
+  const TMachine machine = MakeThisMachine(options.edidSource);
+  CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
+  ShowBiosFailure(machine);
+  const std::string target = ToPrintable(capture.target.string());
+  std::cerr << "displayinfo: captured; displayinfo --machine " << target << " answers as this machine does\n";
+  return kDone;
+}
+
+int RunFleet(const TOptions& options) {
+  DropPrivileges(true);
+  return CollectFleet({options.machineList ? TMachineList::Open(*options.machineList) : TMachineList(options.machines),
+                       options.resume ? TFinishedMachines(*options.resume) : TFinishedMachines(), options.requests,
+                       options.plugin.value_or(FindPlugin()), options.jobs, options.logLevel});
+}
+
+std::string MakeReport(EFormat format, const TAnswer& answer, const TEdidOrigin& origin) {
+  switch (format) {
+    case EFormat::kJson:
+      return MakeJsonReport(answer);
+    case EFormat::kMof:
+      return MakeMofReport(answer);
+    case EFormat::kHtml:
+      return MakeHtmlReport(answer, origin);
+    case EFormat::kText:
+      break;
+  }
+  return MakeTextReport(answer, origin);
+}
+
+int Run(const TOptions& options) {
+  if (!options.machines.empty()) DropPrivileges(true);  // what others captured is read with no more than it takes
+  const TMachine machine = ChooseMachine(options);
+  const auto showLog = [&](const TLogEntry& entry) {
+    if (entry.severity > options.logLevel.value_or(NQRXZELT20::ILogger::kStatus)) return;
+    std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
+  };
+  const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
+  DropPrivileges(false);
+  ShowBiosFailure(machine);
+  WriteStandardOutput(MakeReport(options.format.value_or(EFormat::kText), answer, machine.edidOrigin));
+  return kDone;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows in write() instead
+  const TCommandLine line = ParseCommandLine(argumentCount, arguments);
+  if (line.exitStatus) return *line.exitStatus;
+  try {
+    if (line.capture) return RunCapture(line.options, *line.capture);
+    if (!line.schemaFormat) return line.options.IsFleet() ? RunFleet(line.options) : Run(line.options);
+    WriteStandardOutput(MakeSchemaDocument(*line.schemaFormat));
+    return kDone;
+  } catch (const std::exception& error) {
+    std::cerr << "displayinfo: " << ToPrintable(error.what()) << '\n';
+    return kUnusable;
+  }
+}

@@ -1,0 +1,165 @@
+#include "command/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+#include <thread>
+
+#include "command/machine/this_machine.h"
+#include "embedded_host/schema.h"
+
+using NQRXZELT20::ILogger;
+
+namespace {
+
+constexpr int kWrongUsage = 2;
+constexpr unsigned int kMaxJobs = 1000;
+
+template <typename T>
+using TNames = std::vector<std::pair<std::string, T>>;
+
+const TNames<EEdidSource> kEdidSources = {
+    {"auto", EEdidSource::kAuto}, {"bios", EEdidSource::kBios}, {"drm", EEdidSource::kDrm}};
+const TNames<EFormat> kFormats = {
+    {"text", EFormat::kText}, {"json", EFormat::kJson}, {"mof", EFormat::kMof}, {"html", EFormat::kHtml}};
+const TNames<ESchemaFormat> kSchemaFormats = {
+    {"text", ESchemaFormat::kText}, {"mof", ESchemaFormat::kMof}, {"json-schema", ESchemaFormat::kJsonSchema}};
+const TNames<ILogger::EZELTLogSeverity> kLogLevels = {{"error", ILogger::kError},
+                                                      {"warning", ILogger::kWarning},
+                                                      {"status", ILogger::kStatus},
+                                                      {"debug", ILogger::kDebug},
+                                                      {"verbose", ILogger::kVerbose}};
+
+std::vector<std::string> GetClassNames() {
+  std::vector<std::string> names;
+  for (const TClassDeclaration& declaration : GetSchema()) names.emplace_back(declaration.name);
+  return names;
+}
+
+/// An option whose value is one of a few words. `target`: a T, or an optional one.
+template <typename TTarget, typename T>
+CLI::Option* AddChoice(CLI::App& app, const std::string& name, TTarget& target, const TNames<T>& choices,
+                       const std::string& description) {
+  std::vector<std::string> words;
+  for (const auto& choice : choices) words.push_back(choice.first);
+  const auto set = [&target, &choices](const std::string& word) {
+    for (const auto& choice : choices) {
+      if (choice.first == word) target = choice.second;
+    }
+  };
+  return app.add_option_function<std::string>(name, set, description)
+      ->check(CLI::IsMember(words).description(""))
+      ->option_text(CLI::detail::join(words, "|"));
+}
+
+void CheckClass(const std::string& name) {
+  const std::vector<std::string> names = GetClassNames();
+  if (std::find(names.begin(), names.end(), name) != names.end()) return;
+  throw CLI::ValidationError("\"" + name + "\" is not a class; the classes are " + CLI::detail::join(names, ", "));
+}
+
+TRequest SplitRequest(const std::string& text) {
+  TRequest request = CLI::detail::split(text, ',');
+  std::for_each(request.begin(), request.end(), CheckClass);
+  return request;
+}
+
+std::vector<TRequest> MakeRequests(const TRequest& classes, const std::vector<std::string>& requests) {
+  std::for_each(classes.begin(), classes.end(), CheckClass);
+  if (!classes.empty()) return {classes};
+  if (requests.empty()) return {GetClassNames()};
+  std::vector<TRequest> split;
+  std::transform(requests.begin(), requests.end(), std::back_inserter(split), SplitRequest);
+  return split;
+}
+
+/// Several machines are answered in lines of JSON, and only several can be spread and resumed.
+void CheckFleet(const TOptions& options, const CLI::App& app) {
+  if (options.IsFleet() && options.format.value_or(EFormat::kJson) != EFormat::kJson) {
+    throw CLI::ValidationError("several machines are answered in JSON; leave --format out, or name one machine");
+  }
+  for (const char* const name : {"--jobs", "--resume"}) {
+    if (options.IsFleet() || app.count(name) == 0) continue;
+    throw CLI::ValidationError(std::string(name) + " is for several machines; name them with --machines LIST");
+  }
+}
+
+/// capture and schema have options of their own, behind them.
+void CheckSubcommand(const CLI::App& app) {
+  for (const CLI::App* const subcommand : app.get_subcommands()) {
+    for (const CLI::Option* const option : app.get_options()) {
+      if (option->count() == 0) continue;
+      throw CLI::ValidationError(option->get_name() + " is not for " + subcommand->get_name() +
+                                 ", whose options follow it");
+    }
+  }
+}
+
+}  // namespace
+
+TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
+  TCommandLine line;
+  TOptions& options = line.options;
+  options.jobs = std::clamp(std::thread::hardware_concurrency(), 1U, kMaxJobs);
+  TRequest classes;
+  std::vector<std::string> requests;
+
+  CLI::App app("Shows the video controllers, heads and monitors of a machine.", "displayinfo");
+  app.set_version_flag("--version", "displayinfo " DISPLAYINFO_VERSION, "Print the version");
+  CLI::Option* const classOption =
+      app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
+  CLI::Option* const machineOption =
+      app.add_option("--machine", options.machines, "A captured machine instead of this one")
+          ->option_text("DIR")
+          ->allow_extra_args(false);
+  CLI::Option* const listOption =
+      app.add_option("--machines", options.machineList, "Many: a file of their names, or - (stdin)")
+          ->option_text("LIST")
+          ->excludes(machineOption);
+  app.add_option("--jobs", options.jobs, "So many at a time (default: the cores)")
+      ->option_text("N")
+      ->check(CLI::Range(1U, kMaxJobs).description(""));
+  app.add_option("--resume", options.resume, "Leave out those that FILE has a line of")->option_text("FILE");
+  app.add_option("--request", requests, "One request of several; may be repeated")
+      ->option_text("CLASS[,CLASS...]")
+      ->excludes(classOption)
+      ->allow_extra_args(false);
+  AddChoice(app, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
+      ->excludes(machineOption)
+      ->excludes(listOption);
+  AddChoice(app, "--format", options.format, kFormats, "For people (default), programs, CIM, a browser");
+  AddChoice(app, "--log-level", options.logLevel, kLogLevels, "What is logged (default: status)");
+  app.add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
+
+  ESchemaFormat schemaFormat = ESchemaFormat::kText;
+  CLI::App* const schema = app.add_subcommand("schema", "Print the classes with their properties")->group("");
+  AddChoice(*schema, "--format", schemaFormat, kSchemaFormats, "text (default), MOF, or a JSON Schema of the answer");
+
+  TCaptureOptions captureOptions;
+  CLI::App* const capture = app.add_subcommand("capture", "Write this machine down as a captured machine")->group("");
+  capture->add_option("TARGET", captureOptions.target, "A folder, or FILE.tar.gz; must not exist")->required();
+  capture->add_flag("--anonymous", captureOptions.isAnonymous, "Blank serial numbers and the system's name");
+  AddChoice(*capture, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from");
+  capture->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
+
+  app.footer(
+      "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
+      "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting\n"
+      "Examples: sudo displayinfo --edid-source bios; displayinfo capture ws-17.tar.gz\n"
+      "          ls -d captured/* | displayinfo --machines - >answers.jsonl");
+
+  try {
+    app.parse(argumentCount, arguments);
+    options.requests = MakeRequests(classes, requests);
+    CheckFleet(options, app);
+    CheckSubcommand(app);
+    if (schema->parsed()) line.schemaFormat = schemaFormat;
+    if (capture->parsed()) line.capture = captureOptions;
+  } catch (const CLI::Success& done) {
+    line.exitStatus = app.exit(done);
+  } catch (const CLI::ParseError& error) {
+    std::cerr << "displayinfo: " << error.what() << " (displayinfo --help shows the usage)\n";
+    line.exitStatus = kWrongUsage;
+  }
+  return line;
+}

@@ -1,0 +1,47 @@
+// The command line.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "command/collection/collection.h"
+#include "command/machine/this_machine.h"
+#include "host/logger.h"
+
+enum class EFormat { kText, kJson, kMof, kHtml };
+enum class ESchemaFormat { kText, kMof, kJsonSchema };
+
+struct TOptions {
+  std::vector<std::string> machines;                 // captured machines; this one when there is none and no list
+  std::optional<std::filesystem::path> machineList;  // a file of their names, "-" for standard input
+  std::optional<std::filesystem::path> resume;       // what a run over many machines has written already
+  unsigned int jobs;                                 // worker processes for many machines
+  std::vector<TRequest> requests;                    // at least one
+  EEdidSource edidSource = EEdidSource::kAuto;
+  std::optional<EFormat> format;
+  std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
+  std::optional<std::filesystem::path> plugin;  // looked for when absent
+
+  /// The answer is one line for each of many machines.
+  bool IsFleet() const { return machineList || machines.size() > 1; }
+};
+
+/// What `displayinfo capture` writes, of the machine that the options name.
+struct TCaptureOptions {
+  std::filesystem::path target;
+  bool isAnonymous = false;
+};
+
+/// Either the options of a collection, or of a capture, or the format in which to print the classes, or the exit status
+/// of a command that is done: after
+/// --help, --version or wrong usage, which has been explained on standard error.
+struct TCommandLine {
+  TOptions options;
+  std::optional<ESchemaFormat> schemaFormat;
+  std::optional<TCaptureOptions> capture;
+  std::optional<int> exitStatus;
+};
+
+TCommandLine ParseCommandLine(int argumentCount, char** arguments);

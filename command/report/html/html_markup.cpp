@@ -1,0 +1,74 @@
+#include "command/report/html/html_markup.h"
+
+#include "command/base/text_encoding.h"
+
+namespace {
+
+std::string Shorten(const std::string& text, std::size_t columns) {
+  return CountColumns(text) <= columns ? text : text.substr(0, GetLength(text, columns - 1)) + "\u2026";
+}
+
+}  // namespace
+
+TMarkup::TMarkup(const std::string& text) : m_markup(EscapeHtml(text)) {}
+
+TMarkup::TMarkup(const char* text) : TMarkup(std::string(text)) {}
+
+TMarkup TMarkup::Element(const char* name, const TAttributes& attributes, const TMarkup& content) {
+  TMarkup element;
+  element.m_markup = std::string("<") + name;
+  for (const auto& [attribute, value] : attributes) {
+    if (!value.empty()) element.m_markup += std::string(" ") + attribute + "=\"" + EscapeHtml(value) + "\"";
+  }
+  const bool isVoid = std::string_view(name) == "meta";  // HTML knows no end tag of it
+  element.m_markup += isVoid ? "/>\n" : ">" + content.m_markup + "</" + name + ">\n";
+  return element;
+}
+
+TMarkup& TMarkup::operator+=(const TMarkup& other) {
+  m_markup += other.m_markup;
+  return *this;
+}
+
+TMarkup MakeSvgText(TPoint point, const std::string& text, std::size_t columns, const char* look) {
+  const std::string shown = Shorten(text, columns);
+  const TMarkup title = shown == text ? TMarkup() : TMarkup::Element("title", {}, text);
+  return TMarkup::Element("text", {{"x", std::to_string(point.x)}, {"y", std::to_string(point.y)}, {"class", look}},
+                          title + shown);
+}
+
+TMarkup MakeSvgLine(TPoint from, TPoint to, const char* look) {
+  return TMarkup::Element("line", {{"x1", std::to_string(from.x)},
+                                   {"y1", std::to_string(from.y)},
+                                   {"x2", std::to_string(to.x)},
+                                   {"y2", std::to_string(to.y)},
+                                   {"class", look}});
+}
+
+TMarkup MakeSvgBox(TPoint corner, int width, int height, const char* look) {
+  return TMarkup::Element("rect", {{"x", std::to_string(corner.x)},
+                                   {"y", std::to_string(corner.y)},
+                                   {"width", std::to_string(width)},
+                                   {"height", std::to_string(height)},
+                                   {"class", look}});
+}
+
+TMarkup MakeSvgClip(TPoint corner, int width, int height, const TMarkup& content) {
+  return TMarkup::Element("svg",
+                          {{"x", std::to_string(corner.x)},
+                           {"y", std::to_string(corner.y)},
+                           {"width", std::to_string(width)},
+                           {"height", std::to_string(height)}},
+                          content);
+}
+
+TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& content) {
+  return TMarkup::Element("svg",
+                          {{"xmlns", "http://www.w3.org/2000/svg"},
+                           {"viewBox", "0 0 " + std::to_string(width) + " " + std::to_string(height)},
+                           {"width", std::to_string(width)},
+                           {"height", std::to_string(height)},
+                           {"class", "picture"},
+                           {"role", "img"}},
+                          TMarkup::Element("title", {}, title) + content);
+}

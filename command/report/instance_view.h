@@ -1,0 +1,53 @@
+// An instance's properties as printable text.
+#pragma once
+
+#include <string>
+
+#include "command/base/text_encoding.h"
+#include "embedded_host/cim_store.h"
+
+class TInstanceView {
+ public:
+  explicit TInstanceView(const TStoredInstance& instance) : m_instance(instance) {}
+
+  bool Has(const std::string& name) const { return m_instance.GetProperties().count(name) != 0; }
+
+  /// The value as people read it, an array's elements joined by commas; empty for a property that is not there.
+  std::string Text(const std::string& name) const {
+    const auto found = m_instance.GetProperties().find(name);
+    return found == m_instance.GetProperties().end() ? std::string() : ToPrintable(Join(found->second));
+  }
+
+  /// "140 MHz"; empty for a property that is not there.
+  std::string TextWithUnit(const std::string& name, const std::string& unit) const {
+    return Has(name) ? Text(name) + " " + unit : std::string();
+  }
+
+  /// "640 x 480", a side that is not there as "?"; empty when neither is there.
+  std::string Size(const std::string& width, const std::string& height) const {
+    if (!Has(width) && !Has(height)) return std::string();
+    return (Has(width) ? Text(width) : "?") + " x " + (Has(height) ? Text(height) : "?");
+  }
+
+  /// The value of an unsigned integer; 0 for a property that is not there or null.
+  unsigned int Number(const std::string& name) const {
+    const auto found = m_instance.GetProperties().find(name);
+    const bool isThere = found != m_instance.GetProperties().end() && !found->second.IsNull();
+    return isThere ? found->second.GetUnsigned() : 0;
+  }
+
+  const TClassDeclaration& Declaration() const { return m_instance.GetDeclaration(); }
+  std::string Class() const { return m_instance.GetDeclaration().name; }
+
+ private:
+  static std::string Join(const NQRXZELT20::TCIMValue& value) {
+    if (!value.IsArray()) return value;
+    std::string joined;
+    for (const NQRXZELT20::TCIMValue& element : value.GetElements()) {
+      joined += (joined.empty() ? "" : ", ") + static_cast<std::string>(element);
+    }
+    return joined;
+  }
+
+  const TStoredInstance& m_instance;
+};

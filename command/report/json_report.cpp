@@ -1,0 +1,140 @@
+#include "command/report/json_report.h"
+
+#include <cmath>
+
+#include "command/report/json_writer.h"
+
+using NQRXZELT20::TCIMValue;
+
+namespace {
+
+void WriteMember(TJsonWriter& json, const char* name, const std::string& text) {
+  json.Key(name);
+  json.String(text);
+}
+
+/// A number is written with a point or an exponent, so that a reader of any language takes it for a real.
+std::string MakeReal(const TCIMValue& value) {
+  if (!std::isfinite(value.GetReal())) return "null";
+  const std::string text = value;
+  return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
+}
+
+void WriteValue(TJsonWriter& json, const TCIMValue& value) {
+  typedef TCIMValue::TCIMType TType;
+  if (value.IsArray()) {
+    json.BeginArray();
+    for (const TCIMValue& element : value.GetElements()) WriteValue(json, element);
+    json.EndArray();
+    return;
+  }
+  switch (value.GetType().GetCode()) {
+    case TType::kNull:
+      return json.Literal("null");
+    case TType::kBoolean:
+    case TType::kUint8:
+    case TType::kUint16:
+    case TType::kUint32:
+      return json.Literal(value);
+    case TType::kReal32:
+      return json.Literal(MakeReal(value));
+    case TType::kString:
+    case TType::kDateTime:
+    case TType::kReference:
+      break;
+  }
+  json.String(value);
+}
+
+void WriteInstance(TJsonWriter& json, const TStoredInstance& instance) {
+  json.BeginObject();
+  WriteMember(json, "class", instance.GetDeclaration().name);
+  WriteMember(json, "path", instance.GetPathText());
+  json.Key("properties");
+  json.BeginObject();
+  for (const auto& [name, value] : instance.GetProperties()) {
+    json.Key(name);
+    json.BeginObject();
+    WriteMember(json, "type", GetTypeName(value.GetType(), value.IsArray()));
+    json.Key("value");
+    WriteValue(json, value);
+    json.EndObject();
+  }
+  json.EndObject();
+  json.EndObject();
+}
+
+void WriteLog(TJsonWriter& json, const std::vector<TLogEntry>& entries) {
+  json.Key("log");
+  json.BeginArray();
+  for (const TLogEntry& entry : entries) {
+    json.BeginObject();
+    WriteMember(json, "severity", GetSeverityName(entry.severity));
+    WriteMember(json, "message", entry.message);
+    json.EndObject();
+  }
+  json.EndArray();
+}
+
+void WriteRequest(TJsonWriter& json, const TRequestAnswer& request) {
+  json.BeginObject();
+  json.Key("classes");
+  json.BeginArray();
+  for (const std::string& name : request.classes) json.String(name);
+  json.EndArray();
+  json.Key("instances");
+  json.BeginArray();
+  for (const auto& instance : request.instances) WriteInstance(json, *instance);
+  json.EndArray();
+  WriteLog(json, request.log);
+  json.EndObject();
+}
+
+void WritePlugin(TJsonWriter& json, const TPluginIdentity& plugin) {
+  json.Key("plugin");
+  json.BeginObject();
+  WriteMember(json, "name", plugin.name);
+  WriteMember(json, "version", plugin.version);
+  WriteMember(json, "interfaceVersion", plugin.interfaceVersion);
+  json.Key("type");
+  json.Literal(std::to_string(plugin.type));
+  json.EndObject();
+}
+
+/// The members of the answer's object.
+void WriteAnswer(TJsonWriter& json, const TAnswer& answer) {
+  WritePlugin(json, answer.plugin);
+  json.Key("requests");
+  json.BeginArray();
+  for (const TRequestAnswer& request : answer.requests) WriteRequest(json, request);
+  json.EndArray();
+  WriteLog(json, answer.log);
+}
+
+}  // namespace
+
+std::string MakeJsonReport(const TAnswer& answer) {
+  TJsonWriter json(TJsonWriter::ELayout::kIndented);
+  json.BeginObject();
+  WriteAnswer(json, answer);
+  json.EndObject();
+  return json.TakeText() + "\n";
+}
+
+std::string MakeMachineLine(const std::string& machine, const TAnswer& answer) {
+  TJsonWriter json(TJsonWriter::ELayout::kOneLine);
+  json.BeginObject();
+  WriteMember(json, "machine", machine);
+  WriteAnswer(json, answer);
+  json.EndObject();
+  return json.TakeText() + "\n";
+}
+
+std::string MakeErrorLine(const std::string& machine, const std::string& reason) {
+  TJsonWriter json(TJsonWriter::ELayout::kOneLine);
+  json.BeginObject();
+  WriteMember(json, "machine", machine);
+  WriteMember(json, "error", reason);
+  json.EndObject();
+  return json.TakeText() + "\n";
+}

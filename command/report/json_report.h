@@ -1,0 +1,15 @@
+// The answer for programs: one JSON object, described in docs/json.md.
+#pragma once
+
+#include <string>
+
+#include "command/collection/collection.h"
+
+/// The answer as JSON text, indented, with a line end.
+std::string MakeJsonReport(const TAnswer& answer);
+
+/// One line, with its end, of the answer for many machines: the answer's members behind the machine's name.
+std::string MakeMachineLine(const std::string& machine, const TAnswer& answer);
+
+/// The line of a machine that could not be collected from.
+std::string MakeErrorLine(const std::string& machine, const std::string& reason);

@@ -1,0 +1,60 @@
+#include "command/report/mof_report.h"
+
+#include <algorithm>
+
+#include "command/base/text_encoding.h"
+#include "command/report/request_view.h"
+
+using NQRXZELT20::TCIMValue;
+
+namespace {
+
+/// MOF knows a real number by its point.
+std::string MakeReal(std::string text) {
+  if (text.find('.') == std::string::npos) text.insert(std::min(text.find('e'), text.size()), ".0");
+  return text;
+}
+
+std::string MakeValue(const TCIMValue& value) {
+  typedef TCIMValue::TCIMType TType;
+  if (value.IsArray()) {
+    std::vector<std::string> elements;
+    for (const TCIMValue& element : value.GetElements()) elements.push_back(MakeValue(element));
+    return "{" + JoinTexts(elements) + "}";
+  }
+  std::string text = value;
+  switch (value.GetType().GetCode()) {
+    case TType::kNull:
+      return "NULL";
+    case TType::kBoolean:
+      return value.GetBoolean() ? "TRUE" : "FALSE";
+    case TType::kUint8:
+    case TType::kUint16:
+    case TType::kUint32:
+      return text;
+    case TType::kReal32:
+      return MakeReal(text);
+    case TType::kString:
+    case TType::kDateTime:
+    case TType::kReference:
+      break;
+  }
+  return QuoteMof(text);
+}
+
+std::string MakeInstance(const TStoredInstance& instance) {
+  std::string text = std::string("instance of ") + instance.GetDeclaration().name + " {\n";
+  for (const auto& [name, value] : instance.GetProperties()) text += "    " + name + " = " + MakeValue(value) + ";\n";
+  return text + "};\n";
+}
+
+}  // namespace
+
+std::string MakeMofReport(const TAnswer& answer) {
+  std::string text;
+  for (const TRequestAnswer& request : answer.requests) {
+    if (answer.requests.size() > 1) text += "// Request: " + JoinTexts(request.classes) + "\n";
+    for (const auto& instance : request.instances) text += MakeInstance(*instance);
+  }
+  return text;
+}

@@ -1,0 +1,66 @@
+// One request's instances, joined as people look at them: controllers with their heads, monitors with their modes.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "command/collection/collection.h"
+#include "command/machine/machine.h"
+#include "command/report/instance_view.h"
+
+typedef std::vector<TInstanceView> TInstances;
+
+/// What a request can ask for: the classes made from the X server's configuration, and those made from EDIDs.
+enum class EPart { kVideo, kMonitors };
+
+struct TControllerView {
+  TInstanceView controller;
+  TInstances heads;
+};
+
+/// A monitor, or only its modes when the request did not ask for monitors.
+struct TMonitorView {
+  std::string id;
+  std::optional<TInstanceView> monitor;
+  TInstances modes;
+};
+
+class TRequestView {
+ public:
+  explicit TRequestView(const TRequestAnswer& request);
+
+  bool Asks(EPart part) const;
+  const std::vector<TControllerView>& GetControllers() const { return m_controllers; }
+  /// The heads of no controller that the request has.
+  const TInstances& GetLooseHeads() const { return m_looseHeads; }
+  const std::vector<TMonitorView>& GetMonitors() const { return m_monitors; }
+  /// True when the configuration sets a head to the mode's resolution.
+  bool IsConfigured(const TInstanceView& mode) const;
+  /// What the plug-in logged at status or worse while it served a class of the part, as printable text, each message
+  /// once.
+  std::vector<std::string> GetComplaints(EPart part) const;
+
+  TInstances Select(const std::string& className) const;
+
+ private:
+  void JoinVideo();
+  void JoinMonitors();
+
+  const TRequestAnswer& m_request;
+  TInstances m_instances;
+  std::vector<TControllerView> m_controllers;
+  TInstances m_looseHeads;
+  std::set<std::string> m_configured;  // resolutions of heads, such as "1280x1024"
+  std::vector<TMonitorView> m_monitors;
+};
+
+/// The texts that are not empty, with ", " between them.
+std::string JoinTexts(const std::vector<std::string>& texts);
+
+/// Whence the monitor's EDID was read; empty when the origin does not tell.
+std::string GetEdidSource(const TInstanceView& monitor, const TEdidOrigin& origin);
+
+/// A sentence that says why there are no controllers and heads.
+std::string ExplainNoControllers(const TAnswer& answer);

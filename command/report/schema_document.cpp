@@ -1,0 +1,148 @@
+#include "command/report/schema_document.h"
+
+#include <algorithm>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+#include "command/base/text_encoding.h"
+#include "embedded_host/log.h"
+#include "embedded_host/schema.h"
+
+using nlohmann::ordered_json;
+
+namespace {
+
+std::string Pad(std::string text, std::size_t width) {
+  text.resize(std::max(width, text.size()), ' ');
+  return text;
+}
+
+std::string GetType(const TPropertyDeclaration& property) { return GetTypeName(property.type, property.isArray); }
+
+/// "key", the unit, or nothing: a key has no unit.
+std::string GetRemark(const TPropertyDeclaration& property) { return property.isKey ? "key" : property.unit; }
+
+bool IsAssociation(const TClassDeclaration& declaration) {
+  return std::any_of(declaration.properties.begin(), declaration.properties.end(),
+                     [](const TPropertyDeclaration& property) { return *property.target != '\0'; });
+}
+
+std::string MakeMofProperty(const TPropertyDeclaration& property) {
+  std::string text = property.isKey ? "    [Key, " : "    [";
+  if (*property.unit != '\0') text += "Units(" + QuoteMof(property.unit) + "), ";
+  text += "Description(" + QuoteMof(property.meaning) + ")]\n    ";
+  if (*property.target != '\0') return text + property.target + " REF " + property.name + ";\n";
+  return text + GetTypeName(property.type, false) + " " + property.name + (property.isArray ? "[]" : "") + ";\n";
+}
+
+ordered_json MakeObject(const ordered_json& properties) {
+  ordered_json required = ordered_json::array();
+  for (const auto& [name, schema] : properties.items()) required.push_back(name);
+  return {{"type", "object"}, {"properties", properties}, {"required", required}, {"additionalProperties", false}};
+}
+
+ordered_json MakeArray(const ordered_json& items) { return {{"type", "array"}, {"items", items}}; }
+
+ordered_json MakeUnsigned(std::uint32_t max) { return {{"type", "integer"}, {"minimum", 0}, {"maximum", max}}; }
+
+/// The JSON form of a value of a type.
+ordered_json MakeValue(NQRXZELT20::TCIMValue::TCIMType::ECIMType type) {
+  typedef NQRXZELT20::TCIMValue::TCIMType TType;
+  switch (type) {
+    case TType::kBoolean:
+      return {{"type", "boolean"}};
+    case TType::kUint8:
+      return MakeUnsigned(std::numeric_limits<std::uint8_t>::max());
+    case TType::kUint16:
+      return MakeUnsigned(std::numeric_limits<std::uint16_t>::max());
+    case TType::kUint32:
+      return MakeUnsigned(std::numeric_limits<std::uint32_t>::max());
+    case TType::kReal32:
+      return {{"type", "number"}};
+    case TType::kDateTime:
+      return {{"type", "string"}, {"pattern", "^[0-9]{14}\\.[0-9]{6}[+-][0-9]{3}$"}};
+    default:
+      return {{"type", "string"}};
+  }
+}
+
+ordered_json MakePropertySchema(const TPropertyDeclaration& property) {
+  const ordered_json value = MakeValue(property.type);
+  ordered_json schema =
+      MakeObject({{"type", {{"const", GetType(property)}}}, {"value", property.isArray ? MakeArray(value) : value}});
+  schema["description"] = property.meaning;
+  return schema;
+}
+
+ordered_json MakeInstanceSchema(const TClassDeclaration& declaration) {
+  ordered_json properties;
+  ordered_json keys = ordered_json::array();
+  for (const TPropertyDeclaration& property : declaration.properties) {
+    properties[property.name] = MakePropertySchema(property);
+    if (property.isKey) keys.push_back(property.name);
+  }
+  ordered_json schema = MakeObject(
+      {{"class", {{"const", declaration.name}}},
+       {"path", {{"type", "string"}}},
+       {"properties",
+        {{"type", "object"}, {"properties", properties}, {"required", keys}, {"additionalProperties", false}}}});
+  schema["description"] = declaration.meaning;
+  return schema;
+}
+
+ordered_json MakeLogSchema() {
+  ordered_json severities = ordered_json::array();
+  for (int severity = NQRXZELT20::ILogger::kError; severity <= NQRXZELT20::ILogger::kVerbose; ++severity) {
+    severities.push_back(GetSeverityName(static_cast<NQRXZELT20::ILogger::EZELTLogSeverity>(severity)));
+  }
+  return MakeArray(MakeObject({{"severity", {{"enum", severities}}}, {"message", {{"type", "string"}}}}));
+}
+
+}  // namespace
+
+std::string MakeSchemaText() {
+  std::string text;
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    text += (text.empty() ? "" : "\n") + std::string(declaration.name) + "\n  " + declaration.meaning + "\n  From " +
+            declaration.source + ".\n";
+    for (const TPropertyDeclaration& property : declaration.properties) {
+      text += "  " + Pad(property.name, 30) + Pad(GetType(property), 10) + GetRemark(property) + "\n      " +
+              property.meaning + "\n";
+    }
+  }
+  return text;
+}
+
+std::string MakeSchemaMof() {
+  std::string text;
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    text += (text.empty() ? "" : "\n") + std::string(IsAssociation(declaration) ? "[Association, " : "[") +
+            "Description(" + QuoteMof(declaration.meaning) + ")]\nclass " + declaration.name + " {\n";
+    for (const TPropertyDeclaration& property : declaration.properties) text += MakeMofProperty(property);
+    text += "};\n";
+  }
+  return text;
+}
+
+std::string MakeJsonSchema() {
+  ordered_json names = ordered_json::array();
+  ordered_json instances = ordered_json::array();
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    names.push_back(declaration.name);
+    instances.push_back(MakeInstanceSchema(declaration));
+  }
+  const ordered_json string = {{"type", "string"}};
+  const ordered_json log = {{"$ref", "#/$defs/log"}};
+  ordered_json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
+                         {"title", "The answer of displayinfo --format json"}};
+  schema.update(MakeObject(
+      {{"plugin",
+        MakeObject(
+            {{"name", string}, {"version", string}, {"interfaceVersion", string}, {"type", {{"type", "integer"}}}})},
+       {"requests", MakeArray(MakeObject({{"classes", MakeArray({{"enum", names}})},
+                                          {"instances", MakeArray({{"oneOf", instances}})},
+                                          {"log", log}}))},
+       {"log", log}}));
+  schema["$defs"] = {{"log", MakeLogSchema()}};
+  return schema.dump(2) + "\n";
+}

@@ -1,0 +1,74 @@
+#include "plugin/monitor/monitor_info.h"
+
+#include <utility>
+
+#include "host/exception.h"
+#include "plugin/collector/array_value.h"
+#include "plugin/collector/data_to_string.h"
+#include "realmode/lrmi.h"
+
+using NQRXZELT20::ICIMClass;
+using NQRXZELT20::ICIMInstance;
+using NQRXZELT20::TCIMValue;
+using NQRXZELT20::TPluginManagerProvider;
+using NQRXZELT20::TZELTException;
+
+namespace {
+
+/// Closes the real-mode set-up of a request, also when an exception ends the request.
+class TRealModeEnd {
+ public:
+  explicit TRealModeEnd(const bool& isOpen) : m_isOpen(isOpen) {}
+  ~TRealModeEnd() {
+    if (m_isOpen) LRMI_deInit();
+  }
+  TRealModeEnd(const TRealModeEnd&) = delete;
+  TRealModeEnd& operator=(const TRealModeEnd&) = delete;
+
+ private:
+  const bool& m_isOpen;
+};
+
+}  // namespace
+
+// The constructors leave m_lrmiReady alone: it belongs to a request, and GetCIMInstances clears it.
+// cppcheck-suppress uninitMemberVar
+TMonitorInfo::TMonitorInfo(boost::shared_ptr<ICIMClass> cimClass) : TDisplay(std::move(cimClass)) {}
+
+// cppcheck-suppress uninitMemberVar
+TMonitorInfo::TMonitorInfo(boost::shared_ptr<ICIMClass> cimClass, TPluginManagerProvider* provider)
+    : TDisplay(std::move(cimClass), provider) {}
+
+TMonitorInfo::~TMonitorInfo() = default;
+
+std::vector<ICIMInstance*> TMonitorInfo::GetCIMInstances(std::string className) {
+  m_lrmiReady = false;
+  const TRealModeEnd end(m_lrmiReady);
+  std::vector<PropertyMap> maps;
+  if (className == "QRXSG_MonitorSetting") maps = MakeMonitorSettingAssociation();
+  if (className == "QRXSG_DesktopMonitor") maps = GetMonitorInfo();
+  if (className == "QRXSG_MonitorResolution") maps = GetMonitorResolution();
+
+  std::vector<ICIMInstance*> instances;
+  for (const PropertyMap& map : maps) {
+    try {
+      instances.push_back(GenerateCIMInstance(map, className));
+    } catch (const TZELTException& exception) {
+      WriteStatus("Monitor encountered an error\t\t\t\t\t\tgenerating CIM instances. Error Code: " +
+                  dataToString(exception.what()));
+    }
+  }
+  return instances;
+}
+
+std::string TMonitorInfo::GetDeviceId() { return m_deviceId; }
+
+void TMonitorInfo::SetDeviceId(std::string deviceId) { m_deviceId = std::move(deviceId); }
+
+TCIMValue TMonitorInfo::GetStrCimValue(std::vector<std::string> strings) {
+  return MakeArrayValue(TCIMValue::TCIMType::kString, strings);
+}
+
+TCIMValue TMonitorInfo::GetWordCimValue(std::vector<unsigned short> words) {
+  return MakeArrayValue(TCIMValue::TCIMType::kUint16, words);
+}

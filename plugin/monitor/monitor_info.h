@@ -1,0 +1,124 @@
+// TMonitorInfo: the collector for the monitor classes, from the EDIDs that the video BIOS hands out.
+//
+// One object serves one request of one class. Its real-mode set-up is opened by the first EDID read and closed at the
+// end of GetCIMInstances; nothing outlives the request. EDID buffers are edid::kBufferSize (2048) bytes whatever the
+// length of the EDID in them; lengths are in bytes.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/cim_value.h"
+#include "plugin/collector/display.h"
+#include "plugin/collector/property_map.h"
+
+class TMonitorInfo : public TDisplay {
+ public:
+  explicit TMonitorInfo(boost::shared_ptr<NQRXZELT20::ICIMClass> cimClass);
+  TMonitorInfo(boost::shared_ptr<NQRXZELT20::ICIMClass> cimClass, NQRXZELT20::TPluginManagerProvider* provider);
+  ~TMonitorInfo() override;
+
+  // The request (monitor_info.cpp).
+
+  using TDisplay::GetCIMInstances;
+
+  /// Makes the instances of "QRXSG_DesktopMonitor", in unit order; none for any other class. A TZELTException of the
+  /// host costs the instance it struck and is logged; anything else passes through.
+  std::vector<NQRXZELT20::ICIMInstance*> GetCIMInstances(std::string className) override;
+
+  /// The id of the monitor in hand, such as "Monitor 1".
+  std::string GetDeviceId();
+  void SetDeviceId(std::string deviceId);
+
+  /// Array values of strings and of 16-bit words.
+  NQRXZELT20::TCIMValue GetStrCimValue(std::vector<std::string> strings);
+  NQRXZELT20::TCIMValue GetWordCimValue(std::vector<unsigned short> words);
+
+  // Desktop monitors (desktop_monitors.cpp).
+
+  /// One map per monitor: units 0, 1, 2, ... until one has no EDID, repeats the one before, or does not decode.
+  std::vector<PropertyMap> GetMonitorInfo();
+
+  /// Inserts the key properties that every monitor of this system shares; empty ones where the host has no answer.
+  /// Always 0.
+  int GetDeviceKeyProperties();
+
+  // Monitor resolutions (monitor_resolutions.cpp).
+
+  /// One map per mode that an EDID declares, for units 0, 1, 2, ... until one has no EDID or repeats the one before.
+  /// Unlike the monitors, a unit whose EDID does not decode gives no modes and does not end the walk.
+  std::vector<PropertyMap> GetMonitorResolution();
+
+  /// The modes of one EDID, numbered from 1 behind the device id set beforehand. None, with a message, when it is not
+  /// an EDID of version 1 or no device id is set.
+  std::vector<PropertyMap> GetResolutionInfo(unsigned char* edid, unsigned int length);
+
+  // Monitor settings (monitor_settings.cpp).
+
+  /// One map for each pair of a monitor and one of its modes that the host holds. A TZELTException of the host ends the
+  /// pass, is logged, and leaves the pairs made before; anything else passes through.
+  std::vector<PropertyMap> MakeMonitorSettingAssociation();
+
+  // Reading an EDID through the video BIOS (edid_reading.cpp).
+
+  /// Reads the EDID of a controller unit, at most 15 blocks of it, into a buffer of 2048 bytes. `length` becomes the
+  /// number of bytes that the BIOS answered, or stays as it is when the BIOS was not reached. True: there is no EDID
+  /// here. False: there are bytes, or real mode could not be set up and the buffer's first byte is 0.
+  bool ReadEdid(int unit, unsigned char* edid, unsigned int* length);
+
+  // Decoding an EDID into the property map in hand (edid_decoding.cpp).
+
+  /// 0: all properties that the EDID holds were inserted. 1: it is not an EDID of version 1, nothing was inserted.
+  int ParseMonitorEdid(unsigned char* edid, unsigned int length);
+
+  /// 0 for the header and version of an EDID 1.x; else logs and returns 1. The checksum is not looked at.
+  unsigned int CheckEdidHeader(unsigned char* edid, unsigned int length);
+
+  /// Decodes the two bytes at `p` into three letters; leaves `id` as it is when they are 0.
+  void GetManufacturerId(unsigned char* p, std::string& id);
+
+  /// The first day of that week, 06:00 local time, or a null datetime where the C library cannot tell. `week` counts
+  /// from 1; `year` is the calendar year.
+  NQRXZELT20::TCIMDateTime GetMfgDateTime(unsigned char week, unsigned short year);
+
+  static constexpr int kDetailedTiming = -2;
+
+  /// The tag of an 18-byte descriptor slot, 0 to 255; kDetailedTiming for a detailed timing, -1 for a reserved byte
+  /// that is not 0.
+  int GetEdidTag(unsigned char* descriptor);
+
+  /// Assigns the text of an 18-byte descriptor slot, at most 13 bytes up to a line feed or a zero byte.
+  void GetMonitorString(unsigned char* descriptor, std::string& text);
+
+  /// Inserts the range limits of an 18-byte descriptor slot.
+  void GetMonitorSyncData(unsigned char* descriptor);
+
+  /// The properties decoded so far.
+  const PropertyMap& GetProperties() const { return m_properties; }
+
+ private:
+  /// Takes one monitor's EDID, of `length` bytes in its buffer; `deviceId` is "Monitor 1" for unit 0. False ends the
+  /// walk.
+  typedef std::function<bool(const std::string& deviceId, unsigned char* edid, unsigned int length)> TTakeEdid;
+
+  void WalkUnits(const TTakeEdid& take);
+  bool PrepareRealMode();
+
+  unsigned short GetScanMode(unsigned char* edid);
+
+  void Insert(const char* name, const NQRXZELT20::TCIMValue& value);
+  void InsertText(const char* name, const std::string& text);
+  unsigned char* FindDescriptor(unsigned char* edid, int tag);
+  void DecodeManufacture(unsigned char* edid);
+  void DecodeDisplayFeatures(const unsigned char* edid);
+  void DecodeDescriptors(unsigned char* edid);
+  void DecodeDigitalInterface(const unsigned char* edid, unsigned int length);
+  void InsertStatus();
+
+  bool m_lrmiReady;  // set by nothing but GetCIMInstances and a successful LRMI_init
+  std::string m_deviceId;
+  PropertyMap m_properties;
+};

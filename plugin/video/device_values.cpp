@@ -1,0 +1,86 @@
+// What a Device section, and the monitor of its screen, give a controller and its head.
+#include <algorithm>
+#include <boost/lexical_cast.hpp>
+#include <iterator>
+#include <map>
+
+#include "host/cim_objects.h"
+#include "host/exception.h"
+#include "host/services.h"
+#include "plugin/collector/array_value.h"
+#include "plugin/video/video_info.h"
+
+using NQRXZELT20::ICIMNamespace;
+using NQRXZELT20::TCIMQueryContext;
+using NQRXZELT20::TCIMSchemaHelper;
+using NQRXZELT20::TCIMValue;
+using NQRXZELT20::TZELTException;
+
+namespace {
+
+// Record keys and the properties they become. Deliberate: the first row of a key counts, so a BoardName is the name
+// alone.
+constexpr std::pair<const char*, const char*> kTranslation[] = {
+    {"Identifier", "DeviceID"},     {"BoardName", "Name"},        {"BoardName", "Description"},
+    {"BoardName", "AdapterString"}, {"VideoRam", "VideoRamSize"}, {"Chipset", "VideoProcessor"},
+    {"Ramdac", "DACType"},          {"BusID", "DisplayId"},
+};
+
+constexpr unsigned int kBytesPerKilobyte = 1024;
+
+void Assign(const SectionRecord& record, const char* key, std::string& output) {
+  const auto found = record.find(key);
+  if (found != record.end()) output = found->second;
+}
+
+TCIMValue MakeValue(const std::string& key, const std::string& text) {
+  if (key != "VideoRam") return TCIMValue(text);
+  return TCIMValue(boost::lexical_cast<unsigned int>(text) * kBytesPerKilobyte);  // 4 GB and more wrap
+}
+
+}  // namespace
+
+void TVideoInfo::GetDeviceData(const SectionRecord& record, std::string& busId, std::string& identifier) {
+  Assign(record, "BusID", busId);
+  Assign(record, "Identifier", identifier);
+}
+
+int TVideoInfo::GetKeyProperties() {
+  try {
+    const boost::shared_ptr<ICIMNamespace> ns = GetCIMClass()->GetNamespace(TCIMQueryContext());
+    Insert("SystemCreationClassName", TCIMValue(TCIMSchemaHelper::GetSystemCreationClassName(ns)));
+    Insert("SystemName", TCIMValue(TCIMSchemaHelper::GetSystemName(ns)));
+  } catch (const TZELTException&) {
+    // What was inserted before the failure stays.
+    Insert("SystemCreationClassName", TCIMValue(""));
+    Insert("SystemName", TCIMValue(""));
+  }
+  return 0;
+}
+
+int TVideoInfo::GetDeviceValues(const SectionRecord& record) {
+  const std::map<std::string, const char*> translation(std::begin(kTranslation), std::end(kTranslation));
+  for (const auto& [key, text] : record) {
+    const auto property = translation.find(key);
+    if (property != translation.end()) Insert(property->second, MakeValue(key, text));
+  }
+  const auto identifier = record.find("Identifier");
+  if (identifier == record.end()) return 1;
+  if (record.count("BoardName") == 0) Insert("Name", TCIMValue(identifier->second));
+  return 0;
+}
+
+void TVideoInfo::GetMonitorValues(const std::vector<SectionRecord>& monitors, const std::string& monitorIdentifier) {
+  const auto isNamed = [&](const SectionRecord& record) {
+    const auto identifier = record.find("Identifier");
+    return identifier != record.end() && identifier->second == monitorIdentifier;
+  };
+  const auto monitor = std::find_if(monitors.begin(), monitors.end(), isNamed);
+  if (monitor == monitors.end()) return;
+  const auto model = monitor->find("ModelName");
+  if (model != monitor->end()) Insert("MonitorString", GetStrArrayCimValue({model->second}));
+}
+
+TCIMValue TVideoInfo::GetStrArrayCimValue(std::vector<std::string> strings) {
+  return MakeArrayValue(TCIMValue::TCIMType::kString, strings);
+}

@@ -1,0 +1,94 @@
+// What a Screen section gives the device it uses: colour depth, resolution, and the name of its monitor.
+#include <algorithm>
+#include <boost/lexical_cast.hpp>
+
+#include "plugin/collector/data_to_string.h"
+#include "plugin/video/video_info.h"
+
+using NQRXZELT20::TCIMValue;
+
+namespace {
+
+const std::string kDepth = "Depth";
+const std::string kDefaultDepth = "DefaultDepth";
+const std::string kModes = "Modes";
+
+bool IsDepthKey(const std::string& key) { return key.find(kDepth) != std::string::npos; }
+
+std::string GetValue(const SectionRecord& record, const std::string& key) {
+  const auto found = record.find(key);
+  return found == record.end() ? std::string() : found->second;
+}
+
+}  // namespace
+
+void TVideoInfo::GetScreenValues(const std::vector<SectionRecord>& screens, const std::string& deviceIdentifier,
+                                 std::string& monitorName) {
+  const auto usesDevice = [&](const SectionRecord& record) {
+    const auto device = record.find("Device");
+    return device != record.end() && device->second == deviceIdentifier;
+  };
+  const auto screen = std::find_if(screens.begin(), screens.end(), usesDevice);
+  if (screen == screens.end()) return;
+  const std::string defaultDepth = GetValue(*screen, kDefaultDepth);
+  if (defaultDepth.empty()) {
+    GetScreenWithoutDefaultDepth(*screen);
+  } else {
+    GetScreenOfDefaultDepth(*screen, defaultDepth, monitorName);
+  }
+}
+
+void TVideoInfo::GetScreenOfDefaultDepth(const SectionRecord& screen, const std::string& defaultDepth,
+                                         std::string& monitorName) {
+  const auto monitor = screen.find("Monitor");
+  if (monitor != screen.end()) monitorName = monitor->second;
+
+  const auto isConverted = [&](const SectionRecord::value_type& entry) {
+    return IsDepthKey(entry.first) && entry.first != kDefaultDepth && entry.second == defaultDepth &&
+           InsertNumber("CurrentBitsPerPixel", entry.second,
+                        "Could not convert to integer color quality from" + dataToString(entry.second));
+  };
+  const auto depth = std::find_if(screen.begin(), screen.end(), isConverted);
+  if (depth == screen.end()) return;
+  // The modes of the same number: they belong to this depth as long as every Display subsection has one line of each.
+  const std::string suffix = depth->first.substr(depth->first.find(kDepth) + kDepth.size());
+  const auto modes = screen.find(kModes + suffix);
+  if (!suffix.empty() && modes != screen.end()) GetModeValues(modes->second);
+}
+
+void TVideoInfo::GetScreenWithoutDefaultDepth(const SectionRecord& screen) {
+  // Deliberate: such a screen gives neither resolution nor monitor, and a depth that fails is called a resolution.
+  for (const auto& [key, value] : screen) {
+    if (!IsDepthKey(key)) continue;
+    InsertNumber("CurrentBitsPerPixel", value,
+                 "Could not convert to integer horizontal resolution from" + dataToString(value));
+  }
+}
+
+/// Takes the first of the modes: its width and its height.
+void TVideoInfo::GetModeValues(const std::string& modes) {
+  const std::vector<std::string> listed = MultiStringTok(RemoveSpaces(modes.c_str()), " ");
+  const std::string mode = listed.empty() ? modes : listed[0];
+  std::vector<std::string> sides = MultiStringTok(mode, "x");
+  if (sides.empty()) sides.push_back(mode);
+
+  if (!sides[0].empty()) {
+    InsertNumber("CurrentHorizontalResolution", sides[0],
+                 "Could not convert to integer horizontal resolution from" + dataToString(sides[0]));
+  }
+  if (sides.size() < 2) return;
+  // Deliberate: the message names the width, not the height that failed.
+  InsertNumber("CurrentVerticalResolution", sides[1],
+               "Could not convert to integer vertical resolution from " + dataToString(sides[0]));
+}
+
+/// Inserts the number that the text is; logs `failure` and returns false when it is none.
+bool TVideoInfo::InsertNumber(const char* name, const std::string& text, const std::string& failure) {
+  try {
+    Insert(name, TCIMValue(boost::lexical_cast<unsigned int>(text)));
+    return true;
+  } catch (const boost::bad_lexical_cast&) {
+    WriteDebug(failure);
+    return false;
+  }
+}

@@ -1,0 +1,87 @@
+// Lines and words of the X server's configuration.
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "plugin/xconfig/xconfig.h"
+
+namespace {
+
+bool IsBlank(char character) { return character == ' ' || character == '\t'; }
+
+/// Room for a text as long as the input: on the stack as long as that is small, since a stack ends the process when it
+/// is too small and the heap does not.
+class TScratch {
+ public:
+  // cppcheck-suppress uninitMemberVar ; it is written before it is read
+  explicit TScratch(std::size_t size) : m_heap(size > sizeof m_stack ? new char[size] : nullptr) {}
+
+  char* Get() { return m_heap != nullptr ? m_heap.get() : m_stack; }
+
+ private:
+  char m_stack[64 * 1024 + 1];
+  std::unique_ptr<char[]> m_heap;
+};
+
+/// 1 when the text begins with a delimiter, which is then passed over; else 0.
+std::size_t SkipDelimiter(const std::string& text, std::string_view delimiters) {
+  return !text.empty() && delimiters.find(text[0]) != std::string_view::npos ? 1 : 0;
+}
+
+/// The position of the first delimiter from `start` on.
+std::size_t FindDelimiter(const std::string& text, std::string_view delimiters, std::size_t start) {
+  // A single character is found several times faster than one of a set.
+  return delimiters.size() == 1 ? text.find(delimiters[0], start) : text.find_first_of(delimiters, start);
+}
+
+}  // namespace
+
+bool TXConfig::CommentedCode(const char* line) {
+  while (IsBlank(*line)) ++line;
+  return *line == '#';
+}
+
+std::string TXConfig::RemoveSpaces(const char* text) {
+  if (text == nullptr) return std::string();
+  while (IsBlank(*text)) ++text;
+  return text;
+}
+
+std::string TXConfig::ExtractString(const char* text) {
+  if (text == nullptr) return std::string();
+  TScratch scratch(std::strlen(text) + 1);
+  char* end = scratch.Get();
+  for (; *text != '\0'; ++text) {
+    const bool isLeading = end == scratch.Get();
+    if (*text == '"' || (isLeading && IsBlank(*text))) continue;
+    *end++ = *text;
+  }
+  return std::string(scratch.Get(), end);
+}
+
+std::vector<std::string> TXConfig::MultiStringTok(const std::string& text, const char* delimiters) {
+  std::vector<std::string> pieces;
+  std::string piece;
+  std::size_t start = SkipDelimiter(text, delimiters);
+  for (std::size_t end = FindDelimiter(text, delimiters, start); end != std::string::npos;
+       end = FindDelimiter(text, delimiters, start)) {
+    piece = text.substr(start, end - start);
+    if (!piece.empty()) pieces.push_back(piece);
+    start = end + 1;
+  }
+  // Deliberate, the parser lives with both: without a delimiter beyond the first character there are no pieces at all,
+  // and after a delimiter at the very end the last piece comes once more.
+  if (start <= 1) return pieces;
+  if (start < text.size()) piece = text.substr(start);
+  if (!piece.empty()) pieces.push_back(piece);
+  return pieces;
+}
+
+std::vector<std::string> TXConfig::MultiStringFirstTok(const std::string& text, const char* delimiters) {
+  const std::size_t start = SkipDelimiter(text, delimiters);
+  const std::size_t end = FindDelimiter(text, delimiters, start);
+  if (end == std::string::npos || end == start) return {};
+  std::vector<std::string> words = {text.substr(start, end - start)};
+  if (end + 1 < text.size()) words.push_back(text.substr(end + 1));
+  return words;
+}

@@ -1,0 +1,73 @@
+#include "command/fleet/finished_machines.h"
+
+#include <gmock/gmock.h>
+
+#include "command/base/unusable.h"
+#include "command/report/json_report.h"
+#include "tests/support/temporary_folder.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+class FinishedMachines : public testing::Test {
+ protected:
+  TFinishedMachines Read(const std::string& content) const {
+    folder.Write("lines", content);
+    return TFinishedMachines(folder.GetPath() / "lines");
+  }
+
+  void ExpectRefused(const std::string& content, const std::string& reason) const {
+    try {
+      Read(content);
+      FAIL() << "it was read: " << content;
+    } catch (const TUnusable& error) {
+      EXPECT_THAT(error.what(), HasSubstr(reason));
+    }
+  }
+
+  TTemporaryFolder folder;
+};
+
+}  // namespace
+
+TEST_F(FinishedMachines, AreNoneWithoutAnEarlierRun) { EXPECT_FALSE(TFinishedMachines().Take("a")); }
+
+TEST_F(FinishedMachines, AreThoseWithALine) {
+  TFinishedMachines finished = Read(MakeMachineLine("a", TAnswer()) + MakeMachineLine("b c", TAnswer()));
+  EXPECT_TRUE(finished.Take("a"));
+  EXPECT_TRUE(finished.Take("b c"));
+  EXPECT_FALSE(finished.Take("c"));
+}
+
+TEST_F(FinishedMachines, AreThoseThatFailedToo) { EXPECT_TRUE(Read(MakeErrorLine("a", "broken")).Take("a")); }
+
+TEST_F(FinishedMachines, AreFinishedAsOftenAsTheyHaveALine) {
+  TFinishedMachines finished = Read(MakeErrorLine("a", "broken") + MakeErrorLine("a", "broken"));
+  EXPECT_TRUE(finished.Take("a"));
+  EXPECT_TRUE(finished.Take("a"));
+  EXPECT_FALSE(finished.Take("a"));
+}
+
+TEST_F(FinishedMachines, AreKnownByNamesThatAreNotText) {
+  EXPECT_TRUE(Read(MakeErrorLine("a\xFF\"\\\n", "broken")).Take("a\xFF\"\\\n"));
+}
+
+TEST_F(FinishedMachines, AreNoneInAnEmptyFile) { EXPECT_FALSE(Read("").Take("a")); }
+
+TEST_F(FinishedMachines, AreRefusedWithALineThatIsCutOff) {
+  const std::string whole = MakeErrorLine("a", "broken");
+  ExpectRefused(whole + whole.substr(0, whole.size() - 1), "lines, line 2: is cut off");
+}
+
+TEST_F(FinishedMachines, AreRefusedWithALineThatNamesNone) {
+  for (const char* const line : {"", "text", "{}", "[\"a\"]", "{\"error\": \"machine\"}", "{\"machine\": 1}",
+                                 "{\"machine\": {\"machine\": \"a\"}}", "\"machine\""}) {
+    ExpectRefused(std::string(line) + "\n", "lines, line 1: names no machine");
+  }
+}
+
+TEST_F(FinishedMachines, AreRefusedWithoutTheFile) {
+  EXPECT_THROW(TFinishedMachines(folder.GetPath() / "nowhere"), TUnusable);
+  EXPECT_THROW(TFinishedMachines(folder.GetPath()), TUnusable);
+}

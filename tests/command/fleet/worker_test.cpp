@@ -1,0 +1,160 @@
+#include "command/fleet/worker.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+
+namespace {
+
+TMachineLine Echo(const std::string& machine) { return {machine + "\n", machine.empty()}; }
+
+/// Waits for the next line; nothing when the worker dies before.
+std::optional<std::pair<std::size_t, TMachineLine>> Wait(TWorker& worker) {
+  bool isAlive = true;
+  while (true) {
+    if (auto line = worker.TakeLine()) return line;
+    if (!isAlive) return std::nullopt;
+    pollfd descriptor = {worker.GetDescriptor(), POLLIN, 0};
+    poll(&descriptor, 1, -1);
+    isAlive = worker.Receive();
+  }
+}
+
+TMachineLine Work(TWorker& worker, const std::string& machine) {
+  EXPECT_TRUE(worker.Give({0, machine}));
+  return Wait(worker).value().second;
+}
+
+}  // namespace
+
+TEST(Worker, TurnsAMachineIntoItsLine) {
+  TWorker worker(Echo, {});
+  const TMachineLine line = Work(worker, "a");
+  EXPECT_EQ(line.text, "a\n");
+  EXPECT_FALSE(line.hasFailed);
+}
+
+TEST(Worker, TellsThatAMachineFailed) {
+  TWorker worker(Echo, {});
+  EXPECT_TRUE(Work(worker, "").hasFailed);
+}
+
+TEST(Worker, KnowsWhatItHasNotDoneYet) {
+  TWorker worker(Echo, {});
+  EXPECT_TRUE(worker.GetTasks().empty());
+  EXPECT_TRUE(worker.Give({7, "a"}));
+  EXPECT_TRUE(worker.Give({9, "b"}));
+  ASSERT_EQ(worker.GetTasks().size(), 2U);
+  EXPECT_EQ(worker.GetTasks()[0].number, 7U);
+  EXPECT_EQ(worker.GetTasks()[0].machine, "a");
+  Wait(worker);
+  ASSERT_EQ(worker.GetTasks().size(), 1U);
+  EXPECT_EQ(worker.GetTasks()[0].machine, "b");
+}
+
+TEST(Worker, TakesMachinesWhileItIsAtWork) {
+  TWorker worker(Echo, {});
+  EXPECT_TRUE(worker.Give({7, "a"}));
+  EXPECT_TRUE(worker.Give({9, "b"}));
+  const auto first = Wait(worker).value();
+  const auto second = Wait(worker).value();
+  EXPECT_EQ(first.first, 7U);
+  EXPECT_EQ(first.second.text, "a\n");
+  EXPECT_EQ(second.first, 9U);
+  EXPECT_EQ(second.second.text, "b\n");
+}
+
+TEST(Worker, WorksInAProcessOfItsOwn) {
+  const pid_t parent = getpid();
+  TWorker worker(
+      [parent](const std::string&) {
+        return TMachineLine{getpid() == parent ? "here" : "there", false};
+      },
+      {});
+  EXPECT_EQ(Work(worker, "a").text, "there");
+}
+
+TEST(Worker, TakesOneMachineAfterTheOther) {
+  TWorker worker(Echo, {});
+  for (int number = 0; number < 100; ++number) {
+    const std::string machine = std::to_string(number);
+    EXPECT_EQ(Work(worker, machine).text, machine + "\n");
+  }
+}
+
+TEST(Worker, HandsOverLinesOfAnyLength) {
+  TWorker worker(Echo, {});
+  for (const std::size_t size : {std::size_t{0}, std::size_t{65528}, std::size_t{65529}, std::size_t{5'000'000}}) {
+    EXPECT_EQ(Work(worker, std::string(size, 'x')).text.size(), size + 1);
+  }
+}
+
+TEST(Worker, TellsHowItDied) {
+  TWorker worker([](const std::string&) -> TMachineLine { std::abort(); }, {});
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(Wait(worker), std::nullopt);
+  EXPECT_EQ(worker.DescribeDeath(), "was ended by signal 6 (Aborted)");
+  EXPECT_EQ(worker.GetTasks().front().machine, "a");
+}
+
+TEST(Worker, TellsTheStatusWithWhichItEnded) {
+  TWorker worker([](const std::string&) -> TMachineLine { _exit(3); }, {});
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(Wait(worker), std::nullopt);
+  EXPECT_EQ(worker.DescribeDeath(), "ended with status 3");
+}
+
+TEST(Worker, HandsOverTheLinesFromBeforeItDied) {
+  TWorker worker([](const std::string& machine) { return machine == "fatal" ? _exit(3), Echo("") : Echo(machine); },
+                 {});
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  ASSERT_TRUE(worker.Give({1, "fatal"}));
+  EXPECT_EQ(Wait(worker).value().second.text, "a\n");
+  EXPECT_EQ(Wait(worker), std::nullopt);
+  EXPECT_EQ(worker.GetTasks().front().machine, "fatal");
+}
+
+TEST(Worker, TakesNothingOnceItsProcessHasEnded) {
+  TWorker worker([](const std::string&) -> TMachineLine { _exit(0); }, {});
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(Wait(worker), std::nullopt);
+  EXPECT_FALSE(worker.Give({1, "b"}));
+}
+
+TEST(Worker, IsNotInterruptedWithItsParent) {
+  std::signal(SIGINT, SIG_DFL);  // a shell may have started this with another
+  TWorker worker(
+      [](const std::string&) {
+        std::raise(SIGINT);
+        return TMachineLine{"still here", false};
+      },
+      {});
+  EXPECT_EQ(Work(worker, "a").text, "still here");
+}
+
+TEST(Worker, DoesNotOutliveItsParentWhateverItDoes) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const pid_t parent = fork();
+  if (parent == 0) {
+    TWorker worker(
+        [&](const std::string&) -> TMachineLine {
+          if (write(ends[1], "w", 1) != 1) _exit(1);
+          while (true) pause();
+        },
+        {});
+    worker.Give({0, "a"});
+    while (true) pause();
+  }
+  close(ends[1]);
+  char byte = 0;
+  ASSERT_EQ(read(ends[0], &byte, 1), 1);
+  kill(parent, SIGKILL);
+  EXPECT_EQ(read(ends[0], &byte, 1), 0);  // nobody holds the other end any more
+  waitpid(parent, nullptr, 0);
+  close(ends[0]);
+}

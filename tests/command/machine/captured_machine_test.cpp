@@ -1,0 +1,255 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "command/base/unusable.h"
+#include "command/machine/captured_machine.h"
+#include "command/machine/host_name.h"
+#include "command/machine/machine.h"
+#include "realmode/choose_bios.h"
+#include "realmode/lrmi.h"
+#include "tests/support/captured_machine_builder.h"
+#include "tests/support/edid_builder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class CapturedMachine : public testing::Test {
+ protected:
+  ~CapturedMachine() override { ChooseVideoBios(nullptr); }
+
+  TMachine Read() const { return ReadCapturedMachine(machine.GetPath()); }
+
+  /// The error without the machine's folder in it.
+  std::string GetFailure() const {
+    try {
+      Read();
+    } catch (const TUnusable& failure) {
+      const std::string text = failure.what();
+      const std::string folder = machine.GetPath().string() + "/";
+      return text.compare(0, folder.size(), folder) == 0 ? text.substr(folder.size()) : text;
+    }
+    return "no failure";
+  }
+
+  std::string GetJsonFailure(const std::string& json) const {
+    machine.Json(json);
+    return GetFailure();
+  }
+
+  /// What the machine's BIOS does: "-" for a call that fails, else AX in hexadecimal.
+  std::string CallBios(unsigned int unit, unsigned int block) const {
+    ChooseVideoBios(Read().bios);
+    if (LRMI_init() == 0) return "no BIOS";
+    void* const buffer = LRMI_alloc_real(128);
+    if (buffer == nullptr) return "no memory";
+    LRMI_regs registers = {};
+    registers.eax = 0x4F15;
+    registers.ebx = 1;
+    registers.ecx = unit;
+    registers.edx = block;
+    registers.es = static_cast<unsigned short>(reinterpret_cast<std::uintptr_t>(buffer) / 16);
+    if (LRMI_int(0x10, &registers) == 0) return "-";
+    char text[16];
+    std::snprintf(text, sizeof text, "%04X", registers.eax & 0xFFFF);
+    return text;
+  }
+
+  TCapturedMachineBuilder machine;
+};
+
+}  // namespace
+
+TEST_F(CapturedMachine, MayBeAnEmptyFolder) {
+  const TMachine read = Read();
+  EXPECT_EQ(read.host.systemName, GetHostName());
+  EXPECT_EQ(read.host.systemCreationClassName, "CIM_UnitaryComputerSystem");
+  EXPECT_EQ(read.host.systemType, 2);
+  EXPECT_TRUE(read.host.provider);
+  EXPECT_EQ(read.host.root, machine.GetPath() / "root");
+  EXPECT_EQ(CallBios(0, 0), "014F");
+}
+
+TEST_F(CapturedMachine, TellsTheHostWhatItIs) {
+  machine.Json(R"({"systemName": "ws-17", "systemCreationClassName": "X", "systemType": -3, "provider": false})");
+  const TMachine read = Read();
+  EXPECT_EQ(read.host.systemName, "ws-17");
+  EXPECT_EQ(read.host.systemCreationClassName, "X");
+  EXPECT_EQ(read.host.systemType, -3);
+  EXPECT_FALSE(read.host.provider);
+}
+
+TEST_F(CapturedMachine, AnswersWithItsEdids) {
+  machine.Edid(0, TEdidBuilder().Extension({0x02}).Build()).Edid(12, TEdidBuilder().Build());
+  EXPECT_EQ(CallBios(0, 0), "004F");
+  EXPECT_EQ(CallBios(0, 1), "004F");
+  EXPECT_EQ(CallBios(0, 2), "014F");
+  EXPECT_EQ(CallBios(1, 0), "014F");
+  EXPECT_EQ(CallBios(12, 0), "004F");
+}
+
+TEST_F(CapturedMachine, MayHaveNoBios) {
+  machine.Json(R"({"bios": {"present": false}})");
+  EXPECT_EQ(CallBios(0, 0), "no BIOS");
+}
+
+TEST_F(CapturedMachine, MayHaveNoRealModeMemory) {
+  machine.Json(R"({"bios": {"memory": false}})");
+  EXPECT_EQ(CallBios(0, 0), "no memory");
+}
+
+TEST_F(CapturedMachine, MayIgnoreTheUnit) {
+  machine.Json(R"({"bios": {"ignoresUnit": true}})").Edid(0, TEdidBuilder().Build());
+  EXPECT_EQ(CallBios(7, 0), "004F");
+}
+
+TEST_F(CapturedMachine, MayFailAtABlock) {
+  machine.Json(R"({"bios": {"units": {"1": {"failAtBlock": 1}}}})").Edid(1, TEdidBuilder().Extension({0x02}).Build());
+  EXPECT_EQ(CallBios(1, 0), "004F");
+  EXPECT_EQ(CallBios(1, 1), "-");
+}
+
+TEST_F(CapturedMachine, MayAnswerAnErrorAtABlock) {
+  machine.Json(R"({"bios": {"units": {"0": {"errorAtBlock": 0}}}})").Edid(0, TEdidBuilder().Build());
+  EXPECT_EQ(CallBios(0, 0), "014F");
+}
+
+TEST_F(CapturedMachine, MustExist) {
+  try {
+    ReadCapturedMachine("/no/such/folder");
+    FAIL();
+  } catch (const TUnusable& failure) {
+    EXPECT_STREQ(failure.what(),
+                 "/no/such/folder: is not the folder of a captured machine; --machine takes one that exists");
+  }
+}
+
+TEST_F(CapturedMachine, NamesAnUnknownKeyAndTheKnownOnes) {
+  EXPECT_EQ(GetJsonFailure(R"({"sytemName": "x"})"),
+            "machine.json: \"sytemName\" is not a known key; known here: bios, provider, systemCreationClassName, "
+            "systemName, systemType");
+  EXPECT_EQ(GetJsonFailure(R"({"bios": {"absent": true}})"),
+            "machine.json: \"bios.absent\" is not a known key; known here: ignoresUnit, memory, present, units");
+  EXPECT_EQ(GetJsonFailure(R"({"bios": {"units": {"0": {"failAt": 1}}}})"),
+            "machine.json: \"bios.units.0.failAt\" is not a known key; known here: errorAtBlock, failAtBlock");
+}
+
+TEST_F(CapturedMachine, NamesAValueOfTheWrongType) {
+  const std::pair<const char*, const char*> cases[] = {
+      {R"([])", "the document must be an object"},
+      {R"({"systemName": 1})", "\"systemName\" must be a string"},
+      {R"({"systemCreationClassName": null})", "\"systemCreationClassName\" must be a string"},
+      {R"({"systemType": "2"})", "\"systemType\" must be a whole number of 32 bits"},
+      {R"({"systemType": 2.5})", "\"systemType\" must be a whole number of 32 bits"},
+      {R"({"systemType": 2147483648})", "\"systemType\" must be a whole number of 32 bits"},
+      {R"({"systemType": 18446744073709551615})", "\"systemType\" must be a whole number of 32 bits"},
+      {R"({"provider": 1})", "\"provider\" must be true or false"},
+      {R"({"bios": true})", "\"bios\" must be an object"},
+      {R"({"bios": {"present": "yes"}})", "\"bios.present\" must be true or false"},
+      {R"({"bios": {"units": []}})", "\"bios.units\" must be an object"},
+      {R"({"bios": {"units": {"first": {}}}})",
+       "\"bios.units.first\" is not a unit number; units are named 0, 1, 2, ..."},
+      {R"({"bios": {"units": {"-1": {}}}})", "\"bios.units.-1\" is not a unit number; units are named 0, 1, 2, ..."},
+      {R"({"bios": {"units": {"01": {}}}})", "\"bios.units.01\" is not a unit number; units are named 0, 1, 2, ..."},
+      {R"({"bios": {"units": {"0": 1}}})", "\"bios.units.0\" must be an object"},
+      {R"({"bios": {"units": {"0": {"failAtBlock": -1}}}})",
+       "\"bios.units.0.failAtBlock\" must be a block number: 0, 1, 2, ..."},
+      {R"({"bios": {"units": {"0": {"errorAtBlock": true}}}})",
+       "\"bios.units.0.errorAtBlock\" must be a block number: 0, 1, 2, ..."},
+  };
+  for (const auto& [json, failure] : cases) {
+    EXPECT_EQ(GetJsonFailure(json), std::string("machine.json: ") + failure) << json;
+  }
+}
+
+TEST_F(CapturedMachine, SaysWhereTheJsonIsBroken) {
+  const std::string failure = GetJsonFailure("{\"provider\": tru}");
+  EXPECT_EQ(failure.find("machine.json: is not JSON: parse error at line 1, column "), 0U) << failure;
+}
+
+TEST_F(CapturedMachine, NamesTheFileOfANumberThatNoTypeHolds) {
+  EXPECT_EQ(GetJsonFailure(R"({"systemType": 1e999})"), "machine.json: is not JSON: number overflow parsing '1e999'");
+}
+
+TEST_F(CapturedMachine, RefusesAnEdidThatIsNotWholeBlocks) {
+  machine.Edid(0, std::vector<std::uint8_t>(129));
+  EXPECT_EQ(GetFailure(),
+            "edid/0.bin: its size, 129 bytes, is not a multiple of 128; an EDID is whole 128-byte blocks");
+}
+
+TEST_F(CapturedMachine, RefusesAnEdidOfMoreBlocksThanAnEdidCanHave) {
+  machine.Edid(0, std::vector<std::uint8_t>(257 * 128));
+  EXPECT_EQ(GetFailure(), "edid/0.bin: is larger than 32768 bytes, which no such file needs");
+}
+
+TEST_F(CapturedMachine, TakesAnEmptyEdidForNone) {
+  machine.Edid(0, {});
+  EXPECT_EQ(CallBios(0, 0), "014F");
+}
+
+TEST_F(CapturedMachine, RefusesAnEdidThatIsNotNamedAfterAUnit) {
+  machine.File("edid/left.bin", std::string(128, '\0'));
+  EXPECT_EQ(GetFailure(), "edid/left.bin: is not named after a unit; call it 0.bin, 1.bin, ...");
+}
+
+TEST_F(CapturedMachine, RefusesASecondNameOfAUnit) {
+  machine.File("edid/0.bin", std::string(128, '\0'));
+  machine.File("edid/00.bin", std::string(128, '\xFF'));
+  EXPECT_EQ(GetFailure(), "edid/00.bin: is not named after a unit; call it 0.bin, 1.bin, ...");
+}
+
+TEST_F(CapturedMachine, MayHaveNotesBesideTheEdids) {
+  machine.File("edid/README", "where they came from");
+  EXPECT_EQ(GetFailure(), "no failure");
+}
+
+TEST_F(CapturedMachine, RefusesAnythingButAFile) {
+  fs::create_directories(machine.GetPath() / "edid/0.bin");
+  EXPECT_EQ(GetFailure(), "edid/0.bin: must be a regular file inside the machine's folder");
+}
+
+TEST_F(CapturedMachine, DoesNotWaitForAFifo) {
+  ASSERT_EQ(mkfifo((machine.GetPath() / "machine.json").c_str(), 0600), 0);
+  EXPECT_EQ(GetFailure(), "machine.json: must be a regular file inside the machine's folder");
+}
+
+TEST_F(CapturedMachine, RefusesAnEdidFolderThatIsAFile) {
+  machine.File("edid", "");
+  EXPECT_EQ(GetFailure(), "edid: must be a folder inside the machine's folder");
+}
+
+TEST_F(CapturedMachine, MayLinkItsFilesToEachOther) {
+  machine.Edid(1, TEdidBuilder().Build());
+  fs::create_symlink("1.bin", machine.GetPath() / "edid/0.bin");
+  EXPECT_EQ(CallBios(0, 0), "004F");
+}
+
+TEST_F(CapturedMachine, RefusesEveryLinkThatLeadsOutOfIt) {
+  const TTemporaryFolder elsewhere;
+  elsewhere.Write("0.bin", std::string(128, '\0'));
+  const std::string file = elsewhere.GetPath() / "0.bin";
+  const struct {
+    const char* name;
+    std::string target;
+    const char* kind;
+  } links[] = {
+      {"machine.json", file, "regular file"},
+      {"edid", elsewhere.GetPath().string(), "folder"},
+      {"root", "/", "folder"},
+      {"root", "..", "folder"},
+  };
+  for (const auto& link : links) {
+    fs::create_symlink(link.target, machine.GetPath() / link.name);
+    EXPECT_EQ(GetFailure(), std::string(link.name) + ": must be a " + link.kind + " inside the machine's folder");
+    fs::remove(machine.GetPath() / link.name);
+  }
+  fs::create_directory(machine.GetPath() / "edid");
+  fs::create_symlink(file, machine.GetPath() / "edid/0.bin");
+  EXPECT_EQ(GetFailure(), "edid/0.bin: must be a regular file inside the machine's folder");
+}
+
+TEST_F(CapturedMachine, RefusesALinkToNothing) {
+  fs::create_symlink("nothing", machine.GetPath() / "machine.json");
+  EXPECT_EQ(GetFailure(), "machine.json: must be a regular file inside the machine's folder");
+}

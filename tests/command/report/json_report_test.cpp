@@ -1,0 +1,102 @@
+#include "command/report/json_report.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+#include "embedded_host/schema.h"
+
+using nlohmann::json;
+using NQRXZELT20::ILogger;
+using NQRXZELT20::TCIMDateTime;
+using NQRXZELT20::TCIMValue;
+
+namespace {
+
+const TPluginIdentity kPlugin = {"A plug-in", "1.2", "1.0", 0};
+
+class JsonReport : public testing::Test {
+ protected:
+  boost::shared_ptr<TCimStore> store = TCimStore::Create(GetSchema());
+
+  TAnswer AnswerWith(const std::map<std::string, TCIMValue>& properties) {
+    const auto instance = store->GetClass("QRXSG_DesktopMonitor", {})->CreateInstance({});
+    for (const auto& [name, value] : properties) instance->SetProperty(name, value, {});
+    instance->Commit({});
+    TAnswer answer;
+    answer.plugin = kPlugin;
+    answer.requests.push_back({{"QRXSG_DesktopMonitor"}, store->TakeCommits(), {}});
+    return answer;
+  }
+
+  json GetProperties(const std::map<std::string, TCIMValue>& properties) {
+    return json::parse(MakeJsonReport(AnswerWith(properties)))["requests"][0]["instances"][0]["properties"];
+  }
+};
+
+}  // namespace
+
+TEST_F(JsonReport, HoldsTheWholeAnswer) {
+  TAnswer answer = AnswerWith({{"DeviceID", TCIMValue("Monitor 1")}});
+  answer.requests[0].log = {{ILogger::kDebug, "asked"}};
+  answer.log = {{ILogger::kStatus, "begun"}, {ILogger::kDebug, "asked"}};
+  EXPECT_EQ(json::parse(MakeJsonReport(answer)), json::parse(R"({
+    "plugin": {"name": "A plug-in", "version": "1.2", "interfaceVersion": "1.0", "type": 0},
+    "requests": [{
+      "classes": ["QRXSG_DesktopMonitor"],
+      "instances": [{
+        "class": "QRXSG_DesktopMonitor",
+        "path": "QRXSG_DesktopMonitor.DeviceID=\"Monitor 1\"",
+        "properties": {"DeviceID": {"type": "string", "value": "Monitor 1"}}}],
+      "log": [{"severity": "debug", "message": "asked"}]}],
+    "log": [{"severity": "status", "message": "begun"}, {"severity": "debug", "message": "asked"}]})"));
+}
+
+TEST_F(JsonReport, GivesEachTypeItsOwnForm) {
+  TCIMDateTime date;
+  date.Set(2010, 1, 1, 6, 0, 0, 0, 0);
+  typedef TCIMValue::TCIMType TType;
+  EXPECT_EQ(GetProperties({
+                {"Name", TCIMValue("n")},
+                {"DPMSStandby", TCIMValue(true)},
+                {"MinVertFreq", TCIMValue(static_cast<unsigned char>(50))},
+                {"Bandwidth", TCIMValue(4294967295U)},
+                {"Gamma", TCIMValue(2.2F)},
+                {"ManufacturingDate", TCIMValue(date)},
+                {"OperationalStatus", TCIMValue(TType(TType::kUint16), 1, {TCIMValue(static_cast<unsigned short>(2))})},
+                {"StatusDescriptions", TCIMValue(TType(TType::kString), 0, {})},
+            }),
+            json::parse(R"({
+              "Name": {"type": "string", "value": "n"},
+              "DPMSStandby": {"type": "boolean", "value": true},
+              "MinVertFreq": {"type": "uint8", "value": 50},
+              "Bandwidth": {"type": "uint32", "value": 4294967295},
+              "Gamma": {"type": "real32", "value": 2.2},
+              "ManufacturingDate": {"type": "datetime", "value": "20100101060000.000000+000"},
+              "OperationalStatus": {"type": "uint16[]", "value": [2]},
+              "StatusDescriptions": {"type": "string[]", "value": []}})"));
+}
+
+TEST_F(JsonReport, WritesARealAsTheShortestDecimalOfTheSameFloat) {
+  for (int hundredths = 100; hundredths < 400; ++hundredths) {
+    const float value = static_cast<float>(hundredths) / 100.0F;
+    const std::string text = MakeJsonReport(AnswerWith({{"Gamma", TCIMValue(value)}}));
+    std::string shortest = static_cast<std::string>(TCIMValue(value));
+    if (shortest.find('.') == std::string::npos) shortest += ".0";
+    EXPECT_NE(text.find("\"value\": " + shortest + "\n"), std::string::npos) << shortest;
+    EXPECT_EQ(std::strtof(shortest.c_str(), nullptr), value);
+  }
+}
+
+TEST_F(JsonReport, HasNoNumberForARealThatIsNone) {
+  EXPECT_TRUE(
+      GetProperties({{"Gamma", TCIMValue(std::numeric_limits<float>::infinity())}})["Gamma"]["value"].is_null());
+}
+
+TEST_F(JsonReport, ReplacesBytesThatAreNotText) {
+  EXPECT_EQ(GetProperties({{"Name", TCIMValue("\xE2\x82"
+                                              "A\x1B")}})["Name"]["value"],
+            "\uFFFD\uFFFDA\u001B");
+}

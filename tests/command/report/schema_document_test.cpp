@@ -1,0 +1,50 @@
+#include "command/report/schema_document.h"
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "embedded_host/schema.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+TEST(SchemaText, TellsTypeKeyUnitMeaningAndSource) {
+  const std::string text = MakeSchemaText();
+  EXPECT_THAT(text, HasSubstr("QRXSG_DesktopMonitor\n"
+                              "  A monitor that answers the video BIOS with an EDID.\n"
+                              "  From the EDID of the monitor.\n"
+                              "  CreationClassName             string    key\n"));
+  EXPECT_THAT(text, HasSubstr("  Bandwidth                     uint32    MHz\n      The highest pixel clock.\n"));
+}
+
+TEST(SchemaText, IsEightyColumnsWideAtMost) {
+  std::istringstream lines(MakeSchemaText());
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
+}
+
+TEST(SchemaMof, DeclaresKeysUnitsAndArrays) {
+  const std::string mof = MakeSchemaMof();
+  EXPECT_THAT(mof, HasSubstr("class QRXSG_MonitorResolution {\n    [Key, Description("));
+  EXPECT_THAT(mof,
+              HasSubstr("    [Units(\"MHz\"), Description(\"The highest pixel clock.\")]\n    uint32 Bandwidth;\n"));
+  EXPECT_THAT(mof, HasSubstr("    uint16 OperationalStatus[];\n"));
+}
+
+TEST(SchemaMof, DeclaresAssociationsWithTheClassesTheyReferTo) {
+  EXPECT_THAT(MakeSchemaMof(), HasSubstr("[Association, Description(\"Links a monitor to a mode.\")]\n"
+                                         "class QRXSG_MonitorSetting {\n"
+                                         "    [Key, Description(\"The monitor.\")]\n"
+                                         "    QRXSG_DesktopMonitor REF Element;\n"));
+}
+
+TEST(JsonSchema, KnowsEveryPropertyOfEveryClass) {
+  const json instances =
+      json::parse(MakeJsonSchema())["properties"]["requests"]["items"]["properties"]["instances"]["items"]["oneOf"];
+  ASSERT_EQ(instances.size(), GetSchema().size());
+  for (std::size_t index = 0; index < instances.size(); ++index) {
+    EXPECT_EQ(instances[index]["properties"]["class"]["const"], GetSchema()[index].name);
+    EXPECT_EQ(instances[index]["properties"]["properties"]["properties"].size(), GetSchema()[index].properties.size());
+  }
+}
