@@ -1,4 +1,4 @@
-// make_example_edids FOLDER: writes the EDIDs of the example machines below the folder (see examples/make).
+// make_example_edids FOLDER: writes the EDIDs of the example machines below the folder (see tools/make-example-edids).
 #include <filesystem>
 #include <fstream>
 #include <iostream>
