@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "command/machine/captured_machine.h"
-#include "embedded_host/machine_files.h"
+#include "command/machine/folder_files.h"
 #include "embedded_host/schema.h"
 #include "realmode/choose_bios.h"
 #include "tests/support/loaded_plugin.h"
@@ -19,7 +19,7 @@ class TOffice {
  public:
   TOffice() {
     ChooseVideoBios(ReadCapturedMachine(OFFICE_FOLDER).bios);
-    host.files[kConfiguration] = TMachineFiles(OFFICE_FOLDER "/root").Read(kConfiguration);
+    host.files[kConfiguration] = TFolderFiles(TRootedFolder(OFFICE_FOLDER "/root")).Read(kConfiguration);
   }
   ~TOffice() { ChooseVideoBios(nullptr); }
   TOffice(const TOffice&) = delete;

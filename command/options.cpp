@@ -137,7 +137,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
 
   TCaptureOptions captureOptions;
   CLI::App* const capture = app.add_subcommand("capture", "Write this machine down as a captured machine")->group("");
-  capture->add_option("TARGET", captureOptions.target, "A folder, or FILE.tar.gz; must not exist")->required();
+  capture->add_option("TARGET", captureOptions.target, "FILE.json, or a folder; must not exist")->required();
   capture->add_flag("--anonymous", captureOptions.isAnonymous, "Blank serial numbers and the system's name");
   AddChoice(*capture, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from");
   capture->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
@@ -145,7 +145,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   app.footer(
       "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
       "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting\n"
-      "Examples: sudo displayinfo --edid-source bios; displayinfo capture ws-17.tar.gz\n"
+      "Examples: sudo displayinfo --edid-source bios; displayinfo capture ws-17.json\n"
       "          ls -d captured/* | displayinfo --machines - >answers.jsonl");
 
   try {

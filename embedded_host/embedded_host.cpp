@@ -6,14 +6,15 @@
 
 #include "embedded_host/plugin_manager.h"
 #include "embedded_host/schema.h"
+#include "host/exception.h"
 
 using NQRXZELT20::ICIMNamespace;
 using NQRXZELT20::ILogger;
 using NQRXZELT20::IPluginCallbacks;
+using NQRXZELT20::TZELTException;
 
 TEmbeddedHost::TEmbeddedHost(THostConfiguration configuration, std::function<void(const TLogEntry&)> logListener)
     : m_configuration(std::move(configuration)),
-      m_files(m_configuration.root),
       m_log(std::move(logListener)),
       m_store(TCimStore::Create(GetSchema())),
       m_pluginManager(boost::make_shared<TPluginManager>(m_configuration.provider, m_store)) {
@@ -34,8 +35,11 @@ std::string TEmbeddedHost::GetSystemCreationClassName(boost::shared_ptr<ICIMName
   return m_configuration.systemCreationClassName;
 }
 bool TEmbeddedHost::FileExists(const std::string& path) {
-  m_fileQueries.push_back({path, m_files.Exists(path)});
+  m_fileQueries.push_back({path, m_configuration.files && m_configuration.files->Exists(path)});
   return m_fileQueries.back().exists;
 }
-std::string TEmbeddedHost::CaptureFile(const std::string& path) { return m_files.Read(path); }
+std::string TEmbeddedHost::CaptureFile(const std::string& path) {
+  if (!m_configuration.files) throw TZELTException(path + ": no such file");
+  return m_configuration.files->Read(path);
+}
 int TEmbeddedHost::GetRunningTypeOnXen() { return m_configuration.systemType; }

@@ -3,8 +3,8 @@
 
 #include <boost/shared_ptr.hpp>
 
-#include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,9 +22,9 @@ class TPluginManager;
 struct THostConfiguration {
   std::string systemName;
   std::string systemCreationClassName = "CIM_UnitaryComputerSystem";
-  int systemType = 2;                // the answer to GetRunningTypeOnXen
-  bool provider = true;              // whether plug-ins are given a provider pointer
-  std::filesystem::path root = "/";  // where the machine's files are
+  int systemType = 2;                    // the answer to GetRunningTypeOnXen
+  bool provider = true;                  // whether plug-ins are given a provider pointer
+  std::shared_ptr<IMachineFiles> files;  // null: the machine has no files
 };
 
 /// A file that a plug-in asked for, and whether it was there.
@@ -63,7 +63,6 @@ class HOST_API TEmbeddedHost : private IHostServices {
   int GetRunningTypeOnXen() override;
 
   THostConfiguration m_configuration;
-  TMachineFiles m_files;
   std::vector<TFileQuery> m_fileQueries;
   TLog m_log;
   boost::shared_ptr<TCimStore> m_store;

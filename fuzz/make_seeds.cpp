@@ -37,6 +37,21 @@ constexpr const char* kMachineJsons[] = {
     R"([1.5e3, "\u00e9"])",
 };
 
+// A machine in one file with everything that one may have, and others with something that none may have.
+constexpr const char* kMachineDocuments[] = {
+    R"({"captured": 1, "systemName": "a", "systemCreationClassName": "b", "systemType": 2, "provider": true,
+        "bios": {"present": true, "memory": false, "ignoresUnit": true,
+                 "units": {"0": {"connector": "card0-DP-1", "failAtBlock": 1}, "1": {"errorAtBlock": 0}}},
+        "files": {"/etc/X11/xorg.conf": {"text": "\u00e9"}, "/etc/X11/XF86Config": {"base64": "/wA="}},
+        "edids": {"2": ""}})",
+    R"({"captured": 2})",
+    R"({"captured": 1, "captured": 1})",
+    R"({"captured": 1, "files": {"/a/../b": {"text": ""}}})",
+    R"({"captured": 1, "files": {"/a": {"text": "", "base64": ""}}})",
+    R"({"captured": 1, "edids": {"0": "Zh=="}})",
+    R"({"a": [[[[{}]]]], "captured": 1})",
+};
+
 std::string ReadFile(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(stream), {});
@@ -123,6 +138,7 @@ int main(int argumentCount, char** arguments) try {
   seeds.Add("monitors", units);
   for (const char* text : kSections) seeds.Add("sections", text);
   for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
+  for (const char* text : kMachineDocuments) seeds.Add("machine_document", text);
   return 0;
 } catch (const std::exception& error) {
   std::cerr << "make_seeds: " << error.what() << '\n';

@@ -9,6 +9,7 @@
 
 #include "command/collection/collection.h"
 #include "command/machine/machine.h"
+#include "command/machine/memory_files.h"
 #include "command/report/html/html_report.h"
 #include "command/report/json_report.h"
 #include "command/report/mof_report.h"
@@ -20,7 +21,6 @@
 #include "plugin/video/video_info.h"
 #include "realmode/choose_bios.h"
 #include "realmode/virtual_video_bios.h"
-#include "tests/support/temporary_folder.h"
 
 using NQRXZELT20::ICIMClass;
 using NQRXZELT20::ICIMInstance;
@@ -73,10 +73,9 @@ class TPlugin {
 };
 
 TMachine MakeMachine(TInput& input) {
-  static const TTemporaryFolder folder;
   const unsigned int bits = input.TakeByte();
   const unsigned int block = input.TakeByte();
-  folder.Write("etc/X11/xorg.conf", input.TakeText());
+  const std::string configuration = input.TakeText();
 
   TVirtualBiosConfiguration bios;
   bios.present = (bits & kNoBios) == 0;
@@ -93,7 +92,8 @@ TMachine MakeMachine(TInput& input) {
   machine.host.systemName = "fuzzed";
   machine.host.systemType = (bits & kOtherSystem) != 0 ? 1 : 2;
   machine.host.provider = (bits & kNoProvider) == 0;
-  machine.host.root = folder.GetPath();
+  machine.host.files =
+      std::make_shared<TMemoryFiles>(std::map<std::string, std::string>{{"/etc/X11/xorg.conf", configuration}});
   machine.bios = std::make_shared<TVirtualVideoBios>(std::move(bios));
   return machine;
 }

@@ -38,7 +38,7 @@ bool TVirtualVideoBios::Start(TRealModeMemory& memory) {
 
 bool TVirtualVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) {
   const unsigned int block = registers.edx & 0xFFFF;
-  const auto unit = m_configuration.units.find(m_configuration.ignoresUnit ? 0 : registers.ecx & 0xFFFF);
+  const auto unit = m_configuration.units.find(m_configuration.ignoresUnit ? 0 : registers.ecx);
   if (!IsReadEdid(number, registers) || unit == m_configuration.units.end()) {
     SetAx(registers, kFailure);
     return true;

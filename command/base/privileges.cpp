@@ -2,6 +2,7 @@
 
 #include <linux/capability.h>
 #include <sys/io.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -9,6 +10,7 @@ void DropPrivileges(bool keepsReading) {
   constexpr unsigned long lowPorts = 0x400;
   static_cast<void>(ioperm(0, lowPorts, 0));
   static_cast<void>(iopl(0));
+  static_cast<void>(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0));  // else a program that is started might have them again
   __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
   __user_cap_data_struct sets[_LINUX_CAPABILITY_U32S_3] = {};
   static_assert(CAP_DAC_READ_SEARCH < 32, "it stands in the first word of a set");

@@ -1,6 +1,7 @@
 // The privileges of the command, which only the calls of a real video BIOS need.
 #pragma once
 
-/// Gives up the I/O ports and every capability, for good, but for the one to read and search any file and folder when
-/// `keepsReading`: a machine may have been captured by another user. Does nothing in a process that has none.
+/// Gives up the I/O ports and every capability, for good, except the one to read and search any file and folder when
+/// `keepsReading`: a machine may have been captured by another user. No program that this process starts gets any of
+/// them back.
 void DropPrivileges(bool keepsReading);

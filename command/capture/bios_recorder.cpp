@@ -26,7 +26,7 @@ bool TBiosRecorder::Start(TRealModeMemory& memory) {
 bool TBiosRecorder::Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) {
   const LRMI_regs asked = registers;
   const bool hasReturned = m_bios->Interrupt(number, registers, memory);
-  std::vector<TBlock>& blocks = m_units[asked.ecx & 0xFFFF];
+  std::vector<TBlock>& blocks = m_units[asked.ecx];
   if ((asked.edx & 0xFFFF) != blocks.size()) return hasReturned;  // noted before
   // AH is 0 when a VBE function has done its work.
   if (!hasReturned || (registers.eax & 0xFF00) != 0) {

@@ -7,9 +7,8 @@
 
 /// Collects all six classes from `machine` with that plug-in, and writes what the plug-in was given, no more, as a
 /// captured machine: the files it looked for and found, the EDIDs as the BIOS gave them, and machine.json. `target`: a
-/// folder, or a file that ends in .tar.gz or .tgz, which must not exist. Before it is done it collects from what it has
-/// written, and throws TUnusable when the answer is another one; also when `target` exists or cannot be written. Then
-/// nothing is left.
+/// file that ends in .json, or a folder; it must not exist. Before it is done it collects from what it has written, and
+/// throws TUnusable when the answer is another one, or when `target` exists or cannot be written. Then nothing is left.
 ///
 /// `isAnonymous`: blanks the serial numbers in the EDIDs' base blocks, and the system's name. The files stay as they
 /// are.

@@ -1,11 +1,18 @@
-// A captured machine: a folder with machine.json, edid/ and root/, or one packed into a file.
+// A captured machine: a folder with machine.json, edid/ and root/, or one JSON document.
 #pragma once
 
 #include <filesystem>
 
 #include "command/machine/machine.h"
+#include "command/machine/machine_document.h"
 
-/// The machine that a folder holds, or a file that a folder was packed into (see machine_archive.h). Throws TUnusable,
-/// naming file and key, when the folder or anything in it that the collection would use is not as it must be, or leads
-/// out of the folder.
+/// The machine that a folder or a file holds. It may have been made by anybody: nothing outside it is read, nothing is
+/// written or run. Throws TUnusable, naming file and key, when anything in it that the collection would use is not as
+/// it must be, or leads out of the folder.
 TMachine ReadCapturedMachine(const std::filesystem::path& path);
+
+/// The machine of a document, with the document's files.
+TMachine MakeCapturedMachine(TMachineDocument document);
+
+/// Whether the name is one of a packed folder (.tar.gz, .tgz), which is neither read nor written.
+bool IsPackedName(const std::filesystem::path& path);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -12,7 +13,7 @@ class IVideoBios;
 /// What a report can say of where the EDIDs came from.
 struct TEdidOrigin {
   std::string none = "no EDID from unit 0 of the video BIOS.";  // why there is no monitor
-  /// Whence the EDID of a unit was read; empty for a captured machine, of which only the folder is known.
+  /// Where the EDID of a unit was read from; an empty text where that is not known.
   std::function<std::string(std::size_t unit)> describe;
 };
 
@@ -22,5 +23,6 @@ struct TMachine {
   /// Why the BIOS could not be called, asked after a collection; empty when it could, or was not needed.
   std::function<std::string()> getBiosFailure;
   TEdidOrigin edidOrigin;
-  std::shared_ptr<const void> folder;  // that a machine in one file was unpacked into; goes with the machine
+  /// The output that the EDID of a unit was read from, such as "card0-DP-1", where that is known.
+  std::map<unsigned int, std::string> connectors;
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "command/machine/drm_edids.h"
+#include "command/machine/folder_files.h"
 #include "command/machine/host_name.h"
 #include "realmode/real_video_bios.h"
 #include "realmode/virtual_video_bios.h"
@@ -14,6 +15,7 @@ void UseDrm(TMachine& machine, std::vector<TDrmEdid> edids, const std::filesyste
   TVirtualBiosConfiguration bios;
   for (std::size_t unit = 0; unit < edids.size(); ++unit) {
     bios.units[static_cast<unsigned int>(unit)].edid = edids[unit].bytes;
+    machine.connectors[static_cast<unsigned int>(unit)] = edids[unit].connector;
   }
   machine.bios = std::make_shared<TVirtualVideoBios>(std::move(bios));
   machine.getBiosFailure = [] { return std::string(); };
@@ -38,6 +40,7 @@ void UseBios(TMachine& machine, const std::string& failurePrefix) {
 TMachine MakeThisMachine(EEdidSource source, const std::filesystem::path& drmFolder) {
   TMachine machine;
   machine.host.systemName = GetHostName();
+  machine.host.files = std::make_shared<TFolderFiles>(TRootedFolder("/", ELinks::kAll));
   std::vector<TDrmEdid> edids;
   if (source != EEdidSource::kBios) edids = ReadDrmEdids(drmFolder);
   if (source == EEdidSource::kDrm || !edids.empty()) {

@@ -1,5 +1,6 @@
 // The command as its users run it.
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -121,8 +122,10 @@ TEST_F(Command, ExplainsWrongUsageInOneLine) {
 }
 
 TEST_F(Command, NamesAMachineThatIsNotThere) {
-  ExpectUnusable(RunShell(kCommand + " --machine /no/such/folder"),
-                 "/no/such/folder: is not the folder of a captured machine; --machine takes one that exists");
+  ExpectUnusable(
+      RunShell(kCommand + " --machine /no/such/folder"),
+      "/no/such/folder: is not a captured machine: No such file or directory; --machine takes a folder or a file "
+      "that exists");
 }
 
 TEST_F(Command, ChecksTheMachineBeforeItLoadsThePlugin) {
@@ -185,6 +188,31 @@ TEST_F(Command, CapturesThisMachineOnce) {
                  target + ": cannot be made: is there already; name a folder that can be");
 }
 
+TEST_F(Command, CapturesThisMachineIntoOneFileWithTheSameAnswer) {
+  const TTemporaryFolder folder;
+  const std::string target = (folder.GetPath() / "ws-17.json").string();
+  const TProcessResult result = RunShell(kCommand + " capture --edid-source drm " + target);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors,
+            "displayinfo: captured; displayinfo --machine " + target + " answers as this machine does\n");
+  EXPECT_EQ(RunShell(kCommand + " --format json --machine " + target).output,
+            RunShell(kCommand + " --format json --edid-source drm").output);
+  ExpectUnusable(RunShell(kCommand + " capture " + target),
+                 target + ": cannot be made: is there already; name a file that can be");
+}
+
+// Without any capability nobody gets at the BIOS, root neither.
+TEST_F(Command, SaysThatTheBiosCouldNotBeReadWhenItCaptures) {
+  const TTemporaryFolder folder;
+  const std::string target = (folder.GetPath() / "ws-17.json").string();
+  const std::string powerless = geteuid() == 0 ? "setpriv --bounding-set=-all " : "";
+  const TProcessResult result = RunShell(powerless + kCommand + " capture --edid-source bios " + target);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.errors, HasSubstr("; a captured machine (--machine DIR) does without it\n"));
+  EXPECT_EQ(json::parse(RunShell("cat " + target).output)["bios"]["present"], false);
+}
+
 TEST_F(Command, CapturesNothingWithoutATarget) {
   ExpectWrongUsage("capture", "TARGET is required");
   ExpectWrongUsage("capture --machine ws-17 x", "--machine");
@@ -209,10 +237,11 @@ TEST_F(Command, HasNoCapabilityLeftWhenItAnswers) {
   for (int count = 0; count < 100; ++count) requests += " --request QRXSG_DesktopMonitor";  // more than a pipe holds
   machine.Edid(0, TEdidBuilder().Build());
   const std::string pipe = machine.GetPath() / "pipe";
-  const TProcessResult result = RunShell(
-      "mkfifo " + pipe + "; " + kCommand + " --machine " + machine.GetPath().string() + " --format json" + requests +
-      " >" + pipe + " & exec 3<" + pipe + "; read -r line <&3; grep CapEff /proc/$!/status; cat <&3 >/dev/null");
-  EXPECT_EQ(result.output, "CapEff:\t0000000000000000\n");
+  const TProcessResult result =
+      RunShell("mkfifo " + pipe + "; " + kCommand + " --machine " + machine.GetPath().string() + " --format json" +
+               requests + " >" + pipe + " & exec 3<" + pipe +
+               "; read -r line <&3; grep -E 'CapEff|NoNewPrivs' /proc/$!/status; cat <&3 >/dev/null");
+  EXPECT_EQ(result.output, "CapEff:\t0000000000000000\nNoNewPrivs:\t1\n");
 }
 
 // A pipe in the place of the plug-in: it is opened when the machine has been looked at.
@@ -220,6 +249,47 @@ TEST_F(Command, HasNoCapabilityButToReadWhenItLooksAtACapturedMachine) {
   const std::string pipe = machine.GetPath() / "pipe";
   const TProcessResult result =
       RunShell("mkfifo " + pipe + "; " + kCommand + " --machine " + machine.GetPath().string() + " --plugin " + pipe +
-               " & exec 3>" + pipe + "; grep CapEff /proc/$!/status");
-  EXPECT_THAT(result.output, AnyOf("CapEff:\t0000000000000000\n", "CapEff:\t0000000000000004\n"));
+               " & exec 3>" + pipe + "; grep -E 'CapEff|NoNewPrivs' /proc/$!/status");
+  EXPECT_THAT(result.output,
+              AnyOf("CapEff:\t0000000000000000\nNoNewPrivs:\t1\n", "CapEff:\t0000000000000004\nNoNewPrivs:\t1\n"));
+}
+
+TEST_F(Command, AnswersForAFileAsForTheFolder) {
+  machine.File("ws-17.json", R"({"captured": 1, "systemName": "ws-17", "files": {"/etc/X11/xorg.conf":
+      {"text": "Section \"Device\"\n  Identifier \"a\"\nEndSection\n"}}})");
+  machine.Json(R"({"systemName": "ws-17"})")
+      .File("root/etc/X11/xorg.conf", "Section \"Device\"\n  Identifier \"a\"\nEndSection\n");
+  const std::string answer = Run("--format json").output;
+  EXPECT_THAT(answer, HasSubstr("\"ws-17\""));
+  EXPECT_EQ(RunShell(kCommand + " --format json --machine " + machine.GetPath().string() + "/ws-17.json").output,
+            answer);
+}
+
+TEST_F(Command, ReadsACapturedMachineWithStandardInputClosed) {
+  machine.File("ws-17.json", R"({"captured": 1, "systemName": "ws-17"})").Edid(0, TEdidBuilder().Build());
+  for (const char* const name : {"", "/ws-17.json"}) {
+    const std::string line = kCommand + " --format json --machine " + machine.GetPath().string() + name;
+    const TProcessResult closed = RunShell(line + " <&-");
+    EXPECT_EQ(closed.status, 0) << closed.errors;
+    EXPECT_EQ(closed.output, RunShell(line).output);
+  }
+}
+
+TEST_F(Command, SaysWhatIsTooLongOfAMachinesName) {
+  const std::string name(300, 'n');
+  ExpectUnusable(
+      RunShell(kCommand + " --machine " + name),
+      name + ": is not a captured machine: File name too long; --machine takes a folder or a file that exists");
+}
+
+TEST_F(Command, SaysHowToUseAPackedFolder) {
+  machine.File("ws-17.tar.gz", "");
+  const std::string packed = machine.GetPath().string() + "/ws-17.tar.gz";
+  ExpectUnusable(RunShell(kCommand + " --machine " + packed),
+                 packed +
+                     ": is a packed folder, which is not read; unpack it (tar -xzf FILE) and name the folder: "
+                     "--machine DIR");
+  ExpectUnusable(RunShell(kCommand + " capture " + machine.GetPath().string() + "/new.tgz"),
+                 machine.GetPath().string() +
+                     "/new.tgz: packed folders are not written; capture to one file, FILE.json, or to a folder");
 }

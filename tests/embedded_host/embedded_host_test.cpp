@@ -6,7 +6,6 @@
 #include "host/plugin_callbacks.h"
 #include "host/plugin_manager.h"
 #include "host/services.h"
-#include "tests/support/temporary_folder.h"
 
 using NQRXZELT20::ILogger;
 using NQRXZELT20::IPluginCallbacks;
@@ -78,19 +77,34 @@ TEST(EmbeddedHost, AnswersWithItsConfiguration) {
   EXPECT_EQ(TOSSpecific::GetRunningTypeOnXen(), 7);
 }
 
-TEST(EmbeddedHost, LooksForFilesBelowItsRootAndNotesWhichItWasAskedFor) {
-  const TTemporaryFolder folder;
-  folder.Write("etc/xorg.conf", "text");
+namespace {
+
+/// One file, whose content is its path.
+class TOneFile : public IMachineFiles {
+ public:
+  bool Exists(const std::string& path) const override { return path == "/etc/xorg.conf"; }
+  std::string Read(const std::string& path) const override { return path; }
+};
+
+}  // namespace
+
+TEST(EmbeddedHost, HandsOutTheMachinesFilesAndNotesWhichItWasAskedFor) {
   THostConfiguration configuration;
-  configuration.root = folder.GetPath();
+  configuration.files = std::make_shared<TOneFile>();
   TEmbeddedHost host(configuration, {});
   EXPECT_FALSE(TOSSpecific::FileExists("/etc/other.conf"));
   EXPECT_TRUE(TOSSpecific::FileExists("/etc/xorg.conf"));
-  EXPECT_EQ(TOSSpecific::CaptureFile("/etc/xorg.conf"), "text");
+  EXPECT_EQ(TOSSpecific::CaptureFile("/etc/xorg.conf"), "/etc/xorg.conf");
   ASSERT_EQ(host.GetFileQueries().size(), 2U);
   EXPECT_EQ(host.GetFileQueries()[1].path, "/etc/xorg.conf");
   EXPECT_FALSE(host.GetFileQueries()[0].exists);
   EXPECT_TRUE(host.GetFileQueries()[1].exists);
+}
+
+TEST(EmbeddedHost, HasNoFilesWithoutAny) {
+  const TEmbeddedHost host(THostConfiguration(), {});
+  EXPECT_FALSE(TOSSpecific::FileExists("/etc/passwd"));
+  EXPECT_THROW(TOSSpecific::CaptureFile("/etc/passwd"), TZELTException);
 }
 
 TEST(EmbeddedHost, LogsInOrderAndTellsTheListenerAtOnce) {

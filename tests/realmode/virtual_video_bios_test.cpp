@@ -55,10 +55,12 @@ TEST_F(VirtualVideoBios, HandsOutTheBlockOfTheUnit) {
   EXPECT_EQ(*memory.At(kTarget + 128), 0);
 }
 
-TEST_F(VirtualVideoBios, ReadsTheLowerHalvesOfUnitAndBlock) {
-  EXPECT_TRUE(Call(0xFFFF0001, 0xFFFF0000));
+TEST_F(VirtualVideoBios, ReadsTheLowerHalfOfTheBlock) {
+  EXPECT_TRUE(Call(1, 0xFFFF0000));
   EXPECT_EQ(*memory.At(kTarget), 0x33);
 }
+
+TEST_F(VirtualVideoBios, TakesAllBitsOfAUnitSoThatNoUnitComesTwice) { ExpectFailure(0x10000, 0); }
 
 TEST_F(VirtualVideoBios, AnswersAnErrorForAUnitOrABlockThatIsNotThere) {
   ExpectFailure(2, 0);

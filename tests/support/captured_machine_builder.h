@@ -1,4 +1,4 @@
-// A captured machine, written into a temporary folder piece by piece.
+// A captured machine, written into a temporary folder piece by piece. It begins with a machine.json that says nothing.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,8 @@
 
 class TCapturedMachineBuilder {
  public:
+  TCapturedMachineBuilder() { Json("{}"); }
+
   const std::filesystem::path& GetPath() const { return m_folder.GetPath(); }
 
   const TCapturedMachineBuilder& Json(const std::string& text) const { return File("machine.json", text); }

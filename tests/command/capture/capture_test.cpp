@@ -5,12 +5,15 @@
 
 #include <nlohmann/json.hpp>
 
+#include "command/base/base64.h"
 #include "command/base/unusable.h"
 #include "command/collection/collection.h"
 #include "command/machine/captured_machine.h"
+#include "command/machine/folder_files.h"
 #include "command/machine/machine.h"
 #include "command/report/json_report.h"
 #include "embedded_host/schema.h"
+#include "host/exception.h"
 #include "realmode/virtual_video_bios.h"
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
@@ -36,9 +39,13 @@ class Capture : public testing::Test {
 
   std::string Read(const std::string& name) const { return RunShell("cat " + (target / name).string()).output; }
 
-  void ExpectRefused(const std::string& reason) const {
+  static std::string ReadFile(const fs::path& file) { return RunShell("cat " + file.string()).output; }
+
+  void ExpectRefused(const std::string& reason) const { ExpectRefused(target, reason); }
+
+  void ExpectRefused(const fs::path& path, const std::string& reason) const {
     try {
-      CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
+      CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, path, false);
       FAIL() << "it was captured";
     } catch (const TUnusable& error) {
       EXPECT_THAT(error.what(), HasSubstr(reason));
@@ -48,6 +55,16 @@ class Capture : public testing::Test {
   TCapturedMachineBuilder live;
   TTemporaryFolder folder;
   const fs::path target = folder.GetPath() / "ws-17";
+  const fs::path document = folder.GetPath() / "ws-17.json";
+};
+
+/// A machine whose one file exists and cannot be read.
+class TUnreadableFiles : public IMachineFiles {
+ public:
+  bool Exists(const std::string& path) const override { return path == "/etc/X11/xorg.conf"; }
+  std::string Read(const std::string& path) const override {
+    throw NQRXZELT20::TZELTException(path + ": cannot be read: Permission denied");
+  }
 };
 
 class CaptureOfAnExample : public Capture, public testing::WithParamInterface<const char*> {};
@@ -56,7 +73,7 @@ class CaptureOfAnExample : public Capture, public testing::WithParamInterface<co
 
 TEST_P(CaptureOfAnExample, IsAnsweredAsTheMachineWas) {
   const fs::path example = fs::path(EXAMPLES_FOLDER) / GetParam();
-  for (const char* const name : {"ws-17", "ws-17.tar.gz"}) {
+  for (const char* const name : {"ws-17", "ws-17.json"}) {
     CaptureMachine(ReadCapturedMachine(example), PLUGIN_FILE, folder.GetPath() / name, false);
     EXPECT_EQ(Answer(ReadCapturedMachine(folder.GetPath() / name)), Answer(ReadCapturedMachine(example))) << name;
   }
@@ -110,7 +127,7 @@ TEST_F(Capture, HoldsAFileInThePlaceOfALink) {
 
 TEST_F(Capture, WritesNothingOutsideItsFolderWhateverPathAPluginAsksFor) {
   TMachine machine = ReadCapturedMachine(live.GetPath());
-  machine.host.root = "/";
+  machine.host.files = std::make_shared<TFolderFiles>(TRootedFolder("/", ELinks::kAll));
   CaptureMachine(machine, ASKING_PLUGIN_FILE, target, false);
   EXPECT_EQ(List(), "./machine.json\n./root/etc/passwd\n");
   EXPECT_EQ(RunShell("ls " + folder.GetPath().string()).output, "ws-17\n");
@@ -131,6 +148,83 @@ TEST_F(Capture, IsWithoutSerialNumbersAndNameWhenItIsAnonymous) {
   EXPECT_EQ(RunShell("grep -r -e ws-17 -e 4711 " + target.string()).output, "");
 }
 
+TEST_F(Capture, IsWithoutThemInOneFileToo) {
+  live.Json(R"({"systemName": "ws-17"})").Edid(0, TEdidBuilder().Serial(3, "A190-004711").Byte(12, 7).Build());
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, true);
+  const json captured = json::parse(ReadFile(document));
+  EXPECT_EQ(captured["systemName"], "anonymous");
+  const std::vector<std::uint8_t> blank = TEdidBuilder().Serial(3, "           ").Build();
+  EXPECT_EQ(captured["edids"]["0"], EncodeBase64(std::string(blank.begin(), blank.end())));
+}
+
+TEST_F(Capture, InOneFileIsALineForEachValue) {
+  live.Json(R"({"systemName": "ws-17"})").File("root/etc/X11/xorg.conf", "Section \"Device\"\nEndSection\n\xC3\xA9\n");
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
+  EXPECT_EQ(ReadFile(document), R"({
+  "captured": 1,
+  "systemName": "ws-17",
+  "systemCreationClassName": "CIM_UnitaryComputerSystem",
+  "systemType": 2,
+  "provider": true,
+  "bios": {
+    "present": true,
+    "memory": true,
+    "units": {}
+  },
+  "files": {
+    "/etc/X11/xorg.conf": {
+      "text": "Section \"Device\"\nEndSection\né\n"
+    }
+  },
+  "edids": {}
+}
+)");
+}
+
+TEST_F(Capture, InOneFileHoldsAFileThatIsNotUtf8AsBase64) {
+  live.File("root/etc/X11/xorg.conf", "# \xFF");
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
+  EXPECT_EQ(json::parse(ReadFile(document))["files"]["/etc/X11/xorg.conf"], json::parse(R"({"base64": "IyD/"})"));
+}
+
+TEST_F(Capture, InOneFileMustFitIntoOneThatCanBeRead) {
+  live.File("root/etc/X11/xorg.conf", "");
+  fs::resize_file(live.GetPath() / "root/etc/X11/xorg.conf", 12 * 1024 * 1024);  // each zero is written as \u0000
+  const fs::path& whole = document;
+  ExpectRefused(whole, "and a captured machine in one file has 67108864 at most; capture to a folder");
+  EXPECT_FALSE(fs::exists(whole));
+}
+
+TEST_F(Capture, NamesTheOutputsOfItsEdids) {
+  live.Json(R"({"bios": {"units": {"0": {"connector": "card0-DP-1"}}}})").Edid(0, TEdidBuilder().Build());
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
+  for (const fs::path& captured : {target, document}) {
+    EXPECT_EQ(ReadCapturedMachine(captured).connectors.at(0), "card0-DP-1");
+  }
+}
+
+TEST_F(Capture, IsNotPacked) {
+  for (const char* const name : {"ws-17.tar.gz", "ws-17.tgz"}) {
+    ExpectRefused(folder.GetPath() / name,
+                  "packed folders are not written; capture to one file, FILE.json, or to a folder");
+    EXPECT_FALSE(fs::exists(folder.GetPath() / name));
+  }
+}
+
+TEST_F(Capture, SaysWhoMayReadAFileThatItCannotRead) {
+  TMachine machine = ReadCapturedMachine(live.GetPath());
+  machine.host.files = std::make_shared<TUnreadableFiles>();
+  try {
+    CaptureMachine(machine, PLUGIN_FILE, target, false);
+    FAIL() << "it was captured";
+  } catch (const TUnusable& error) {
+    EXPECT_STREQ(error.what(),
+                 "/etc/X11/xorg.conf: cannot be read: Permission denied; capture as a user who may read it");
+  }
+  EXPECT_FALSE(fs::exists(target));
+}
+
 TEST_F(Capture, IsNotWrittenOverAnything) {
   folder.Write("ws-17/precious", "old");
   ExpectRefused("ws-17: cannot be made: is there already");
@@ -142,6 +236,17 @@ TEST_F(Capture, IsNotWrittenOverAnything) {
   fs::create_symlink("nowhere", target);
   ExpectRefused("is there already");
   EXPECT_FALSE(fs::exists(folder.GetPath() / "nowhere"));
+}
+
+TEST_F(Capture, InOneFileIsNotWrittenOverAnything) {
+  folder.Write("ws-17.json", "old");
+  ExpectRefused(document, "ws-17.json: cannot be made: is there already; name a file that can be");
+  EXPECT_EQ(ReadFile(document), "old");
+  fs::remove(document);
+  fs::create_symlink("nowhere", document);
+  ExpectRefused(document, "is there already");
+  EXPECT_FALSE(fs::exists(folder.GetPath() / "nowhere"));
+  EXPECT_TRUE(fs::is_symlink(document));
 }
 
 TEST_F(Capture, IsRefusedWhereNoFolderCanBeMade) {
@@ -173,9 +278,21 @@ class TUnsteadyBios : public TVirtualVideoBios {
 
 TEST_F(Capture, IsRefusedWhenItWouldNotAnswerTheSame) {
   TMachine machine = ReadCapturedMachine(live.GetPath());
-  TVirtualBiosConfiguration bios;
-  bios.units[0].edid = TEdidBuilder().Established(0xFF, 0xFF).Build();
-  machine.bios = std::make_shared<TUnsteadyBios>(bios);
-  EXPECT_THROW(CaptureMachine(machine, PLUGIN_FILE, target, false), TUnusable);
-  EXPECT_FALSE(fs::exists(target));
+  TVirtualBiosConfiguration configuration;
+  configuration.units[0].edid = TEdidBuilder().Established(0xFF, 0xFF).Build();
+  for (const fs::path& path : {target, document}) {
+    const auto bios = std::make_shared<TUnsteadyBios>(configuration);
+    machine.bios = bios;
+    EXPECT_THROW(CaptureMachine(machine, PLUGIN_FILE, path, false), TUnusable);
+    EXPECT_FALSE(fs::exists(path));
+  }
+}
+
+TEST_F(Capture, HasAsManyMonitorsAsUnits) {
+  for (unsigned int unit = 0; unit < 256; ++unit) {
+    const std::string name = "M" + std::to_string(unit);
+    live.Edid(unit, TEdidBuilder().Name(0, name.c_str()).Build());
+  }
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
+  EXPECT_EQ(json::parse(ReadFile(document))["edids"].size(), 256U);
 }

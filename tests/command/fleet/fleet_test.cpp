@@ -117,8 +117,8 @@ TEST_F(Fleet, GoesOnBehindABrokenMachine) {
   const std::string reason = json::parse(lines[1])["error"];
   EXPECT_EQ("displayinfo: " + reason + "\n", Run("--machine broken").errors);
   EXPECT_EQ(lines[2],
-            "{\"machine\":\"nowhere\",\"error\":\"nowhere: is not the folder of a captured machine; "
-            "--machine takes one that exists\"}");
+            "{\"machine\":\"nowhere\",\"error\":\"nowhere: is not a captured machine: No such file or directory; "
+            "--machine takes a folder or a file that exists\"}");
   EXPECT_TRUE(json::parse(lines[3]).contains("requests"));
 }
 

@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include "command/base/base64.h"
 #include "command/base/unusable.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/host_name.h"
@@ -12,6 +12,8 @@
 #include "tests/support/edid_builder.h"
 
 namespace fs = std::filesystem;
+using testing::EndsWith;
+using testing::StartsWith;
 
 namespace {
 
@@ -61,14 +63,43 @@ class CapturedMachine : public testing::Test {
 
 }  // namespace
 
-TEST_F(CapturedMachine, MayBeAnEmptyFolder) {
+TEST_F(CapturedMachine, MayHaveADescriptionThatSaysNothing) {
   const TMachine read = Read();
   EXPECT_EQ(read.host.systemName, GetHostName());
   EXPECT_EQ(read.host.systemCreationClassName, "CIM_UnitaryComputerSystem");
   EXPECT_EQ(read.host.systemType, 2);
   EXPECT_TRUE(read.host.provider);
-  EXPECT_EQ(read.host.root, machine.GetPath() / "root");
+  EXPECT_EQ(read.host.files, nullptr);
+  EXPECT_EQ(read.getBiosFailure(), "");
+  EXPECT_EQ(read.edidOrigin.describe(0), "");
   EXPECT_EQ(CallBios(0, 0), "014F");
+}
+
+TEST_F(CapturedMachine, IsAnyFolderWithOneOfItsThreeParts) {
+  fs::remove(machine.GetPath() / "machine.json");
+  EXPECT_EQ(GetFailure(), machine.GetPath().string() +
+                              ": is not a captured machine: it has neither machine.json nor edid/ nor root/");
+  fs::create_directory(machine.GetPath() / "root");
+  EXPECT_EQ(GetFailure(), "no failure");
+  fs::remove(machine.GetPath() / "root");
+  fs::create_directory(machine.GetPath() / "edid");
+  EXPECT_EQ(GetFailure(), "no failure");
+}
+
+TEST_F(CapturedMachine, HasItsOwnFiles) {
+  machine.File("root/etc/X11/xorg.conf", "its own");
+  const TMachine read = Read();
+  EXPECT_EQ(read.host.files->Read("/etc/X11/xorg.conf"), "its own");
+  EXPECT_FALSE(read.host.files->Exists("/etc/passwd"));
+  EXPECT_FALSE(read.host.files->Exists("/../machine.json"));
+}
+
+TEST_F(CapturedMachine, TellsWhichOutputAnEdidWasReadFrom) {
+  machine.Json(R"({"bios": {"units": {"1": {"connector": "card0-DP-2"}}}})").Edid(1, TEdidBuilder().Build());
+  const TMachine read = Read();
+  EXPECT_EQ(read.connectors.at(1), "card0-DP-2");
+  EXPECT_EQ(read.edidOrigin.describe(1), "card0-DP-2");
+  EXPECT_EQ(read.edidOrigin.describe(0), "");
 }
 
 TEST_F(CapturedMachine, TellsTheHostWhatItIs) {
@@ -121,8 +152,42 @@ TEST_F(CapturedMachine, MustExist) {
     FAIL();
   } catch (const TUnusable& failure) {
     EXPECT_STREQ(failure.what(),
-                 "/no/such/folder: is not the folder of a captured machine; --machine takes one that exists");
+                 "/no/such/folder: is not a captured machine: No such file or directory; --machine takes a folder or a "
+                 "file that exists");
   }
+}
+
+TEST_F(CapturedMachine, SaysThatItsNameIsTooLong) {
+  const std::string name(300, 'n');
+  try {
+    ReadCapturedMachine(name);
+    FAIL();
+  } catch (const TUnusable& failure) {
+    EXPECT_EQ(failure.what(), name +
+                                  ": is not a captured machine: File name too long; --machine takes a folder or a "
+                                  "file that exists");
+  }
+}
+
+TEST_F(CapturedMachine, HasAKeyOnce) {
+  EXPECT_EQ(GetJsonFailure(R"({"provider": true, "provider": false})"), "machine.json: \"provider\" is there twice");
+}
+
+TEST_F(CapturedMachine, HasAMachineJsonOfAMegabyteAtMost) {
+  EXPECT_EQ(GetJsonFailure("{}" + std::string(1024 * 1024 - 2, ' ')), "no failure");
+  EXPECT_EQ(GetJsonFailure("{}" + std::string(1024 * 1024 - 1, ' ')),
+            "machine.json: is larger than 1048576 bytes, which no such file needs");
+}
+
+TEST_F(CapturedMachine, HasTwoHundredAndFiftySixUnitsAtMost) {
+  std::string units;
+  for (unsigned int unit = 0; unit < 128; ++unit) {
+    units += (units.empty() ? "\"" : ", \"") + std::to_string(unit) + "\": {}";
+    machine.Edid(1000 + unit, {});
+  }
+  EXPECT_EQ(GetJsonFailure("{\"bios\": {\"units\": {" + units + "}}}"), "no failure");
+  machine.Edid(1000 + 128, {});
+  EXPECT_THAT(GetFailure(), EndsWith(".bin: is one unit too many; a captured machine has 256 at most"));
 }
 
 TEST_F(CapturedMachine, NamesAnUnknownKeyAndTheKnownOnes) {
@@ -131,8 +196,9 @@ TEST_F(CapturedMachine, NamesAnUnknownKeyAndTheKnownOnes) {
             "systemName, systemType");
   EXPECT_EQ(GetJsonFailure(R"({"bios": {"absent": true}})"),
             "machine.json: \"bios.absent\" is not a known key; known here: ignoresUnit, memory, present, units");
-  EXPECT_EQ(GetJsonFailure(R"({"bios": {"units": {"0": {"failAt": 1}}}})"),
-            "machine.json: \"bios.units.0.failAt\" is not a known key; known here: errorAtBlock, failAtBlock");
+  EXPECT_EQ(
+      GetJsonFailure(R"({"bios": {"units": {"0": {"failAt": 1}}}})"),
+      "machine.json: \"bios.units.0.failAt\" is not a known key; known here: connector, errorAtBlock, failAtBlock");
 }
 
 TEST_F(CapturedMachine, NamesAValueOfTheWrongType) {
@@ -153,6 +219,7 @@ TEST_F(CapturedMachine, NamesAValueOfTheWrongType) {
       {R"({"bios": {"units": {"-1": {}}}})", "\"bios.units.-1\" is not a unit number; units are named 0, 1, 2, ..."},
       {R"({"bios": {"units": {"01": {}}}})", "\"bios.units.01\" is not a unit number; units are named 0, 1, 2, ..."},
       {R"({"bios": {"units": {"0": 1}}})", "\"bios.units.0\" must be an object"},
+      {R"({"bios": {"units": {"0": {"connector": 1}}}})", "\"bios.units.0.connector\" must be a string"},
       {R"({"bios": {"units": {"0": {"failAtBlock": -1}}}})",
        "\"bios.units.0.failAtBlock\" must be a block number: 0, 1, 2, ..."},
       {R"({"bios": {"units": {"0": {"errorAtBlock": true}}}})",
@@ -175,7 +242,7 @@ TEST_F(CapturedMachine, NamesTheFileOfANumberThatNoTypeHolds) {
 TEST_F(CapturedMachine, RefusesAnEdidThatIsNotWholeBlocks) {
   machine.Edid(0, std::vector<std::uint8_t>(129));
   EXPECT_EQ(GetFailure(),
-            "edid/0.bin: its size, 129 bytes, is not a multiple of 128; an EDID is whole 128-byte blocks");
+            "edid/0.bin: has 129 bytes, which is not a multiple of 128; an EDID is whole 128-byte blocks");
 }
 
 TEST_F(CapturedMachine, RefusesAnEdidOfMoreBlocksThanAnEdidCanHave) {
@@ -210,6 +277,7 @@ TEST_F(CapturedMachine, RefusesAnythingButAFile) {
 }
 
 TEST_F(CapturedMachine, DoesNotWaitForAFifo) {
+  fs::remove(machine.GetPath() / "machine.json");
   ASSERT_EQ(mkfifo((machine.GetPath() / "machine.json").c_str(), 0600), 0);
   EXPECT_EQ(GetFailure(), "machine.json: must be a regular file inside the machine's folder");
 }
@@ -239,6 +307,7 @@ TEST_F(CapturedMachine, RefusesEveryLinkThatLeadsOutOfIt) {
       {"root", "/", "folder"},
       {"root", "..", "folder"},
   };
+  fs::remove(machine.GetPath() / "machine.json");
   for (const auto& link : links) {
     fs::create_symlink(link.target, machine.GetPath() / link.name);
     EXPECT_EQ(GetFailure(), std::string(link.name) + ": must be a " + link.kind + " inside the machine's folder");
@@ -250,6 +319,79 @@ TEST_F(CapturedMachine, RefusesEveryLinkThatLeadsOutOfIt) {
 }
 
 TEST_F(CapturedMachine, RefusesALinkToNothing) {
+  fs::remove(machine.GetPath() / "machine.json");
   fs::create_symlink("nothing", machine.GetPath() / "machine.json");
   EXPECT_EQ(GetFailure(), "machine.json: must be a regular file inside the machine's folder");
+}
+
+namespace {
+
+/// Machines that are no folders.
+class MachineInOneFile : public testing::Test {
+ protected:
+  fs::path Path(const std::string& name = "ws-17.json") const { return folder.GetPath() / name; }
+
+  /// The error without the path, which it begins with.
+  std::string GetFailure(const std::string& name = "ws-17.json") const {
+    try {
+      ReadCapturedMachine(Path(name));
+    } catch (const TUnusable& failure) {
+      EXPECT_THAT(failure.what(), StartsWith(Path(name).string() + ": "));
+      return std::string(failure.what()).substr(Path(name).string().size() + 2);
+    }
+    return "no failure";
+  }
+
+  TTemporaryFolder folder;
+};
+
+}  // namespace
+
+TEST_F(MachineInOneFile, IsServedFromMemory) {
+  folder.Write("ws-17.json", R"({"captured": 1, "systemName": "packed", "files": {"/etc/a": {"text": "A"}}})");
+  const TMachine machine = ReadCapturedMachine(Path());
+  fs::remove(Path());
+  EXPECT_EQ(machine.host.systemName, "packed");
+  EXPECT_EQ(machine.host.files->Read("/etc/a"), "A");
+  EXPECT_FALSE(machine.host.files->Exists("/etc/passwd"));
+}
+
+TEST_F(MachineInOneFile, HasTheHostsNameUnlessItSaysAnother) {
+  folder.Write("ws-17.json", R"({"captured": 1})");
+  EXPECT_EQ(ReadCapturedMachine(Path()).host.systemName, GetHostName());
+}
+
+TEST_F(MachineInOneFile, MayHaveAnyName) {
+  for (const char* const name : {"ws-17", "ws-17.txt", "machine.json", ".json", "ws-17.tar"}) {
+    folder.Write(name, R"({"captured": 1})");
+    EXPECT_EQ(GetFailure(name), "no failure");
+  }
+}
+
+TEST_F(MachineInOneFile, NamesItselfForWhatIsWrongInIt) {
+  folder.Write("ws-17.json", R"({"captured": 1, "nonsense": 1})");
+  EXPECT_THAT(GetFailure(), StartsWith("\"nonsense\" is not a known key; known here: bios, captured, edids, files, "));
+}
+
+TEST_F(MachineInOneFile, HasSixtyFourMebibytesAtMost) {
+  folder.Write("ws-17.json", R"({"captured": 1)");
+  fs::resize_file(Path(), 64 * 1024 * 1024 + 1);
+  EXPECT_EQ(GetFailure(), "is larger than 67108864 bytes, which no such file needs");
+}
+
+TEST_F(MachineInOneFile, IsNotPacked) {
+  for (const char* const name : {"ws-17.tar.gz", "ws-17.tgz"}) {
+    folder.Write(name, R"({"captured": 1})");
+    EXPECT_EQ(GetFailure(name),
+              "is a packed folder, which is not read; unpack it (tar -xzf FILE) and name the folder: --machine DIR");
+  }
+  fs::create_directories(Path("folder.tgz") / "root");
+  EXPECT_EQ(GetFailure("folder.tgz"), "no failure");
+}
+
+TEST_F(MachineInOneFile, IsARegularFile) {
+  ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
+  EXPECT_EQ(GetFailure("fifo"), "is not a captured machine: it is neither a folder nor a regular file");
+  fs::create_symlink("/dev/zero", Path("device"));
+  EXPECT_EQ(GetFailure("device"), "is not a captured machine: it is neither a folder nor a regular file");
 }

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "command/machine/drm_edids.h"
+#include "command/machine/host_name.h"
 #include "command/machine/machine.h"
 #include "command/machine/this_machine.h"
 #include "realmode/real_video_bios.h"
@@ -66,6 +67,8 @@ TEST_F(ThisMachine, ServesTheOutputsAsUnitsAndNamesThem) {
   const TMachine machine = MakeThisMachine(EEdidSource::kDrm, drm.GetPath());
   EXPECT_FALSE(HasRealBios(machine));
   EXPECT_EQ(machine.edidOrigin.describe(1), "card0-DP-2 in " + drm.GetPath().string());
+  EXPECT_EQ(machine.connectors.at(0), "card0-DP-1");
+  EXPECT_EQ(machine.connectors.at(1), "card0-DP-2");
   EXPECT_EQ(machine.getBiosFailure(), "");
 }
 
@@ -89,4 +92,18 @@ TEST_F(ThisMachine, SaysThatNoOutputHasAnEdidWhenToldToAskThem) {
   const TMachine machine = MakeThisMachine(EEdidSource::kDrm, drm.GetPath());
   EXPECT_FALSE(HasRealBios(machine));
   EXPECT_EQ(machine.edidOrigin.none, "no connected output in " + drm.GetPath().string() + " has an EDID.");
+}
+
+TEST_F(ThisMachine, HasTheNameOfItsSystem) {
+  ASSERT_NE(GetHostName(), "");
+  EXPECT_EQ(MakeThisMachine(EEdidSource::kDrm, drm.GetPath()).host.systemName, GetHostName());
+}
+
+TEST_F(ThisMachine, HasItsOwnFilesWhereverLinksLead) {
+  drm.Write("file", "its own");
+  std::filesystem::create_symlink(drm.GetPath() / "file", drm.GetPath() / "link");
+  const TMachine machine = MakeThisMachine(EEdidSource::kDrm, drm.GetPath());
+  EXPECT_EQ(machine.host.files->Read(drm.GetPath() / "file"), "its own");
+  EXPECT_EQ(machine.host.files->Read(drm.GetPath() / "link"), "its own");
+  EXPECT_FALSE(machine.host.files->Exists(drm.GetPath() / "none"));
 }

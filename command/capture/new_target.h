@@ -1,0 +1,58 @@
+// Folders and files that were not there before, and are not there afterwards unless they are kept.
+//
+// They may be made by root in a folder of somebody else, who exchanges folders for links meanwhile. Nothing that exists
+// is ever opened for writing, no link is followed, and everything is made, and removed again, by way of the descriptors
+// of the folders that were made: a path is looked up once, for the folder that the target goes into.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "command/base/descriptor.h"
+
+/// A new folder with new files. All that fails throws TUnusable, which names the path.
+class TNewFolder {
+ public:
+  explicit TNewFolder(const std::filesystem::path& path);
+  ~TNewFolder();
+  TNewFolder(const TNewFolder&) = delete;
+  TNewFolder& operator=(const TNewFolder&) = delete;
+
+  /// Writes a new file, `name` such as "edid/0.bin", with the folders on its way.
+  void Write(const std::string& name, const std::string& content);
+
+  void Keep() { m_made.clear(); }
+
+ private:
+  struct TMade {
+    int folder;  // a descriptor that this owns
+    std::string name;
+    int flags;  // for unlinkat
+  };
+
+  /// The folder of that name in this one, made if it is not there yet.
+  int GetFolder(const std::string& name);
+
+  const std::string m_path;
+  TDescriptor m_parent;
+  std::map<std::string, TDescriptor> m_folders;  // by their names in this one, which itself is ""
+  std::vector<TMade> m_made;
+};
+
+/// A new file, in the same way.
+class TNewFile {
+ public:
+  TNewFile(const std::filesystem::path& path, const std::string& content);
+  ~TNewFile();
+  TNewFile(const TNewFile&) = delete;
+  TNewFile& operator=(const TNewFile&) = delete;
+
+  void Keep() { m_isKept = true; }
+
+ private:
+  TDescriptor m_parent;
+  std::string m_name;
+  bool m_isKept = false;
+};

@@ -1,0 +1,19 @@
+// A machine's files as they lie below a folder.
+#pragma once
+
+#include "command/machine/rooted_folder.h"
+#include "embedded_host/machine_files.h"
+
+/// A path that leads out of the folder, by ".." or through symbolic links, does not exist; neither does anything that
+/// is not a regular file.
+class TFolderFiles : public IMachineFiles {
+ public:
+  /// `root`: the folder that stands for "/". It need not be open; then no file exists.
+  explicit TFolderFiles(TRootedFolder root);
+
+  bool Exists(const std::string& path) const override;
+  std::string Read(const std::string& path) const override;
+
+ private:
+  TRootedFolder m_root;
+};

@@ -1,0 +1,403 @@
+#include "command/machine/machine_document.h"
+
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "command/base/base64.h"
+#include "command/base/text_encoding.h"
+#include "command/base/unusable.h"
+
+using nlohmann::json;
+
+namespace {
+
+constexpr std::size_t kMaxDepth = 16;    // of values in values; a captured machine needs four
+constexpr std::size_t kMaxShown = 100;   // characters of a key in a message
+constexpr std::size_t kMaxReason = 300;  // characters of what the parser says
+constexpr const char* kVersionKey = "captured";
+
+/// Part of a message that a stranger wrote. A zero byte would end the message.
+std::string Shorten(const std::string& text, std::size_t columns) {
+  const std::string valid = ToPrintable(text);
+  const std::size_t length = GetLength(valid, columns);
+  return length == valid.size() ? valid : valid.substr(0, length) + "...";
+}
+
+[[noreturn]] void FailToParse(const std::string& name, const json::exception& error) {
+  // The parser's text begins with its own error number, in brackets.
+  const std::string text = error.what();
+  const std::string reason = text.substr(std::min(text.find("] ") + 2, text.size()));
+  throw TUnusable(name + ": is not JSON: " + Shorten(reason, kMaxReason));
+}
+
+struct TReader;
+typedef std::map<std::string, TReader> TTable;
+
+/// The parser would take a zero byte for the end, and what follows it for nothing.
+void RequireNoZero(const std::string& text, const std::string& name) {
+  if (text.find('\0') != std::string::npos) throw TUnusable(name + ": is not JSON: it has a zero byte");
+}
+
+/// What may stand at a key: a plain value, an object of known keys, or an object whose keys are names. One is set.
+struct TReader {
+  std::function<void(json& value)> value;
+  std::function<TTable()> table;
+  std::function<TReader(const std::string& name)> each;
+  std::function<void()> close;  // at the end of an object, where that has something to check
+};
+
+/// Walks through a document as the parser goes, and calls the readers of what it finds. It never gets deeper than the
+/// readers' tables.
+class TDocumentWalk : public nlohmann::json_sax<json> {
+ public:
+  /// `name`: of the file, for messages.
+  TDocumentWalk(std::string name, TReader document) : m_name(std::move(name)), m_next(std::move(document)) {}
+
+  void Read(const std::string& text) { json::sax_parse(text, this); }
+
+  [[noreturn]] void Fail(const std::string& what) const { throw TUnusable(GetPlace() + " " + what); }
+
+  /// The file and the key that is being read: where a message begins.
+  std::string GetPlace() const { return m_name + ": " + GetKey(); }
+
+  bool null() override { return TakeValue(nullptr); }
+  bool boolean(bool value) override { return TakeValue(value); }
+  bool number_integer(std::int64_t value) override { return TakeValue(value); }
+  bool number_unsigned(std::uint64_t value) override { return TakeValue(value); }
+  bool number_float(double value, const std::string&) override { return TakeValue(value); }
+  bool string(std::string& value) override { return TakeValue(std::move(value)); }
+  bool binary(json::binary_t&) override { return false; }  // not in JSON
+
+  bool start_object(std::size_t) override {
+    if (m_next.value) m_next.value(m_object);  // it says what must be there instead
+    m_objects.push_back({m_key, m_next.table ? m_next.table() : TTable(), m_next.each, m_next.close, {}});
+    return true;
+  }
+
+  bool key(std::string& name) override {
+    TObject& object = m_objects.back();
+    m_key = name;
+    if (!object.seen.insert(name).second) Fail("is there twice");
+    if (object.each) {
+      m_next = object.each(name);
+      return true;
+    }
+    const auto reader = object.table.find(name);
+    if (reader == object.table.end()) Fail("is not a known key; known here: " + ListNames(object.table));
+    m_next = reader->second;
+    return true;
+  }
+
+  bool end_object() override {
+    const std::function<void()> close = m_objects.back().close;
+    m_key = m_objects.back().key;
+    m_objects.pop_back();
+    if (close) close();
+    return true;
+  }
+
+  bool start_array(std::size_t) override { return TakeValue(json::array()); }
+  bool end_array() override { return false; }  // no reader takes an array
+
+  bool parse_error(std::size_t, const std::string&, const json::exception& error) override {
+    FailToParse(m_name, error);
+  }
+
+ private:
+  struct TObject {
+    std::string key;  // that it stands at
+    TTable table;
+    std::function<TReader(const std::string&)> each;
+    std::function<void()> close;
+    std::set<std::string> seen;
+  };
+
+  bool TakeValue(json value) {
+    if (!m_next.value) Fail("must be an object");
+    m_next.value(value);
+    return true;
+  }
+
+  /// The way to the value, such as "bios.units.0.failAtBlock".
+  std::string GetKey() const {
+    if (m_objects.empty()) return "the document";
+    std::string way;
+    for (std::size_t depth = 1; depth < m_objects.size(); ++depth)
+      way += Shorten(m_objects[depth].key, kMaxShown) + ".";
+    return "\"" + way + Shorten(m_key, kMaxShown) + "\"";
+  }
+
+  static std::string ListNames(const TTable& table) {
+    std::string names;
+    for (const auto& [name, reader] : table) names += (names.empty() ? "" : ", ") + name;
+    return names;
+  }
+
+  const std::string m_name;
+  std::vector<TObject> m_objects;  // those that are open
+  std::string m_key;               // of the value that comes next, in the innermost of them
+  TReader m_next;                  // of that value
+  json m_object = json::object();
+};
+
+/// The readers of a captured machine's keys.
+class TMachineReader {
+ public:
+  TMachineReader(const std::string& name, TMachineDocument& machine)
+      : m_machine(machine), m_walk(name, {{}, [this] { return GetTable(); }, {}, {}}) {}
+
+  virtual ~TMachineReader() = default;
+
+  void Read(const std::string& text) { m_walk.Read(text); }
+
+ protected:
+  static TReader Value(std::function<void(json&)> read) { return {std::move(read), {}, {}, {}}; }
+  static TReader Object(std::function<TTable()> table, std::function<void()> close = {}) {
+    return {{}, std::move(table), {}, std::move(close)};
+  }
+  static TReader Names(std::function<TReader(const std::string&)> each) { return {{}, {}, std::move(each), {}}; }
+
+  unsigned int TakeUnit(const std::string& name) const {
+    const std::optional<unsigned int> unit = ParseUnit(name);
+    if (!unit) m_walk.Fail("is not a unit number; units are named 0, 1, 2, ...");
+    return *unit;
+  }
+
+  TReader Text(std::string& target) {
+    return Value([this, &target](json& value) {
+      if (!value.is_string()) m_walk.Fail("must be a string");
+      target = std::move(value.get_ref<std::string&>());
+    });
+  }
+
+  virtual TTable GetTable() {
+    return {{"systemName", Text(m_machine.host.systemName)},
+            {"systemCreationClassName", Text(m_machine.host.systemCreationClassName)},
+            {"systemType", Integer(m_machine.host.systemType)},
+            {"provider", Boolean(m_machine.host.provider)},
+            {"bios", Object([this] { return GetBiosTable(); })}};
+  }
+
+  TMachineDocument& m_machine;
+  TDocumentWalk m_walk;
+
+ private:
+  TTable GetBiosTable() {
+    TVirtualBiosConfiguration& bios = m_machine.bios;
+    return {{"present", Boolean(bios.present)},
+            {"memory", Boolean(bios.memory)},
+            {"ignoresUnit", Boolean(bios.ignoresUnit)},
+            {"units", Names([this](const std::string& name) {
+               const unsigned int unit = TakeUnit(name);
+               AddUnit(m_machine.bios, unit, m_walk.GetPlace());
+               return Object([this, unit] { return GetUnitTable(unit); });
+             })}};
+  }
+
+  TTable GetUnitTable(unsigned int number) {
+    TVirtualBiosConfiguration::TUnit& unit = m_machine.bios.units[number];
+    const auto connector = [this, number](json& value) { Text(m_machine.connectors[number]).value(value); };
+    return {{"connector", Value(connector)},
+            {"failAtBlock", Block(unit.failAtBlock)},
+            {"errorAtBlock", Block(unit.errorAtBlock)}};
+  }
+
+  TReader Boolean(bool& target) {
+    return Value([this, &target](json& value) {
+      if (!value.is_boolean()) m_walk.Fail("must be true or false");
+      target = value.get<bool>();
+    });
+  }
+
+  TReader Integer(int& target) {
+    return Value([this, &target](json& value) { target = Number<int>(value, "must be a whole number of 32 bits"); });
+  }
+
+  TReader Block(std::optional<unsigned int>& target) {
+    return Value(
+        [this, &target](json& value) { target = Number<unsigned int>(value, "must be a block number: 0, 1, 2, ..."); });
+  }
+
+  template <typename T>
+  T Number(const json& value, const char* otherwise) const {
+    constexpr std::int64_t min = std::numeric_limits<T>::min();
+    constexpr std::int64_t max = std::numeric_limits<T>::max();
+    const bool fits = value.is_number_integer() &&
+                      !(value.is_number_unsigned() && value.get<std::uint64_t>() > static_cast<std::uint64_t>(max)) &&
+                      value.get<std::int64_t>() >= min && value.get<std::int64_t>() <= max;
+    if (!fits) m_walk.Fail(otherwise);
+    return static_cast<T>(value.get<std::int64_t>());
+  }
+};
+
+/// A machine in one file has its files and EDIDs as well.
+class TWholeMachineReader : public TMachineReader {
+ public:
+  using TMachineReader::TMachineReader;
+
+ private:
+  TTable GetTable() override {
+    TTable table = TMachineReader::GetTable();
+    table[kVersionKey] = Value([](json&) {});  // looked at before
+    table["files"] = Names([this](const std::string& path) {
+      if (!IsPlainPath(path)) m_walk.Fail("is not a plain absolute path, such as /etc/X11/xorg.conf");
+      return Object([this, path] { return GetFileTable(path); },
+                    [this] {
+                      if (m_contents != 1) m_walk.Fail("must have either \"text\" or \"base64\"");
+                    });
+    });
+    table["edids"] = Names([this](const std::string& name) {
+      const unsigned int unit = TakeUnit(name);
+      return Value([this, unit](json& value) { AddEdid(m_machine.bios, unit, DecodeBytes(value), m_walk.GetPlace()); });
+    });
+    return table;
+  }
+
+  TTable GetFileTable(const std::string& path) {
+    m_contents = 0;
+    std::string& content = m_machine.files[path];
+    const TReader text = Text(content);
+    return {{"text", Value([this, text](json& value) {
+               ++m_contents;
+               text.value(value);
+             })},
+            {"base64", Value([this, &content](json& value) {
+               ++m_contents;
+               content = DecodeBytes(value);
+             })}};
+  }
+
+  std::string DecodeBytes(const json& value) const {
+    std::optional<std::string> bytes;
+    if (value.is_string()) bytes = DecodeBase64(value.get_ref<const std::string&>());
+    if (!bytes) m_walk.Fail("must be bytes in base64, padded and without line breaks");
+    return std::move(*bytes);
+  }
+
+  unsigned int m_contents = 0;  // of the file that is being read
+};
+
+/// Looks for the version of a captured machine, no further than it must. A newer format may have keys before it that
+/// the reader does not know.
+class TVersionSearch : public nlohmann::json_sax<json> {
+ public:
+  explicit TVersionSearch(const std::string& name) : m_name(name) {}
+
+  std::optional<json> Find(const std::string& text) {
+    json::sax_parse(text, this);
+    return m_version;
+  }
+
+  bool null() override { return Take(nullptr); }
+  bool boolean(bool value) override { return Take(value); }
+  bool number_integer(std::int64_t value) override { return Take(value); }
+  bool number_unsigned(std::uint64_t value) override { return Take(value); }
+  bool number_float(double value, const std::string&) override { return Take(value); }
+  bool string(std::string&) override { return Take("a string"); }
+  bool binary(json::binary_t&) override { return false; }
+  bool start_object(std::size_t) override { return Open(); }
+  bool start_array(std::size_t) override { return Open(); }
+  bool end_object() override { return Close(); }
+  bool end_array() override { return Close(); }
+  bool key(std::string& name) override {
+    m_isNext = m_depth == 1 && name == kVersionKey;
+    return true;
+  }
+  bool parse_error(std::size_t, const std::string&, const json::exception& error) override {
+    FailToParse(m_name, error);
+  }
+
+ private:
+  bool Open() {
+    if (++m_depth > kMaxDepth) {
+      throw TUnusable(m_name + ": is more than " + std::to_string(kMaxDepth) +
+                      " values deep, which no captured machine is");
+    }
+    return Take("an object");
+  }
+
+  bool Close() {
+    --m_depth;
+    return true;
+  }
+
+  bool Take(const json& value) {
+    if (m_isNext) m_version = value;
+    return !m_isNext;
+  }
+
+  const std::string& m_name;
+  std::size_t m_depth = 0;
+  bool m_isNext = false;
+  std::optional<json> m_version;
+};
+
+void RequireVersion(const std::string& text, const std::string& name) {
+  const std::optional<json> version = TVersionSearch(name).Find(text);
+  const std::string known = std::to_string(kDocumentVersion);
+  if (!version) {
+    throw TUnusable(name + ": is not a captured machine: it has no \"captured\": " + known +
+                    "; displayinfo capture FILE.json writes one");
+  }
+  if (!version->is_number()) throw TUnusable(name + ": \"captured\" must be " + known);
+  if (version->is_number_integer() && *version == kDocumentVersion) return;
+  throw TUnusable(name + ": \"captured\" is " + version->dump() +
+                  ", a format that this command does not read; it reads " + known);
+}
+
+}  // namespace
+
+void ReadMachineJson(const std::string& text, const std::string& name, TMachineDocument& machine) {
+  RequireNoZero(text, name);
+  TMachineReader(name, machine).Read(text);
+}
+
+void ReadMachineDocument(const std::string& text, const std::string& name, TMachineDocument& machine) {
+  RequireNoZero(text, name);
+  RequireVersion(text, name);
+  TWholeMachineReader(name, machine).Read(text);
+}
+
+std::optional<unsigned int> ParseUnit(std::string_view name) {
+  unsigned int unit = 0;
+  std::from_chars(name.data(), name.data() + name.size(), unit);
+  if (name != std::to_string(unit)) return std::nullopt;
+  return unit;
+}
+
+TVirtualBiosConfiguration::TUnit& AddUnit(TVirtualBiosConfiguration& bios, unsigned int unit,
+                                          const std::string& place) {
+  if (bios.units.size() == kMaxUnits && bios.units.count(unit) == 0) {
+    throw TUnusable(place + " is one unit too many; a captured machine has " + std::to_string(kMaxUnits) + " at most");
+  }
+  return bios.units[unit];
+}
+
+void AddEdid(TVirtualBiosConfiguration& bios, unsigned int unit, const std::string& bytes, const std::string& place) {
+  const std::string size = std::to_string(bytes.size()) + " bytes";
+  if (bytes.size() % edid::kBlockSize != 0) {
+    throw TUnusable(place + " has " + size + ", which is not a multiple of 128; an EDID is whole 128-byte blocks");
+  }
+  if (bytes.size() > kMaxEdidSize) {
+    throw TUnusable(place + " has " + size + "; an EDID has " + std::to_string(kMaxEdidSize) + " at most");
+  }
+  AddUnit(bios, unit, place).edid.assign(bytes.begin(), bytes.end());
+}
+
+bool IsPlainPath(std::string_view path) {
+  if (path.empty() || path.front() != '/' || path.find('\0') != std::string_view::npos) return false;
+  while (!path.empty()) {
+    path.remove_prefix(1);
+    const std::string_view name = path.substr(0, path.find('/'));
+    if (name.empty() || name == "." || name == "..") return false;
+    path.remove_prefix(name.size());
+  }
+  return true;
+}

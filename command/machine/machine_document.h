@@ -1,0 +1,53 @@
+// A captured machine as its JSON documents tell it: machine.json, or a whole machine in one file.
+// docs/captured-machines.md describes both.
+//
+// The text comes from strangers. It is read piece by piece against tables of what may stand where, so that the first
+// wrong thing ends the reading, and no more is kept than what a machine can have.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "edid/layout.h"
+#include "embedded_host/embedded_host.h"
+#include "realmode/virtual_video_bios.h"
+
+// What a captured machine can have at most.
+constexpr std::size_t kMaxMachineJsonSize = std::size_t{1} * 1024 * 1024;  // bytes
+constexpr std::size_t kMaxDocumentSize = std::size_t{64} * 1024 * 1024;    // bytes
+constexpr std::size_t kMaxUnits = 256;                                     // named by the BIOS's faults or by EDIDs
+constexpr std::size_t kMaxEdidSize = 256 * edid::kBlockSize;  // a base block and what its count byte can tell
+
+/// The format of a captured machine in one file: the value of "captured".
+constexpr int kDocumentVersion = 1;
+
+/// A captured machine before it is used, and after it was captured.
+struct TMachineDocument {
+  THostConfiguration host;                         // without files
+  TVirtualBiosConfiguration bios;                  // with the EDIDs
+  std::map<unsigned int, std::string> connectors;  // the output that a unit's EDID was read from, where it is known
+  std::map<std::string, std::string> files;        // content by absolute path
+};
+
+/// Reads the text of a machine.json into `machine`, whose values are the defaults. `name`: of the file, for messages.
+/// Throws TUnusable, naming file and key, for what is not as it must be.
+void ReadMachineJson(const std::string& text, const std::string& name, TMachineDocument& machine);
+
+/// The same for the text of a machine in one file.
+void ReadMachineDocument(const std::string& text, const std::string& name, TMachineDocument& machine);
+
+/// The unit of that name. Nothing for a name that is no number, or not in the one way to write it: two names of one
+/// unit would be two answers.
+std::optional<unsigned int> ParseUnit(std::string_view name);
+
+/// Adds a unit, or finds it. Throws TUnusable, beginning with `place`, for one more than kMaxUnits.
+TVirtualBiosConfiguration::TUnit& AddUnit(TVirtualBiosConfiguration& bios, unsigned int unit, const std::string& place);
+
+/// Gives a unit its EDID. Throws TUnusable, beginning with `place`, unless it is whole blocks, kMaxEdidSize at most.
+void AddEdid(TVirtualBiosConfiguration& bios, unsigned int unit, const std::string& bytes, const std::string& place);
+
+/// Whether a machine in one file can have a file of that path: absolute, and in the one way to write it.
+bool IsPlainPath(std::string_view path);

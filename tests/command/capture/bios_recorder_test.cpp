@@ -1,0 +1,26 @@
+#include "command/capture/bios_recorder.h"
+
+#include <gtest/gtest.h>
+
+#include "realmode/real_mode_memory.h"
+
+TEST(BiosRecorder, TellsUnitsApartByAllTheirBits) {
+  TVirtualBiosConfiguration configuration;
+  configuration.units[0].edid.assign(128, 0x11);
+  configuration.units[0x10000].edid.assign(128, 0x22);
+  TBiosRecorder recorder(std::make_shared<TVirtualVideoBios>(configuration));
+  TRealModeMemory memory;
+  ASSERT_TRUE(recorder.Start(memory));
+  for (const unsigned int unit : {0U, 0x10000U}) {
+    LRMI_regs registers = {};
+    registers.eax = 0x4F15;
+    registers.ebx = 1;
+    registers.ecx = unit;
+    registers.es = 0x1000;
+    ASSERT_TRUE(recorder.Interrupt(0x10, registers, memory));
+  }
+  const TVirtualBiosConfiguration record = recorder.GetRecord();
+  ASSERT_EQ(record.units.size(), 2U);
+  EXPECT_EQ(record.units.at(0).edid, configuration.units[0].edid);
+  EXPECT_EQ(record.units.at(0x10000).edid, configuration.units[0x10000].edid);
+}

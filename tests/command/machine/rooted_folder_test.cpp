@@ -1,0 +1,136 @@
+// Look-ups in a folder, with every rule for links.
+#include "command/machine/rooted_folder.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "tests/support/temporary_folder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// What lies where: inside/ is the folder, with files, folders and links.
+class RootedFolder : public testing::Test {
+ protected:
+  RootedFolder() {
+    folder.Write("inside/a/file", "in a");
+    folder.Write("inside/b/file", "in b");
+    folder.Write("outside/file", "outside");
+    Link("inside/near", "a/file");
+    Link("inside/a/up", "../b/file");
+    Link("inside/folder", "a");
+    Link("inside/ring", "ring");
+    Link("inside/out", "../outside/file");
+    Link("inside/out-folder", "../outside");
+    Link("inside/out-and-back", "../inside/a/file");
+    Link("inside/absolute", (Inside() / "a/file").string());
+    Link("inside/nothing", "missing");
+    Link("inside/magic", "/proc/self/cwd");
+  }
+
+  void Link(const char* name, const std::string& target) const { fs::create_symlink(target, folder.GetPath() / name); }
+
+  fs::path Inside() const { return folder.GetPath() / "inside"; }
+
+  /// The content of what is found, "-" for nothing.
+  std::string Read(const std::string& path, ELinks links) const {
+    const TDescriptor file = TRootedFolder(Inside(), links).Open(path, O_RDONLY);
+    return IsRegularFile(file) ? ReadContent(file, 100).value_or("unreadable") : "-";
+  }
+
+  TTemporaryFolder folder;
+};
+
+constexpr ELinks kInsideOrNone[] = {ELinks::kInside, ELinks::kNone};
+
+}  // namespace
+
+TEST_F(RootedFolder, FindsFilesByAnyWayToWriteTheirPath) {
+  for (const ELinks links : {ELinks::kAll, ELinks::kInside, ELinks::kNone}) {
+    for (const char* const path : {"a/file", "/a/file", "//a//file", "a/./file", "./a/file"}) {
+      EXPECT_EQ(Read(path, links), "in a") << path;
+    }
+    for (const char* const path : {"a", "a/", "/", "", ".", "missing", "a/missing", "missing/file", "a/file/x"}) {
+      EXPECT_EQ(Read(path, links), "-") << path;
+    }
+  }
+}
+
+TEST_F(RootedFolder, FollowsLinksInside) {
+  EXPECT_EQ(Read("near", ELinks::kInside), "in a");
+  EXPECT_EQ(Read("a/up", ELinks::kInside), "in b");
+  EXPECT_EQ(Read("folder/file", ELinks::kInside), "in a");
+  EXPECT_EQ(Read("folder/up", ELinks::kInside), "in b");
+  EXPECT_EQ(Read("a/../b/file", ELinks::kInside), "in b");
+}
+
+TEST_F(RootedFolder, FollowsNoLinksWhereTheKernelCannotKeepThemInside) {
+  for (const char* const path : {"near", "a/up", "folder/file", "folder/up", "a/../b/file"}) {
+    EXPECT_EQ(Read(path, ELinks::kNone), "-") << path;
+  }
+}
+
+TEST_F(RootedFolder, NeverLeavesTheFolder) {
+  for (const ELinks links : kInsideOrNone) {
+    for (const char* const path :
+         {"ring", "out", "out-folder/file", "out-and-back", "absolute", "nothing", "..", "../outside/file",
+          "a/../../outside/file", "/../outside/file", "../inside/a/file", "magic/passwd"}) {
+      EXPECT_EQ(Read(path, links), "-") << path;
+    }
+  }
+}
+
+TEST_F(RootedFolder, FollowsEveryLinkOfThisMachine) {
+  EXPECT_EQ(Read("out", ELinks::kAll), "outside");
+  EXPECT_EQ(Read("absolute", ELinks::kAll), "in a");
+}
+
+TEST_F(RootedFolder, DoesNotWaitForAFifo) {
+  ASSERT_EQ(mkfifo((Inside() / "fifo").c_str(), 0600), 0);
+  for (const ELinks links : kInsideOrNone) EXPECT_EQ(Read("fifo", links), "-");
+}
+
+TEST_F(RootedFolder, OpensFoldersUnderTheSameRules) {
+  for (const ELinks links : kInsideOrNone) {
+    const TRootedFolder inside(Inside(), links);
+    EXPECT_TRUE(inside.OpenFolder("a").IsOpen());
+    EXPECT_EQ(inside.OpenFolder("folder").IsOpen(), links == ELinks::kInside);
+    for (const char* const path : {"a/file", "out-folder", "..", "missing", "ring"}) {
+      EXPECT_FALSE(inside.OpenFolder(path).IsOpen()) << path;
+    }
+    EXPECT_EQ(IsRegularFile(inside.OpenFolder("a").Open("up", O_RDONLY)), false) << "it leads out of a";
+  }
+}
+
+TEST_F(RootedFolder, HasLinksToNothingToo) {
+  const TRootedFolder inside(Inside());
+  EXPECT_TRUE(inside.Has("a"));
+  EXPECT_TRUE(inside.Has("nothing"));
+  EXPECT_FALSE(inside.Has("missing"));
+}
+
+TEST_F(RootedFolder, MayBeALinkItself) {
+  Link("linked", "inside");
+  EXPECT_TRUE(TRootedFolder(folder.GetPath() / "linked").Open("a/file", O_RDONLY).IsOpen());
+}
+
+TEST_F(RootedFolder, HoldsNothingWhenItIsNotThere) {
+  for (const char* const name : {"nowhere", "outside/file"}) {
+    const TRootedFolder nowhere(folder.GetPath() / name);
+    EXPECT_FALSE(nowhere.IsOpen());
+    EXPECT_FALSE(nowhere.Has("a"));
+    EXPECT_FALSE(nowhere.Open("a/file", O_RDONLY).IsOpen());
+    EXPECT_FALSE(nowhere.Open("/etc/passwd", O_RDONLY).IsOpen());
+  }
+}
+
+TEST_F(RootedFolder, ReadsNoMoreThanItMust) {
+  folder.Write("inside/large", std::string(200000, 'x'));
+  const TRootedFolder inside(Inside());
+  EXPECT_EQ(ReadContent(inside.Open("large", O_RDONLY), 1000000)->size(), 200000U);
+  EXPECT_EQ(ReadContent(inside.Open("large", O_RDONLY), 200000)->size(), 200000U);
+  EXPECT_EQ(ReadContent(inside.Open("large", O_RDONLY), 100000)->size(), 100001U);
+  EXPECT_FALSE(ReadContent(inside.Open("a", O_RDONLY), 100000));
+}
