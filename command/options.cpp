@@ -109,8 +109,8 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   CLI::Option* const classOption =
       app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
   CLI::Option* const machineOption =
-      app.add_option("--machine", options.machines, "A captured machine instead of this one")
-          ->option_text("DIR")
+      app.add_option("--machine", options.machines, "A captured machine instead: folder or file")
+          ->option_text("PATH")
           ->allow_extra_args(false);
   CLI::Option* const listOption =
       app.add_option("--machines", options.machineList, "Many: a file of their names, or - (stdin)")

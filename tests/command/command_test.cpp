@@ -161,7 +161,7 @@ TEST_F(Command, ExplainsItself) {
   const TProcessResult result = RunShell(kCommand + " --help");
   EXPECT_EQ(result.status, 0);
   for (const char* option :
-       {"CLASS...", "--machine DIR", "--machines LIST", "--jobs N", "--resume FILE", "--request CLASS[,CLASS...]",
+       {"CLASS...", "--machine PATH", "--machines LIST", "--jobs N", "--resume FILE", "--request CLASS[,CLASS...]",
         "--edid-source auto|bios|drm", "--format text|json|mof|html", "--log-level error|warning|status|debug|verbose",
         "--plugin FILE", "--version", "--help"}) {
     EXPECT_THAT(result.output, HasSubstr(option));
