@@ -44,6 +44,16 @@ std::map<std::string, std::string> ReadFiles(const THostConfiguration& host,
   throw TUnusable(failure.what() + std::string("; capture as a user who may read it"));
 }
 
+/// Of the units whose EDID was asked for and read.
+std::map<unsigned int, std::string> SelectConnectors(const TMachine& machine, const TVirtualBiosConfiguration& record) {
+  std::map<unsigned int, std::string> connectors;
+  for (const auto& [unit, connector] : machine.connectors) {
+    const auto read = record.units.find(unit);
+    if (read != record.units.end() && !read->second.edid.empty()) connectors[unit] = connector;
+  }
+  return connectors;
+}
+
 void MakeAnonymous(TMachineDocument& machine) {
   machine.host.systemName = "anonymous";
   for (auto& [number, unit] : machine.bios.units) {
@@ -98,7 +108,8 @@ void CaptureMachine(TMachine machine, const fs::path& plugin, const fs::path& ta
   const auto recorder = std::make_shared<TBiosRecorder>(machine.bios);
   machine.bios = recorder;
   TAnswer answer = Ask(machine, plugin);
-  TMachineDocument document = {machine.host, recorder->GetRecord(), machine.connectors,
+  const TVirtualBiosConfiguration record = recorder->GetRecord();
+  TMachineDocument document = {machine.host, record, SelectConnectors(machine, record),
                                ReadFiles(machine.host, answer.fileQueries)};
   if (isAnonymous) {
     // What is blanked is never written. That the rest is right shows before, and that it was written whole afterwards.

@@ -36,9 +36,9 @@ bool EndsWith(const std::string& text, const std::string& ending) {
 
 /// The whole content of an open regular file.
 std::string ReadWhole(const TDescriptor& file, const std::string& place, std::size_t maxSize) {
-  const std::optional<std::string> content = ReadContent(file, maxSize);
+  std::optional<std::string> content = ReadContent(file, maxSize);
   if (!content) FailToRead(place);
-  if (content->size() <= maxSize) return *content;
+  if (content->size() <= maxSize) return std::move(*content);
   throw TUnusable(place + ": is larger than " + std::to_string(maxSize) + " bytes, which no such file needs");
 }
 
@@ -85,10 +85,11 @@ class TMachineFolder {
   }
 
   void ReadEdids(TVirtualBiosConfiguration& bios) const {
-    const TDescriptor folder = m_folder.Open(kEdids, O_RDONLY | O_DIRECTORY);
+    TDescriptor folder = m_folder.Open(kEdids, O_RDONLY | O_DIRECTORY);
     if (!folder.IsOpen()) FailAsFolder(kEdids);
-    const TListing listing(fdopendir(fcntl(folder.Get(), F_DUPFD_CLOEXEC, 0)), closedir);
+    const TListing listing(fdopendir(folder.Get()), closedir);
     if (!listing) FailToRead(At(kEdids));
+    folder.Release();  // the listing closes it
     while (const dirent* const entry = readdir(listing.get())) {
       const std::string name = entry->d_name;
       if (EndsWith(name, kEdidEnding) && name != kEdidEnding) ReadEdid(name, bios);

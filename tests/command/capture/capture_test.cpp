@@ -21,8 +21,9 @@
 
 namespace fs = std::filesystem;
 using nlohmann::json;
+using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::Pair;
 
 namespace {
 
@@ -196,11 +197,12 @@ TEST_F(Capture, InOneFileMustFitIntoOneThatCanBeRead) {
 }
 
 TEST_F(Capture, NamesTheOutputsOfItsEdids) {
-  live.Json(R"({"bios": {"units": {"0": {"connector": "card0-DP-1"}}}})").Edid(0, TEdidBuilder().Build());
+  live.Json(R"({"bios": {"units": {"0": {"connector": "card0-DP-1"}, "7": {"connector": "card0-DP-8"}}}})")
+      .Edid(0, TEdidBuilder().Build());
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
   for (const fs::path& captured : {target, document}) {
-    EXPECT_EQ(ReadCapturedMachine(captured).connectors.at(0), "card0-DP-1");
+    EXPECT_THAT(ReadCapturedMachine(captured).connectors, ElementsAre(Pair(0, "card0-DP-1")));
   }
 }
 
