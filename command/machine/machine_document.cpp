@@ -37,19 +37,19 @@ std::string Shorten(const std::string& text, std::size_t columns) {
   throw TUnusable(name + ": is not JSON: " + Shorten(reason, kMaxReason));
 }
 
-struct TReader;
-typedef std::map<std::string, TReader> TTable;
-
 /// The parser would take a zero byte for the end, and what follows it for nothing.
 void RequireNoZero(const std::string& text, const std::string& name) {
   if (text.find('\0') != std::string::npos) throw TUnusable(name + ": is not JSON: it has a zero byte");
 }
 
+struct TReader;
+typedef std::map<std::string, TReader> TTable;
+
 /// What may stand at a key: a plain value, an object of known keys, or an object whose keys are names. One is set.
 struct TReader {
   std::function<void(json& value)> value;
-  std::function<TTable()> table;
-  std::function<TReader(const std::string& name)> each;
+  const TTable* table = nullptr;
+  std::function<const TReader&(const std::string& name)> each;
   std::function<void()> close;  // at the end of an object, where that has something to check
 };
 
@@ -58,7 +58,7 @@ struct TReader {
 class TDocumentWalk : public nlohmann::json_sax<json> {
  public:
   /// `name`: of the file, for messages.
-  TDocumentWalk(std::string name, TReader document) : m_name(std::move(name)), m_next(std::move(document)) {}
+  TDocumentWalk(std::string name, const TReader& document) : m_name(std::move(name)), m_next(&document) {}
 
   void Read(const std::string& text) { json::sax_parse(text, this); }
 
@@ -76,8 +76,8 @@ class TDocumentWalk : public nlohmann::json_sax<json> {
   bool binary(json::binary_t&) override { return false; }  // not in JSON
 
   bool start_object(std::size_t) override {
-    if (m_next.value) m_next.value(m_object);  // it says what must be there instead
-    m_objects.push_back({m_key, m_next.table ? m_next.table() : TTable(), m_next.each, m_next.close, {}});
+    if (m_next->value) m_next->value(m_object);  // it says what must be there instead
+    m_objects.push_back({m_key, m_next, {}});
     return true;
   }
 
@@ -85,21 +85,15 @@ class TDocumentWalk : public nlohmann::json_sax<json> {
     TObject& object = m_objects.back();
     m_key = name;
     if (!object.seen.insert(name).second) Fail("is there twice");
-    if (object.each) {
-      m_next = object.each(name);
-      return true;
-    }
-    const auto reader = object.table.find(name);
-    if (reader == object.table.end()) Fail("is not a known key; known here: " + ListNames(object.table));
-    m_next = reader->second;
+    m_next = object.reader->each ? &object.reader->each(name) : &FindReader(*object.reader->table, name);
     return true;
   }
 
   bool end_object() override {
-    const std::function<void()> close = m_objects.back().close;
-    m_key = m_objects.back().key;
+    const TObject object = std::move(m_objects.back());
     m_objects.pop_back();
-    if (close) close();
+    m_key = object.key;
+    if (object.reader->close) object.reader->close();
     return true;
   }
 
@@ -113,15 +107,19 @@ class TDocumentWalk : public nlohmann::json_sax<json> {
  private:
   struct TObject {
     std::string key;  // that it stands at
-    TTable table;
-    std::function<TReader(const std::string&)> each;
-    std::function<void()> close;
+    const TReader* reader;
     std::set<std::string> seen;
   };
 
+  const TReader& FindReader(const TTable& table, const std::string& name) const {
+    const auto reader = table.find(name);
+    if (reader == table.end()) Fail("is not a known key; known here: " + ListNames(table));
+    return reader->second;
+  }
+
   bool TakeValue(json value) {
-    if (!m_next.value) Fail("must be an object");
-    m_next.value(value);
+    if (!m_next->value) Fail("must be an object");
+    m_next->value(value);
     return true;
   }
 
@@ -143,70 +141,35 @@ class TDocumentWalk : public nlohmann::json_sax<json> {
   const std::string m_name;
   std::vector<TObject> m_objects;  // those that are open
   std::string m_key;               // of the value that comes next, in the innermost of them
-  TReader m_next;                  // of that value
+  const TReader* m_next;           // of that value
   json m_object = json::object();
 };
 
-/// The readers of a captured machine's keys.
+/// The readers of a captured machine's keys, as tables.
 class TMachineReader {
  public:
-  TMachineReader(const std::string& name, TMachineDocument& machine)
-      : m_machine(machine), m_walk(name, {{}, [this] { return GetTable(); }, {}, {}}) {}
-
-  virtual ~TMachineReader() = default;
+  /// `isWhole`: the document has the machine's files and EDIDs as well.
+  TMachineReader(const std::string& name, TMachineDocument& machine, bool isWhole)
+      : m_machine(machine), m_walk(name, m_document) {
+    if (!isWhole) return;
+    m_keys[kVersionKey] = Value([](json&) {});  // looked at before
+    m_keys["files"] = Names([this](const std::string& path) -> const TReader& { return BeginFile(path); });
+    m_keys["edids"] = Names([this](const std::string& unit) -> const TReader& { return BeginEdid(unit); });
+  }
 
   void Read(const std::string& text) { m_walk.Read(text); }
 
- protected:
-  static TReader Value(std::function<void(json&)> read) { return {std::move(read), {}, {}, {}}; }
-  static TReader Object(std::function<TTable()> table, std::function<void()> close = {}) {
-    return {{}, std::move(table), {}, std::move(close)};
+ private:
+  static TReader Value(std::function<void(json&)> read) { return {std::move(read), nullptr, {}, {}}; }
+  static TReader Object(const TTable& table, std::function<void()> close = {}) {
+    return {{}, &table, {}, std::move(close)};
   }
-  static TReader Names(std::function<TReader(const std::string&)> each) { return {{}, {}, std::move(each), {}}; }
-
-  unsigned int TakeUnit(const std::string& name) const {
-    const std::optional<unsigned int> unit = ParseUnit(name);
-    if (!unit) m_walk.Fail("is not a unit number; units are named 0, 1, 2, ...");
-    return *unit;
+  static TReader Names(std::function<const TReader&(const std::string&)> each) {
+    return {{}, nullptr, std::move(each), {}};
   }
 
   TReader Text(std::string& target) {
-    return Value([this, &target](json& value) {
-      if (!value.is_string()) m_walk.Fail("must be a string");
-      target = std::move(value.get_ref<std::string&>());
-    });
-  }
-
-  virtual TTable GetTable() {
-    return {{"systemName", Text(m_machine.host.systemName)},
-            {"systemCreationClassName", Text(m_machine.host.systemCreationClassName)},
-            {"systemType", Integer(m_machine.host.systemType)},
-            {"provider", Boolean(m_machine.host.provider)},
-            {"bios", Object([this] { return GetBiosTable(); })}};
-  }
-
-  TMachineDocument& m_machine;
-  TDocumentWalk m_walk;
-
- private:
-  TTable GetBiosTable() {
-    TVirtualBiosConfiguration& bios = m_machine.bios;
-    return {{"present", Boolean(bios.present)},
-            {"memory", Boolean(bios.memory)},
-            {"ignoresUnit", Boolean(bios.ignoresUnit)},
-            {"units", Names([this](const std::string& name) {
-               const unsigned int unit = TakeUnit(name);
-               AddUnit(m_machine.bios, unit, m_walk.GetPlace());
-               return Object([this, unit] { return GetUnitTable(unit); });
-             })}};
-  }
-
-  TTable GetUnitTable(unsigned int number) {
-    TVirtualBiosConfiguration::TUnit& unit = m_machine.bios.units[number];
-    const auto connector = [this, number](json& value) { Text(m_machine.connectors[number]).value(value); };
-    return {{"connector", Value(connector)},
-            {"failAtBlock", Block(unit.failAtBlock)},
-            {"errorAtBlock", Block(unit.errorAtBlock)}};
+    return Value([this, &target](json& value) { target = TakeText(value); });
   }
 
   TReader Boolean(bool& target) {
@@ -217,16 +180,67 @@ class TMachineReader {
   }
 
   TReader Integer(int& target) {
-    return Value([this, &target](json& value) { target = Number<int>(value, "must be a whole number of 32 bits"); });
+    return Value(
+        [this, &target](json& value) { target = TakeNumber<int>(value, "must be a whole number of 32 bits"); });
   }
 
-  TReader Block(std::optional<unsigned int>& target) {
-    return Value(
-        [this, &target](json& value) { target = Number<unsigned int>(value, "must be a block number: 0, 1, 2, ..."); });
+  /// Of the unit that is being read.
+  TReader Block(std::optional<unsigned int> TVirtualBiosConfiguration::TUnit::*target) {
+    return Value([this, target](json& value) {
+      m_machine.bios.units[m_unit].*target = TakeNumber<unsigned int>(value, "must be a block number: 0, 1, 2, ...");
+    });
+  }
+
+  /// Of the file that is being read.
+  TReader Content(std::string (TMachineReader::*take)(json&) const) {
+    return Value([this, take](json& value) {
+      ++m_contents;
+      *m_file = (this->*take)(value);
+    });
+  }
+
+  const TReader& BeginUnit(const std::string& name) {
+    m_unit = TakeUnit(name);
+    AddUnit(m_machine.bios, m_unit, m_walk.GetPlace());
+    return m_unitReader;
+  }
+
+  const TReader& BeginEdid(const std::string& name) {
+    m_unit = TakeUnit(name);
+    return m_edidReader;
+  }
+
+  const TReader& BeginFile(const std::string& path) {
+    if (!IsPlainPath(path)) m_walk.Fail("is not a plain absolute path, such as /etc/X11/xorg.conf");
+    m_file = &m_machine.files[path];
+    m_contents = 0;
+    return m_fileReader;
+  }
+
+  void EndFile() const {
+    if (m_contents != 1) m_walk.Fail("must have either \"text\" or \"base64\"");
+  }
+
+  unsigned int TakeUnit(const std::string& name) const {
+    const std::optional<unsigned int> unit = ParseUnit(name);
+    if (!unit) m_walk.Fail("is not a unit number; units are named 0, 1, 2, ...");
+    return *unit;
+  }
+
+  std::string TakeText(json& value) const {
+    if (!value.is_string()) m_walk.Fail("must be a string");
+    return std::move(value.get_ref<std::string&>());
+  }
+
+  std::string TakeBytes(json& value) const {
+    std::optional<std::string> bytes;
+    if (value.is_string()) bytes = DecodeBase64(value.get_ref<const std::string&>());
+    if (!bytes) m_walk.Fail("must be bytes in base64, padded and without line breaks");
+    return std::move(*bytes);
   }
 
   template <typename T>
-  T Number(const json& value, const char* otherwise) const {
+  T TakeNumber(const json& value, const char* otherwise) const {
     constexpr std::int64_t min = std::numeric_limits<T>::min();
     constexpr std::int64_t max = std::numeric_limits<T>::max();
     const bool fits = value.is_number_integer() &&
@@ -235,53 +249,39 @@ class TMachineReader {
     if (!fits) m_walk.Fail(otherwise);
     return static_cast<T>(value.get<std::int64_t>());
   }
-};
 
-/// A machine in one file has its files and EDIDs as well.
-class TWholeMachineReader : public TMachineReader {
- public:
-  using TMachineReader::TMachineReader;
+  TMachineDocument& m_machine;
+  unsigned int m_unit = 0;        // that is being read
+  std::string* m_file = nullptr;  // its content
+  unsigned int m_contents = 0;    // that the file was given
 
- private:
-  TTable GetTable() override {
-    TTable table = TMachineReader::GetTable();
-    table[kVersionKey] = Value([](json&) {});  // looked at before
-    table["files"] = Names([this](const std::string& path) {
-      if (!IsPlainPath(path)) m_walk.Fail("is not a plain absolute path, such as /etc/X11/xorg.conf");
-      return Object([this, path] { return GetFileTable(path); },
-                    [this] {
-                      if (m_contents != 1) m_walk.Fail("must have either \"text\" or \"base64\"");
-                    });
-    });
-    table["edids"] = Names([this](const std::string& name) {
-      const unsigned int unit = TakeUnit(name);
-      return Value([this, unit](json& value) { AddEdid(m_machine.bios, unit, DecodeBytes(value), m_walk.GetPlace()); });
-    });
-    return table;
-  }
+  const TTable m_fileKeys = {{"text", Content(&TMachineReader::TakeText)},
+                             {"base64", Content(&TMachineReader::TakeBytes)}};
+  const TReader m_fileReader = Object(m_fileKeys, [this] { EndFile(); });
 
-  TTable GetFileTable(const std::string& path) {
-    m_contents = 0;
-    std::string& content = m_machine.files[path];
-    const TReader text = Text(content);
-    return {{"text", Value([this, text](json& value) {
-               ++m_contents;
-               text.value(value);
-             })},
-            {"base64", Value([this, &content](json& value) {
-               ++m_contents;
-               content = DecodeBytes(value);
-             })}};
-  }
+  const TReader m_edidReader =
+      Value([this](json& value) { AddEdid(m_machine.bios, m_unit, TakeBytes(value), m_walk.GetPlace()); });
 
-  std::string DecodeBytes(const json& value) const {
-    std::optional<std::string> bytes;
-    if (value.is_string()) bytes = DecodeBase64(value.get_ref<const std::string&>());
-    if (!bytes) m_walk.Fail("must be bytes in base64, padded and without line breaks");
-    return std::move(*bytes);
-  }
+  const TTable m_unitKeys = {
+      {"connector", Value([this](json& value) { m_machine.connectors[m_unit] = TakeText(value); })},
+      {"failAtBlock", Block(&TVirtualBiosConfiguration::TUnit::failAtBlock)},
+      {"errorAtBlock", Block(&TVirtualBiosConfiguration::TUnit::errorAtBlock)}};
+  const TReader m_unitReader = Object(m_unitKeys);
 
-  unsigned int m_contents = 0;  // of the file that is being read
+  const TTable m_biosKeys = {
+      {"present", Boolean(m_machine.bios.present)},
+      {"memory", Boolean(m_machine.bios.memory)},
+      {"ignoresUnit", Boolean(m_machine.bios.ignoresUnit)},
+      {"units", Names([this](const std::string& name) -> const TReader& { return BeginUnit(name); })}};
+
+  TTable m_keys = {{"systemName", Text(m_machine.host.systemName)},
+                   {"systemCreationClassName", Text(m_machine.host.systemCreationClassName)},
+                   {"systemType", Integer(m_machine.host.systemType)},
+                   {"provider", Boolean(m_machine.host.provider)},
+                   {"bios", Object(m_biosKeys)}};
+  const TReader m_document = Object(m_keys);
+
+  TDocumentWalk m_walk;
 };
 
 /// Looks for the version of a captured machine, no further than it must. A newer format may have keys before it that
@@ -356,13 +356,13 @@ void RequireVersion(const std::string& text, const std::string& name) {
 
 void ReadMachineJson(const std::string& text, const std::string& name, TMachineDocument& machine) {
   RequireNoZero(text, name);
-  TMachineReader(name, machine).Read(text);
+  TMachineReader(name, machine, false).Read(text);
 }
 
 void ReadMachineDocument(const std::string& text, const std::string& name, TMachineDocument& machine) {
   RequireNoZero(text, name);
   RequireVersion(text, name);
-  TWholeMachineReader(name, machine).Read(text);
+  TMachineReader(name, machine, true).Read(text);
 }
 
 std::optional<unsigned int> ParseUnit(std::string_view name) {
