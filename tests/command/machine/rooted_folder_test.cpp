@@ -3,7 +3,16 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <iterator>
 
 #include "tests/support/temporary_folder.h"
 
@@ -43,6 +52,20 @@ class RootedFolder : public testing::Test {
   TTemporaryFolder folder;
 };
 
+/// From now on this process, as in a sandbox, gets `error` from openat2.
+void ForbidOpenat2(int error) {
+  sock_filter filter[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat2, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<unsigned int>(error)),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  };
+  const sock_fprog program = {static_cast<unsigned short>(std::size(filter)), filter};
+  if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
+    _exit(2);
+  }
+}
+
 constexpr ELinks kInsideOrNone[] = {ELinks::kInside, ELinks::kNone};
 
 }  // namespace
@@ -69,6 +92,18 @@ TEST_F(RootedFolder, FollowsLinksInside) {
 TEST_F(RootedFolder, FollowsNoLinksWhereTheKernelCannotKeepThemInside) {
   for (const char* const path : {"near", "a/up", "folder/file", "folder/up", "a/../b/file"}) {
     EXPECT_EQ(Read(path, ELinks::kNone), "-") << path;
+  }
+}
+
+TEST_F(RootedFolder, FollowsNoLinksWhereOpenat2IsMissingOrForbidden) {
+  for (const int error : {ENOSYS, EPERM}) {
+    const auto look = [&] {
+      ForbidOpenat2(error);
+      const bool isRight = Read("a/file", ELinks::kInside) == "in a" && Read("near", ELinks::kInside) == "-" &&
+                           Read("out", ELinks::kInside) == "-";
+      _exit(isRight ? 0 : 1);
+    };
+    EXPECT_EXIT(look(), testing::ExitedWithCode(0), "") << error;
   }
 }
 
