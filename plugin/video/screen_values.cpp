@@ -20,6 +20,13 @@ std::string GetValue(const SectionRecord& record, const std::string& key) {
   return found == record.end() ? std::string() : found->second;
 }
 
+/// The width and the height of a mode such as "1024x768". A mode without an x is all width; one such as "x768", whose
+/// only x comes first, has no pieces and so neither.
+std::vector<std::string> SplitMode(const std::string& mode) {
+  if (mode.find('x') == std::string::npos) return {mode};
+  return TXConfig::MultiStringTok(mode, "x");
+}
+
 }  // namespace
 
 void TVideoInfo::GetScreenValues(const std::vector<SectionRecord>& screens, const std::string& deviceIdentifier,
@@ -68,9 +75,8 @@ void TVideoInfo::GetScreenWithoutDefaultDepth(const SectionRecord& screen) {
 /// Takes the first of the modes: its width and its height.
 void TVideoInfo::GetModeValues(const std::string& modes) {
   const std::vector<std::string> listed = MultiStringTok(RemoveSpaces(modes.c_str()), " ");
-  const std::string mode = listed.empty() ? modes : listed[0];
-  std::vector<std::string> sides = MultiStringTok(mode, "x");
-  if (sides.empty()) sides.push_back(mode);
+  const std::vector<std::string> sides = SplitMode(listed.empty() ? modes : listed[0]);
+  if (sides.empty()) return;
 
   if (!sides[0].empty()) {
     InsertNumber("CurrentHorizontalResolution", sides[0],
