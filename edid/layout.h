@@ -1,4 +1,8 @@
-// The layout of an EDID (VESA Enhanced EDID standard, version 1): offsets, sizes and tags, as far as they are read.
+// The layout of an EDID (VESA Enhanced EDID standard, release A, version 1): offsets, sizes, tags and the few codes
+// that are more than a number. Everything that reads or writes an EDID takes them from here.
+//
+// Sections in brackets are those of release A, revision 2 (EDID 1.4). Offsets are in bytes: of fields of the base block
+// from its beginning, of fields of a descriptor from the beginning of its slot.
 #pragma once
 
 #include <array>
@@ -9,48 +13,80 @@ namespace edid {
 constexpr std::size_t kBlockSize = 128;                       // bytes
 constexpr std::size_t kMaxBlocks = 16;                        // what a buffer holds
 constexpr std::size_t kBufferSize = kMaxBlocks * kBlockSize;  // bytes
+constexpr std::size_t kChecksum = kBlockSize - 1;  // of any block: makes the sum of its bytes a multiple of 256
 
-/// A buffer for one EDID: the base block at 0, extension block n at 128 * n.
+/// A buffer for one EDID: the base block at 0, extension block n at n * kBlockSize.
 typedef std::array<unsigned char, kBufferSize> TBuffer;
 
-// The base block.
-constexpr std::array<unsigned char, 8> kHeader = {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};
-constexpr std::size_t kManufacturer = 8;        // two bytes, big-endian
+// The base block [3].
+
+constexpr std::array<unsigned char, 8> kHeader = {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};  // [3.3]
+
+// Vendor and product [3.4].
+constexpr std::size_t kManufacturer = 8;  // two bytes, big-endian: three letters of five bits, 1 for A
+constexpr std::size_t kSerialNumber = 12;
+constexpr std::size_t kSerialNumberSize = 4;    // bytes
 constexpr std::size_t kManufacturingWeek = 16;  // 1 to 54
 constexpr std::size_t kManufacturingYear = 17;  // counted from kFirstYear
+constexpr unsigned short kFirstYear = 1990;
+
+// Version of the structure [3.5].
 constexpr std::size_t kVersion = 18;
 constexpr std::size_t kRevision = 19;
+
+// Basic display parameters and features [3.6].
 constexpr std::size_t kHorizontalImageSize = 21;  // cm
 constexpr std::size_t kVerticalImageSize = 22;    // cm
 constexpr std::size_t kGamma = 23;                // (gamma * 100) - 100
-constexpr std::size_t kFeatures = 24;
-constexpr std::size_t kEstablishedTimings = 35;  // two bytes of bits
-constexpr std::size_t kStandardTimings = 38;     // eight entries of two bytes
-constexpr std::size_t kStandardTimingCount = 8;
-constexpr std::size_t kExtensionCount = 126;
-
-constexpr unsigned short kFirstYear = 1990;
-
-// Bits of the feature byte.
+constexpr std::size_t kFeatures = 24;             // bits
 constexpr unsigned char kActiveOff = 0x20;
 constexpr unsigned char kSuspend = 0x40;
 constexpr unsigned char kStandby = 0x80;
 
-// The four descriptor slots of the base block, and the layout of a slot that is a display descriptor.
+// Established timings [3.8]: a bit for each.
+constexpr std::size_t kEstablishedTimings = 35;
+constexpr std::size_t kEstablishedTimingsSize = 2;  // bytes, without the manufacturer's own at 37
+
+// Standard timings [3.9]: two bytes each.
+constexpr std::size_t kStandardTimings = 38;
+constexpr std::size_t kStandardTimingCount = 8;
+constexpr std::size_t kStandardTimingSize = 2;  // bytes
+
+/// Whether an entry declares a timing, from its first byte: 1 marks an unused entry, and 0 is reserved.
+constexpr bool IsStandardTiming(unsigned char first) { return first > 1; }
+
+/// Of an entry's first byte, in pixels.
+constexpr unsigned int GetStandardWidth(unsigned char first) { return (first + 31U) * 8U; }
+
+/// Of an entry's second byte, in lines. The aspect ratio of code 0 is 16:10; EDIDs before 1.3 meant 1:1 by it.
+constexpr unsigned int GetStandardHeight(unsigned int width, unsigned char second) {
+  constexpr unsigned int aspects[4][2] = {{16, 10}, {4, 3}, {5, 4}, {16, 9}};
+  return width * aspects[second >> 6][1] / aspects[second >> 6][0];
+}
+
+/// Of an entry's second byte, in Hz.
+constexpr unsigned int GetStandardRefresh(unsigned char second) { return (second & 63U) + 60U; }
+
+// The four slots of 18 bytes [3.10], each a detailed timing or, when its first two bytes are 0, a display descriptor.
 constexpr std::array<std::size_t, 4> kDescriptors = {54, 72, 90, 108};
-constexpr std::size_t kDescriptorReserved = 2;
+constexpr std::size_t kDescriptorSize = 18;  // bytes
+
+// A detailed timing [3.10.2].
+constexpr std::size_t kTimingFlags = 17;
+constexpr unsigned char kInterlaced = 0x80;
+
+// A display descriptor [3.10.3].
+constexpr std::size_t kDescriptorReserved = 2;  // 0
 constexpr std::size_t kDescriptorTag = 3;
-constexpr std::size_t kDescriptorText = 5;
-constexpr std::size_t kDescriptorTextSize = 13;  // bytes
 constexpr int kTagName = 0xFC;
 constexpr int kTagRangeLimits = 0xFD;
 constexpr int kTagSerialNumber = 0xFF;
 
-// A slot that is a detailed timing.
-constexpr std::size_t kTimingFlags = 17;
-constexpr unsigned char kInterlaced = 0x80;
+// One that holds a text, which ends at a line feed or at the end of the slot.
+constexpr std::size_t kDescriptorText = 5;
+constexpr std::size_t kDescriptorTextSize = 13;  // bytes
 
-// A range limits descriptor.
+// One of range limits.
 constexpr std::size_t kMinVertFreq = 5;   // Hz
 constexpr std::size_t kMaxVertFreq = 6;   // Hz
 constexpr std::size_t kMinHorizFreq = 7;  // kHz
@@ -58,9 +94,11 @@ constexpr std::size_t kMaxHorizFreq = 8;  // kHz
 constexpr std::size_t kBandwidth = 9;     // 10 MHz
 constexpr unsigned char kNoBandwidth = 0xFF;
 
+constexpr std::size_t kExtensionCount = 126;  // of the blocks that follow the base block [3.11]
+
 // An extension block.
 constexpr std::size_t kExtensionTag = 0;
-constexpr unsigned char kDisplayInformationExtension = 0x40;  // VESA DI-EXT
+constexpr unsigned char kDisplayInformationExtension = 0x40;  // VESA Display Information Extension (DI-EXT)
 constexpr std::size_t kDigitalInterface = 2;                  // in such a block
 
 }  // namespace edid

@@ -3,19 +3,25 @@
 #include <utility>
 
 #include "host/exception.h"
+#include "host/services.h"
 #include "plugin/collector/array_value.h"
 #include "plugin/collector/data_to_string.h"
 #include "realmode/lrmi.h"
 
 using NQRXZELT20::ICIMClass;
 using NQRXZELT20::ICIMInstance;
+using NQRXZELT20::ICIMNamespace;
+using NQRXZELT20::TCIMQueryContext;
+using NQRXZELT20::TCIMSchemaHelper;
 using NQRXZELT20::TCIMValue;
 using NQRXZELT20::TPluginManagerProvider;
 using NQRXZELT20::TZELTException;
 
 namespace {
 
-/// Closes the real-mode set-up of a request, also when an exception ends the request.
+constexpr const char* kMonitor = "QRXSG_DesktopMonitor";
+
+/// Closes the real-mode set-up of a request, even when an exception ends the request.
 class TRealModeEnd {
  public:
   explicit TRealModeEnd(const bool& isOpen) : m_isOpen(isOpen) {}
@@ -46,7 +52,7 @@ std::vector<ICIMInstance*> TMonitorInfo::GetCIMInstances(std::string className) 
   const TRealModeEnd end(m_lrmiReady);
   std::vector<PropertyMap> maps;
   if (className == "QRXSG_MonitorSetting") maps = MakeMonitorSettingAssociation();
-  if (className == "QRXSG_DesktopMonitor") maps = GetMonitorInfo();
+  if (className == kMonitor) maps = GetMonitorInfo();
   if (className == "QRXSG_MonitorResolution") maps = GetMonitorResolution();
 
   std::vector<ICIMInstance*> instances;
@@ -61,6 +67,39 @@ std::vector<ICIMInstance*> TMonitorInfo::GetCIMInstances(std::string className) 
   return instances;
 }
 
+std::vector<PropertyMap> TMonitorInfo::GetMonitorInfo() {
+  std::vector<PropertyMap> monitors;
+  WalkUnits([&](const std::string& deviceId, unsigned char* edid, unsigned int length) {
+    // An EDID that does not decode ends the walk; the monitors before it stay.
+    if (length == 0 || ParseMonitorEdid(edid, length) != 0) {
+      m_properties.clear();
+      return false;
+    }
+    Insert("DeviceID", TCIMValue(deviceId));
+    if (GetDeviceKeyProperties() != 0) return false;
+    monitors.push_back(m_properties);
+    m_properties.clear();
+    return true;
+  });
+  return monitors;
+}
+
+int TMonitorInfo::GetDeviceKeyProperties() {
+  const TCIMValue creationClassName(kMonitor);
+  try {
+    const boost::shared_ptr<ICIMNamespace> ns = GetCIMClass()->GetNamespace(TCIMQueryContext());
+    Insert("SystemCreationClassName", TCIMValue(TCIMSchemaHelper::GetSystemCreationClassName(ns)));
+    Insert("SystemName", TCIMValue(TCIMSchemaHelper::GetSystemName(ns)));
+    Insert("CreationClassName", creationClassName);
+  } catch (const TZELTException&) {
+    // These fill in what is missing: Insert leaves a property alone that came in before the failure.
+    Insert("SystemName", TCIMValue(""));
+    Insert("SystemCreationClassName", TCIMValue(""));
+    Insert("CreationClassName", creationClassName);
+  }
+  return 0;
+}
+
 std::string TMonitorInfo::GetDeviceId() { return m_deviceId; }
 
 void TMonitorInfo::SetDeviceId(std::string deviceId) { m_deviceId = std::move(deviceId); }
@@ -71,4 +110,10 @@ TCIMValue TMonitorInfo::GetStrCimValue(std::vector<std::string> strings) {
 
 TCIMValue TMonitorInfo::GetWordCimValue(std::vector<unsigned short> words) {
   return MakeArrayValue(TCIMValue::TCIMType::kUint16, words);
+}
+
+void TMonitorInfo::Insert(const char* name, const TCIMValue& value) { InsertProperty(&m_properties, name, value); }
+
+void TMonitorInfo::Insert(const PropertyMap& properties) {
+  for (const auto& [name, value] : properties) InsertProperty(&m_properties, name, value);
 }

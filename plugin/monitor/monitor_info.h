@@ -25,8 +25,8 @@ class TMonitorInfo : public TDisplay {
 
   using TDisplay::GetCIMInstances;
 
-  /// Makes the instances of "QRXSG_DesktopMonitor", in unit order; none for any other class. A TZELTException of the
-  /// host costs the instance it struck and is logged; anything else passes through.
+  /// Makes the instances of one of the three monitor classes, in unit order; none for any other class. A TZELTException
+  /// of the host loses only the instance being made and is logged; anything else passes through.
   std::vector<NQRXZELT20::ICIMInstance*> GetCIMInstances(std::string className) override;
 
   /// The id of the monitor in hand, such as "Monitor 1".
@@ -37,7 +37,7 @@ class TMonitorInfo : public TDisplay {
   NQRXZELT20::TCIMValue GetStrCimValue(std::vector<std::string> strings);
   NQRXZELT20::TCIMValue GetWordCimValue(std::vector<unsigned short> words);
 
-  // Desktop monitors (desktop_monitors.cpp).
+  // Desktop monitors (monitor_info.cpp).
 
   /// One map per monitor: units 0, 1, 2, ... until one has no EDID, repeats the one before, or does not decode.
   std::vector<PropertyMap> GetMonitorInfo();
@@ -52,8 +52,8 @@ class TMonitorInfo : public TDisplay {
   /// Unlike the monitors, a unit whose EDID does not decode gives no modes and does not end the walk.
   std::vector<PropertyMap> GetMonitorResolution();
 
-  /// The modes of one EDID, numbered from 1 behind the device id set beforehand. None, with a message, when it is not
-  /// an EDID of version 1 or no device id is set.
+  /// The modes of one EDID, their setting ids the device id set beforehand and a number from 1. None, with a message,
+  /// when it is not an EDID of version 1 or no device id is set.
   std::vector<PropertyMap> GetResolutionInfo(unsigned char* edid, unsigned int length);
 
   // Monitor settings (monitor_settings.cpp).
@@ -80,14 +80,13 @@ class TMonitorInfo : public TDisplay {
   /// Decodes the two bytes at `p` into three letters; leaves `id` as it is when they are 0.
   void GetManufacturerId(unsigned char* p, std::string& id);
 
-  /// The first day of that week, 06:00 local time, or a null datetime where the C library cannot tell. `week` counts
-  /// from 1; `year` is the calendar year.
+  /// The day on which that week begins, counted from 1 January, at 06:00 local time; an hour off when a daylight-saving
+  /// change lies between 1 January and that day. A null datetime where the C library cannot tell. `week` counts from 1;
+  /// `year` is the calendar year.
   NQRXZELT20::TCIMDateTime GetMfgDateTime(unsigned char week, unsigned short year);
 
-  static constexpr int kDetailedTiming = -2;
-
-  /// The tag of an 18-byte descriptor slot, 0 to 255; kDetailedTiming for a detailed timing, -1 for a reserved byte
-  /// that is not 0.
+  /// The tag of an 18-byte descriptor slot, 0 to 255; kReservedTag or kDetailedTiming (edid_properties.h) for a slot
+  /// without one. Every call for a slot that is not a detailed timing is a line in the log.
   int GetEdidTag(unsigned char* descriptor);
 
   /// Assigns the text of an 18-byte descriptor slot, at most 13 bytes up to a line feed or a zero byte.
@@ -107,16 +106,12 @@ class TMonitorInfo : public TDisplay {
   void WalkUnits(const TTakeEdid& take);
   bool PrepareRealMode();
 
-  unsigned short GetScanMode(unsigned char* edid);
+  unsigned char* FindDescriptor(unsigned char* edid, int tag);
+  std::string FindText(unsigned char* edid, int tag);
 
   void Insert(const char* name, const NQRXZELT20::TCIMValue& value);
+  void Insert(const PropertyMap& properties);
   void InsertText(const char* name, const std::string& text);
-  unsigned char* FindDescriptor(unsigned char* edid, int tag);
-  void DecodeManufacture(unsigned char* edid);
-  void DecodeDisplayFeatures(const unsigned char* edid);
-  void DecodeDescriptors(unsigned char* edid);
-  void DecodeDigitalInterface(const unsigned char* edid, unsigned int length);
-  void InsertStatus();
 
   bool m_lrmiReady;  // set by nothing but GetCIMInstances and a successful LRMI_init
   std::string m_deviceId;

@@ -11,6 +11,9 @@ using NQRXZELT20::TZELTException;
 
 namespace {
 
+constexpr const char* kMonitor = "QRXSG_DesktopMonitor";
+constexpr const char* kResolution = "QRXSG_MonitorResolution";
+
 bool BeginsWith(const std::string& text, const std::string& beginning) {
   return text.compare(0, beginning.size(), beginning) == 0;
 }
@@ -36,15 +39,13 @@ std::vector<PropertyMap> TMonitorInfo::MakeMonitorSettingAssociation() {
   std::vector<PropertyMap> pairs;
   try {
     const boost::shared_ptr<ICIMNamespace> ns = GetCIMClass()->GetNamespace(TCIMQueryContext());
-    const TInstanceList monitors = EnumerateInstances(*ns, "QRXSG_DesktopMonitor");
-    const TInstanceList modes = EnumerateInstances(*ns, "QRXSG_MonitorResolution");
+    const TInstanceList monitors = EnumerateInstances(*ns, kMonitor);
+    const TInstanceList modes = EnumerateInstances(*ns, kResolution);
     if (monitors.empty()) return pairs;
     for (const auto& mode : modes) Link(*mode, monitors, modes, pairs);
   } catch (const TZELTException& exception) {
-    WriteStatus(
-        "Monitor association encountered an error\t\t\t\t\tenumerating CIM instances for QRXSG_DesktopMonitor OR "
-        "QRXSG_MonitorResolution Error Code: " +
-        dataToString(exception.what()));
+    WriteStatus(std::string("Monitor association encountered an error\t\t\t\t\tenumerating CIM instances for ") +
+                kMonitor + " OR " + kResolution + " Error Code: " + dataToString(exception.what()));
   }
   return pairs;
 }

@@ -11,12 +11,16 @@ using NQRXZELT20::TZELTException;
 
 namespace {
 
+constexpr const char* kController = "QRXSG_VideoController";
+constexpr const char* kHead = "QRXSG_VideoHead";
+constexpr const char* kDisplayId = "DisplayId";
+
 /// Appends a pair for each controller with the head's display id. A head without one belongs to nothing.
 void Link(ICIMInstance& head, const TInstanceList& controllers, std::vector<PropertyMap>& pairs) {
-  const std::string displayId = GetPropertyText(head, "DisplayId");
+  const std::string displayId = GetPropertyText(head, kDisplayId);
   if (displayId.empty()) return;
   for (const auto& controller : controllers) {
-    if (GetPropertyText(*controller, "DisplayId") != displayId) continue;
+    if (GetPropertyText(*controller, kDisplayId) != displayId) continue;
     PropertyMap pair;
     InsertProperty(&pair, "Antecedent", GetPathValue(*controller));
     InsertProperty(&pair, "Dependent", GetPathValue(head));
@@ -32,13 +36,13 @@ std::vector<PropertyMap> TVideoInfo::MakeHeadAssociation() {
   TInstanceList heads;
   try {
     const boost::shared_ptr<ICIMNamespace> ns = GetCIMClass()->GetNamespace(TCIMQueryContext());
-    controllers = EnumerateInstances(*ns, "QRXSG_VideoController");
-    heads = EnumerateInstances(*ns, "QRXSG_VideoHead");
+    controllers = EnumerateInstances(*ns, kController);
+    heads = EnumerateInstances(*ns, kHead);
   } catch (const TZELTException& exception) {
     WriteStatus(
-        "Video controller-head association encountered an error\t\t\t\t\t\t\t enumerating CIM instances for "
-        "QRXSG_VideoController OR QRXSG_VideoHead Error Code: " +
-        dataToString(exception.what()));
+        std::string(
+            "Video controller-head association encountered an error\t\t\t\t\t\t\t enumerating CIM instances for ") +
+        kController + " OR " + kHead + " Error Code: " + dataToString(exception.what()));
     return pairs;
   }
   for (const auto& head : heads) {

@@ -1,6 +1,5 @@
 // Lines and words of the X server's configuration.
-#include <cstring>
-#include <memory>
+#include <algorithm>
 #include <string_view>
 
 #include "plugin/xconfig/xconfig.h"
@@ -8,20 +7,6 @@
 namespace {
 
 bool IsBlank(char character) { return character == ' ' || character == '\t'; }
-
-/// Room for a text as long as the input: on the stack as long as that is small, since a stack ends the process when it
-/// is too small and the heap does not.
-class TScratch {
- public:
-  // cppcheck-suppress uninitMemberVar ; it is written before it is read
-  explicit TScratch(std::size_t size) : m_heap(size > sizeof m_stack ? new char[size] : nullptr) {}
-
-  char* Get() { return m_heap != nullptr ? m_heap.get() : m_stack; }
-
- private:
-  char m_stack[64 * 1024 + 1];
-  std::unique_ptr<char[]> m_heap;
-};
 
 /// 1 when the text begins with a delimiter, which is then passed over; else 0.
 std::size_t SkipDelimiter(const std::string& text, std::string_view delimiters) {
@@ -49,14 +34,11 @@ std::string TXConfig::RemoveSpaces(const char* text) {
 
 std::string TXConfig::ExtractString(const char* text) {
   if (text == nullptr) return std::string();
-  TScratch scratch(std::strlen(text) + 1);
-  char* end = scratch.Get();
-  for (; *text != '\0'; ++text) {
-    const bool isLeading = end == scratch.Get();
-    if (*text == '"' || (isLeading && IsBlank(*text))) continue;
-    *end++ = *text;
-  }
-  return std::string(scratch.Get(), end);
+  while (IsBlank(*text) || *text == '"') ++text;
+  // In the result's own memory: a line can be longer than a thread's stack.
+  std::string value = text;
+  value.erase(std::remove(value.begin(), value.end(), '"'), value.end());
+  return value;
 }
 
 std::vector<std::string> TXConfig::MultiStringTok(const std::string& text, const char* delimiters) {

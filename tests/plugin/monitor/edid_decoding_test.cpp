@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <ctime>
 #include <string>
 
 #include "edid/layout.h"
@@ -9,6 +8,7 @@
 #include "tests/support/edid_builder.h"
 #include "tests/support/properties.h"
 #include "tests/support/test_host.h"
+#include "tests/support/time_zone.h"
 
 using NQRXZELT20::ILogger;
 using NQRXZELT20::TCIMDateTime;
@@ -27,19 +27,6 @@ TDescribed operator+(TDescribed first, const TDescribed& second) {
   first.insert(second.begin(), second.end());
   return first;
 }
-
-/// Sets the time zone for one test.
-class TTimeZone {
- public:
-  explicit TTimeZone(const char* zone) {
-    setenv("TZ", zone, 1);
-    tzset();
-  }
-  ~TTimeZone() {
-    unsetenv("TZ");
-    tzset();
-  }
-};
 
 class EdidDecoding : public testing::Test {
  protected:
