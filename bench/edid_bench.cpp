@@ -8,9 +8,7 @@
 
 namespace {
 
-constexpr unsigned int kBlockSize = 128;  // bytes
-
-/// A monitor that says as much as one block holds, in so many blocks, as the decoder gets them.
+/// An EDID of that many blocks, the first of which says as much as it can, in the buffer that the decoder gets.
 std::vector<unsigned char> MakeEdid(std::int64_t blocks) {
   TEdidBuilder builder;
   builder.Manufacturer("ACM")
@@ -22,7 +20,7 @@ std::vector<unsigned char> MakeEdid(std::int64_t blocks) {
       .RangeLimits(1, 56, 76, 30, 83, 14)
       .Name(2, "Acme A190")
       .Serial(3, "A190-004711");
-  for (unsigned int index = 0; index < 8; ++index) builder.Standard(index, 0x81 + index, 0x80);
+  for (unsigned int index = 0; index < edid::kStandardTimingCount; ++index) builder.Standard(index, 0x81 + index, 0x80);
   while (--blocks > 0) builder.Extension({0x40, 0x01, 0x02});
   std::vector<unsigned char> edid = builder.Build();
   edid.resize(edid::kBufferSize);
@@ -33,10 +31,11 @@ void DecodeEdid(benchmark::State& state) {
   TTestHost host;
   const auto cimClass = host.GetClass("QRXSG_DesktopMonitor");
   std::vector<unsigned char> edid = MakeEdid(state.range(0));
+  const auto length = static_cast<unsigned int>(static_cast<std::size_t>(state.range(0)) * edid::kBlockSize);
   for (auto unused : state) {
     static_cast<void>(unused);
     TMonitorInfo monitor(cimClass, TTestHost::Provider());
-    monitor.ParseMonitorEdid(edid.data(), static_cast<unsigned int>(state.range(0)) * kBlockSize);
+    monitor.ParseMonitorEdid(edid.data(), length);
     benchmark::DoNotOptimize(monitor.GetProperties());
     host.Forget();
   }
@@ -49,10 +48,10 @@ void ListModes(benchmark::State& state) {
   std::vector<unsigned char> edid = MakeEdid(1);
   for (auto unused : state) {
     static_cast<void>(unused);
-    benchmark::DoNotOptimize(monitor.GetResolutionInfo(edid.data(), kBlockSize));
+    benchmark::DoNotOptimize(monitor.GetResolutionInfo(edid.data(), edid::kBlockSize));
     host.Forget();
   }
-  state.counters["modes"] = static_cast<double>(monitor.GetResolutionInfo(edid.data(), kBlockSize).size());
+  state.counters["modes"] = static_cast<double>(monitor.GetResolutionInfo(edid.data(), edid::kBlockSize).size());
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "edid/layout.h"
+
 class TInput {
  public:
   TInput(const std::uint8_t* data, std::size_t size) : m_next(data), m_end(data + size) {}
@@ -30,7 +32,7 @@ class TInput {
     std::map<unsigned int, std::vector<std::uint8_t>> edids;
     for (unsigned int unit = 0; m_next != m_end; ++unit) {
       std::vector<std::uint8_t>& edid = edids[unit];
-      edid.resize(TakeByte() * std::size_t{128});
+      edid.resize(TakeByte() * edid::kBlockSize);
       const std::size_t count = std::min(edid.size(), static_cast<std::size_t>(m_end - m_next));
       std::copy_n(m_next, count, edid.begin());
       m_next += count;

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "edid/layout.h"
 #include "realmode/real_mode_memory.h"
 
 namespace {
-
-constexpr std::size_t kBlockSize = 128;  // bytes
 
 // Conventional memory that no part of a real machine would claim: room for any number of buffers.
 constexpr std::uint32_t kPoolBegin = 0x10000;
@@ -46,14 +45,14 @@ bool TVirtualVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMem
   const auto& [edid, failAtBlock, errorAtBlock] = unit->second;
   if (failAtBlock == block) return false;
 
-  const std::size_t begin = block * kBlockSize;
+  const std::size_t begin = block * edid::kBlockSize;
   const std::size_t target = registers.es * std::size_t{16} + (registers.edi & 0xFFFF);
-  const bool canAnswer = begin + kBlockSize <= edid.size() && target + kBlockSize <= TRealModeMemory::kSize;
+  const bool canAnswer = begin + edid::kBlockSize <= edid.size() && target + edid::kBlockSize <= TRealModeMemory::kSize;
   if (!canAnswer || errorAtBlock == block) {
     SetAx(registers, kFailure);
     return true;
   }
-  std::copy_n(edid.begin() + static_cast<std::ptrdiff_t>(begin), kBlockSize,
+  std::copy_n(edid.begin() + static_cast<std::ptrdiff_t>(begin), edid::kBlockSize,
               memory.At(static_cast<std::uint32_t>(target)));
   SetAx(registers, kSuccess);
   return true;

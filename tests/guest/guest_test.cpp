@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "edid/layout.h"
 #include "realmode/lrmi.h"
 #include "tests/support/loaded_plugin.h"
 #include "tests/support/process_resources.h"
@@ -23,7 +24,6 @@ using testing::SizeIs;
 
 namespace {
 
-constexpr std::size_t kBlockSize = 128;
 constexpr std::size_t kPageSize = 4096;
 
 typedef std::vector<std::uint8_t> TBytes;
@@ -38,7 +38,7 @@ TBytes ReadRegion(const std::filesystem::path& region, std::size_t size) {
   return TBytes(bytes, bytes + size);
 }
 
-/// The EDID that the standard VGA holds at the start of its third memory region, whence its BIOS takes it.
+/// The EDID that the standard VGA holds at the start of its third memory region, where its BIOS takes it from.
 TBytes ReadDeviceEdid(std::size_t size) {
   for (const auto& device : std::filesystem::directory_iterator("/sys/bus/pci/devices")) {
     std::string vendor;
@@ -50,7 +50,7 @@ TBytes ReadDeviceEdid(std::size_t size) {
 
 /// One block of unit 0 by the LRMI calls, or nothing when the BIOS has it not.
 std::optional<TBytes> ReadBlock(std::uint32_t block) {
-  void* const buffer = LRMI_alloc_real(kBlockSize);
+  void* const buffer = LRMI_alloc_real(edid::kBlockSize);
   LRMI_regs registers = {};
   registers.eax = 0x4F15;  // VBE/DDC
   registers.ebx = 1;       // read EDID
@@ -59,7 +59,7 @@ std::optional<TBytes> ReadBlock(std::uint32_t block) {
   const bool hasReturned = LRMI_int(0x10, &registers) == 1;
   const std::uint8_t* const bytes = static_cast<std::uint8_t*>(buffer);
   std::optional<TBytes> content;
-  if (hasReturned && (registers.eax & 0xFFFF) == 0x004F) content.emplace(bytes, bytes + kBlockSize);
+  if (hasReturned && (registers.eax & 0xFFFF) == 0x004F) content.emplace(bytes, bytes + edid::kBlockSize);
   LRMI_free_real(buffer);
   return content;
 }
@@ -95,13 +95,13 @@ TBytes ReadPageZero() {
 
 TEST(VideoBiosOfTheGuest, GivesTheBlocksThatTheDeviceHoldsAndNoMore) {
   const TBytes edid = ReadBiosEdid();
-  ASSERT_THAT(edid, SizeIs(2 * kBlockSize));
+  ASSERT_THAT(edid, SizeIs(2 * edid::kBlockSize));
   EXPECT_EQ(edid, ReadDeviceEdid(edid.size()));
 }
 
 TEST(VideoBiosOfTheGuest, GivesTheResolutionThatTheDeviceWasTold) {
   const TBytes edid = ReadBiosEdid();
-  ASSERT_THAT(edid, SizeIs(2 * kBlockSize));
+  ASSERT_THAT(edid, SizeIs(2 * edid::kBlockSize));
   // The first detailed timing: eight low bits, then four high bits in the upper half of the byte shared with the blank.
   const std::uint8_t* const timing = &edid[54];
   EXPECT_EQ(timing[2] | (timing[4] & 0xF0) << 4, GetTold("width"));
@@ -110,7 +110,7 @@ TEST(VideoBiosOfTheGuest, GivesTheResolutionThatTheDeviceWasTold) {
 
 TEST(VideoBiosOfTheGuest, GivesTheSizeOfThatResolutionAtAHundredDotsPerInch) {
   const TBytes edid = ReadBiosEdid();
-  ASSERT_THAT(edid, SizeIs(2 * kBlockSize));
+  ASSERT_THAT(edid, SizeIs(2 * edid::kBlockSize));
   EXPECT_EQ(edid[21], GetTold("width") * 254 / 10000);  // centimetres
   EXPECT_EQ(edid[22], GetTold("height") * 254 / 10000);
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "edid/layout.h"
+
 /// Starts with a valid base block that says as little as it can: version 1.3, no maker, no date, no size, no gamma,
 /// four dummy descriptors, no timings, no extensions. Build mends the checksums and the extension count.
 class TEdidBuilder {
@@ -25,8 +27,10 @@ class TEdidBuilder {
 
   /// Fills descriptor slot 0 to 3.
   TEdidBuilder& Text(unsigned int slot, unsigned int tag, const std::string& text);
-  TEdidBuilder& Name(unsigned int slot, const std::string& name) { return Text(slot, 0xFC, name); }
-  TEdidBuilder& Serial(unsigned int slot, const std::string& serial) { return Text(slot, 0xFF, serial); }
+  TEdidBuilder& Name(unsigned int slot, const std::string& name) { return Text(slot, edid::kTagName, name); }
+  TEdidBuilder& Serial(unsigned int slot, const std::string& serial) {
+    return Text(slot, edid::kTagSerialNumber, serial);
+  }
   /// Rates in kHz and Hz; `clock` in units of 10 MHz, 0xFF for none.
   TEdidBuilder& RangeLimits(unsigned int slot, unsigned int minVert, unsigned int maxVert, unsigned int minHoriz,
                             unsigned int maxHoriz, unsigned int clock);
@@ -46,7 +50,7 @@ class TEdidBuilder {
   std::vector<std::uint8_t> Build() const;
 
  private:
-  std::uint8_t* Slot(unsigned int slot) { return &m_bytes[54 + std::size_t{18} * slot]; }
+  std::uint8_t* Slot(unsigned int slot) { return &m_bytes[edid::kDescriptors[slot]]; }
 
   std::vector<std::uint8_t> m_bytes;
   std::vector<std::pair<std::size_t, std::uint8_t>> m_overrides;

@@ -19,12 +19,12 @@ TLrmiDouble& Note(const std::string& call) {
 
 int AnswerFromEdids(const TLrmiDouble& lrmi, LRMI_regs& registers, std::uint8_t* buffer) {
   const auto edid = lrmi.edids.find(registers.ecx);
-  const std::size_t begin = std::size_t{registers.edx} * 128;
+  const std::size_t begin = std::size_t{registers.edx} * edid::kBlockSize;
   if (edid == lrmi.edids.end() || begin >= edid->second.size()) {
     registers.eax = 0x014F;
     return 1;
   }
-  std::copy_n(edid->second.begin() + static_cast<std::ptrdiff_t>(begin), 128, buffer);
+  std::copy_n(edid->second.begin() + static_cast<std::ptrdiff_t>(begin), edid::kBlockSize, buffer);
   registers.eax = 0x004F;
   return 1;
 }

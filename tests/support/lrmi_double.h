@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "edid/layout.h"
 #include "realmode/lrmi.h"
 
 struct TLrmiDouble {
@@ -27,5 +28,5 @@ struct TLrmiDouble {
   // What was seen: "init", "ioperm 0 1024 1", "iopl 3", "alloc 128", "int 10 unit 0 block 0", "free", "deInit".
   std::vector<std::string> calls;
 
-  alignas(16) std::uint8_t buffer[128] = {};
+  alignas(16) std::uint8_t buffer[edid::kBlockSize] = {};
 };

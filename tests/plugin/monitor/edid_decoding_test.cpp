@@ -12,7 +12,7 @@
 
 using NQRXZELT20::ILogger;
 using NQRXZELT20::TCIMDateTime;
-using testing::Each;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
@@ -103,6 +103,62 @@ TEST_F(EdidDecoding, GivesAllPropertiesOfARichEdid) {
                                  {"SupportedDigitalInterface", "uint8 5"},
                                  {"VerticalImageSize", "uint8 27"},
                              }));
+}
+
+TEST_F(EdidDecoding, ReadsAnEdidWrittenOutInBytes) {
+  // Byte by byte, apart from the layout that the builder shares with the decoder.
+  edid::TBuffer buffer = {
+      0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00,              // header
+      0x06, 0xAF, 0x21, 0x43, 0x67, 0x45, 0x23, 0x01,              // AUO, product, serial number
+      0x0A, 0x12, 0x01, 0x04,                                      // week 10 of 2008, version 1.4
+      0x90, 0x22, 0x1B, 0x78, 0xA0,                                // digital, 34 x 27 cm, 2.2, bits
+      0x25, 0x15, 0x9B, 0x55, 0x4C, 0x99, 0x26, 0x0F, 0x50, 0x54,  // colours
+      0x21, 0x08, 0x00,                                            // established timings
+      0x81, 0x80, 0x01, 0x01, 0xD1, 0xC0, 0x01, 0x01,              // standard timings
+      0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x01,              //
+      0x30, 0x2A, 0x00, 0x98, 0x51, 0x00, 0x2A, 0x40, 0x30,        // detailed timing, interlaced
+      0x70, 0x13, 0x00, 0x52, 0x0E, 0x11, 0x00, 0x00, 0x9E,        //
+      0x00, 0x00, 0x00, 0xFD, 0x00, 0x38, 0x4C, 0x1E, 0x53,        // 56-76 Hz, 30-83 kHz
+      0x0E, 0x00, 0x0A, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20,        // 140 MHz
+      0x00, 0x00, 0x00, 0xFC, 0x00, 'P',  'a',  'n',  'e',         // name
+      'l',  ' ',  '7',  0x0A, 0x20, 0x20, 0x20, 0x20, 0x20,        //
+      0x00, 0x00, 0x00, 0xFF, 0x00, 'S',  'N',  '-',  '0',         // serial number
+      '0',  '0',  '1',  '2',  '3',  '4',  '5',  '6',  '7',         //
+      0x01, 0x00,                                                  // one extension, checksum
+      0x40, 0x01, 0x03,                                            // display information: interface
+  };
+  EXPECT_EQ(monitor.ParseMonitorEdid(buffer.data(), 256), 0);
+  EXPECT_EQ(Describe(monitor.GetProperties()), (TDescribed{
+                                                   {"Bandwidth", "uint32 140"},
+                                                   {"DPMSActiveOff", "boolean true"},
+                                                   {"DPMSStandby", "boolean true"},
+                                                   {"DPMSSuspend", "boolean false"},
+                                                   {"Description", "string Panel 7"},
+                                                   {"EDIDVersion", "real32 1.4"},
+                                                   {"Gamma", "real32 2.2"},
+                                                   {"HorizontalImageSize", "uint8 34"},
+                                                   {"ManufacturingDate", "datetime 20080304060000.000000+000"},
+                                                   {"MaxHorizFreq", "uint8 83"},
+                                                   {"MaxVertFreq", "uint8 76"},
+                                                   {"MinHorizFreq", "uint8 30"},
+                                                   {"MinVertFreq", "uint8 56"},
+                                                   {"MonitorManufacturer", "string AUO"},
+                                                   {"Name", "string Panel 7"},
+                                                   {"OperationalStatus", "uint16[] 2"},
+                                                   {"SerialNumber", "string SN-0001234567"},
+                                                   {"StatusDescriptions", "string[] OK"},
+                                                   {"SupportedDigitalInterface", "uint8 3"},
+                                                   {"VerticalImageSize", "uint8 27"},
+                                               }));
+  monitor.SetDeviceId("Monitor 1");
+  std::vector<std::string> modes;
+  for (const PropertyMap& mode : monitor.GetResolutionInfo(buffer.data(), 256)) {
+    modes.push_back(static_cast<std::string>(mode.at("HorizontalResolution")) + " x " +
+                    static_cast<std::string>(mode.at("VerticalResolution")) + ", scan " +
+                    static_cast<std::string>(mode.at("ScanMode")));
+  }
+  EXPECT_THAT(modes, ElementsAre("800 x 600, scan 5", "640 x 480, scan 5", "1024 x 768, scan 5", "1280 x 1024, scan 5",
+                                 "1920 x 1080, scan 5"));
 }
 
 TEST_F(EdidDecoding, GivesOnlyWhatIsAlwaysThereForABareEdid) { EXPECT_EQ(Decode(TEdidBuilder()), kAlways); }
