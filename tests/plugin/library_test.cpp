@@ -1,6 +1,8 @@
 // The plug-in as a loaded library, over the LRMI calls and a virtual BIOS.
 #include <gmock/gmock.h>
+#include <pthread.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -13,6 +15,8 @@ using testing::ElementsAre;
 using testing::SizeIs;
 
 namespace {
+
+constexpr std::size_t kSmallStack = std::size_t{64} * 1024;  // bytes
 
 class PluginLibrary : public testing::Test {
  protected:
@@ -44,6 +48,21 @@ class PluginLibrary : public testing::Test {
   TTestHost host;
   std::unique_ptr<TLoadedPlugin> plugin;
 };
+
+/// Runs an action on a thread whose stack has that many bytes, to its end.
+void RunOnSmallStack(std::size_t stackSize, std::function<void()> action) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackSize), 0);
+  const auto run = [](void* given) -> void* {
+    (*static_cast<std::function<void()>*>(given))();
+    return nullptr;
+  };
+  pthread_t thread;
+  ASSERT_EQ(pthread_create(&thread, &attributes, run, &action), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
 
 const std::vector<std::string> kAll = {"QRXSG_VideoController",       "QRXSG_VideoHead",
                                        "QRXSG_HeadOfVideoController", "QRXSG_DesktopMonitor",
@@ -88,6 +107,14 @@ TEST_F(PluginLibrary, AnswersARepeatedRequestAsBefore) {
   host.files["/etc/X11/xorg.conf"] = "Section \"Device\"\nIdentifier \"Card0\"\nEndSection\n";
   const std::vector<TDescribed> first = plugin->Ask(kAll);
   for (int count = 0; count < 5; ++count) EXPECT_EQ(plugin->Ask(kAll), first);
+}
+
+TEST_F(PluginLibrary, NeedsLittleOfTheCallersStackHoweverLongALineIs) {
+  host.files["/etc/X11/xorg.conf"] =
+      "Section \"Device\"\nIdentifier \"Card0\"\nBoardName \"" + std::string(1'000'000, 'x') + "\"\nX\nEndSection\n";
+  std::vector<TDescribed> answer;
+  RunOnSmallStack(kSmallStack, [&] { answer = plugin->Ask(kAll); });
+  EXPECT_THAT(answer, SizeIs(1 + 1 + 1 + 1 + 2 + 2));
 }
 
 TEST_F(PluginLibrary, MakesNoAssociationBeforeWhatItAssociates) {
