@@ -1,4 +1,4 @@
-// A callback for ICIMClass::EnumerateInstances that gathers what it is given into a vector.
+// A callback for ICIMClass::EnumerateInstances that appends what it is given to a vector.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -12,7 +12,7 @@ namespace NQRXZELT20 {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-/// Appends each argument to a vector that the caller owns and keeps alive, and asks to go on.
+/// Appends each argument to a vector that the caller owns and keeps alive, and returns true, to go on.
 template <typename T>
 class TAddToVectorCallback : public std::unary_function<boost::shared_ptr<T>, bool> {
  public:

@@ -1,8 +1,8 @@
 // The host's CIM object model as the plug-in sees it: a namespace holds classes, a class its instances, an instance its
 // properties.
 //
-// The host owns all of them and hands them out by shared pointer. Any operation reports failure by throwing
-// TZELTException, and none by its result. Every operation takes a query context by value as its last argument.
+// The host owns all of them and hands them out by shared pointer. Operations report failure by throwing
+// TZELTException, never by their result. Every operation takes a query context by value as its last argument.
 #pragma once
 
 #include <boost/function.hpp>

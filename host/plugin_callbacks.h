@@ -42,8 +42,8 @@ class HOST_API IPluginCallbacks {
  private:
   friend class TPluginManagerNamespace;
 
-  /// The provider seam: the host alone writes this pointer, while it registers the plug-in, and the plug-in can only
-  /// read it. A host that has no provider to give leaves it as it is, and it reads as null.
+  /// Only the host writes this pointer, when it registers the plug-in, and the plug-in can only read it. A host without
+  /// a provider leaves it null.
   TPluginManagerProvider* m_provider = nullptr;
 };
 

@@ -8,21 +8,21 @@ namespace NQRXZELT20 {
 
 class IPluginCallbacks;
 
-/// An opaque handle that a host may give a plug-in at registration. A plug-in stores it and passes it on, never more.
+/// An opaque handle that a host may give a plug-in at registration. A plug-in only stores it and passes it on.
 class TPluginManagerProvider;
 
 /// The namespace that TRootObject::GetPluginManager answers with has this dynamic type.
 class HOST_API TPluginManagerNamespace : public ICIMNamespace {
  public:
-  /// Makes the plug-in known to the host, which from here on owns the way to it: the object stays until the host calls
-  /// its PrepareForUnload. Throws TZELTException when the host will not have it.
+  /// Makes the plug-in known to the host. The object must stay alive until the host calls its PrepareForUnload. Throws
+  /// TZELTException when the host refuses it.
   void RegisterPlugin(IPluginCallbacks* plugin);
 
  protected:
   /// The provider to give to plug-ins, or null for none.
   explicit TPluginManagerNamespace(TPluginManagerProvider* provider);
 
-  /// Takes in a plug-in whose provider has been set.
+  /// Keeps a plug-in whose provider has been set.
   virtual void Accept(IPluginCallbacks* plugin) = 0;
 
  private:

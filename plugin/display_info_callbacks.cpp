@@ -15,7 +15,7 @@ namespace NQRXZELT20 {
 
 namespace {
 
-// The version of the plug-in and that of the interface it was built for change apart from each other.
+// Two constants of equal text: the plug-in and the interface it was built for each get their own next version.
 constexpr const char* kVersion = "1.0";
 constexpr const char* kInterfaceVersion = "1.0";
 
@@ -84,10 +84,11 @@ int TDisplayInfoCallbacks::RetrieveDataForClass(TDisplay* collector) {
   try {
     instances = collector->GetCIMInstances();
   } catch (...) {
-    // Deliberate: one wording at status severity for whatever was thrown, so that no exception reaches the host.
+    // Whatever it is: an exception that reached the host would end it. One text and one severity for every kind, so
+    // that a search of the log finds them all.
     Log(ILogger::kStatus, "DisplayInfo plugin threw unknown exception");
   }
-  // The lower-case operation name is the text that readers of the log look for.
+  // "retrieveDataForClass" with a small r: a search of the log for these texts would miss others.
   Log(ILogger::kDebug, instances.empty()
                            ? "TDisplayInfoCallbacks::retrieveDataForClass - No instances of the requested class were "
                              "created."

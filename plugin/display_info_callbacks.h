@@ -30,8 +30,8 @@ class HOST_API TDisplayInfoCallbacks : public IPluginCallbacks, public IPluginBa
   void DeInit() override;
 
   /// Collects the instances of each listed class, in order, and commits them; classes the plug-in does not serve are
-  /// skipped. `ns` is not used: a collector reaches the host through its class. Nothing that a collector throws leaves
-  /// this; a failure of ICIMClass::GetName or of the log does.
+  /// skipped. `ns` is not used: a collector reaches the host through its class. What a collector throws is
+  /// caught and logged; what ICIMClass::GetName or the log throws passes through.
   void GetData(boost::shared_ptr<ICIMNamespace> ns, std::vector<boost::shared_ptr<ICIMClass>>& classes) override;
 
   /// Runs one collector, which stays the caller's, and logs whether it returned instances or threw. Always 0.

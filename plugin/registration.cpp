@@ -4,7 +4,7 @@
 int NQRXZELT20::gStarted = 0;
 
 /// Runs among the library's constructors. The object is not kept here: the host holds it from its registration to
-/// PrepareForUnload. What its constructor throws leaves the load.
+/// PrepareForUnload. An exception of its constructor is not caught here.
 __attribute__((constructor)) HOST_API void TDisplayInfoInit();
 
 // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the host holds it

@@ -1,4 +1,4 @@
-// How whoever loads a caller of the LRMI calls chooses the BIOS beneath them.
+// Which video BIOS the LRMI calls work on: chosen by the program that loads their caller.
 #pragma once
 
 #include <memory>
@@ -7,6 +7,6 @@
 
 class IVideoBios;
 
-/// From the next LRMI_init on, the LRMI calls work on this BIOS; a null pointer stands for the machine's own, which is
-/// also what they work on when nobody chose. Ends a session that is still open.
+/// From the next LRMI_init on, the LRMI calls work on this BIOS; on the machine's own after a null pointer, as when
+/// nothing was chosen. Ends a session that is still open.
 REALMODE_API void ChooseVideoBios(std::shared_ptr<IVideoBios> bios);

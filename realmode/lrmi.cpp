@@ -12,7 +12,7 @@
 
 namespace {
 
-/// What LRMI_init opens and LRMI_deInit closes: a BIOS that was started, on memory of its own.
+/// What LRMI_init opens and LRMI_deInit closes: a BIOS that was started, and the memory it works on.
 struct TSession {
   std::shared_ptr<IVideoBios> bios;
   TRealModeMemory memory;
@@ -34,7 +34,8 @@ void ChooseVideoBios(std::shared_ptr<IVideoBios> bios) {
   g_chosen = std::move(bios);
 }
 
-// An exception ends in the call's own failure result: the caller may be C, through which none may pass.
+// Each call turns an exception into its own failure result: the caller may be C, and an exception that reached C code
+// would end the process.
 
 int LRMI_init() try {
   if (!g_session) OpenSession();

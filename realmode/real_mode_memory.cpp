@@ -9,7 +9,7 @@ namespace {
 constexpr std::size_t kParagraph = 16;  // bytes: what a segment counts in
 
 /// An anonymous mapping of `size` bytes at a multiple of `size`. Mapped rather than allocated: only the pages that a
-/// session touches cost anything.
+/// session touches take memory.
 void* MapAligned(std::size_t size) {
   void* const mapped = mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED) throw std::bad_alloc();

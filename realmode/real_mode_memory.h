@@ -25,7 +25,7 @@ class REALMODE_API TRealModeMemory {
   /// A buffer of `size` bytes, aligned to 16, that stays the pool's own; null when there is no room or size is 0.
   void* Allocate(std::size_t size);
 
-  /// Gives a buffer back. What is not an allocated buffer of this pool, a null pointer included, is left alone.
+  /// Gives a buffer back. Anything but an allocated buffer of this pool, a null pointer included, is ignored.
   void Release(void* buffer);
 
   /// The byte at that real-mode address, which must be below kSize.

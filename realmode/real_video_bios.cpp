@@ -50,8 +50,8 @@ constexpr unsigned int kAccessesPerLook = 4096;
 
 void CheckTime(TRun& run) {
   if (++run.accesses % kAccessesPerLook == 0 && TClock::now() > run.deadline) {
-    // Out of the emulator at once: asked to stop, it would first finish a string instruction of 4 G repetitions. There
-    // is nothing to unwind between here and the setjmp.
+    // Out of the emulator at once: if it were asked to stop, it would first finish a string instruction of 4 G
+    // repetitions. There is nothing to unwind between here and the setjmp.
     std::longjmp(run.timeUp, 1);
   }
 }
@@ -117,15 +117,18 @@ std::uint8_t PeekCode(const x86emu_t* emulator, const TRun& run, std::uint32_t i
   return ReadByte(run, emulator->x86.R_CS_BASE + (Is32BitCode(emulator) ? offset : offset & 0xFFFF));
 }
 
-/// Whether the smallest dividend there is stands in the registers: no divisor brings its quotient into range.
+/// True when the registers hold the smallest dividend, whose quotient no divisor brings into range.
 bool IsSmallestDividend(const x86emu_t* emulator, bool is32Bit) {
   return is32Bit ? emulator->x86.R_EDX == 0x80000000U && emulator->x86.R_EAX == 0
                  : emulator->x86.R_DX == 0x8000 && emulator->x86.R_AX == 0;
 }
 
-/// Whether the next instruction is one that every processor refuses, while the emulator ends this process over it: it
-/// notes the prefixes in a buffer whose end it does not look at, and lets the processor beneath try two divisions that
-/// cannot succeed.
+/// True for the instructions that would crash this process in libx86emu:
+/// - one of more than 15 bytes, all prefixes: the emulator writes each prefix into a buffer whose end it does not
+/// check;
+/// - AAM by 0, and IDIV of the smallest dividend: the emulator lets this processor divide, which ends in SIGFPE.
+/// Stopping the run is right: a processor does not execute them either but raises an exception, so no BIOS that works
+/// gets to one.
 bool IsFatalInstruction(const x86emu_t* emulator, const TRun& run) {
   bool is32Bit = Is32BitCode(emulator);
   std::uint32_t index = 0;
@@ -189,7 +192,7 @@ void WriteWord(TRealModeMemory& memory, std::uint32_t address, std::uint16_t val
   *memory.At(address + 1) = static_cast<std::uint8_t>(value >> 8);
 }
 
-/// Stands at the handler's first instruction, as the processor does after INT: the way back is on the stack.
+/// Goes to the handler's first instruction, as INT does: the way back is on the stack.
 void EnterInterrupt(x86emu_t* emulator, TRealModeMemory& memory, int number, unsigned short flags) {
   constexpr std::uint16_t frame = kStackTop - 6;
   constexpr std::uint32_t stack = kStackSegment * 16U + frame;
@@ -218,7 +221,7 @@ EEnd RunToEnd(x86emu_t* emulator, TRun& run) {
   return run.hasReturned ? EEnd::kReturned : EEnd::kStopped;
 }
 
-/// The size in bytes that the video BIOS in the image tells of itself.
+/// The size in bytes that the video BIOS in the image states.
 std::uint32_t GetVideoBiosSize(TRealModeMemory& memory) { return *memory.At(kVideoBios + kSizeOffset) * kSizeUnit; }
 
 /// Copies the video BIOS. False when there is none.
@@ -229,7 +232,7 @@ bool CopyVideoBios(IPhysicalMachine& machine, TRealModeMemory& memory) {
   return machine.Read(kVideoBios, image, GetVideoBiosSize(memory));
 }
 
-/// Whether the vector leads into a BIOS. Anywhere else there are but zeros, which would run until the time is up.
+/// True when the vector leads into a BIOS. The rest of the memory is zeros, which would run until the time is up.
 bool HasHandler(TRealModeMemory& memory, int number) {
   if (number < 0 || number > 0xFF) return false;
   const std::uint32_t vector = static_cast<std::uint32_t>(number) * 4;

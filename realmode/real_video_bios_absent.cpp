@@ -7,7 +7,7 @@ TRealVideoBios::TRealVideoBios(std::unique_ptr<IPhysicalMachine>, std::chrono::m
 TRealVideoBios::~TRealVideoBios() = default;
 
 bool TRealVideoBios::Start(TRealModeMemory&) {
-  return Fail("this build has the virtual BIOS alone; install libx86emu3 for its architecture and build it anew");
+  return Fail("this build has only the virtual BIOS; install libx86emu3 for its architecture and build again");
 }
 
 bool TRealVideoBios::Interrupt(int, LRMI_regs&, TRealModeMemory&) { return false; }

@@ -1,4 +1,4 @@
-// A video BIOS beneath the LRMI calls.
+// What the LRMI calls work on: a video BIOS.
 #pragma once
 
 #include "realmode/lrmi.h"
@@ -9,7 +9,8 @@ class IVideoBios {
  public:
   virtual ~IVideoBios() = default;
 
-  /// Prepares one session and grants the buffers their room in `memory`. False when the BIOS cannot be had.
+  /// Prepares one session and grants the buffers their room in `memory`. False when there is no BIOS that can be
+  /// called.
   virtual bool Start(TRealModeMemory& memory) = 0;
 
   /// Runs one interrupt on that memory. False when it did not return; `registers` are then unchanged.

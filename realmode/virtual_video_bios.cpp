@@ -8,7 +8,7 @@
 
 namespace {
 
-// Conventional memory that no part of a real machine would claim: room for any number of buffers.
+// For the buffers: conventional memory, away from the interrupt vectors and the BIOS.
 constexpr std::uint32_t kPoolBegin = 0x10000;
 constexpr std::uint32_t kPoolEnd = 0x20000;
 

@@ -11,8 +11,8 @@
 
 typedef std::vector<boost::shared_ptr<NQRXZELT20::ICIMInstance>> TInstanceList;
 
-/// All instances that the host holds of a class, looked up in that namespace. The association context goes to
-/// the class look-up alone. Host failures pass through.
+/// All instances that the host holds of a class, looked up in that namespace. Only the look-up of the class gets the
+/// association context. Host failures pass through.
 TInstanceList EnumerateInstances(NQRXZELT20::ICIMNamespace& ns, const std::string& className);
 
 /// A property of an instance as text.

@@ -34,7 +34,7 @@ std::vector<ICIMInstance*> TDisplay::GetCIMInstances() {
 TPluginManagerProvider* TDisplay::GetInfoHandle() { return m_provider; }
 
 ICIMInstance* TDisplay::GenerateCIMInstance(PropertyMap properties, std::string className) {
-  // The lower-case operation name is the text that readers of the log look for.
+  // "generateCIMInstance" with a small g: a search of the log for this text would miss another.
   WriteVerbose("TDisplay::generateCIMInstance - Generating CIM instance for class " + className + ".");
   const boost::shared_ptr<ICIMInstance> instance = GetCIMClass()->CreateInstance(TCIMQueryContext());
   for (const auto& [name, value] : properties) instance->SetProperty(name, value, TCIMQueryContext());

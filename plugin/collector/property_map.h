@@ -11,7 +11,7 @@
 typedef std::map<std::string, NQRXZELT20::TCIMValue> PropertyMap;
 
 /// Inserts the pair unless the value is null or the map already holds the name: a property without a value is left out
-/// of the instance, and the first source that yields a value fixes it.
+/// of the instance, and the first source that has a value for a property wins.
 template <typename TMap>
 void InsertProperty(TMap* map, std::string name, NQRXZELT20::TCIMValue value) {
   if (value.IsNull()) return;

@@ -23,7 +23,8 @@ constexpr unsigned int kReadEdid = 1;
 constexpr unsigned long kPortCount = 1024;  // the I/O ports that ioperm can grant: 0 to 0x3FF
 constexpr int kFullPrivilege = 3;
 
-/// One EDID's way through the BIOS: the registers and the real-mode buffer of one block, used for block after block.
+/// Reads the blocks of one EDID. Its registers and its real-mode buffer serve all of them: each call finds what the one
+/// before left there, apart from the registers set here.
 class TBlockReader {
  public:
   enum EResult { kRead, kCallFailed, kBiosError };
@@ -41,7 +42,7 @@ class TBlockReader {
     m_registers.es = static_cast<unsigned short>(reinterpret_cast<std::uintptr_t>(m_buffer) / 16);
     m_registers.edi = 0;
     if (LRMI_int(kVideoInterrupt, &m_registers) == 0) return kCallFailed;
-    // Deliberate: AH alone decides. AL, the function-supported byte, is not tested.
+    // Only AH decides. A test of AL, the function-supported byte, would lose the EDID of a BIOS that does not set it.
     const unsigned int status = (m_registers.eax >> 8) & 0xFF;
     return status == 0 ? kRead : kBiosError;
   }
@@ -76,10 +77,11 @@ bool TMonitorInfo::ReadEdid(int unit, unsigned char* edid, unsigned int* length)
     const TBlockReader::EResult result = reader.Read(blocks);
     if (result != TBlockReader::kRead) {
       if (blocks == 0 && unit == 0) WriteStatus(GetMessage(result));
-      LRMI_free_real(buffer);  // and once more below, which is harmless
+      LRMI_free_real(buffer);  // the one below is then the second, which LRMI ignores
       break;
     }
-    // Deliberate: the 16th block is asked for and counted, but the boundary leaves it out of the buffer.
+    // The 16th block is asked for and counted but not stored, though it would fit: stored, it would be looked at for
+    // the digital interface and change that property.
     const bool fits = (blocks + 1) * edid::kBlockSize <= edid::kBufferSize - 1;
     if (fits) std::memcpy(edid + blocks * edid::kBlockSize, buffer, edid::kBlockSize);
     if (blocks == 0 && edid[edid::kExtensionCount] != 0xFF) last = edid[edid::kExtensionCount];
@@ -92,7 +94,9 @@ bool TMonitorInfo::ReadEdid(int unit, unsigned char* edid, unsigned int* length)
   return *length == 0;
 }
 
-/// Reads the units in order, each into a zeroed buffer, until one has no EDID or `take` has had enough.
+/// Reads the units in order, until one has no EDID or repeats the one before, or `take` returns false. Each gets a
+/// buffer of zeros: what an earlier unit left there would be taken for a later one's extension, and a unit that real
+/// mode cannot be set up for must look like the one before, or the walk would not end.
 void TMonitorInfo::WalkUnits(const TTakeEdid& take) {
   edid::TBuffer taken = {};
   for (int unit = 0; true; ++unit) {

@@ -37,7 +37,7 @@ class TRealModeEnd {
 
 }  // namespace
 
-// The constructors leave m_lrmiReady alone: it belongs to a request, and GetCIMInstances clears it.
+// The constructors do not set m_lrmiReady: it belongs to a request, and GetCIMInstances clears it.
 // cppcheck-suppress uninitMemberVar
 TMonitorInfo::TMonitorInfo(boost::shared_ptr<ICIMClass> cimClass) : TDisplay(std::move(cimClass)) {}
 

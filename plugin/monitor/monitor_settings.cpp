@@ -27,7 +27,8 @@ void Link(ICIMInstance& mode, const TInstanceList& monitors, const TInstanceList
     if (!isMatch || position >= modes.size()) continue;
     PropertyMap pair;
     InsertProperty(&pair, "Element", GetPathValue(*monitors[position]));
-    // Deliberate: the mode at the monitor's own position, whichever mode matched.
+    // The mode at the monitor's own position, not the one that matched, which would change the answer for every monitor
+    // with several modes.
     InsertProperty(&pair, "Setting", GetPathValue(*modes[position]));
     pairs.push_back(pair);
   }

@@ -18,8 +18,8 @@ using NQRXZELT20::TZELTException;
 
 namespace {
 
-// Record keys and the properties they become. Deliberate: the first row of a key counts, so a BoardName is the name
-// alone.
+// Record keys and the properties they become. Only the first row of a key counts: with the others, every BoardName
+// would give a Description and an AdapterString, which no answer has had.
 constexpr std::pair<const char*, const char*> kTranslation[] = {
     {"Identifier", "DeviceID"},     {"BoardName", "Name"},        {"BoardName", "Description"},
     {"BoardName", "AdapterString"}, {"VideoRam", "VideoRamSize"}, {"Chipset", "VideoProcessor"},
@@ -35,7 +35,7 @@ void Assign(const SectionRecord& record, const char* key, std::string& output) {
 
 TCIMValue MakeValue(const std::string& key, const std::string& text) {
   if (key != "VideoRam") return TCIMValue(text);
-  return TCIMValue(boost::lexical_cast<unsigned int>(text) * kBytesPerKilobyte);  // 4 GB and more wrap
+  return TCIMValue(boost::lexical_cast<unsigned int>(text) * kBytesPerKilobyte);  // wraps at 4 GiB
 }
 
 }  // namespace
@@ -51,7 +51,7 @@ int TVideoInfo::GetKeyProperties() {
     Insert("SystemCreationClassName", TCIMValue(TCIMSchemaHelper::GetSystemCreationClassName(ns)));
     Insert("SystemName", TCIMValue(TCIMSchemaHelper::GetSystemName(ns)));
   } catch (const TZELTException&) {
-    // What was inserted before the failure stays.
+    // These fill in what is missing: Insert leaves a property alone that came in before the failure.
     Insert("SystemCreationClassName", TCIMValue(""));
     Insert("SystemName", TCIMValue(""));
   }

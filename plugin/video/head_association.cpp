@@ -15,7 +15,7 @@ constexpr const char* kController = "QRXSG_VideoController";
 constexpr const char* kHead = "QRXSG_VideoHead";
 constexpr const char* kDisplayId = "DisplayId";
 
-/// Appends a pair for each controller with the head's display id. A head without one belongs to nothing.
+/// Appends a pair for each controller with the head's display id. A head without one gets no pair.
 void Link(ICIMInstance& head, const TInstanceList& controllers, std::vector<PropertyMap>& pairs) {
   const std::string displayId = GetPropertyText(head, kDisplayId);
   if (displayId.empty()) return;
@@ -49,7 +49,7 @@ std::vector<PropertyMap> TVideoInfo::MakeHeadAssociation() {
     try {
       Link(*head, controllers, pairs);
     } catch (const TZELTException&) {
-      // Costs the rest of this head's pairs; the next head has its own.
+      // Only the rest of this head's pairs is lost.
     }
   }
   return pairs;

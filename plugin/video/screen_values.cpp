@@ -64,7 +64,8 @@ void TVideoInfo::GetScreenOfDefaultDepth(const SectionRecord& screen, const std:
 }
 
 void TVideoInfo::GetScreenWithoutDefaultDepth(const SectionRecord& screen) {
-  // Deliberate: such a screen gives neither resolution nor monitor, and a depth that fails is called a resolution.
+  // Neither resolution nor monitor comes from such a screen: reading them would add properties to answers that never
+  // had them. A depth that fails is called a resolution: a search of the log for this text would miss another.
   for (const auto& [key, value] : screen) {
     if (!IsDepthKey(key)) continue;
     InsertNumber("CurrentBitsPerPixel", value,
@@ -83,7 +84,7 @@ void TVideoInfo::GetModeValues(const std::string& modes) {
                  "Could not convert to integer horizontal resolution from" + dataToString(sides[0]));
   }
   if (sides.size() < 2) return;
-  // Deliberate: the message names the width, not the height that failed.
+  // The message names the width, not the height that failed: a search of the log for this text would miss another.
   InsertNumber("CurrentVerticalResolution", sides[1],
                "Could not convert to integer vertical resolution from " + dataToString(sides[0]));
 }

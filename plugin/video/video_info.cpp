@@ -34,7 +34,8 @@ TVideoInfo::TVideoInfo(boost::shared_ptr<ICIMClass> cimClass, TPluginManagerProv
     : TDisplay(std::move(cimClass), provider) {}
 
 std::vector<ICIMInstance*> TVideoInfo::GetCIMInstances(std::string className) {
-  // Kept until the library is unloaded. A reading that ends by an exception is repeated, behind what it left here.
+  // Kept until the library is unloaded. A reading that an exception ends is repeated by the next request, which appends
+  // to what the first one left here.
   static std::vector<PropertyMap> controllerPropertyMap;
   static std::vector<PropertyMap> headPropertyMap;
   static bool alreadyDone = false;
@@ -80,7 +81,8 @@ void TVideoInfo::ReadDevice(const SectionRecord& device, const std::vector<Secti
   std::string identifier;
   GetDeviceData(device, busId, identifier);
   if (identifier.empty()) return;
-  // Deliberate: noted before the steps that may leave this device out, so that a later one on the bus is a second head.
+  // Noted before the steps that may leave this device out: after them, a later device on the bus would be its
+  // controller and not one more head.
   const bool isFurtherHead = !busId.empty() && !lists.seenBusIds.insert(busId).second;
   if (GetKeyProperties() == 1 || GetDeviceValues(device) == 1) return;
 

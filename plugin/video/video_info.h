@@ -27,8 +27,8 @@ class TVideoInfo : public TDisplay, public TXConfig {
   /// configuration throws passes through, and the next request reads it again.
   std::vector<NQRXZELT20::ICIMInstance*> GetCIMInstances(std::string className) override;
 
-  /// Appends one instance per map to `result`. A TZELTException of the host costs the instance it struck and is logged;
-  /// anything else passes through.
+  /// Appends one instance per map to `result`. A TZELTException of the host loses only the instance being made and is
+  /// logged; anything else passes through.
   void GenerateVideoInstances(std::vector<NQRXZELT20::ICIMInstance*>* result, std::vector<PropertyMap> maps,
                               std::string className);
 
@@ -64,7 +64,7 @@ class TVideoInfo : public TDisplay, public TXConfig {
   // Heads of controllers (head_association.cpp).
 
   /// One map for each pair of a head and a controller that the host holds with the same display id. A TZELTException of
-  /// the host never leaves this.
+  /// the host is caught: the pairs that it did not prevent are returned.
   std::vector<PropertyMap> MakeHeadAssociation();
 
   /// The properties of the Device section in hand.

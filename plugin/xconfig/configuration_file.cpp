@@ -8,8 +8,8 @@ using NQRXZELT20::TZELTException;
 
 namespace {
 
-// In the order in which they are tried. Deliberate: every XF86Config comes before any xorg.conf, so a machine that has
-// both is described from its XF86Config.
+// In the order in which they are tried. Every XF86Config comes before any xorg.conf: in any other order, a machine that
+// has both would be described from its xorg.conf.
 constexpr const char* kCandidates[] = {
     "/etc/X11/XF86Config-4",
     "/etc/X11/XF86Config",
@@ -28,10 +28,10 @@ constexpr const char* kCandidates[] = {
 std::string TXConfig::CaptureConfiguration() {
   for (const char* path : kCandidates) {
     try {
-      // The first file there is ends the search, even an empty one.
+      // The first file that exists ends the search, even an empty one.
       if (TOSSpecific::FileExists(path)) return TOSSpecific::CaptureFile(path);
     } catch (const TZELTException&) {
-      // A file that the host cannot get at is as good as none.
+      // A file that the host cannot read counts as absent.
     }
   }
   return std::string();

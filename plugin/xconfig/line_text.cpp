@@ -51,8 +51,9 @@ std::vector<std::string> TXConfig::MultiStringTok(const std::string& text, const
     if (!piece.empty()) pieces.push_back(piece);
     start = end + 1;
   }
-  // Deliberate, the parser lives with both: without a delimiter beyond the first character there are no pieces at all,
-  // and after a delimiter at the very end the last piece comes once more.
+  // Two oddities that answers depend on. Without a delimiter beyond the first character there are no pieces at all, so
+  // that a mode such as "x768" gives no resolution. After a delimiter at the very end the last piece comes once more,
+  // so that a section's last Modes or Depth line takes two numbers.
   if (start <= 1) return pieces;
   if (start < text.size()) piece = text.substr(start);
   if (!piece.empty()) pieces.push_back(piece);

@@ -36,12 +36,12 @@ struct TNumberedKey {
   unsigned int next;
 };
 
-/// The record of one section, as its values come, line by line.
+/// Makes the record of one section from its values, which come line by line.
 class TRecordBuilder {
  public:
   void Add(const std::string& key, const std::string& value) { m_record.emplace(Number(key), value); }
 
-  /// Whether no further value of the key can enter.
+  /// True when a further value of the key would be dropped.
   bool IsTaken(const std::string& key) const { return m_record.count(key) != 0; }
 
   SectionRecord Take() { return std::move(m_record); }
@@ -55,7 +55,8 @@ class TRecordBuilder {
   }
 
   SectionRecord m_record;
-  // Deliberate: the two are numbered apart from each other, across the whole section.
+  // Each has its own count, across all subsections: with one count for both, Depth2 and Modes2 of a second Display
+  // subsection would have different numbers, and no mode would be found for a depth.
   TNumberedKey m_numbered[2] = {{"Modes", 1}, {"Depth", 1}};
 };
 
@@ -65,7 +66,8 @@ struct TKeyLine {
   std::string value;
 };
 
-/// Reads sections of a text, in the order of their beginnings. Many may have one end; their lines are read once.
+/// Reads sections of a text, in the order of their beginnings. Thousands that lack their own end may share one; the
+/// lines that they share are read once.
 class TSectionReader {
  public:
   TSectionReader(const std::string& text, const std::vector<std::string>& keys)
@@ -94,7 +96,7 @@ class TSectionReader {
     if (TXConfig::CommentedCode(line.c_str())) return std::nullopt;
     const std::vector<std::string> words = SplitLine(TXConfig::RemoveSpaces(line.c_str()));
     if (words.size() < 2) return std::nullopt;
-    // Deliberate: a key counts wherever it stands in the word, so that DefaultColorDepth is a Depth.
+    // A key counts wherever it stands in the word: the depth of a DefaultColorDepth line would be lost otherwise.
     const auto key = std::find_if(m_keys.begin(), m_keys.end(), [&](const std::string& candidate) {
       return words[0].find(candidate) != std::string::npos;
     });
@@ -115,23 +117,23 @@ class TSectionReader {
     }
   }
 
-  void AddFurtherValues(std::size_t key, std::size_t behind, TRecordBuilder& record) const {
+  void AddFurtherValues(std::size_t key, std::size_t after, TRecordBuilder& record) const {
     const std::vector<TValue>& values = m_values[key];
-    auto value = std::lower_bound(values.begin(), values.end(), TValue(behind, ""));
+    auto value = std::lower_bound(values.begin(), values.end(), TValue(after, ""));
     for (; value != values.end() && !record.IsTaken(m_keys[key]); ++value) record.Add(m_keys[key], value->second);
   }
 
   const std::string& m_text;
   const std::vector<std::string>& m_keys;
-  std::vector<std::vector<TValue>> m_values;  // of each key, of the lines behind the first one, up to m_end
+  std::vector<std::vector<TValue>> m_values;  // of each key, of the lines after the first one, up to m_end
   std::size_t m_end = 0;
 };
 
 std::vector<SectionRecord> ReadSections(const std::string& text, const TSectionType& type) {
   const std::vector<unsigned int> starts = TXConfig::GetRegEx(text, 0, type.startPattern);
   if (starts.empty()) return {};
-  // The ends are found once for all starts. A match at an end never covers a start, since what follows its blanks is
-  // another word; so the first end behind a start is the same as a search from that start would find.
+  // The ends are searched for once, not from each start. The first of them after a start is the one that a search from
+  // there would find: a match of the end's pattern, blanks and another word, never covers a start.
   const std::vector<unsigned int> ends = TXConfig::GetRegEx(text, 0, kEndPattern);
   TSectionReader reader(text, type.keys);
   std::vector<SectionRecord> records;
@@ -148,7 +150,7 @@ std::vector<SectionRecord> ReadSections(const std::string& text, const TSectionT
 
 std::vector<unsigned int> TXConfig::GetRegEx(const std::string& text, unsigned int start, const char* pattern) {
   const boost::regex expression(pattern);
-  // The C++ library's own text says more, and varies.
+  // Thrown here, since the text of the C++ library's own exception varies with its version.
   if (start > text.size()) throw std::out_of_range("basic_string::substr");
   std::vector<unsigned int> positions;
   boost::smatch match;

@@ -1,4 +1,4 @@
-// TXConfig: the X server's configuration file, found, captured and cut into what is kept of its sections.
+// TXConfig: finds the X server's configuration file, has the host capture it, and reads its sections into records.
 //
 // All operations are static and keep nothing. The text routines have sharp edges that the section parser depends on;
 // they are described here and tested one by one. A blank is a space or a tab and nothing else.
@@ -15,8 +15,8 @@ class TXConfig {
  public:
   // Finding the file (configuration_file.cpp).
 
-  /// The text of the first of ten known files that exists, taken through the host; empty when there is none. A
-  /// TZELTException of the host costs the path it struck; anything else passes through.
+  /// The text of the first of ten known files that exists, taken through the host; empty when none does. A path for
+  /// which the host throws TZELTException is skipped; anything else passes through.
   static std::string CaptureConfiguration();
 
   // Lines and words (line_text.cpp). A text given as `const char*` ends at its terminating zero.

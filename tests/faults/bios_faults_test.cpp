@@ -1,5 +1,5 @@
-// Every LRMI call that can fail fails once: the monitors behind it are lost, which the log says where the first block
-// of the first unit is concerned; other classes are served, and the next request is whole.
+// Every LRMI call that can fail fails once. The monitors that it would have read are lost, and the log says so when it
+// was the first block of the first unit; other classes are served, and the next request is whole.
 #include <gmock/gmock.h>
 
 #include <stdexcept>

@@ -119,7 +119,7 @@ TEST_F(Lrmi, TakesAnExceptionOfAnInterruptForAFailure) {
   EXPECT_EQ(LRMI_int(0x10, &registers), 0);
 }
 
-TEST_F(Lrmi, EndsTheSessionAlsoWhenTheStopThrows) {
+TEST_F(Lrmi, EndsTheSessionEvenWhenTheStopThrows) {
   ChooseVideoBios(std::make_shared<TThrowingBios>(false));
   ASSERT_EQ(LRMI_init(), 1);
   LRMI_deInit();

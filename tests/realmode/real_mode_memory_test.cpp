@@ -64,7 +64,7 @@ TEST_F(RealModeMemory, LeavesASecondReleaseWithoutEffect) {
   EXPECT_EQ(memory.Allocate(16), nullptr);
 }
 
-TEST_F(RealModeMemory, LeavesAloneWhatIsNotItsBuffer) {
+TEST_F(RealModeMemory, IgnoresWhatIsNotItsBuffer) {
   memory.GrantPool(0x10000, 0x10010);
   void* const buffer = memory.Allocate(16);
   int elsewhere = 0;

@@ -222,7 +222,7 @@ const TFault kFaults[] = {
 }  // namespace
 
 void WriteMadeMachine(std::uint32_t seed, std::uint32_t number, const fs::path& folder) {
-  if (!fs::create_directories(folder)) throw std::runtime_error(folder.string() + " is there already");
+  if (!fs::create_directories(folder)) throw std::runtime_error(folder.string() + " already exists");
   TDice dice(seed, number);
   Write(folder / "machine.json", "{\"systemName\": \"ws-" + std::to_string(number) + "\"}\n");
   const unsigned int monitors = CountMonitors(dice);

@@ -1,5 +1,5 @@
-// A CIM model in front of another one: every call is told to a watcher before it is handed on, and the watcher may
-// throw instead. Its objects are counted, so that a reference that somebody kept shows.
+// A CIM model that wraps another one: a watcher hears of every call before it is handed on, and may throw instead. Its
+// objects are counted, so that a reference that was kept shows.
 #pragma once
 
 #include <boost/make_shared.hpp>
@@ -16,7 +16,7 @@ struct TWatcher {
   int objects = 0;  // alive
 };
 
-/// What every watched object has: the object behind it, and its place in the count.
+/// What every watched object has: the object that it wraps, and its place in the count.
 template <typename TInterface>
 class TWatched : public TInterface {
  public:
@@ -28,7 +28,7 @@ class TWatched : public TInterface {
   TWatched& operator=(const TWatched&) = delete;
 
  protected:
-  /// The object behind, once the watcher has let the call pass.
+  /// The wrapped object, once the watcher has let the call pass.
   TInterface& Call(const char* operation) {
     if (m_watcher.onCall) m_watcher.onCall(operation);
     return *m_inner;

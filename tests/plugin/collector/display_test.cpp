@@ -56,7 +56,7 @@ TEST_F(Display, HasNeitherClassNorProviderByDefault) {
   EXPECT_EQ(empty.GetInfoHandle(), nullptr);
 }
 
-TEST_F(Display, HasNoProviderWhenMadeOfAClassAlone) {
+TEST_F(Display, HasNoProviderWhenMadeOfOnlyAClass) {
   TCollector silent(monitorClass);
   EXPECT_EQ(silent.GetCIMClass(), monitorClass.get());
   EXPECT_EQ(silent.GetInfoHandle(), nullptr);

@@ -55,7 +55,7 @@ TEST(ArrayValue, UsesTheHostsElementTypeCodes) {
 
 TEST(UnsignedConversion, ReadsAWholeNumber) { EXPECT_EQ(boost::lexical_cast<unsigned int>(std::string("24")), 24U); }
 
-TEST(UnsignedConversion, RefusesWhatIsNotANumberAlone) {
+TEST(UnsignedConversion, RefusesWhatIsMoreThanANumber) {
   for (const char* text : {"", " 24", "24 ", "24x", "x"}) {
     EXPECT_THROW(boost::lexical_cast<unsigned int>(std::string(text)), boost::bad_lexical_cast) << '"' << text << '"';
   }

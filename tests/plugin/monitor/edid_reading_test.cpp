@@ -222,7 +222,7 @@ TEST_F(EdidReading, ReleasesTheBufferTwiceOnTheFailurePaths) {
   }
 }
 
-TEST_F(EdidReading, LooksAtTheHighByteOfAXAlone) {
+TEST_F(EdidReading, LooksOnlyAtTheHighByteOfAX) {
   lrmi.interrupt = [](LRMI_regs& registers, std::uint8_t* block) {
     block[126] = 0;
     registers.eax = 0xFFFF0000;  // neither AL nor the upper half says anything

@@ -124,7 +124,7 @@ TEST_F(MonitorInfo, SetsRealModeUpAnewForEachRequest) {
   for (const char* call : {"init", "ioperm 0 1024 1", "iopl 3", "deInit"}) EXPECT_EQ(CountCalls(call), 2) << call;
 }
 
-TEST_F(MonitorInfo, EndsRealModeAlsoWhenTheRequestEndsByAnException) {
+TEST_F(MonitorInfo, EndsRealModeEvenWhenTheRequestEndsInAnException) {
   lrmi.edids[0] = TEdidBuilder().Build();
   host.onCall = [](const std::string& call) {
     if (call == "GetSystemName") throw std::runtime_error("not the host's own kind");
@@ -203,7 +203,7 @@ TEST_F(DesktopMonitors, AreComparedWithTheOneBeforeOnly) {
   EXPECT_EQ(CollectNames().size(), 3U);
 }
 
-TEST_F(DesktopMonitors, AreComparedByTheBaseBlockAlone) {
+TEST_F(DesktopMonitors, AreComparedOnlyByTheBaseBlock) {
   lrmi.edids = {{0, Named("A").Extension({0x02}).Build()}, {1, Named("A").Extension({0x03}).Build()}};
   EXPECT_EQ(CollectNames().size(), 1U);
 }

@@ -100,7 +100,7 @@ TEST_F(MonitorResolutions, SkipUnusedStandardTimingsAndTheirNumbers) {
       ElementsAre("1: 1024 x 768 @ 60"));
 }
 
-TEST_F(MonitorResolutions, NumberTheStandardTimingsBehindTheEstablished) {
+TEST_F(MonitorResolutions, NumberTheStandardTimingsAfterTheEstablished) {
   EXPECT_THAT(Decode(TEdidBuilder().Established(0x20, 0).Standard(0, 0x61, 0x40)),
               ElementsAre("1: 640 x 480 @ 60", "2: 1024 x 768 @ 60"));
 }

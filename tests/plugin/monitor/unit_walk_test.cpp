@@ -73,7 +73,7 @@ TEST_F(UnitWalk, EndsForMonitorsAtAnEdidThatDoesNotDecodeAndGoesOnForResolutions
   EXPECT_THAT(GetStatusMessages(), ElementsAre(kNotAnEdid, kNotAnEdid));
 }
 
-TEST_F(UnitWalk, RemembersForResolutionsAlsoAnEdidThatDidNotDecode) {
+TEST_F(UnitWalk, RemembersForResolutionsEvenAnEdidThatDidNotDecode) {
   lrmi.edids = {{0, Invalid("A")}, {1, Invalid("A")}, {2, Valid("B")}};
   EXPECT_THAT(WalkResolutions(), IsEmpty());
   EXPECT_THAT(GetStatusMessages(), ElementsAre(kNotAnEdid));

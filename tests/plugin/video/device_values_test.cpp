@@ -53,7 +53,7 @@ TEST_F(DeviceValues, TranslateEveryKeyThatHasAProperty) {
                                          {"VideoRamSize", "uint32 67108864"}}));
 }
 
-TEST_F(DeviceValues, MakeOfABoardNameTheNameAlone) {
+TEST_F(DeviceValues, MakeOnlyTheNameOfABoardName) {
   video.GetDeviceValues({{"BoardName", "Example Board"}, {"Identifier", "Card0"}});
   EXPECT_EQ(GetProperties(), (TDescribed{{"DeviceID", "string Card0"}, {"Name", "string Example Board"}}));
 }

@@ -123,7 +123,7 @@ class RecordedHeadAssociation : public testing::Test {
 
 }  // namespace
 
-TEST_F(RecordedHeadAssociation, HandsItsContextToTheClassLookUpAlone) {
+TEST_F(RecordedHeadAssociation, HandsItsContextOnlyToTheClassLookUp) {
   Controller("c");
   Head("h");
   association.Hold();

@@ -105,7 +105,7 @@ TEST_F(ScreenValues, AreNoneWithoutAScreen) {
   EXPECT_EQ(monitorName, "as before");
 }
 
-TEST_F(ScreenValues, AreTheMonitorAloneWhenNoSubsectionHasTheDefaultDepth) {
+TEST_F(ScreenValues, AreOnlyTheMonitorWhenNoSubsectionHasTheDefaultDepth) {
   EXPECT_THAT(Read({{"DefaultDepth", "24"}, {"Depth1", "16"}, {"Modes1", "640x480"}, {"Monitor", "M"}}), IsEmpty());
   EXPECT_EQ(monitorName, "M");
 }
@@ -223,7 +223,7 @@ TEST_F(ScreenValues, HaveNoResolutionOfAnEmptyModesLine) {
   ExpectLog({});
 }
 
-TEST_F(ScreenValues, UseTheModesOfTheSameNumberAlone) {
+TEST_F(ScreenValues, UseOnlyTheModesOfTheSameNumber) {
   EXPECT_EQ(Read({{"DefaultDepth", "24"}, {"Depth2", "24"}, {"Modes1", "640x480"}, {"Modes22", "1x2"}}),
             (TDescribed{{"CurrentBitsPerPixel", "uint32 24"}}));
 }

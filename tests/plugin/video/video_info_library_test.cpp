@@ -77,7 +77,7 @@ TEST_F(VideoInfo, AnswersTheAssociationFromTheHostsInstances) {
                    "SystemCreationClassName=\"CIM_UnitaryComputerSystem\",SystemName=\"test-system\""}}));
 }
 
-TEST_F(VideoInfo, ReadsAgainBehindWhatAFailedReadingLeft) {
+TEST_F(VideoInfo, ReadsAgainAndAppendsToWhatAFailedReadingLeft) {
   const std::string good = host.files[kFile];
   host.files[kFile] = good + "Section \"Device\"\nIdentifier \"Card1\"\nVideoRam 64M\nEndSection\n";
   EXPECT_THAT(plugin->Ask({kHead}), IsEmpty());

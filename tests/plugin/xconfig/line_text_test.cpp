@@ -28,7 +28,7 @@ TEST(CommentedCode, LooksAtTheFirstCharacterThatIsNotABlank) {
     EXPECT_FALSE(TXConfig::CommentedCode(code)) << code;
 }
 
-TEST(RemoveSpaces, RemovesLeadingBlanksAlone) {
+TEST(RemoveSpaces, RemovesOnlyLeadingBlanks) {
   const TTextCase cases[] = {{"", ""},         {"  ", ""},       {" \t a b \r", "a b \r"},
                              {"\r a", "\r a"}, {"\v a", "\v a"}, {"a b ", "a b "}};
   for (const TTextCase& item : cases) EXPECT_EQ(TXConfig::RemoveSpaces(item.text), item.expected);

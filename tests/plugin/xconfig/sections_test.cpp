@@ -63,7 +63,7 @@ TEST(GetRegEx, DoesNotTakeTheEndOfAMatchForTheBeginningOfALine) {
   EXPECT_EQ(TXConfig::GetRegEx("aa", 0, "^a"), (TPositions{0}));
 }
 
-TEST(GetRegEx, FindsNothingBehindTheEnd) { EXPECT_EQ(TXConfig::GetRegEx("a", 1, "a"), TPositions()); }
+TEST(GetRegEx, FindsNothingAfterTheEnd) { EXPECT_EQ(TXConfig::GetRegEx("a", 1, "a"), TPositions()); }
 
 TEST(GetRegEx, RefusesAStartBeyondTheText) {
   try {
@@ -95,7 +95,7 @@ TEST(GetRegEx, GoesOnPastAZeroByte) {
   EXPECT_EQ(TXConfig::GetRegEx(std::string("a\0a", 3), 0, "a"), (TPositions{0, 2}));
 }
 
-TEST(Sections, KeepTheListedKeysOfADeviceAlone) {
+TEST(Sections, KeepOnlyTheListedKeysOfADevice) {
   EXPECT_EQ(ReadDevice("  Identifier \"Card0\"\n  Driver \"nv\"\n  VideoRam 65536\n  BusID \"PCI:1:0:0\"\n"),
             (SectionRecord{{"Identifier", "Card0"}, {"VideoRam", "65536"}, {"BusID", "PCI:1:0:0"}}));
 }
@@ -274,7 +274,7 @@ TEST(Sections, MayShareTheirLinesByTheThousand) {
   EXPECT_EQ(records.back(), (SectionRecord{{"BusID", "19999"}, {"Identifier", "a"}}));
 }
 
-TEST(Sections, AreFoundBehindAHundredMillionBlankLines) {
+TEST(Sections, AreFoundAfterAHundredMillionBlankLines) {
   const std::string text = std::string(100'000'000, '\n') + "Section \"Device\"\nIdentifier a\nEndSection\n";
   EXPECT_EQ(TXConfig::GetDeviceSectionInfo(text), (TRecords{{{"Identifier", "a"}}}));
 }
