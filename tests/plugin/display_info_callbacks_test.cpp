@@ -17,6 +17,7 @@ using NQRXZELT20::ICIMClass;
 using NQRXZELT20::ICIMInstance;
 using NQRXZELT20::ILogger;
 using NQRXZELT20::IPluginBasicQueryCallbacks;
+using NQRXZELT20::IPluginCallbacks;
 using NQRXZELT20::TDisplayInfoCallbacks;
 using NQRXZELT20::TZELTException;
 using testing::_;
@@ -130,9 +131,16 @@ TEST_F(Callbacks, LogTheirStartAndStopWithoutAProvider) {
 }
 
 TEST_F(Callbacks, DeleteThemselvesWhenTheHostUnloads) {
-  // That the memory is freed is the leak checker's to see.
-  callbacks.release()->PrepareForUnload();
-  SUCCEED();
+  // That the memory is freed, too, is for the leak checker to see.
+  struct TWatched : TDisplayInfoCallbacks {
+    explicit TWatched(bool& isDeleted) : m_isDeleted(isDeleted) {}
+    ~TWatched() override { m_isDeleted = true; }
+    bool& m_isDeleted;
+  };
+  bool isDeleted = false;
+  IPluginCallbacks* const registered = new TWatched(isDeleted);
+  registered->PrepareForUnload();
+  EXPECT_TRUE(isDeleted);
 }
 
 TEST_F(Callbacks, LogOnlyTheExitForNoClasses) { EXPECT_THAT(Ask({}), ElementsAre(Debug(kExit))); }
