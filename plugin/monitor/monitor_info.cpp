@@ -3,16 +3,13 @@
 #include <utility>
 
 #include "host/exception.h"
-#include "host/services.h"
 #include "plugin/collector/array_value.h"
 #include "plugin/collector/data_to_string.h"
+#include "plugin/collector/system_keys.h"
 #include "realmode/lrmi.h"
 
 using NQRXZELT20::ICIMClass;
 using NQRXZELT20::ICIMInstance;
-using NQRXZELT20::ICIMNamespace;
-using NQRXZELT20::TCIMQueryContext;
-using NQRXZELT20::TCIMSchemaHelper;
 using NQRXZELT20::TCIMValue;
 using NQRXZELT20::TPluginManagerProvider;
 using NQRXZELT20::TZELTException;
@@ -85,18 +82,8 @@ std::vector<PropertyMap> TMonitorInfo::GetMonitorInfo() {
 }
 
 int TMonitorInfo::GetDeviceKeyProperties() {
-  const TCIMValue creationClassName(kMonitor);
-  try {
-    const boost::shared_ptr<ICIMNamespace> ns = GetCIMClass()->GetNamespace(TCIMQueryContext());
-    Insert("SystemCreationClassName", TCIMValue(TCIMSchemaHelper::GetSystemCreationClassName(ns)));
-    Insert("SystemName", TCIMValue(TCIMSchemaHelper::GetSystemName(ns)));
-    Insert("CreationClassName", creationClassName);
-  } catch (const TZELTException&) {
-    // These fill in what is missing: Insert leaves a property alone that came in before the failure.
-    Insert("SystemName", TCIMValue(""));
-    Insert("SystemCreationClassName", TCIMValue(""));
-    Insert("CreationClassName", creationClassName);
-  }
+  InsertSystemKeys(&m_properties, *GetCIMClass());
+  Insert("CreationClassName", TCIMValue(kMonitor));
   return 0;
 }
 

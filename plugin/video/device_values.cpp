@@ -4,17 +4,11 @@
 #include <iterator>
 #include <map>
 
-#include "host/cim_objects.h"
-#include "host/exception.h"
-#include "host/services.h"
 #include "plugin/collector/array_value.h"
+#include "plugin/collector/system_keys.h"
 #include "plugin/video/video_info.h"
 
-using NQRXZELT20::ICIMNamespace;
-using NQRXZELT20::TCIMQueryContext;
-using NQRXZELT20::TCIMSchemaHelper;
 using NQRXZELT20::TCIMValue;
-using NQRXZELT20::TZELTException;
 
 namespace {
 
@@ -46,15 +40,7 @@ void TVideoInfo::GetDeviceData(const SectionRecord& record, std::string& busId, 
 }
 
 int TVideoInfo::GetKeyProperties() {
-  try {
-    const boost::shared_ptr<ICIMNamespace> ns = GetCIMClass()->GetNamespace(TCIMQueryContext());
-    Insert("SystemCreationClassName", TCIMValue(TCIMSchemaHelper::GetSystemCreationClassName(ns)));
-    Insert("SystemName", TCIMValue(TCIMSchemaHelper::GetSystemName(ns)));
-  } catch (const TZELTException&) {
-    // These fill in what is missing: Insert leaves a property alone that came in before the failure.
-    Insert("SystemCreationClassName", TCIMValue(""));
-    Insert("SystemName", TCIMValue(""));
-  }
+  InsertSystemKeys(&m_deviceProperties, *GetCIMClass());
   return 0;
 }
 

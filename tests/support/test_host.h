@@ -56,6 +56,15 @@ class TTestHost : public IHostServices {
     log = TLog();
   }
 
+  /// The messages of status severity that the log has.
+  std::vector<std::string> GetStatusMessages() const {
+    std::vector<std::string> messages;
+    for (const TLogEntry& entry : log.GetEntries()) {
+      if (entry.severity == NQRXZELT20::ILogger::kStatus) messages.push_back(entry.message);
+    }
+    return messages;
+  }
+
   // A CIM model with the six classes.
   boost::shared_ptr<TCimStore> store = TCimStore::Create(GetSchema());
 

@@ -13,7 +13,6 @@
 
 using NQRXZELT20::ICIMClass;
 using NQRXZELT20::ICIMInstance;
-using NQRXZELT20::ILogger;
 using NQRXZELT20::TCIMQueryContext;
 using NQRXZELT20::TZELTException;
 using testing::_;
@@ -36,14 +35,6 @@ class MonitorInfo : public testing::Test {
 
   std::ptrdiff_t CountCalls(const std::string& call) const {
     return std::count(lrmi.calls.begin(), lrmi.calls.end(), call);
-  }
-
-  std::vector<std::string> GetStatusMessages() const {
-    std::vector<std::string> messages;
-    for (const TLogEntry& entry : host.log.GetEntries()) {
-      if (entry.severity == ILogger::kStatus) messages.push_back(entry.message);
-    }
-    return messages;
   }
 };
 
@@ -143,7 +134,7 @@ TEST_F(MonitorInfo, LogsAHostFailureForOneInstanceAndGoesOnWithTheNext) {
 
   TMonitorInfo other(cimClass, TTestHost::Provider());
   EXPECT_THAT(other.GetCIMInstances(kMonitor), ElementsAre(instance.get()));
-  EXPECT_THAT(GetStatusMessages(),
+  EXPECT_THAT(host.GetStatusMessages(),
               ElementsAre("Monitor encountered an error\t\t\t\t\t\tgenerating CIM instances. Error Code: no room"));
 }
 
@@ -190,7 +181,7 @@ TEST_F(DesktopMonitors, AreNumberedInUnitOrder) {
 TEST_F(DesktopMonitors, EndAtTheFirstUnitWithoutAnEdid) {
   lrmi.edids = {{0, Named("A").Build()}, {2, Named("C").Build()}};
   EXPECT_THAT(CollectNames(), ElementsAre("Monitor 1 string A"));
-  EXPECT_THAT(GetStatusMessages(), IsEmpty());
+  EXPECT_THAT(host.GetStatusMessages(), IsEmpty());
 }
 
 TEST_F(DesktopMonitors, EndWhenTheBiosIgnoresTheUnit) {
@@ -211,7 +202,7 @@ TEST_F(DesktopMonitors, AreComparedOnlyByTheBaseBlock) {
 TEST_F(DesktopMonitors, EndAtAnEdidThatDoesNotDecodeAndKeepTheEarlierOnes) {
   lrmi.edids = {{0, Named("A").Build()}, {1, Named("B").Version(2, 0).Build()}, {2, Named("C").Build()}};
   EXPECT_THAT(CollectNames(), ElementsAre("Monitor 1 string A"));
-  EXPECT_THAT(GetStatusMessages(), ElementsAre("EDID structure for monitor is not valid or not supported"));
+  EXPECT_THAT(host.GetStatusMessages(), ElementsAre("EDID structure for monitor is not valid or not supported"));
 }
 
 TEST_F(DesktopMonitors, CarryNothingFromOneMonitorToTheNext) {
@@ -235,8 +226,8 @@ TEST_F(DesktopMonitors, ReadEachUnitIntoAZeroedBuffer) {
 TEST_F(DesktopMonitors, AreRejectedByTheirHeaderWhenRealModeCannotBeSetUp) {
   lrmi.initWorks = false;
   EXPECT_THAT(CollectNames(), IsEmpty());
-  EXPECT_THAT(GetStatusMessages(), ElementsAre("Lib not initialized. Cannot get monitor info.",
-                                               "EDID structure for monitor is not valid or not supported"));
+  EXPECT_THAT(host.GetStatusMessages(), ElementsAre("Lib not initialized. Cannot get monitor info.",
+                                                    "EDID structure for monitor is not valid or not supported"));
 }
 
 TEST_F(DesktopMonitors, GetEmptyKeysFromAHostWithoutNames) {

@@ -6,7 +6,6 @@
 #include "tests/support/lrmi_double.h"
 #include "tests/support/test_host.h"
 
-using NQRXZELT20::ILogger;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -36,14 +35,6 @@ class UnitWalk : public testing::Test {
   }
   std::vector<std::string> WalkMonitors() { return Walk("QRXSG_DesktopMonitor", "DeviceID"); }
   std::vector<std::string> WalkResolutions() { return Walk("QRXSG_MonitorResolution", "SettingID"); }
-
-  std::vector<std::string> GetStatusMessages() const {
-    std::vector<std::string> messages;
-    for (const TLogEntry& entry : host.log.GetEntries()) {
-      if (entry.severity == ILogger::kStatus) messages.push_back(entry.message);
-    }
-    return messages;
-  }
 };
 
 }  // namespace
@@ -70,20 +61,20 @@ TEST_F(UnitWalk, EndsForMonitorsAtAnEdidThatDoesNotDecodeAndGoesOnForResolutions
   lrmi.edids = {{0, Valid("A")}, {1, Invalid("B")}, {2, Valid("C")}};
   EXPECT_THAT(WalkMonitors(), ElementsAre("Monitor 1"));
   EXPECT_THAT(WalkResolutions(), ElementsAre("Monitor 1\\ Setting 1", "Monitor 3\\ Setting 1"));
-  EXPECT_THAT(GetStatusMessages(), ElementsAre(kNotAnEdid, kNotAnEdid));
+  EXPECT_THAT(host.GetStatusMessages(), ElementsAre(kNotAnEdid, kNotAnEdid));
 }
 
 TEST_F(UnitWalk, RemembersForResolutionsEvenAnEdidThatDidNotDecode) {
   lrmi.edids = {{0, Invalid("A")}, {1, Invalid("A")}, {2, Valid("B")}};
   EXPECT_THAT(WalkResolutions(), IsEmpty());
-  EXPECT_THAT(GetStatusMessages(), ElementsAre(kNotAnEdid));
+  EXPECT_THAT(host.GetStatusMessages(), ElementsAre(kNotAnEdid));
 }
 
 TEST_F(UnitWalk, EndsForResolutionsAtTheSecondUnitWhenRealModeCannotBeSetUp) {
   lrmi.initWorks = false;
   EXPECT_THAT(WalkResolutions(), IsEmpty());
-  EXPECT_THAT(GetStatusMessages(), ElementsAre("Lib not initialized. Cannot get monitor info.", kNotAnEdid,
-                                               "Lib not initialized. Cannot get monitor info."));
+  EXPECT_THAT(host.GetStatusMessages(), ElementsAre("Lib not initialized. Cannot get monitor info.", kNotAnEdid,
+                                                    "Lib not initialized. Cannot get monitor info."));
   EXPECT_THAT(lrmi.calls, ElementsAre("init", "init"));
 }
 
