@@ -20,9 +20,9 @@ PropertyMap DecodeBaseBlock(const unsigned char* edid);
 /// The three letters of the two bytes of a manufacturer; empty when both are 0.
 std::string DecodeManufacturer(const unsigned char* bytes);
 
-/// The day on which that week begins, counted from 1 January, at 06:00 local time, or 05:00 or 07:00 when a
-/// daylight-saving change lies between 1 January and that day. A null datetime where the C library cannot tell. `week`
-/// counts from 1; `year` is the calendar year.
+/// The day on which that week begins, counted from 1 January, at 06:00 local time, moved by a daylight-saving change
+/// that lies between 1 January and that day (07:00 in a northern summer, 05:00 in a southern winter). A null datetime
+/// where the C library cannot tell. `week` counts from 1; `year` is the calendar year.
 NQRXZELT20::TCIMDateTime DecodeManufacturingDate(unsigned char week, unsigned short year);
 
 /// The tag of a descriptor, 0 to 255; else kReservedTag or kDetailedTiming.

@@ -52,8 +52,8 @@ class TMonitorInfo : public TDisplay {
   /// Unlike the monitors, a unit whose EDID does not decode gives no modes and does not end the walk.
   std::vector<PropertyMap> GetMonitorResolution();
 
-  /// The modes of one EDID, their setting ids the device id set beforehand and a number from 1. None, with a message,
-  /// when it is not an EDID of version 1 or no device id is set.
+  /// The modes of one EDID. Their setting ids begin with the device id that was set beforehand, and count from 1. None,
+  /// with a message, when it is not an EDID of version 1 or no device id is set.
   std::vector<PropertyMap> GetResolutionInfo(unsigned char* edid, unsigned int length);
 
   // Monitor settings (monitor_settings.cpp).
@@ -69,7 +69,8 @@ class TMonitorInfo : public TDisplay {
   /// here. False: there are bytes, or real mode could not be set up and the buffer's first byte is 0.
   bool ReadEdid(int unit, unsigned char* edid, unsigned int* length);
 
-  // Decoding an EDID into the property map in hand (edid_decoding.cpp).
+  // Decoding an EDID into the property map in hand (edid_decoding.cpp). What the bytes mean is said in
+  // edid_properties.h; these insert it, and log.
 
   /// 0: all properties that the EDID holds were inserted. 1: it is not an EDID of version 1, nothing was inserted.
   int ParseMonitorEdid(unsigned char* edid, unsigned int length);
@@ -80,9 +81,7 @@ class TMonitorInfo : public TDisplay {
   /// Decodes the two bytes at `p` into three letters; leaves `id` as it is when they are 0.
   void GetManufacturerId(unsigned char* p, std::string& id);
 
-  /// The day on which that week begins, counted from 1 January, at 06:00 local time; an hour off when a daylight-saving
-  /// change lies between 1 January and that day. A null datetime where the C library cannot tell. `week` counts from 1;
-  /// `year` is the calendar year.
+  /// When that week of that year began, as DecodeManufacturingDate has it (edid_properties.h).
   NQRXZELT20::TCIMDateTime GetMfgDateTime(unsigned char week, unsigned short year);
 
   /// The tag of an 18-byte descriptor slot, 0 to 255; kReservedTag or kDetailedTiming (edid_properties.h) for a slot
@@ -99,7 +98,7 @@ class TMonitorInfo : public TDisplay {
   const PropertyMap& GetProperties() const { return m_properties; }
 
  private:
-  /// Takes one monitor's EDID, of `length` bytes in its buffer; `deviceId` is "Monitor 1" for unit 0. False ends the
+  /// Gets one monitor's EDID, of `length` bytes in its buffer; `deviceId` is "Monitor 1" for unit 0. False ends the
   /// walk.
   typedef std::function<bool(const std::string& deviceId, unsigned char* edid, unsigned int length)> TTakeEdid;
 
@@ -113,7 +112,7 @@ class TMonitorInfo : public TDisplay {
   void Insert(const PropertyMap& properties);
   void InsertText(const char* name, const std::string& text);
 
-  bool m_lrmiReady;  // set by nothing but GetCIMInstances and a successful LRMI_init
+  bool m_lrmiReady;  // set only by GetCIMInstances and a successful LRMI_init
   std::string m_deviceId;
   PropertyMap m_properties;
 };

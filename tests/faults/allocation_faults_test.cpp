@@ -1,5 +1,5 @@
-// Every allocation inside a request fails once. Wherever it strikes, in the plug-in or in the host that it calls, the
-// process goes on, nobody keeps an object, and the next request is whole.
+// Every allocation inside a request fails once, in the plug-in or in the host that it calls. The process goes on, no
+// object is kept, and the next request is whole.
 #include <gmock/gmock.h>
 
 #include <cstdlib>
@@ -37,7 +37,7 @@ bool FailAllocation(TFaultySession& session, std::size_t number) {
   try {
     session.Ask();
   } catch (const std::bad_alloc&) {
-    // It struck the name of a class, or a message for the log.
+    // It was for the name of a class, or for a message of the log: these failures reach the host.
   }
   return std::exchange(g_untilFailure, 0) == 0;
 }

@@ -1,5 +1,5 @@
-// Every call that the plug-in makes to its host fails once, in each of three ways: nothing escapes that must not, the
-// log says what was lost, later classes are served, the next request is whole, and nobody keeps an object.
+// Every call that the plug-in makes to its host fails once, in each of three ways. Only what may escape does, the log
+// says what was lost, later classes are served, the next request is whole, and no object is kept.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -81,7 +81,7 @@ std::vector<std::string> GetComplaintsOfTheHostsOwn(const TPlace& place) {
   return complaint.message == nullptr ? std::vector<std::string>() : std::vector<std::string>{complaint.message};
 }
 
-/// What the host fails to tell while the configuration is read stays untold: it is read once in the plug-in's life.
+/// True where a failure costs every later request the same: the configuration is read once in the plug-in's life.
 bool IsKept(const TPlace& place) {
   return place.className == "QRXSG_VideoController" && !place.isGenerating &&
          Has("FileExists CaptureFile GetNamespace GetSystemCreationClassName GetSystemName", place.call);
@@ -152,7 +152,7 @@ class HostFaults : public testing::Test {
     EXPECT_EQ(session.CountObjects(), 0);
   }
 
-  std::set<TDescribed> whole;       // the instances of a request that nothing befalls
+  std::set<TDescribed> whole;       // the instances of a request in which nothing fails
   std::vector<std::string> served;  // its classes, as the log names them
 
  private:

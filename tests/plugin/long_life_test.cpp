@@ -1,5 +1,4 @@
-// The plug-in in a host that runs for years: hundred thousands of requests, and thousands of loads, leave nothing
-// behind.
+// The plug-in in a host that runs for years: a hundred thousand requests, and ten thousand loads, leave nothing behind.
 #include <gtest/gtest.h>
 
 #include <memory>

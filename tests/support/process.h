@@ -11,7 +11,7 @@
 #include "tests/support/temporary_folder.h"
 
 struct TProcessResult {
-  int status;  // as the shell tells it
+  int status;  // as in the shell's $?
   std::string output;
   std::string errors;
 };
