@@ -205,7 +205,7 @@ TEST_F(EdidDecoding, DoesNotCheckTheRangeOfTheManufacturersLetters) {
 
 TEST_F(EdidDecoding, GivesNoDateWithoutAWeekOrAYearAfter1993) {
   for (unsigned int week = 0; week < 256; ++week) {
-    for (unsigned int year = 0; year < 256; ++year) {
+    for (const unsigned int year : {0U, 1U, 2U, 3U, 4U, 255U}) {
       TMonitorInfo fresh(host.GetClass("QRXSG_DesktopMonitor"));
       std::vector<std::uint8_t> bytes = TEdidBuilder().Byte(16, week).Byte(17, year).Build();
       fresh.ParseMonitorEdid(bytes.data(), 128);
