@@ -24,8 +24,8 @@ struct TVirtualBiosConfiguration {
 
 /// Answers function 0x4F15, sub-function 1, of interrupt 0x10 (VESA VBE/DDC): the block DX of the EDID of unit ECX goes
 /// to ES:DI, with AX = 0x004F. A block that does not exist, and any other function, answers AX = 0x014F. A real BIOS
-/// reads only CX. Here a unit is all 32 bits, so that a caller who counts units past 65,535 does not come back to unit 0
-/// and go on for ever.
+/// reads only CX. Here a unit is all 32 bits, so that a caller who counts units past 65,535 does not come back to unit
+/// 0 and go on for ever.
 class REALMODE_API TVirtualVideoBios : public IVideoBios {
  public:
   explicit TVirtualVideoBios(TVirtualBiosConfiguration configuration);
