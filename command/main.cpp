@@ -32,7 +32,7 @@ TMachine ChooseMachine(const TOptions& options) {
 
 void ShowBiosFailure(const TMachine& machine) {
   const std::string failure = machine.getBiosFailure();
-  if (!failure.empty()) std::cerr << "displayinfo: " << failure << '\n';
+  if (!failure.empty()) std::cerr << "displayinfo: " << ToMessage(failure) << '\n';
 }
 
 std::string MakeSchemaDocument(ESchemaFormat format) {
@@ -103,7 +103,7 @@ int main(int argumentCount, char** arguments) {
     WriteStandardOutput(MakeSchemaDocument(*line.schemaFormat));
     return kDone;
   } catch (const std::exception& error) {
-    std::cerr << "displayinfo: " << ToPrintable(error.what()) << '\n';
+    std::cerr << "displayinfo: " << ToMessage(error.what()) << '\n';
     return kUnusable;
   }
 }

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <thread>
 
+#include "command/base/text_encoding.h"
 #include "command/machine/this_machine.h"
 #include "embedded_host/schema.h"
 
@@ -158,7 +159,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   } catch (const CLI::Success& done) {
     line.exitStatus = app.exit(done);
   } catch (const CLI::ParseError& error) {
-    std::cerr << "displayinfo: " << error.what() << " (displayinfo --help shows the usage)\n";
+    std::cerr << "displayinfo: " << ToMessage(error.what()) << " (displayinfo --help shows the usage)\n";
     line.exitStatus = kWrongUsage;
   }
   return line;

@@ -1,121 +1,158 @@
 #include "command/base/text_encoding.h"
 
+#include <utf8.h>
+
 #include <algorithm>
-#include <cstddef>
+#include <cstdint>
 #include <cstdio>
-#include <map>
 
 namespace {
 
-// The well-formed characters by their first byte: how long they are, and what their second byte may be (RFC 3629).
-struct TLead {
-  unsigned char first, last, length, secondFirst, secondLast;
-};
-
-constexpr TLead kLeads[] = {
-    {0x00, 0x7F, 1, 0x80, 0xBF}, {0xC2, 0xDF, 2, 0x80, 0xBF}, {0xE0, 0xE0, 3, 0xA0, 0xBF},
-    {0xE1, 0xEC, 3, 0x80, 0xBF}, {0xED, 0xED, 3, 0x80, 0x9F}, {0xEE, 0xEF, 3, 0x80, 0xBF},
-    {0xF0, 0xF0, 4, 0x90, 0xBF}, {0xF1, 0xF3, 4, 0x80, 0xBF}, {0xF4, 0xF4, 4, 0x80, 0x8F},
-};
-
 constexpr const char* kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
-unsigned char At(std::string_view text, std::size_t position) { return static_cast<unsigned char>(text[position]); }
+// A message keeps this much of its front and of its end.
+constexpr std::size_t kMessageFront = 600;
+constexpr std::size_t kMessageEnd = 300;
+constexpr std::size_t kMessageLimit = 1000;  // more than both with the words between them
 
-bool Continues(std::string_view text, const TLead& lead) {
-  if (text.size() < lead.length) return false;
-  if (lead.length > 1 && (At(text, 1) < lead.secondFirst || At(text, 1) > lead.secondLast)) return false;
-  for (std::size_t position = 2; position < lead.length; ++position) {
-    if (At(text, position) < 0x80 || At(text, position) > 0xBF) return false;
-  }
-  return true;
+typedef std::uint32_t TCode;  // of a character, in Unicode
+
+struct TRange {
+  TCode first, last;
+};
+
+// All hidden characters beyond ASCII; text_encoding.h says what each is.
+constexpr TRange kHidden[] = {
+    {0x80, 0x9F}, {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069},
+};
+
+bool IsHidden(TCode code) {
+  if (code < 0x80) return code < 0x20 || code == 0x7F;
+  return std::any_of(std::begin(kHidden), std::end(kHidden),
+                     [&](const TRange& range) { return code >= range.first && code <= range.last; });
 }
 
-/// The length in bytes of the well-formed character that the text begins with, or 0.
-std::size_t GetCharacterLength(std::string_view text) {
-  for (const TLead& lead : kLeads) {
-    if (At(text, 0) >= lead.first && At(text, 0) <= lead.last) return Continues(text, lead) ? lead.length : 0;
-  }
-  return 0;
-}
-
-bool IsAscii(char character) { return static_cast<unsigned char>(character) < 0x80; }
-
-bool IsControl(std::string_view character) {
-  const unsigned char first = At(character, 0);
-  const bool isC1 = first == 0xC2 && At(character, 1) < 0xA0;
-  return (first < 0x20 && first != '\t') || first == 0x7F || isC1;
-}
-
-std::string Escape(std::string_view control) {
-  std::string escaped;
-  for (const char byte : control) {
-    char text[8];
-    std::snprintf(text, sizeof text, "\\x%02x", static_cast<unsigned char>(byte));
-    escaped += text;
-  }
-  return escaped;
-}
-
-std::string EscapeForMof(std::string_view character) {
-  static const std::map<char, const char*> escapes = {{'\\', "\\\\"}, {'"', "\\\""}, {'\b', "\\b"}, {'\t', "\\t"},
-                                                      {'\n', "\\n"},  {'\f', "\\f"}, {'\r', "\\r"}};
-  const auto escape = escapes.find(character.front());
-  if (escape != escapes.end()) return escape->second;
-  if (!IsControl(character)) return std::string(character);
-  char text[8];
-  std::snprintf(text, sizeof text, "\\x%04X", static_cast<unsigned char>(character.back()));
+/// `format`: of printf, for one number.
+std::string EscapeCode(const char* format, TCode code) {
+  char text[16];
+  std::snprintf(text, sizeof text, format, static_cast<unsigned int>(code));
   return text;
 }
 
-std::string EscapeForHtml(std::string_view character) {
-  static const std::map<std::string_view, const char*> escapes = {
-      {"&", "&amp;"},
-      {"<", "&lt;"},
-      {">", "&gt;"},
-      {"\"", "&quot;"},
-      {"'", "&#39;"},
-      {"\xEF\xBF\xBE", kReplacement},  // U+FFFE and U+FFFF are no characters of XML
-      {"\xEF\xBF\xBF", kReplacement}};
-  const auto escape = escapes.find(character);
-  return escape == escapes.end() ? std::string(character) : escape->second;
+// What stands for a character in each kind of text; empty for one that stands for itself.
+
+std::string EscapeForPeople(TCode code) {
+  if (!IsHidden(code) || code == '\t') return std::string();
+  return EscapeCode(code < 0x80 ? "\\x%02x" : "\\u%04x", code);
+}
+
+/// The escapes that JSON (RFC 8259, section 7) and MOF have in common.
+std::string EscapeShort(TCode code) {
+  switch (code) {
+    case '"':
+      return "\\\"";
+    case '\\':
+      return "\\\\";
+    case '\b':
+      return "\\b";
+    case '\f':
+      return "\\f";
+    case '\n':
+      return "\\n";
+    case '\r':
+      return "\\r";
+    case '\t':
+      return "\\t";
+    default:
+      return std::string();
+  }
+}
+
+std::string EscapeForJson(TCode code) {
+  const std::string escape = EscapeShort(code);
+  return escape.empty() && IsHidden(code) ? EscapeCode("\\u%04x", code) : escape;
+}
+
+std::string EscapeForMof(TCode code) {
+  const std::string escape = EscapeShort(code);
+  return escape.empty() && IsHidden(code) ? EscapeCode("\\x%04X", code) : escape;
+}
+
+std::string EscapeForHtml(TCode code) {
+  switch (code) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\'':
+      return "&#39;";
+    case 0xFFFE:  // no characters of XML
+    case 0xFFFF:
+      return kReplacement;
+    default:
+      return EscapeForPeople(code);
+  }
+}
+
+/// No kind of text escapes it; most texts are made of such characters.
+bool IsPlain(char byte) {
+  return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == ' ';
+}
+
+/// Goes through the text: `append` takes each run of well-formed characters, and U+FFFD stands for each byte between.
+template <typename TAppend>
+std::string Convert(std::string_view text, TAppend append) {
+  std::string converted;
+  while (true) {
+    const auto invalid = utf8::find_invalid(text.begin(), text.end());
+    const auto length = static_cast<std::size_t>(invalid - text.begin());
+    append(converted, text.substr(0, length));
+    if (length == text.size()) return converted;
+    converted += kReplacement;
+    text.remove_prefix(length + 1);
+  }
+}
+
+/// The text with what `escape` gives for its characters.
+std::string Escape(std::string_view text, std::string (*escape)(TCode)) {
+  return Convert(text, [&](std::string& converted, std::string_view run) {
+    for (auto position = run.begin(); position != run.end();) {
+      const auto special = std::find_if_not(position, run.end(), IsPlain);
+      converted.append(position, special);
+      if ((position = special) == run.end()) break;
+      const std::string shown = escape(utf8::unchecked::next(position));
+      shown.empty() ? converted.append(special, position) : converted.append(shown);
+    }
+  });
 }
 
 bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }
 
-/// Goes through the characters of `text`; `show` gives what stands for a well-formed one.
-template <typename TShow>
-std::string Convert(std::string_view text, TShow show) {
-  std::string converted;
-  while (!text.empty()) {
-    const std::size_t length = GetCharacterLength(text);
-    if (length == 0) {
-      converted += kReplacement;
-      text.remove_prefix(1);
-    } else {
-      converted += show(text.substr(0, length));
-      text.remove_prefix(length);
-    }
-  }
-  return converted;
-}
-
 }  // namespace
 
 std::string ToUtf8(const std::string& text) {
-  if (std::all_of(text.begin(), text.end(), IsAscii)) return text;  // as most texts are
-  return Convert(text, [](std::string_view character) { return character; });
+  return Convert(text, [](std::string& converted, std::string_view run) { converted += run; });
 }
 
-std::string ToPrintable(const std::string& text) {
-  return Convert(text, [](std::string_view character) {
-    return IsControl(character) ? Escape(character) : std::string(character);
-  });
+std::string ToPrintable(const std::string& text) { return Escape(text, EscapeForPeople); }
+
+std::string ToMessage(const std::string& text) {
+  const std::string printable = ToPrintable(text);
+  const std::size_t columns = CountColumns(printable);
+  if (columns <= kMessageLimit) return printable;
+  return printable.substr(0, GetLength(printable, kMessageFront)) + " ... (" + std::to_string(columns) +
+         " characters) ... " + printable.substr(GetLength(printable, columns - kMessageEnd));
 }
 
-std::string QuoteMof(const std::string& text) { return '"' + Convert(text, EscapeForMof) + '"'; }
+std::string QuoteJson(const std::string& text) { return '"' + Escape(text, EscapeForJson) + '"'; }
 
-std::string EscapeHtml(const std::string& text) { return Convert(ToPrintable(text), EscapeForHtml); }
+std::string QuoteMof(const std::string& text) { return '"' + Escape(text, EscapeForMof) + '"'; }
+
+std::string EscapeHtml(const std::string& text) { return Escape(text, EscapeForHtml); }
 
 std::size_t CountColumns(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));

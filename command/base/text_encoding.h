@@ -1,4 +1,9 @@
-// Texts of unknown origin, made fit for JSON, MOF, HTML and a terminal.
+// Texts of unknown origin, made fit for JSON, MOF, HTML, a terminal and the one line of an error.
+//
+// Hidden characters are those that a terminal, a browser or an editor obeys instead of showing them: the controls
+// U+0000 to U+001F and U+007F to U+009F, the marks, embeddings, overrides and isolates that turn the direction of the
+// text around them (U+061C, U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069), and the separators that break a line
+// (U+2028, U+2029). Every text below shows them as escapes, in the form that its reader knows.
 #pragma once
 
 #include <cstddef>
@@ -8,9 +13,17 @@
 /// The text as valid UTF-8 (RFC 3629): each byte that is not part of a well-formed character becomes U+FFFD.
 std::string ToUtf8(const std::string& text);
 
-/// The text as people may see it: valid UTF-8, with each control character but the tab written as \xNN, so that a
-/// terminal shows it and does not obey it.
+/// The text as people may see it: valid UTF-8, each hidden character but the tab written as \xNN (below U+0080) or
+/// \uNNNN. Making a printable text printable again changes nothing.
 std::string ToPrintable(const std::string& text);
+
+/// The text as the one line of an error: printable, and what is longer than 1000 characters loses its middle, so that
+/// the name at its front and the cure at its end stay. It says then how long it was. Nothing changes a message that is
+/// made again.
+std::string ToMessage(const std::string& text);
+
+/// The text as a JSON string, with its quotes: a parser reads the characters of ToUtf8.
+std::string QuoteJson(const std::string& text);
 
 /// The text as a MOF string literal, with its quotes.
 std::string QuoteMof(const std::string& text);

@@ -70,7 +70,7 @@ TMachineLine CollectLine(const std::string& machine, const TFleet& fleet) try {
   const TAnswer answer = Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog);
   return {MakeMachineLine(machine, answer), false};
 } catch (const std::exception& error) {
-  return {MakeErrorLine(machine, ToPrintable(error.what())), true};
+  return {MakeErrorLine(machine, ToMessage(error.what())), true};
 }
 
 class TFleetRun {

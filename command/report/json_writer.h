@@ -18,7 +18,7 @@ class TJsonWriter {
   /// The name of the next value; inside an object alone.
   void Key(const std::string& name);
 
-  /// A string. `text` need not be UTF-8: what is not becomes U+FFFD, byte by byte.
+  /// A string, as QuoteJson makes it of any bytes.
   void String(const std::string& text);
 
   /// A value that is JSON already, such as a number or null.
@@ -32,7 +32,6 @@ class TJsonWriter {
   void End(char bracket);
   void Separate();
   void BreakLine();
-  void Quote(const std::string& text);
 
   ELayout m_layout;
   std::string m_text;

@@ -121,6 +121,19 @@ TEST_F(Command, ExplainsWrongUsageInOneLine) {
   ExpectWrongUsage("--edid-source bios --machine x", "--machine");
 }
 
+TEST_F(Command, DoesNotObeyWhatIsWrongInItsUsage) {
+  ExpectWrongUsage("\"$(printf '\\033[2J')\"", "\\x1b[2J");
+  ExpectWrongUsage("--colour=\"$(printf '\\302\\233')\"", "\\u009b");
+  ExpectWrongUsage("--format \"$(printf '\\342\\200\\256')\"", "\\u202e");
+}
+
+TEST_F(Command, ExplainsLongWrongUsageAtALengthThatPeopleRead) {
+  const std::string name = "\"$(printf %100000d 1)\"";
+  ExpectWrongUsage(name, kClassNames);
+  EXPECT_LT(RunShell(kCommand + " " + name).errors.size(), 1200U);
+  EXPECT_LT(RunShell(kCommand + " --machine " + name).errors.size(), 1200U);
+}
+
 TEST_F(Command, NamesAMachineThatIsNotThere) {
   ExpectUnusable(
       RunShell(kCommand + " --machine /no/such/folder"),

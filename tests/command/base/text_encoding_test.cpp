@@ -46,15 +46,66 @@ TEST(Utf8, ReplacesOverlongFormsSurrogatesAndWhatLiesBeyondUnicode) {
 
 TEST(Printable, ShowsControlCharactersAndDoesNotSendThem) {
   EXPECT_EQ(ToPrintable("\x1B[31mred\x7F\r\n"), "\\x1b[31mred\\x7f\\x0d\\x0a");
-  EXPECT_EQ(ToPrintable("\xC2\x9B"), "\\xc2\\x9b");
+  EXPECT_EQ(ToPrintable("\u0080\u009B\u009F\u00A0"), "\\u0080\\u009b\\u009f\u00A0");
   EXPECT_EQ(ToPrintable(std::string("\0", 1)), "\\x00");
+}
+
+TEST(Printable, ShowsWhatWouldTurnTheTextAroundIt) {
+  EXPECT_EQ(ToPrintable("\u061C\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069"),
+            "\\u061c\\u200e\\u200f\\u202a\\u202b\\u202c\\u202d\\u202e\\u2066\\u2067\\u2068\\u2069");
+  EXPECT_EQ(ToPrintable("\u061B\u061D\u200D\u2010\u2027\u202F\u2065\u206A"),
+            "\u061B\u061D\u200D\u2010\u2027\u202F\u2065\u206A");
+}
+
+TEST(Printable, ShowsWhatWouldBreakItsLine) { EXPECT_EQ(ToPrintable("a\u2028b\u2029"), "a\\u2028b\\u2029"); }
+
+TEST(Printable, StaysAsItIsWhenItIsMadeAgain) {
+  const std::string printable = ToPrintable("\x1B\u202E\u009B\xFF\\x1b");
+  EXPECT_EQ(ToPrintable(printable), printable);
 }
 
 TEST(Printable, KeepsTabsAndLetters) { EXPECT_EQ(ToPrintable("a\tb \xC3\xA9"), "a\tb \xC3\xA9"); }
 
+TEST(Message, IsPrintable) { EXPECT_EQ(ToMessage("\x1B\u202E"), "\\x1b\\u202e"); }
+
+TEST(Message, OfAThousandCharactersIsWhole) {
+  std::string text;
+  while (CountColumns(text) < 1000) text += "\u00E9";
+  EXPECT_EQ(ToMessage(text), text);
+}
+
+TEST(Message, KeepsTheFrontAndTheEndOfALongText) {
+  EXPECT_EQ(ToMessage("name" + std::string(1000000, 'x') + "; cure"),
+            "name" + std::string(596, 'x') + " ... (1000010 characters) ... " + std::string(294, 'x') + "; cure");
+}
+
+TEST(Message, IsCutBetweenCharacters) {
+  std::string text;
+  while (CountColumns(text) < 2000) text += "\u20AC";
+  EXPECT_EQ(ToUtf8(ToMessage(text)), ToMessage(text));
+  EXPECT_EQ(CountColumns(ToMessage(text)), 927U);
+}
+
+TEST(Message, StaysAsItIsWhenItIsMadeAgain) {
+  const std::string message = ToMessage(std::string(5000, '\x1B'));
+  EXPECT_EQ(ToMessage(message), message);
+}
+
+TEST(JsonText, IsQuotedWithItsHiddenCharactersEscaped) {
+  EXPECT_EQ(QuoteJson("\"\\\b\f\n\r\t/\x01\x1F\x7F\u0080\u009F\u00A0\u202E\u2028\U0001F5A5\xFF"),
+            "\"\\\"\\\\\\b\\f\\n\\r\\t/\\u0001\\u001f\\u007f\\u0080\\u009f\u00A0\\u202e\\u2028\U0001F5A5" +
+                kReplacement + "\"");
+}
+
 TEST(MofText, IsQuotedWithItsQuotesAndControlCharactersEscaped) {
   EXPECT_EQ(QuoteMof("a\"\\\n\x1B\xC2\x9B\xC3\xA9\xFF"), "\"a\\\"\\\\\\n\\x001B\\x009B\xC3\xA9" + kReplacement + "\"");
 }
+
+TEST(MofText, HasItsHiddenCharactersEscaped) {
+  EXPECT_EQ(QuoteMof("\x7F\u0085\u202E\u2066\u2028"), "\"\\x007F\\x0085\\x202E\\x2066\\x2028\"");
+}
+
+TEST(HtmlText, ShowsHiddenCharacters) { EXPECT_EQ(EscapeHtml("\t\x1B\x7F\u0085\u202E"), "\t\\x1b\\x7f\\u0085\\u202e"); }
 
 TEST(HtmlText, HasItsMarkupEscaped) { EXPECT_EQ(EscapeHtml("&<>\"'"), "&amp;&lt;&gt;&quot;&#39;"); }
 

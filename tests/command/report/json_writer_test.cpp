@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <utf8.h>
+
+#include <iterator>
 #include <nlohmann/json.hpp>
+
+#include "command/base/text_encoding.h"
 
 using nlohmann::json;
 
@@ -37,6 +42,12 @@ std::string WriteString(const std::string& text) {
   return writer.TakeText();
 }
 
+std::string Encode(unsigned int code) {
+  std::string text;
+  utf8::append(static_cast<char32_t>(code), std::back_inserter(text));
+  return text;
+}
+
 }  // namespace
 
 TEST(JsonWriter, IndentsEachLevel) {
@@ -58,17 +69,25 @@ TEST(JsonWriter, WritesTheSameOnOneLine) {
 }
 
 TEST(JsonWriter, EscapesWhatAStringMayNotHold) {
-  EXPECT_EQ(WriteString("a\"\\\b\f\n\r\t/\x01\x1F\x7F"), "\"a\\\"\\\\\\b\\f\\n\\r\\t/\\u0001\\u001f\x7F\"");
+  EXPECT_EQ(WriteString("a\"\\\b\f\n\r\t/\x01\x1F\x7F"), "\"a\\\"\\\\\\b\\f\\n\\r\\t/\\u0001\\u001f\\u007f\"");
 }
 
 TEST(JsonWriter, WritesEveryCharacterSoThatAParserReadsItBack) {
-  for (int code = 0; code < 0x80; ++code) {
-    const std::string text(1, static_cast<char>(code));
-    EXPECT_EQ(json::parse(WriteString("x" + text + "y")), "x" + text + "y") << code;
+  for (unsigned int code = 0; code <= 0x10FFFF; code += code < 0x3000 ? 1 : 0x101) {
+    if (code >= 0xD800 && code < 0xE000) continue;  // surrogates are no characters
+    const std::string text = "x" + Encode(code) + "y";
+    EXPECT_EQ(json::parse(WriteString(text)), text) << code;
   }
 }
 
 TEST(JsonWriter, ReplacesBytesThatAreNotUtf8) { EXPECT_EQ(WriteString("\xC3\xA4\xC3!"), "\"\xC3\xA4\xEF\xBF\xBD!\""); }
+
+TEST(JsonWriter, SendsNoCharacterThatATerminalObeys) {
+  for (unsigned int code = 0; code < 0x3000; ++code) {
+    if (ToPrintable(Encode(code)) == Encode(code) && code != '\t') continue;
+    EXPECT_EQ(WriteString(Encode(code)).find(Encode(code)), std::string::npos) << code;
+  }
+}
 
 TEST(JsonWriter, EscapesTheNamesOfMembersToo) {
   TJsonWriter writer(TJsonWriter::ELayout::kOneLine);
