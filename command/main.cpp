@@ -63,18 +63,18 @@ int RunFleet(const TOptions& options) {
                        options.plugin.value_or(FindPlugin()), options.jobs, options.logLevel});
 }
 
-std::string MakeReport(EFormat format, const TAnswer& answer, const TEdidOrigin& origin) {
+std::string MakeReport(EFormat format, const TAnswer& answer) {
   switch (format) {
     case EFormat::kJson:
       return MakeJsonReport(answer);
     case EFormat::kMof:
       return MakeMofReport(answer);
     case EFormat::kHtml:
-      return MakeHtmlReport(answer, origin);
+      return MakeHtmlReport(answer);
     case EFormat::kText:
       break;
   }
-  return MakeTextReport(answer, origin);
+  return MakeTextReport(answer);
 }
 
 int Run(const TOptions& options) {
@@ -87,7 +87,7 @@ int Run(const TOptions& options) {
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
   DropPrivileges(false);
   ShowBiosFailure(machine);
-  WriteStandardOutput(MakeReport(options.format.value_or(EFormat::kText), answer, machine.edidOrigin));
+  WriteStandardOutput(MakeReport(options.format.value_or(EFormat::kText), answer));
   return kDone;
 }
 

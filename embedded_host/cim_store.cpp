@@ -59,9 +59,10 @@ TCIMReference TStoredInstance::GetObjectPath(TCIMQueryContext) { return TCIMRefe
 boost::shared_ptr<ICIMClass> TStoredInstance::GetClass(TCIMQueryContext) { return Owner(); }
 
 boost::shared_ptr<ICIMProperty> TStoredInstance::GetProperty(const std::string& name, TCIMQueryContext) {
-  Declared(name);
   const auto found = m_properties.find(name);
-  return boost::make_shared<TStoredProperty>(found == m_properties.end() ? TCIMValue() : found->second);
+  if (found != m_properties.end()) return boost::make_shared<TStoredProperty>(found->second);
+  Declared(name);
+  return boost::make_shared<TStoredProperty>(TCIMValue());
 }
 
 void TStoredInstance::SetProperty(const std::string& name, const TCIMValue& value, TCIMQueryContext) {
@@ -73,13 +74,15 @@ void TStoredInstance::SetProperty(const std::string& name, const TCIMValue& valu
                          given);
   }
   m_properties[name] = value;
+  m_path.clear();
 }
 
 const TClassDeclaration& TStoredInstance::GetDeclaration() const { return m_declaration; }
 
 const std::map<std::string, TCIMValue>& TStoredInstance::GetProperties() const { return m_properties; }
 
-std::string TStoredInstance::GetPathText() const {
+const std::string& TStoredInstance::GetPathText() const {
+  if (!m_path.empty()) return m_path;
   std::string path = m_declaration.name;
   char separator = '.';
   for (const TPropertyDeclaration& property : m_declaration.properties) {
@@ -89,7 +92,7 @@ std::string TStoredInstance::GetPathText() const {
     path.append(1, separator).append(property.name).append("=\"").append(Escape(found->second)).append(1, '"');
     separator = ',';
   }
-  return path;
+  return m_path = path;
 }
 
 const TPropertyDeclaration& TStoredInstance::Declared(const std::string& name) const {

@@ -33,7 +33,7 @@ class HOST_API TStoredInstance : public NQRXZELT20::ICIMInstance,
   const TClassDeclaration& GetDeclaration() const;
   const std::map<std::string, NQRXZELT20::TCIMValue>& GetProperties() const;
   /// The class, a dot, and the keys that are set in ascending order of their names as Name="value" joined by commas.
-  std::string GetPathText() const;
+  const std::string& GetPathText() const;
 
  private:
   boost::shared_ptr<TStoredClass> Owner() const;
@@ -42,6 +42,7 @@ class HOST_API TStoredInstance : public NQRXZELT20::ICIMInstance,
   boost::weak_ptr<TStoredClass> m_class;  // weak: the class holds its instances
   const TClassDeclaration& m_declaration;
   std::map<std::string, NQRXZELT20::TCIMValue> m_properties;
+  mutable std::string m_path;  // empty until somebody asks: associations ask for the same one again and again
 };
 
 class TCimStore;

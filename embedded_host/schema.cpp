@@ -92,22 +92,27 @@ const TPropertyDeclaration* TClassDeclaration::Find(const std::string& propertyN
 
 const std::vector<TClassDeclaration>& GetSchema() {
   static const std::vector<TClassDeclaration> schema = {
-      {"QRXSG_VideoController", "A video controller: one for each bus address that the configuration names.",
-       kConfiguration,
+      {kVideoControllerClass, EPart::kVideo, EKind::kDevice,
+       "A video controller: one for each bus address that the configuration names.", kConfiguration,
        DeviceKeys() + VideoProperties() +
            TProperties{Array("OtherIdentifyingInfo", TType::kString, "The Device section's identifier.")}},
-      {"QRXSG_VideoHead", "A head of a video controller: one for each usable Device section.", kConfiguration,
+      {kVideoHeadClass, EPart::kVideo, EKind::kDevice,
+       "A head of a video controller: one for each usable Device section.", kConfiguration,
        DeviceKeys() + VideoProperties() +
            TProperties{
                Scalar("HeadNumber", TType::kUint8, "The head's number, counted over the whole configuration.")}},
-      {"QRXSG_HeadOfVideoController",
+      {kHeadOfVideoControllerClass,
+       EPart::kVideo,
+       EKind::kAssociation,
        "Links a head to its controller.",
        kInstances,
-       {Reference("Antecedent", "QRXSG_VideoController", "The controller."),
-        Reference("Dependent", "QRXSG_VideoHead", "The head.")}},
-      {"QRXSG_DesktopMonitor", "A monitor that answers the video BIOS with an EDID.", kEdid,
-       DeviceKeys() + MonitorProperties()},
-      {"QRXSG_MonitorResolution",
+       {Reference("Antecedent", kVideoControllerClass, "The controller."),
+        Reference("Dependent", kVideoHeadClass, "The head.")}},
+      {kDesktopMonitorClass, EPart::kMonitors, EKind::kDevice, "A monitor that answers the video BIOS with an EDID.",
+       kEdid, DeviceKeys() + MonitorProperties()},
+      {kMonitorResolutionClass,
+       EPart::kMonitors,
+       EKind::kMode,
        "A mode that a monitor's EDID declares as an established or a standard timing.",
        kEdid,
        {Key("SettingID", "The monitor's DeviceID and the number of the mode."),
@@ -115,13 +120,22 @@ const std::vector<TClassDeclaration>& GetSchema() {
         Scalar("VerticalResolution", TType::kUint32, "The height.", "lines"),
         Scalar("RefreshRate", TType::kUint32, "The field rate.", "Hz"),
         Scalar("ScanMode", TType::kUint16, "5 interlaced, 4 not interlaced, 2 unknown; for all of its modes alike.")}},
-      {"QRXSG_MonitorSetting",
+      {kMonitorSettingClass,
+       EPart::kMonitors,
+       EKind::kAssociation,
        "Links a monitor to a mode.",
        kInstances,
-       {Reference("Element", "QRXSG_DesktopMonitor", "The monitor."),
-        Reference("Setting", "QRXSG_MonitorResolution", "The mode.")}},
+       {Reference("Element", kDesktopMonitorClass, "The monitor."),
+        Reference("Setting", kMonitorResolutionClass, "The mode.")}},
   };
   return schema;
+}
+
+const TClassDeclaration* FindClass(const std::string& name) {
+  const std::vector<TClassDeclaration>& schema = GetSchema();
+  const auto found = std::find_if(schema.begin(), schema.end(),
+                                  [&](const TClassDeclaration& declaration) { return name == declaration.name; });
+  return found == schema.end() ? nullptr : &*found;
 }
 
 std::string GetTypeName(TType type, bool isArray) {

@@ -1,11 +1,26 @@
-// The six CIM classes that the plug-in serves, as one table: every property with its type, whether it is a key, and
-// what it means. The host checks instances against it, and documentation is made from it.
+// The six CIM classes that the plug-in serves, as one table: what each describes, and every property with its type, its
+// unit, whether it is a key, and what it means. The host checks instances against it, and the documentation and the
+// reports are made from it.
 #pragma once
 
 #include <string>
 #include <vector>
 
 #include "host/cim_value.h"
+
+// The names of the classes, for whoever needs one of them; whoever needs all goes through GetSchema.
+constexpr const char* kVideoControllerClass = "QRXSG_VideoController";
+constexpr const char* kVideoHeadClass = "QRXSG_VideoHead";
+constexpr const char* kHeadOfVideoControllerClass = "QRXSG_HeadOfVideoController";
+constexpr const char* kDesktopMonitorClass = "QRXSG_DesktopMonitor";
+constexpr const char* kMonitorResolutionClass = "QRXSG_MonitorResolution";
+constexpr const char* kMonitorSettingClass = "QRXSG_MonitorSetting";
+
+/// The part of the machine that a class belongs to: what the X server's configuration tells, or what EDIDs tell.
+enum class EPart { kVideo, kMonitors };
+
+/// What an instance stands for. Only an association has references.
+enum class EKind { kDevice, kMode, kAssociation };
 
 /// One property of a class.
 struct TPropertyDeclaration {
@@ -22,6 +37,8 @@ struct TPropertyDeclaration {
 /// in the order in which people read them.
 struct HOST_API TClassDeclaration {
   const char* name;
+  EPart part;
+  EKind kind;
   const char* meaning;
   const char* source;  // what its instances are made from
   std::vector<TPropertyDeclaration> properties;
@@ -32,6 +49,9 @@ struct HOST_API TClassDeclaration {
 
 /// The six classes, in the order in which a collection asks for them by default.
 HOST_API const std::vector<TClassDeclaration>& GetSchema();
+
+/// The class of that name, or null.
+HOST_API const TClassDeclaration* FindClass(const std::string& name);
 
 /// The CIM name of a type: "uint16", or "uint16[]" for an array.
 HOST_API std::string GetTypeName(NQRXZELT20::TCIMValue::TCIMType type, bool isArray);

@@ -44,6 +44,7 @@ TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile
   }
   answer.log = host.GetLog().GetEntries();
   answer.fileQueries = host.GetFileQueries();
+  answer.edidOrigin = machine.edidOrigin;
   return answer;
 } catch (const NQRXZELT20::TZELTException& exception) {
   throw TUnusable(std::string("the host failed during a request: ") + exception.what());

@@ -29,12 +29,13 @@ struct TRequestAnswer {
   std::vector<TLogEntry> log;  // of this request
 };
 
-/// All that a collection found out. It outlives the plug-in and the host.
+/// All that a collection found out, and what its machine says of its EDIDs. It outlives the plug-in and the host.
 struct TAnswer {
   TPluginIdentity plugin;
   std::vector<TRequestAnswer> requests;
   std::vector<TLogEntry> log;  // of the whole run
   std::vector<TFileQuery> fileQueries;
+  TEdidOrigin edidOrigin;
 };
 
 /// Runs the requests in order. `logListener` hears of each log message when it is written. Throws TUnusable when the

@@ -8,19 +8,22 @@
 
 class TInstanceView {
  public:
-  explicit TInstanceView(const TStoredInstance& instance) : m_instance(instance) {}
+  explicit TInstanceView(const TStoredInstance& instance) : m_instance(&instance) {}
 
-  bool Has(const std::string& name) const { return m_instance.GetProperties().count(name) != 0; }
+  bool Has(const std::string& name) const { return m_instance->GetProperties().count(name) != 0; }
 
   /// The value as people read it, an array's elements joined by commas; empty for a property that is not there.
   std::string Text(const std::string& name) const {
-    const auto found = m_instance.GetProperties().find(name);
-    return found == m_instance.GetProperties().end() ? std::string() : ToPrintable(Join(found->second));
+    const auto found = m_instance->GetProperties().find(name);
+    return found == m_instance->GetProperties().end() ? std::string() : ToPrintable(Join(found->second));
   }
 
+  /// What the schema says the property counts; empty for one that counts nothing.
+  std::string Unit(const std::string& name) const { return Declaration().Find(name)->unit; }
+
   /// "140 MHz"; empty for a property that is not there.
-  std::string TextWithUnit(const std::string& name, const std::string& unit) const {
-    return Has(name) ? Text(name) + " " + unit : std::string();
+  std::string TextWithUnit(const std::string& name) const {
+    return Has(name) ? Text(name) + " " + Unit(name) : std::string();
   }
 
   /// "640 x 480", a side that is not there as "?"; empty when neither is there.
@@ -31,13 +34,13 @@ class TInstanceView {
 
   /// The value of an unsigned integer; 0 for a property that is not there or null.
   unsigned int Number(const std::string& name) const {
-    const auto found = m_instance.GetProperties().find(name);
-    const bool isThere = found != m_instance.GetProperties().end() && !found->second.IsNull();
+    const auto found = m_instance->GetProperties().find(name);
+    const bool isThere = found != m_instance->GetProperties().end() && !found->second.IsNull();
     return isThere ? found->second.GetUnsigned() : 0;
   }
 
-  const TClassDeclaration& Declaration() const { return m_instance.GetDeclaration(); }
-  std::string Class() const { return m_instance.GetDeclaration().name; }
+  const TClassDeclaration& Declaration() const { return m_instance->GetDeclaration(); }
+  const std::string& Path() const { return m_instance->GetPathText(); }
 
  private:
   static std::string Join(const NQRXZELT20::TCIMValue& value) {
@@ -49,5 +52,5 @@ class TInstanceView {
     return joined;
   }
 
-  const TStoredInstance& m_instance;
+  const TStoredInstance* m_instance;  // a pointer, so that a view can be assigned
 };

@@ -1,5 +1,4 @@
 #include "command/report/request_view.h"
-#include "command/machine/machine.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -8,11 +7,10 @@
 
 namespace {
 
-const std::set<std::string> kVideoClasses = {"QRXSG_VideoController", "QRXSG_VideoHead", "QRXSG_HeadOfVideoController"};
-const std::set<std::string> kMonitorClasses = {"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution",
-                                               "QRXSG_MonitorSetting"};
-
-const std::set<std::string>& GetClasses(EPart part) { return part == EPart::kVideo ? kVideoClasses : kMonitorClasses; }
+bool Belongs(const std::string& className, EPart part) {
+  const TClassDeclaration* const declaration = FindClass(className);
+  return declaration != nullptr && declaration->part == part;
+}
 
 std::string GetResolution(const TInstanceView& instance, const char* width, const char* height) {
   return instance.Text(width) + "x" + instance.Text(height);
@@ -27,7 +25,7 @@ std::size_t GetUnit(const TInstanceView& monitor) {
 }  // namespace
 
 TRequestView::TRequestView(const TRequestAnswer& request) : m_request(request) {
-  for (const auto& instance : request.instances) m_instances.emplace_back(*instance);
+  for (const auto& instance : request.instances) m_instances[instance->GetDeclaration().name].emplace_back(*instance);
   JoinVideo();
   JoinMonitors();
 }
@@ -35,11 +33,18 @@ TRequestView::TRequestView(const TRequestAnswer& request) : m_request(request) {
 /// By the display id, which the association goes by too; a request need not have asked for the association.
 void TRequestView::JoinVideo() {
   std::multimap<std::string, std::size_t> byDisplay;
-  for (const TInstanceView& controller : Select("QRXSG_VideoController")) {
-    if (controller.Has("DisplayId")) byDisplay.emplace(controller.Text("DisplayId"), m_controllers.size());
+  std::map<std::pair<std::string, std::string>, std::size_t> positions;
+  for (const TInstanceView& controller : Select(kVideoControllerClass)) {
+    const std::string displayId = controller.Text("DisplayId");
+    const auto [position, isNew] = positions.emplace(std::pair(controller.Path(), displayId), m_controllers.size());
+    if (!isNew) {
+      m_controllers[position->second].controller = controller;
+      continue;
+    }
+    if (controller.Has("DisplayId")) byDisplay.emplace(displayId, m_controllers.size());
     m_controllers.push_back({controller, {}});
   }
-  for (const TInstanceView& head : Select("QRXSG_VideoHead")) {
+  for (const TInstanceView& head : Select(kVideoHeadClass)) {
     const auto [begin, end] = byDisplay.equal_range(head.Text("DisplayId"));
     for (auto found = begin; found != end; ++found) m_controllers[found->second].heads.push_back(head);
     if (begin == end) m_looseHeads.push_back(head);
@@ -50,21 +55,21 @@ void TRequestView::JoinVideo() {
 
 void TRequestView::JoinMonitors() {
   std::map<std::string, TInstances> modes;  // by the device id that their setting ids begin with
-  for (const TInstanceView& mode : Select("QRXSG_MonitorResolution")) {
+  for (const TInstanceView& mode : Select(kMonitorResolutionClass)) {
     const std::string settingId = mode.Text("SettingID");
     modes[settingId.substr(0, settingId.rfind("\\ Setting "))].push_back(mode);
   }
-  for (const TInstanceView& monitor : Select("QRXSG_DesktopMonitor")) {
+  for (const TInstanceView& monitor : Select(kDesktopMonitorClass)) {
     const std::string id = monitor.Text("DeviceID");
-    m_monitors.push_back({id, monitor, modes[id]});
+    m_monitors.push_back({id, monitor, std::move(modes[id])});
     modes.erase(id);
   }
-  for (const auto& [id, itsModes] : modes) m_monitors.push_back({id, std::nullopt, itsModes});
+  for (auto& [id, itsModes] : modes) m_monitors.push_back({id, std::nullopt, std::move(itsModes)});
 }
 
 bool TRequestView::Asks(EPart part) const {
   return std::any_of(m_request.classes.begin(), m_request.classes.end(),
-                     [&](const std::string& name) { return GetClasses(part).count(name) != 0; });
+                     [&](const std::string& name) { return Belongs(name, part); });
 }
 
 bool TRequestView::IsConfigured(const TInstanceView& mode) const {
@@ -72,15 +77,15 @@ bool TRequestView::IsConfigured(const TInstanceView& mode) const {
 }
 
 std::vector<std::string> TRequestView::GetComplaints(EPart part) const {
+  const std::string marker = "Received request for class ";
   std::vector<std::string> complaints;
   std::set<std::string> known;
   bool concerns = false;
   for (const TLogEntry& entry : m_request.log) {
-    const std::string marker = "Received request for class ";
     const std::size_t begin = entry.message.find(marker);
     if (begin != std::string::npos) {
       const std::string rest = entry.message.substr(begin + marker.size());
-      concerns = GetClasses(part).count(rest.substr(0, rest.size() - 1)) != 0;
+      concerns = Belongs(rest.substr(0, rest.size() - 1), part);
     } else if (concerns && entry.severity <= NQRXZELT20::ILogger::kStatus) {
       const std::string text = ToPrintable(entry.message);
       if (known.insert(text).second) complaints.push_back(text);
@@ -89,11 +94,10 @@ std::vector<std::string> TRequestView::GetComplaints(EPart part) const {
   return complaints;
 }
 
-TInstances TRequestView::Select(const std::string& className) const {
-  TInstances selected;
-  std::copy_if(m_instances.begin(), m_instances.end(), std::back_inserter(selected),
-               [&](const TInstanceView& instance) { return instance.Class() == className; });
-  return selected;
+const TInstances& TRequestView::Select(const std::string& className) const {
+  static const TInstances none;
+  const auto found = m_instances.find(className);
+  return found == m_instances.end() ? none : found->second;
 }
 
 std::string JoinTexts(const std::vector<std::string>& texts) {
@@ -104,8 +108,9 @@ std::string JoinTexts(const std::vector<std::string>& texts) {
   return joined;
 }
 
-std::string GetEdidSource(const TInstanceView& monitor, const TEdidOrigin& origin) {
-  return origin.describe ? origin.describe(GetUnit(monitor)) : std::string();
+std::string GetEdidSource(const TInstanceView& monitor, const TAnswer& answer) {
+  const auto& describe = answer.edidOrigin.describe;
+  return describe ? describe(GetUnit(monitor)) : std::string();
 }
 
 std::string ExplainNoControllers(const TAnswer& answer) {

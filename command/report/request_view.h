@@ -1,20 +1,18 @@
 // One request's instances, joined as people look at them: controllers with their heads, monitors with their modes.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "command/collection/collection.h"
-#include "command/machine/machine.h"
 #include "command/report/instance_view.h"
 
 typedef std::vector<TInstanceView> TInstances;
 
-/// What a request can ask for: the classes made from the X server's configuration, and those made from EDIDs.
-enum class EPart { kVideo, kMonitors };
-
+/// A controller, once for all instances that the request made of it: they have its object path and its display id.
 struct TControllerView {
   TInstanceView controller;
   TInstances heads;
@@ -42,14 +40,15 @@ class TRequestView {
   /// once.
   std::vector<std::string> GetComplaints(EPart part) const;
 
-  TInstances Select(const std::string& className) const;
+  /// The instances of a class, in commit order.
+  const TInstances& Select(const std::string& className) const;
 
  private:
   void JoinVideo();
   void JoinMonitors();
 
   const TRequestAnswer& m_request;
-  TInstances m_instances;
+  std::map<std::string, TInstances> m_instances;  // by the name of their class
   std::vector<TControllerView> m_controllers;
   TInstances m_looseHeads;
   std::set<std::string> m_configured;  // resolutions of heads, such as "1280x1024"
@@ -59,8 +58,8 @@ class TRequestView {
 /// The texts that are not empty, with ", " between them.
 std::string JoinTexts(const std::vector<std::string>& texts);
 
-/// Whence the monitor's EDID was read; empty when the origin does not tell.
-std::string GetEdidSource(const TInstanceView& monitor, const TEdidOrigin& origin);
+/// Where the monitor's EDID was read from; empty when the answer does not tell.
+std::string GetEdidSource(const TInstanceView& monitor, const TAnswer& answer);
 
 /// A sentence that says why there are no controllers and heads.
 std::string ExplainNoControllers(const TAnswer& answer);

@@ -22,11 +22,6 @@ std::string GetType(const TPropertyDeclaration& property) { return GetTypeName(p
 /// "key", the unit, or nothing: a key has no unit.
 std::string GetRemark(const TPropertyDeclaration& property) { return property.isKey ? "key" : property.unit; }
 
-bool IsAssociation(const TClassDeclaration& declaration) {
-  return std::any_of(declaration.properties.begin(), declaration.properties.end(),
-                     [](const TPropertyDeclaration& property) { return *property.target != '\0'; });
-}
-
 std::string MakeMofProperty(const TPropertyDeclaration& property) {
   std::string text = property.isKey ? "    [Key, " : "    [";
   if (*property.unit != '\0') text += "Units(" + QuoteMof(property.unit) + "), ";
@@ -116,7 +111,7 @@ std::string MakeSchemaText() {
 std::string MakeSchemaMof() {
   std::string text;
   for (const TClassDeclaration& declaration : GetSchema()) {
-    text += (text.empty() ? "" : "\n") + std::string(IsAssociation(declaration) ? "[Association, " : "[") +
+    text += (text.empty() ? "" : "\n") + std::string(declaration.kind == EKind::kAssociation ? "[Association, " : "[") +
             "Description(" + QuoteMof(declaration.meaning) + ")]\nclass " + declaration.name + " {\n";
     for (const TPropertyDeclaration& property : declaration.properties) text += MakeMofProperty(property);
     text += "};\n";

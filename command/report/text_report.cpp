@@ -4,7 +4,6 @@
 #include <string_view>
 #include <vector>
 
-#include "command/machine/machine.h"
 #include "command/report/request_view.h"
 
 namespace {
@@ -32,9 +31,8 @@ std::string MakeRow(const std::string& indent, const std::string& label, const s
   return Wrap(indent + label + std::string(kLabelWidth - std::min(kLabelWidth, label.size()), ' '), text);
 }
 
-std::string Range(const TInstanceView& instance, const char* min, const char* max, const char* unit) {
-  if (!instance.Has(min)) return std::string();
-  return instance.Text(min) + " to " + instance.Text(max) + " " + unit;
+std::string Range(const TInstanceView& instance, const char* min, const char* max) {
+  return instance.Has(min) ? instance.Text(min) + " to " + instance.TextWithUnit(max) : std::string();
 }
 
 std::string Date(const TInstanceView& monitor) {
@@ -53,12 +51,15 @@ std::string PowerStates(const TInstanceView& monitor) {
 
 std::string PictureSize(const TInstanceView& monitor) {
   const std::string size = monitor.Size("HorizontalImageSize", "VerticalImageSize");
-  return size.empty() ? size : size + " cm";
+  return size.empty() ? size : size + " " + monitor.Unit("HorizontalImageSize");
 }
+
+/// The text and the words after it, or nothing.
+std::string Extend(const std::string& text, const char* words) { return text.empty() ? text : text + words; }
 
 std::string ConfiguredMode(const TInstanceView& head) {
   return JoinTexts({head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"),
-                    head.TextWithUnit("CurrentBitsPerPixel", "bits per pixel")});
+                    Extend(head.TextWithUnit("CurrentBitsPerPixel"), " per pixel")});
 }
 
 // The rows under a device: a label, and how its text comes out of the instance. Rows without text are left out.
@@ -71,7 +72,7 @@ const TRow kControllerRows[] = {
     {"Display id", [](const TInstanceView& i) { return i.Text("DisplayId"); }},
     {"Chip", [](const TInstanceView& i) { return i.Text("VideoProcessor"); }},
     {"DAC", [](const TInstanceView& i) { return i.Text("DACType"); }},
-    {"Video memory", [](const TInstanceView& i) { return i.TextWithUnit("VideoRamSize", "bytes"); }},
+    {"Video memory", [](const TInstanceView& i) { return i.TextWithUnit("VideoRamSize"); }},
 };
 
 const TRow kHeadRows[] = {
@@ -85,9 +86,9 @@ const TRow kMonitorRows[] = {
     {"Manufactured", Date},
     {"Picture", PictureSize},
     {"Gamma", [](const TInstanceView& i) { return i.Text("Gamma"); }},
-    {"Line rate", [](const TInstanceView& i) { return Range(i, "MinHorizFreq", "MaxHorizFreq", "kHz"); }},
-    {"Field rate", [](const TInstanceView& i) { return Range(i, "MinVertFreq", "MaxVertFreq", "Hz"); }},
-    {"Pixel clock", [](const TInstanceView& i) { return i.TextWithUnit("Bandwidth", "MHz at most"); }},
+    {"Line rate", [](const TInstanceView& i) { return Range(i, "MinHorizFreq", "MaxHorizFreq"); }},
+    {"Field rate", [](const TInstanceView& i) { return Range(i, "MinVertFreq", "MaxVertFreq"); }},
+    {"Pixel clock", [](const TInstanceView& i) { return Extend(i.TextWithUnit("Bandwidth"), " at most"); }},
     {"Power saving", PowerStates},
     {"Digital interface", [](const TInstanceView& i) { return i.Text("SupportedDigitalInterface"); }},
     {"EDID version", [](const TInstanceView& i) { return i.Text("EDIDVersion"); }},
@@ -107,8 +108,7 @@ std::string MakeTitle(const std::string& indent, const std::string& id, const st
 /// The text of one request.
 class TRequestReport {
  public:
-  TRequestReport(const TAnswer& answer, const TRequestAnswer& request, const TEdidOrigin& origin)
-      : m_answer(answer), m_view(request), m_origin(origin) {}
+  TRequestReport(const TAnswer& answer, const TRequestAnswer& request) : m_answer(answer), m_view(request) {}
 
   std::string Make() const {
     std::string text;
@@ -141,12 +141,12 @@ class TRequestReport {
 
   std::string MakeMonitors() const {
     std::string text = "Monitors\n";
-    if (m_view.GetMonitors().empty()) text += Wrap("  None: ", m_origin.none);
+    if (m_view.GetMonitors().empty()) text += Wrap("  None: ", m_answer.edidOrigin.none);
     for (const auto& [id, monitor, modes] : m_view.GetMonitors()) {
       text += MakeTitle("  ", id, monitor ? monitor->Text("Name") : "");
       if (monitor) {
         text += MakeRows("    ", kMonitorRows, *monitor);
-        text += MakeRow("    ", "EDID read from", GetEdidSource(*monitor, m_origin));
+        text += MakeRow("    ", "EDID read from", GetEdidSource(*monitor, m_answer));
       }
       text += MakeModes(modes);
     }
@@ -160,7 +160,7 @@ class TRequestReport {
       const bool isConfigured = m_view.IsConfigured(mode);
       hasConfigured = hasConfigured || isConfigured;
       texts.push_back(mode.Text("HorizontalResolution") + "x" + mode.Text("VerticalResolution") + "@" +
-                      mode.Text("RefreshRate") + "Hz" + (isConfigured ? "*" : ""));
+                      mode.Text("RefreshRate") + mode.Unit("RefreshRate") + (isConfigured ? "*" : ""));
     }
     return MakeRow("    ", "Modes", JoinTexts(texts)) +
            (hasConfigured ? MakeRow("    ", "", "* the resolution that the configuration names") : "");
@@ -174,16 +174,15 @@ class TRequestReport {
 
   const TAnswer& m_answer;
   const TRequestView m_view;
-  const TEdidOrigin& m_origin;
 };
 
 }  // namespace
 
-std::string MakeTextReport(const TAnswer& answer, const TEdidOrigin& origin) {
+std::string MakeTextReport(const TAnswer& answer) {
   std::string text;
   for (const TRequestAnswer& request : answer.requests) {
     if (answer.requests.size() > 1) text += (text.empty() ? "" : "\n") + Wrap("Request: ", JoinTexts(request.classes));
-    text += TRequestReport(answer, request, origin).Make();
+    text += TRequestReport(answer, request).Make();
   }
   return text;
 }

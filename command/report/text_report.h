@@ -4,8 +4,7 @@
 #include <string>
 
 #include "command/collection/collection.h"
-#include "command/machine/machine.h"
 
 /// For each request, the video controllers with their heads, then the monitors with their modes, as far as the request
-/// asked for them. A part that is empty says why, and a monitor where its EDID came from, as far as the origin tells.
-std::string MakeTextReport(const TAnswer& answer, const TEdidOrigin& origin = {});
+/// asked for them. A part that is empty says why, and a monitor where its EDID came from, as far as the answer tells.
+std::string MakeTextReport(const TAnswer& answer);

@@ -14,15 +14,15 @@ TMarkup::TMarkup(const std::string& text) : m_markup(EscapeHtml(text)) {}
 
 TMarkup::TMarkup(const char* text) : TMarkup(std::string(text)) {}
 
-TMarkup TMarkup::Element(const char* name, const TAttributes& attributes, const TMarkup& content) {
-  TMarkup element;
-  element.m_markup = std::string("<") + name;
+TMarkup TMarkup::Element(const char* name, const TAttributes& attributes, TMarkup content) {
+  std::string tag = std::string("<") + name;
   for (const auto& [attribute, value] : attributes) {
-    if (!value.empty()) element.m_markup += std::string(" ") + attribute + "=\"" + EscapeHtml(value) + "\"";
+    if (!value.empty()) tag += std::string(" ") + attribute + "=\"" + EscapeHtml(value) + "\"";
   }
   const bool isVoid = std::string_view(name) == "meta";  // HTML knows no end tag of it
-  element.m_markup += isVoid ? "/>\n" : ">" + content.m_markup + "</" + name + ">\n";
-  return element;
+  content.m_markup.insert(0, tag + (isVoid ? "/>\n" : ">"));
+  if (!isVoid) content.m_markup.append("</").append(name).append(">\n");
+  return content;
 }
 
 TMarkup& TMarkup::operator+=(const TMarkup& other) {

@@ -15,13 +15,14 @@ class TMarkup {
   TMarkup(const char* text);         // NOLINT(google-explicit-constructor): as above
 
   /// An element. The values of the attributes are escaped, and those without a value left out.
-  static TMarkup Element(const char* name, const TAttributes& attributes = {}, const TMarkup& content = {});
+  static TMarkup Element(const char* name, const TAttributes& attributes = {}, TMarkup content = {});
 
   TMarkup& operator+=(const TMarkup& other);
   friend TMarkup operator+(TMarkup first, const TMarkup& second) { return first += second; }
 
   bool IsEmpty() const { return m_markup.empty(); }
-  const std::string& Get() const { return m_markup; }
+  /// The markup, which is empty then: a page can be hundreds of megabytes long.
+  std::string Take() { return std::move(m_markup); }
 
  private:
   std::string m_markup;

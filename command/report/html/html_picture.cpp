@@ -59,7 +59,8 @@ TLines DescribeController(const TInstanceView& controller) {
 }
 
 TLines DescribeHead(const TInstanceView& head) {
-  const std::string depth = head.TextWithUnit("CurrentBitsPerPixel", "bits per pixel");
+  const std::string depth =
+      head.Has("CurrentBitsPerPixel") ? head.TextWithUnit("CurrentBitsPerPixel") + " per pixel" : "";
   return DropEmpty({"Head " + head.Text("HeadNumber"), head.Text("DeviceID"),
                     head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"), depth});
 }

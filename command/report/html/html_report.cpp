@@ -1,25 +1,19 @@
 #include "command/report/html/html_report.h"
 
 #include <algorithm>
-#include <set>
+#include <utility>
 
-#include "command/machine/machine.h"
 #include "command/report/html/html_picture.h"
 #include "command/report/html/html_plot.h"
 #include "command/report/html/html_style.h"
 
 namespace {
 
-TMarkup Element(const char* name, const TMarkup& content) { return TMarkup::Element(name, {}, content); }
+TMarkup Element(const char* name, TMarkup content) { return TMarkup::Element(name, {}, std::move(content)); }
 
-TMarkup Element(const char* name, const char* look, const TMarkup& content) {
-  return TMarkup::Element(name, {{"class", look}}, content);
+TMarkup Element(const char* name, const char* look, TMarkup content) {
+  return TMarkup::Element(name, {{"class", look}}, std::move(content));
 }
-
-// The classes of which there are many small instances: one table of all, an instance in each row. The instances of the
-// others have a table each, a property in each row.
-const std::set<std::string> kListedClasses = {"QRXSG_HeadOfVideoController", "QRXSG_MonitorResolution",
-                                              "QRXSG_MonitorSetting"};
 
 TMarkup MakeHeading(const TPropertyDeclaration& property) {
   const std::string remark = property.isKey ? "key" : property.unit;
@@ -47,9 +41,9 @@ TMarkup MakeList(const TInstances& instances) {
   for (const TInstanceView& instance : instances) {
     TMarkup cells;
     for (const TPropertyDeclaration& column : columns) cells += Element("td", instance.Text(column.name));
-    rows += Element("tr", cells);
+    rows += Element("tr", std::move(cells));
   }
-  return Element("div", "wide", Element("table", Element("tbody", rows)));
+  return Element("div", "wide", Element("table", Element("tbody", std::move(rows))));
 }
 
 TMarkup MakeProperties(const TInstanceView& instance) {
@@ -58,16 +52,18 @@ TMarkup MakeProperties(const TInstanceView& instance) {
     rows += Element("tr", MakeHeading(property) + Element("td", instance.Text(property.name)));
   }
   return Element("div", "properties",
-                 Element("table", Element("caption", instance.Text("DeviceID")) + Element("tbody", rows)));
+                 Element("table", Element("caption", instance.Text("DeviceID")) + Element("tbody", std::move(rows))));
 }
 
+/// A table for each device, a property in each row. Modes and associations are many and small: one table of all, an
+/// instance in each row.
 TMarkup MakeClass(const TInstances& instances) {
   const TClassDeclaration& declaration = instances.front().Declaration();
   const TMarkup head = Element("h3", declaration.name) + Element("p", "soft", declaration.meaning);
-  if (kListedClasses.count(declaration.name) != 0) return head + MakeList(instances);
+  if (declaration.kind != EKind::kDevice) return head + MakeList(instances);
   TMarkup tables;
   for (const TInstanceView& instance : instances) tables += MakeProperties(instance);
-  return head + Element("div", "row", tables);
+  return head + Element("div", "row", std::move(tables));
 }
 
 TMarkup MakeLog(const std::vector<TLogEntry>& log) {
@@ -77,14 +73,14 @@ TMarkup MakeLog(const std::vector<TLogEntry>& log) {
     rows += Element("tr", severity, Element("td", severity) + Element("td", entry.message));
   }
   const std::string title = "Log (" + std::to_string(log.size()) + ")";
-  return Element("details", Element("summary", title) + Element("table", Element("tbody", rows)));
+  return Element("details", Element("summary", title) + Element("table", Element("tbody", std::move(rows))));
 }
 
 /// The part of the page that one request makes.
 class TRequestSection {
  public:
-  TRequestSection(const TAnswer& answer, const TRequestAnswer& request, const TEdidOrigin& origin)
-      : m_answer(answer), m_request(request), m_view(request), m_origin(origin) {}
+  TRequestSection(const TAnswer& answer, const TRequestAnswer& request)
+      : m_answer(answer), m_request(request), m_view(request) {}
 
   TMarkup Make() const {
     TMarkup content;
@@ -109,10 +105,10 @@ class TRequestSection {
   }
 
   TMarkup MakeMonitors() const {
-    if (m_view.GetMonitors().empty()) return Element("p", "None: " + m_origin.none);
+    if (m_view.GetMonitors().empty()) return Element("p", "None: " + m_answer.edidOrigin.none);
     TMarkup sources;
     for (const auto& [id, monitor, modes] : m_view.GetMonitors()) {
-      const std::string source = monitor ? GetEdidSource(*monitor, m_origin) : std::string();
+      const std::string source = monitor ? GetEdidSource(*monitor, m_answer) : std::string();
       if (!source.empty()) sources += Element("p", "soft", id + ": EDID read from " + source);
     }
     return MakeMonitorsPicture(m_view) + sources;
@@ -130,7 +126,7 @@ class TRequestSection {
   TMarkup MakeTables() const {
     TMarkup tables;
     for (const TClassDeclaration& declaration : GetSchema()) {
-      const TInstances instances = m_view.Select(declaration.name);
+      const TInstances& instances = m_view.Select(declaration.name);
       if (!instances.empty()) tables += MakeClass(instances);
     }
     return tables.IsEmpty() ? tables : Element("h2", "Instances") + tables;
@@ -139,7 +135,6 @@ class TRequestSection {
   const TAnswer& m_answer;
   const TRequestAnswer& m_request;
   const TRequestView m_view;
-  const TEdidOrigin& m_origin;
 };
 
 TMarkup MakeHead(const std::string& title) {
@@ -154,13 +149,13 @@ TMarkup MakeHead(const std::string& title) {
 
 }  // namespace
 
-std::string MakeHtmlReport(const TAnswer& answer, const TEdidOrigin& origin) {
+std::string MakeHtmlReport(const TAnswer& answer) {
   const std::string title = "Video controllers, heads and monitors";
   TMarkup body = Element("h1", title) +
                  Element("p", "soft", "As the plug-in " + answer.plugin.name + " " + answer.plugin.version + " tells.");
-  for (const TRequestAnswer& request : answer.requests) body += TRequestSection(answer, request, origin).Make();
+  for (const TRequestAnswer& request : answer.requests) body += TRequestSection(answer, request).Make();
   body += MakeLog(answer.log);
-  const TMarkup page = TMarkup::Element("html", {{"xmlns", "http://www.w3.org/1999/xhtml"}, {"lang", "en"}},
-                                        MakeHead(title) + Element("body", body));
-  return "<!DOCTYPE html>\n" + page.Get();
+  TMarkup page = TMarkup::Element("html", {{"xmlns", "http://www.w3.org/1999/xhtml"}, {"lang", "en"}},
+                                  MakeHead(title) + Element("body", std::move(body)));
+  return "<!DOCTYPE html>\n" + page.Take();
 }

@@ -4,8 +4,7 @@
 #include <string>
 
 #include "command/collection/collection.h"
-#include "command/machine/machine.h"
 
 /// For each request, pictures of the controllers with their heads, of the monitors and of their modes, then every
 /// instance in tables; the log at the end. A part that is empty says why.
-std::string MakeHtmlReport(const TAnswer& answer, const TEdidOrigin& origin = {});
+std::string MakeHtmlReport(const TAnswer& answer);

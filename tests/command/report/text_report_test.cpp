@@ -4,7 +4,6 @@
 
 #include <sstream>
 
-#include "command/machine/machine.h"
 #include "tests/support/answer_test.h"
 
 using NQRXZELT20::ILogger;
@@ -17,11 +16,9 @@ namespace {
 
 class TextReport : public TAnswerTest {
  protected:
-  TEdidOrigin origin;
-
   std::string Make(const TRequest& classes, const std::vector<TLogEntry>& log = {}) {
     EndRequest(classes, log);
-    return MakeTextReport(answer, origin);
+    return MakeTextReport(answer);
   }
 
   static std::size_t GetWidth(const std::string& text) {
@@ -213,7 +210,7 @@ TEST_F(TextReport, HeadsEachOfSeveralRequests) {
 }
 
 TEST_F(TextReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
-  origin.describe = [](std::size_t unit) { return "output " + std::to_string(unit); };
+  answer.edidOrigin.describe = [](std::size_t unit) { return "output " + std::to_string(unit); };
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 2")}});
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
@@ -227,6 +224,6 @@ TEST_F(TextReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
 }
 
 TEST_F(TextReport, TellsWhyThereIsNoMonitorByWhereEdidsComeFrom) {
-  origin.none = "nothing is connected.";
+  answer.edidOrigin.none = "nothing is connected.";
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}), "Monitors\n  None: nothing is connected.\n");
 }

@@ -4,7 +4,6 @@
 
 #include <regex>
 
-#include "command/machine/machine.h"
 #include "tests/support/answer_test.h"
 
 using NQRXZELT20::ILogger;
@@ -22,11 +21,9 @@ TCIMValue Byte(unsigned int value) { return TCIMValue(static_cast<unsigned char>
 
 class HtmlReport : public TAnswerTest {
  protected:
-  TEdidOrigin origin;
-
   std::string Make(const TRequest& classes = kAllClasses, const std::vector<TLogEntry>& log = {}) {
     EndRequest(classes, log);
-    return MakeHtmlReport(answer, origin);
+    return MakeHtmlReport(answer);
   }
 
   void CommitController(const std::string& displayId) {
@@ -70,7 +67,7 @@ TEST_F(HtmlReport, MakesNothingButTextOfWhatTheMachineSays) {
   Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue(id)}, {"HorizontalResolution", TCIMValue(1U)}});
   answer.plugin.name = name;
   answer.log = {{ILogger::kError, name}};
-  origin.describe = [&](std::size_t) { return name; };
+  answer.edidOrigin.describe = [&](std::size_t) { return name; };
   const std::string page =
       Make(kAllClasses, {{ILogger::kDebug, "Received request for class QRXSG_VideoHead."}, {ILogger::kError, name}});
   EXPECT_THAT(page, Not(HasSubstr("<script")));
@@ -205,7 +202,7 @@ TEST_F(HtmlReport, LeavesOutWhatWasNotAskedFor) {
 }
 
 TEST_F(HtmlReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
-  origin.describe = [](std::size_t unit) { return "output " + std::to_string(unit); };
+  answer.edidOrigin.describe = [](std::size_t unit) { return "output " + std::to_string(unit); };
   CommitMonitor("Monitor 2", 40, 30);
   EXPECT_THAT(Make(), HasSubstr(">Monitor 2: EDID read from output 1</p>"));
 }
