@@ -122,6 +122,14 @@ TEST_F(CimStore, MakesAPathOfTheKeysInAscendingOrder) {
             "SystemCreationClassName=\"the SystemCreationClassName\",SystemName=\"the SystemName\"");
 }
 
+TEST_F(CimStore, GivesThePathOfTheKeysAsTheyAreNow) {
+  const auto mode = store->GetClass("QRXSG_MonitorResolution", kNone)->CreateInstance(kNone);
+  mode->SetProperty("SettingID", TCIMValue("a"), kNone);
+  EXPECT_EQ(mode->GetObjectPath(kNone).GetText(), "QRXSG_MonitorResolution.SettingID=\"a\"");
+  mode->SetProperty("SettingID", TCIMValue("b"), kNone);
+  EXPECT_EQ(mode->GetObjectPath(kNone).GetText(), "QRXSG_MonitorResolution.SettingID=\"b\"");
+}
+
 TEST_F(CimStore, EscapesBackslashesAndQuotesInAPathAlsoWhereTheValueIsAPath) {
   const auto mode = store->GetClass("QRXSG_MonitorResolution", kNone)->CreateInstance(kNone);
   mode->SetProperty("SettingID", TCIMValue("a\\\"b"), kNone);

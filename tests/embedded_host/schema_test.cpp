@@ -50,6 +50,60 @@ TEST(Schema, ExplainsEveryPropertyOnce) {
   }
 }
 
+TEST(Schema, PutsThePropertiesInTheOrderInWhichPeopleReadThem) {
+  const std::string keys = "CreationClassName DeviceID SystemCreationClassName SystemName ";
+  const std::string video =
+      keys +
+      "Name DisplayId VideoProcessor DACType VideoRamSize CurrentBitsPerPixel CurrentHorizontalResolution "
+      "CurrentVerticalResolution MonitorString ";
+  const std::string monitor =
+      keys +
+      "Name Description MonitorManufacturer SerialNumber ManufacturingDate EDIDVersion HorizontalImageSize "
+      "VerticalImageSize Gamma DPMSActiveOff DPMSSuspend DPMSStandby MinHorizFreq MaxHorizFreq MinVertFreq MaxVertFreq "
+      "Bandwidth SupportedDigitalInterface OperationalStatus StatusDescriptions ";
+  const std::string expected[] = {video + "OtherIdentifyingInfo ",
+                                  video + "HeadNumber ",
+                                  "Antecedent Dependent ",
+                                  monitor,
+                                  "SettingID HorizontalResolution VerticalResolution RefreshRate ScanMode ",
+                                  "Element Setting "};
+  for (std::size_t index = 0; index < 6; ++index) {
+    std::string names;
+    for (const TPropertyDeclaration& property : GetSchema()[index].properties)
+      names += property.name + std::string(" ");
+    EXPECT_EQ(names, expected[index]);
+  }
+}
+
+TEST(Schema, KnowsWhichPartAClassBelongsTo) {
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    const bool isVideo = std::string(declaration.name).find("Video") != std::string::npos;
+    EXPECT_EQ(declaration.part, isVideo ? EPart::kVideo : EPart::kMonitors) << declaration.name;
+  }
+}
+
+TEST(Schema, CallsAClassAnAssociationWhenItsKeysReferToDeclaredClasses) {
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    for (const TPropertyDeclaration& property : declaration.properties) {
+      EXPECT_EQ(property.type == TType::kReference, declaration.kind == EKind::kAssociation) << property.name;
+      EXPECT_EQ(FindClass(property.target) != nullptr, declaration.kind == EKind::kAssociation) << property.name;
+    }
+  }
+}
+
+TEST(Schema, CallsAClassADeviceWhenItHasADeviceId) {
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    EXPECT_EQ(declaration.Find("DeviceID") != nullptr, declaration.kind == EKind::kDevice) << declaration.name;
+  }
+}
+
+TEST(Schema, FindsAClassByItsExactName) {
+  ASSERT_NE(FindClass("QRXSG_MonitorSetting"), nullptr);
+  EXPECT_STREQ(FindClass("QRXSG_MonitorSetting")->name, "QRXSG_MonitorSetting");
+  EXPECT_EQ(FindClass("QRXSG_monitorSetting"), nullptr);
+  EXPECT_EQ(FindClass(""), nullptr);
+}
+
 TEST(Schema, FindsAPropertyByItsExactName) {
   const TClassDeclaration& monitors = GetSchema()[3];
   ASSERT_NE(monitors.Find("Gamma"), nullptr);

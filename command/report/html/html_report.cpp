@@ -70,7 +70,8 @@ TMarkup MakeLog(const std::vector<TLogEntry>& log) {
   TMarkup rows;
   for (const TLogEntry& entry : log) {
     const char* severity = GetSeverityName(entry.severity);
-    rows += Element("tr", severity, Element("td", severity) + Element("td", entry.message));
+    const bool isAlarm = entry.severity <= NQRXZELT20::ILogger::kWarning;
+    rows += Element("tr", isAlarm ? severity : "", Element("td", severity) + Element("td", entry.message));
   }
   const std::string title = "Log (" + std::to_string(log.size()) + ")";
   return Element("details", Element("summary", title) + Element("table", Element("tbody", std::move(rows))));

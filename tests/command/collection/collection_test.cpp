@@ -53,6 +53,14 @@ TEST_F(Collection, TellsWhichPluginAnswered) {
   EXPECT_EQ(plugin.type, 0);
 }
 
+TEST_F(Collection, TellsWhereTheEdidsCameFrom) {
+  TMachine captured = ReadCapturedMachine(machine.GetPath());
+  captured.edidOrigin = {"none there.", [](std::size_t unit) { return "output " + std::to_string(unit); }};
+  const TAnswer answer = Collect(captured, PLUGIN_FILE, {}, {});
+  EXPECT_EQ(answer.edidOrigin.none, "none there.");
+  EXPECT_EQ(answer.edidOrigin.describe(1), "output 1");
+}
+
 TEST_F(Collection, LogsTheWholeLifeOfThePlugin) {
   const TAnswer answer = Run({{}, {}});
   EXPECT_THAT(GetMessages(answer.log), ElementsAre("TDisplayInfoCallbacks::Init", "TDisplayInfoCallbacks::GetData",

@@ -95,6 +95,12 @@ TEST_F(JsonReport, HasNoNumberForARealThatIsNone) {
       GetProperties({{"Gamma", TCIMValue(std::numeric_limits<float>::infinity())}})["Gamma"]["value"].is_null());
 }
 
+TEST_F(JsonReport, WritesANullValueAsNull) {
+  EXPECT_EQ(
+      GetProperties({{"Name", TCIMValue()}, {"SerialNumber", TCIMValue("")}}),
+      json::parse(R"({"Name": {"type": "null", "value": null}, "SerialNumber": {"type": "string", "value": ""}})"));
+}
+
 TEST_F(JsonReport, ReplacesBytesThatAreNotText) {
   EXPECT_EQ(GetProperties({{"Name", TCIMValue("\xE2\x82"
                                               "A\x1B")}})["Name"]["value"],

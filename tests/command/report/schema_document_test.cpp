@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
 #include <sstream>
 
 #include "embedded_host/schema.h"
@@ -37,6 +39,20 @@ TEST(SchemaMof, DeclaresAssociationsWithTheClassesTheyReferTo) {
                                          "class QRXSG_MonitorSetting {\n"
                                          "    [Key, Description(\"The monitor.\")]\n"
                                          "    QRXSG_DesktopMonitor REF Element;\n"));
+}
+
+TEST(SchemaMof, DeclaresEveryClassBeforeAReferenceToIt) {
+  const std::regex word("class (\\w+) \\{|(\\w+) REF ");
+  const std::string mof = MakeSchemaMof();
+  std::set<std::string> declared;
+  int references = 0;
+  for (std::sregex_iterator match(mof.begin(), mof.end(), word), end; match != end; ++match) {
+    if ((*match)[1].matched) declared.insert((*match)[1]);
+    if (!(*match)[2].matched) continue;
+    EXPECT_EQ(declared.count((*match)[2]), 1U) << (*match)[2];
+    ++references;
+  }
+  EXPECT_EQ(references, 4);
 }
 
 TEST(JsonSchema, KnowsEveryPropertyOfEveryClass) {

@@ -101,6 +101,11 @@ TEST_F(TextReport, DoesNotBlameTheMonitorsForAnotherClass) {
             "  None: no EDID from unit 0 of the video BIOS.\n");
 }
 
+TEST_F(TextReport, BlamesNoPartForWhatWasLoggedBeforeTheFirstClass) {
+  EXPECT_THAT(Make({"QRXSG_VideoHead", "QRXSG_DesktopMonitor"}, {{ILogger::kError, "trouble"}}),
+              Not(HasSubstr("The plug-in says:")));
+}
+
 TEST_F(TextReport, SaysThatNoConfigurationFileIsThere) {
   answer.fileQueries = {{"/etc/X11/XF86Config", false}, {"/etc/X11/xorg.conf", false}};
   EXPECT_THAT(Make({"QRXSG_VideoController"}),
@@ -168,6 +173,25 @@ TEST_F(TextReport, ShowsAControllerWithItsHeads) {
             "    Configured mode   640 x 480, 24 bits per pixel\n");
 }
 
+TEST_F(TextReport, ShowsAControllerOnceHoweverOftenItWasMade) {
+  const TValues card = {{"DeviceID", TCIMValue("Card0")}, {"DisplayId", TCIMValue("Card0")}};
+  Commit("QRXSG_VideoController", card);
+  Commit("QRXSG_VideoController", {{"DeviceID", TCIMValue("Card0")}, {"DisplayId", TCIMValue("PCI:1:0:0")}});
+  Commit("QRXSG_VideoController",
+         {{"DeviceID", TCIMValue("Card0")}, {"DisplayId", TCIMValue("Card0")}, {"DACType", TCIMValue("the last")}});
+  Commit("QRXSG_VideoHead", card);
+  Commit("QRXSG_VideoHead", card);
+  EXPECT_EQ(Make({"QRXSG_VideoController", "QRXSG_VideoHead"}),
+            "Video controllers\n"
+            "  Card0\n"
+            "    Display id        Card0\n"
+            "    DAC               the last\n"
+            "    Head : Card0\n"
+            "    Head : Card0\n"
+            "  Card0\n"
+            "    Display id        PCI:1:0:0\n");
+}
+
 TEST_F(TextReport, GivesEachMonitorItsModesAndMarksTheConfiguredOne) {
   const auto commitMode = [&](const char* settingId, unsigned int width, unsigned int height) {
     Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue(settingId)},
@@ -195,6 +219,11 @@ TEST_F(TextReport, GivesEachMonitorItsModesAndMarksTheConfiguredOne) {
 TEST_F(TextReport, SendsNoControlBytes) {
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue("\x1B[2J")}});
   EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("Monitor 1: \\x1b[2J\n"));
+}
+
+TEST_F(TextReport, LetsNoNameTurnTheTextAroundIt) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue("\u202Eabc\u2066")}});
+  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("Monitor 1: \\u202eabc\\u2066\n"));
 }
 
 TEST_F(TextReport, HeadsEachOfSeveralRequests) {

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <regex>
+#include <set>
 
+#include "command/report/html/html_style.h"
 #include "tests/support/answer_test.h"
 
 using NQRXZELT20::ILogger;
@@ -49,10 +51,32 @@ class HtmlReport : public TAnswerTest {
                                        {"RefreshRate", TCIMValue(rate)}});
   }
 
-  /// What the pattern's first group takes, from each place of the page that it matches.
-  static std::vector<std::string> FindAll(const std::string& page, const std::string& pattern) {
+  struct TBox {
+    int left, top, right, bottom;
+
+    bool Overlaps(const TBox& other) const {
+      return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
+    }
+  };
+
+  /// Where the page has the screens of monitors and their labels.
+  static std::vector<TBox> FindMonitorBoxes(const std::string& page) {
+    const std::string picture = page.substr(page.find("The monitors, to the scale"));
+    std::vector<std::string> numbers = FindAll(
+        picture, "<(?:rect|svg) x=\"([0-9]+)\" y=\"([0-9]+)\" width=\"([0-9]+)\" height=\"([0-9]+)\"", {1, 2, 3, 4});
+    std::vector<TBox> boxes;
+    for (auto number = numbers.begin(); number != numbers.end(); number += 4) {
+      const TBox corner = {std::stoi(number[0]), std::stoi(number[1]), std::stoi(number[2]), std::stoi(number[3])};
+      boxes.push_back({corner.left, corner.top, corner.left + corner.right, corner.top + corner.bottom});
+    }
+    return boxes;
+  }
+
+  /// What the pattern's first group, or these groups, take, from each place of the page that it matches.
+  static std::vector<std::string> FindAll(const std::string& page, const std::string& pattern,
+                                          const std::vector<int>& groups = {1}) {
     const std::regex regex(pattern);
-    return {std::sregex_token_iterator(page.begin(), page.end(), regex, 1), std::sregex_token_iterator()};
+    return {std::sregex_token_iterator(page.begin(), page.end(), regex, groups), std::sregex_token_iterator()};
   }
 };
 
@@ -79,6 +103,29 @@ TEST_F(HtmlReport, MakesNothingButTextOfWhatTheMachineSays) {
 TEST_F(HtmlReport, SendsNoControlBytes) {
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue("\x1B[2J")}});
   EXPECT_THAT(Make(), HasSubstr("\\x1b[2J"));
+}
+
+TEST_F(HtmlReport, LetsNoNameTurnTheTextAroundIt) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue("\u202Eabc\u2066")}});
+  EXPECT_THAT(Make(), HasSubstr("<td>\\u202eabc\\u2066</td>"));
+}
+
+TEST_F(HtmlReport, HasAStyleForEachOfItsClassesAndForNoOther) {
+  CommitController("a");
+  CommitHead("a");
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitMonitor("Monitor 2", 0, 0);
+  CommitMode(640, 480, 60);
+  CommitMode(800, 600, 60);
+  for (int severity = ILogger::kError; severity <= ILogger::kVerbose; ++severity) {
+    answer.log.push_back({static_cast<ILogger::EZELTLogSeverity>(severity), "said"});
+  }
+  std::set<std::string> used;
+  for (const std::string& names : FindAll(Make(), " class=\"([^\"]+)\"")) {
+    for (const std::string& name : FindAll(names, "([^ ]+)")) used.insert(name);
+  }
+  const std::vector<std::string> styled = FindAll(kHtmlStyle, "\\.([a-z]+)");
+  EXPECT_EQ(used, std::set<std::string>(styled.begin(), styled.end()));
 }
 
 TEST_F(HtmlReport, LoadsNothing) {
@@ -122,6 +169,22 @@ TEST_F(HtmlReport, TakesANullSizeForUnknown) {
   EXPECT_THAT(Make(), HasSubstr("class=\"monitor unknown\""));
 }
 
+TEST_F(HtmlReport, DrawsNoMonitorOverAnother) {
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitMonitor("Monitor 2", 30, 40);
+  CommitMonitor("Monitor 3", 40, 40);
+  CommitMonitor("Monitor 4", 0, 0);
+  CommitMonitor("Monitor 5", 40, 30);
+  const std::vector<TBox> boxes = FindMonitorBoxes(Make());
+  ASSERT_EQ(boxes.size(), 10U);  // each has its screen and its label
+  for (std::size_t first = 0; first < boxes.size(); ++first) {
+    EXPECT_LE(boxes[first].right, 360);
+    for (std::size_t second = 0; second < first; ++second) {
+      EXPECT_FALSE(boxes[first].Overlaps(boxes[second])) << first << " and " << second;
+    }
+  }
+}
+
 TEST_F(HtmlReport, PlotsTheRatesOfAResolutionAtOnePoint) {
   CommitMode(640, 480, 75);
   CommitMode(640, 480, 60);
@@ -129,6 +192,17 @@ TEST_F(HtmlReport, PlotsTheRatesOfAResolutionAtOnePoint) {
   const std::string page = Make();
   EXPECT_THAT(page, HasSubstr(">640 x 480: 60, 75 Hz<"));
   EXPECT_EQ(FindAll(page, "(class=\"mode\")").size(), 1U);
+}
+
+TEST_F(HtmlReport, PlotsNothingForAMonitorWithoutModes) {
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitMonitor("Monitor 2", 40, 30);
+  EXPECT_THAT(Make(), Not(HasSubstr("<h2>Modes</h2>")));
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitMonitor("Monitor 2", 40, 30);
+  CommitMode(640, 480, 60);
+  answer.requests.clear();
+  EXPECT_THAT(FindAll(Make(), "<h3>Modes of ([^<]+)</h3>"), ElementsAre("Monitor 1"));
 }
 
 TEST_F(HtmlReport, PlotsToTheScaleOfTheLargestMode) {
@@ -194,6 +268,10 @@ TEST_F(HtmlReport, SaysWhyNothingIsFound) {
   EXPECT_THAT(page, HasSubstr("<p>None: no X server configuration was asked for.</p>"));
   EXPECT_THAT(page, HasSubstr("<p>None: no EDID from unit 0 of the video BIOS.</p>"));
   EXPECT_THAT(page, HasSubstr("<p>The plug-in says:</p>\n<ul><li>trouble</li>\n</ul>"));
+}
+
+TEST_F(HtmlReport, BlamesNoPartForWhatWasLoggedBeforeTheFirstClass) {
+  EXPECT_THAT(Make(kAllClasses, {{ILogger::kError, "trouble"}}), Not(HasSubstr("The plug-in says:")));
 }
 
 TEST_F(HtmlReport, LeavesOutWhatWasNotAskedFor) {
