@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "embedded_host/schema.h"
 #include "plugin/monitor/monitor_info.h"
 #include "plugin/video/video_info.h"
 #include "tests/support/test_host.h"
@@ -22,10 +23,10 @@ void LinkMonitorsToModes(benchmark::State& state) {
   TTestHost host;
   for (std::int64_t number = 1; number <= state.range(0); ++number) {
     const std::string id = "Monitor " + std::to_string(number);
-    Commit(host, "QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue(id)}});
-    Commit(host, "QRXSG_MonitorResolution", {{"SettingID", TCIMValue(id + "\\ Setting 1")}});
+    Commit(host, kDesktopMonitorClass, {{"DeviceID", TCIMValue(id)}});
+    Commit(host, kMonitorResolutionClass, {{"SettingID", TCIMValue(id + "\\ Setting 1")}});
   }
-  TMonitorInfo monitor(host.GetClass("QRXSG_MonitorSetting"), TTestHost::Provider());
+  TMonitorInfo monitor(host.GetClass(kMonitorSettingClass), TTestHost::Provider());
   for (auto unused : state) {
     static_cast<void>(unused);
     benchmark::DoNotOptimize(monitor.MakeMonitorSettingAssociation());
@@ -41,10 +42,10 @@ void LinkHeadsToControllers(benchmark::State& state) {
     const std::map<std::string, TCIMValue> properties = {
         {"DeviceID", TCIMValue("Card" + std::to_string(number))},
         {"DisplayId", TCIMValue("PCI:" + std::to_string(number) + ":0:0")}};
-    Commit(host, "QRXSG_VideoController", properties);
-    Commit(host, "QRXSG_VideoHead", properties);
+    Commit(host, kVideoControllerClass, properties);
+    Commit(host, kVideoHeadClass, properties);
   }
-  TVideoInfo video(host.GetClass("QRXSG_HeadOfVideoController"), TTestHost::Provider());
+  TVideoInfo video(host.GetClass(kHeadOfVideoControllerClass), TTestHost::Provider());
   for (auto unused : state) {
     static_cast<void>(unused);
     benchmark::DoNotOptimize(video.MakeHeadAssociation());

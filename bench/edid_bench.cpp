@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include "edid/layout.h"
+#include "embedded_host/schema.h"
 #include "plugin/monitor/monitor_info.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/test_host.h"
@@ -29,7 +30,7 @@ std::vector<unsigned char> MakeEdid(std::int64_t blocks) {
 
 void DecodeEdid(benchmark::State& state) {
   TTestHost host;
-  const auto cimClass = host.GetClass("QRXSG_DesktopMonitor");
+  const auto cimClass = host.GetClass(kDesktopMonitorClass);
   std::vector<unsigned char> edid = MakeEdid(state.range(0));
   const auto length = static_cast<unsigned int>(static_cast<std::size_t>(state.range(0)) * edid::kBlockSize);
   for (auto unused : state) {
@@ -43,7 +44,7 @@ void DecodeEdid(benchmark::State& state) {
 
 void ListModes(benchmark::State& state) {
   TTestHost host;
-  TMonitorInfo monitor(host.GetClass("QRXSG_MonitorResolution"), TTestHost::Provider());
+  TMonitorInfo monitor(host.GetClass(kMonitorResolutionClass), TTestHost::Provider());
   monitor.SetDeviceId("Monitor 1");
   std::vector<unsigned char> edid = MakeEdid(1);
   for (auto unused : state) {

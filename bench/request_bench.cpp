@@ -31,7 +31,7 @@ class TOffice {
 void Request(benchmark::State& state, const std::vector<std::string>& names) {
   TOffice office;
   TLoadedPlugin plugin(office.host, PLUGIN_FILE);
-  plugin.Ask({"QRXSG_VideoController", "QRXSG_VideoHead", "QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"});
+  plugin.Ask({kVideoControllerClass, kVideoHeadClass, kDesktopMonitorClass, kMonitorResolutionClass});
   std::vector<boost::shared_ptr<NQRXZELT20::ICIMClass>> classes;
   for (const std::string& name : names) classes.push_back(office.host.GetClass(name));
   auto& callbacks = dynamic_cast<NQRXZELT20::IPluginBasicQueryCallbacks&>(plugin.GetCallbacks());

@@ -3,6 +3,7 @@
 // value.
 //
 // Input: EDIDs (fuzz/input.h).
+#include "embedded_host/schema.h"
 #include "fuzz/input.h"
 #include "fuzz/instances.h"
 #include "fuzz/require.h"
@@ -30,9 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   lrmi.edids = TInput(data, size).TakeEdids();
   const TPlainMonitors plain(lrmi.edids);
 
-  const TInstances monitors = Collect(host, "QRXSG_DesktopMonitor");
-  const TInstances modes = Collect(host, "QRXSG_MonitorResolution");
-  const TInstances settings = Collect(host, "QRXSG_MonitorSetting");
+  const TInstances monitors = Collect(host, kDesktopMonitorClass);
+  const TInstances modes = Collect(host, kMonitorResolutionClass);
+  const TInstances settings = Collect(host, kMonitorSettingClass);
   Require(GetTexts(monitors, "DeviceID") == plain.GetDeviceIds(), "monitors are the units up to one that fails");
   Require(GetTexts(modes, "SettingID") == plain.GetSettingIds(), "settings are numbered, one for each timing");
   RequireReferences(settings, "Element", monitors);

@@ -1,12 +1,13 @@
 // A whole request for all six classes over a machine of the fuzzer's making: the embedded host, the plug-in's objects
 // and the virtual BIOS in this process. Held against rules on the instances, and on the four reports of them: the
-// JSON parses, the text keeps to its width, neither it nor the MOF shows control characters, the page holds no script.
+// JSON parses, the text keeps to its width, none of them holds a hidden character, the page holds no script.
 //
 // Input: a byte of bits for how the host and the BIOS behave, a byte for the block at which units fail, the
 // configuration, a zero byte, EDIDs (fuzz/input.h).
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "command/base/text_encoding.h"
 #include "command/collection/collection.h"
 #include "command/machine/machine.h"
 #include "command/machine/memory_files.h"
@@ -14,6 +15,7 @@
 #include "command/report/json_report.h"
 #include "command/report/mof_report.h"
 #include "command/report/text_report.h"
+#include "embedded_host/schema.h"
 #include "fuzz/input.h"
 #include "fuzz/instances.h"
 #include "fuzz/require.h"
@@ -29,10 +31,8 @@ using NQRXZELT20::TDisplayInfoCallbacks;
 
 namespace {
 
-constexpr const char* kController = "QRXSG_VideoController";
-constexpr const char* kHead = "QRXSG_VideoHead";
-const TRequest kThroughDispatch = {"QRXSG_HeadOfVideoController", "QRXSG_DesktopMonitor", "QRXSG_MonitorResolution",
-                                   "QRXSG_MonitorSetting"};
+const TRequest kThroughDispatch = {kHeadOfVideoControllerClass, kDesktopMonitorClass, kMonitorResolutionClass,
+                                   kMonitorSettingClass};
 
 // The bits of the first byte. None: everything works.
 constexpr unsigned int kNoProvider = 1;
@@ -53,7 +53,7 @@ class TFreshVideoInfo : public TVideoInfo {
     std::vector<PropertyMap> heads;
     GetVideoInfo(&controllers, &heads);
     std::vector<ICIMInstance*> result;
-    GenerateVideoInstances(&result, className == kController ? controllers : heads, className);
+    GenerateVideoInstances(&result, className == kVideoControllerClass ? controllers : heads, className);
     return result;
   }
 };
@@ -104,7 +104,7 @@ TAnswer Collect(const TMachine& machine) {
   TPlugin plugin;
   plugin->Init();
   const boost::shared_ptr<TCimStore> store = host.GetStore();
-  for (const char* name : {kController, kHead}) {
+  for (const char* name : {kVideoControllerClass, kVideoHeadClass}) {
     TFreshVideoInfo collector(store->GetClass(name, TCIMQueryContext()));
     plugin->RetrieveDataForClass(&collector);
   }
@@ -114,12 +114,13 @@ TAnswer Collect(const TMachine& machine) {
   plugin->DeInit();
 
   const std::vector<TLogEntry>& log = host.GetLog().GetEntries();
-  TRequest request = {kController, kHead};
+  TRequest request = {kVideoControllerClass, kVideoHeadClass};
   request.insert(request.end(), kThroughDispatch.begin(), kThroughDispatch.end());
   return {{plugin->GetName(), plugin->GetVersion(), plugin->GetInterfaceVersion(), plugin->GetType()},
           {{request, store->TakeCommits(), log}},
           log,
-          host.GetFileQueries()};
+          host.GetFileQueries(),
+          machine.edidOrigin};
 }
 
 TInstances Select(const TInstances& instances, const std::string& className) {
@@ -131,19 +132,19 @@ TInstances Select(const TInstances& instances, const std::string& className) {
 
 void RequireInstances(const TInstances& instances) {
   RequireValues(instances);
-  const TInstances heads = Select(instances, kHead);
-  const TInstances controllers = Select(instances, kController);
+  const TInstances heads = Select(instances, kVideoHeadClass);
+  const TInstances controllers = Select(instances, kVideoControllerClass);
   Require(controllers.size() <= heads.size(), "each controller has a head");
   std::vector<std::string> numbers;
   while (numbers.size() < heads.size()) numbers.push_back(std::to_string((numbers.size() + 1) % 256));
   Require(GetTexts(heads, "HeadNumber") == numbers, "heads are numbered without a gap");
 
-  const TInstances pairs = Select(instances, "QRXSG_HeadOfVideoController");
+  const TInstances pairs = Select(instances, kHeadOfVideoControllerClass);
   RequireReferences(pairs, "Antecedent", controllers);
   RequireReferences(pairs, "Dependent", heads);
-  const TInstances settings = Select(instances, "QRXSG_MonitorSetting");
-  RequireReferences(settings, "Element", Select(instances, "QRXSG_DesktopMonitor"));
-  RequireReferences(settings, "Setting", Select(instances, "QRXSG_MonitorResolution"));
+  const TInstances settings = Select(instances, kMonitorSettingClass);
+  RequireReferences(settings, "Element", Select(instances, kDesktopMonitorClass));
+  RequireReferences(settings, "Setting", Select(instances, kMonitorResolutionClass));
 }
 
 void RequireText(const std::string& report) {
@@ -151,15 +152,17 @@ void RequireText(const std::string& report) {
   std::size_t width = 0;
   for (const char character : report) {
     const auto byte = static_cast<unsigned char>(character);
-    Require(byte == '\n' || byte == '\t' || (byte >= ' ' && byte != 0x7F), "no control characters are shown");
     width = byte == '\n' ? 0 : width + ((byte & 0xC0) != 0x80 ? 1 : 0);
     Require(width <= maxWidth, "no line is wider than 80 columns");
   }
 }
 
-void RequirePrintable(const std::string& text) {
-  const auto isControl = [](char byte) { return static_cast<unsigned char>(byte) < 0x20 && byte != '\n'; };
-  Require(std::none_of(text.begin(), text.end(), isControl), "the MOF report holds no control character");
+/// Returns the report.
+std::string RequirePrintable(const std::string& report) {
+  std::string line = report;
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  Require(ToPrintable(line) == line, "no report holds a hidden character");
+  return report;
 }
 
 /// The page's own markup has neither.
@@ -174,9 +177,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   TInput input(data, size);
   const TAnswer answer = Collect(MakeMachine(input));
   RequireInstances(answer.requests[0].instances);
-  Require(nlohmann::json::accept(MakeJsonReport(answer)), "the JSON report parses");
-  RequireText(MakeTextReport(answer));
+  Require(nlohmann::json::accept(RequirePrintable(MakeJsonReport(answer))), "the JSON report parses");
+  RequireText(RequirePrintable(MakeTextReport(answer)));
   RequirePrintable(MakeMofReport(answer));
-  RequireInert(MakeHtmlReport(answer, {}));
+  RequireInert(RequirePrintable(MakeHtmlReport(answer)));
   return 0;
 }
