@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 namespace {
 
 const std::string kReplacement = "\xEF\xBF\xBD";
@@ -10,6 +14,33 @@ std::string Replacements(int count) {
   std::string text;
   while (count-- > 0) text += kReplacement;
   return text;
+}
+
+/// A form of a character in the table of RFC 3629: the range of each of its bytes.
+typedef std::vector<std::pair<unsigned char, unsigned char>> TForm;
+
+const TForm kForms[] = {{{0x00, 0x7F}},
+                        {{0xC2, 0xDF}, {0x80, 0xBF}},
+                        {{0xE0, 0xE0}, {0xA0, 0xBF}, {0x80, 0xBF}},
+                        {{0xE1, 0xEC}, {0x80, 0xBF}, {0x80, 0xBF}},
+                        {{0xED, 0xED}, {0x80, 0x9F}, {0x80, 0xBF}},
+                        {{0xEE, 0xEF}, {0x80, 0xBF}, {0x80, 0xBF}},
+                        {{0xF0, 0xF0}, {0x90, 0xBF}, {0x80, 0xBF}, {0x80, 0xBF}},
+                        {{0xF1, 0xF3}, {0x80, 0xBF}, {0x80, 0xBF}, {0x80, 0xBF}},
+                        {{0xF4, 0xF4}, {0x80, 0x8F}, {0x80, 0xBF}, {0x80, 0xBF}}};
+
+bool Begins(const std::string& text, const TForm& form) {
+  return text.size() >= form.size() && std::equal(form.begin(), form.end(), text.begin(), [](auto range, char byte) {
+           return static_cast<unsigned char>(byte) >= range.first && static_cast<unsigned char>(byte) <= range.second;
+         });
+}
+
+std::string ReplacePlainly(const std::string& text) {
+  if (text.empty()) return text;
+  for (const TForm& form : kForms) {
+    if (Begins(text, form)) return text.substr(0, form.size()) + ReplacePlainly(text.substr(form.size()));
+  }
+  return kReplacement + ReplacePlainly(text.substr(1));
 }
 
 }  // namespace
@@ -42,6 +73,16 @@ TEST(Utf8, ReplacesOverlongFormsSurrogatesAndWhatLiesBeyondUnicode) {
   EXPECT_EQ(ToUtf8("\xE0\x80\x80"), Replacements(3));
   EXPECT_EQ(ToUtf8("\xED\xA0\x80"), Replacements(3));
   EXPECT_EQ(ToUtf8("\xF4\x90\x80\x80"), Replacements(4));
+}
+
+TEST(Utf8, FollowsTheTableAtEachOfItsEdges) {
+  for (const char first : "A\x7F\x80\xBF\xC0\xC1\xC2\xDF\xE0\xE1\xEC\xED\xEE\xEF\xF0\xF1\xF3\xF4\xF5\xFF") {
+    const std::string others = "A\x80\x8F\x90\x9F\xA0\xBF\xC2";
+    for (unsigned int number = 0; number < 8 * 8 * 8; ++number) {
+      const std::string text = {first, others[number % 8], others[number / 8 % 8], others[number / 64]};
+      ASSERT_EQ(ToUtf8(text), ReplacePlainly(text)) << number;
+    }
+  }
 }
 
 TEST(Printable, ShowsControlCharactersAndDoesNotSendThem) {
