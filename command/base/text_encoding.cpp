@@ -103,12 +103,15 @@ bool IsPlain(char byte) {
   return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == ' ';
 }
 
+bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+
 /// Goes through the text: `append` takes each run of well-formed characters, and U+FFFD stands for each byte between.
 template <typename TAppend>
 std::string Convert(std::string_view text, TAppend append) {
   std::string converted;
   while (true) {
-    const auto invalid = utf8::find_invalid(text.begin(), text.end());
+    const auto beyondAscii = std::find_if_not(text.begin(), text.end(), IsAscii);  // nearly always the end
+    const auto invalid = utf8::find_invalid(beyondAscii, text.end());
     const auto length = static_cast<std::size_t>(invalid - text.begin());
     append(converted, text.substr(0, length));
     if (length == text.size()) return converted;
