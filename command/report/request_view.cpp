@@ -110,7 +110,7 @@ std::string JoinTexts(const std::vector<std::string>& texts) {
 
 std::string GetEdidSource(const TInstanceView& monitor, const TAnswer& answer) {
   const auto& describe = answer.edidOrigin.describe;
-  return describe ? describe(GetUnit(monitor)) : std::string();
+  return describe ? ToPrintable(describe(GetUnit(monitor))) : std::string();
 }
 
 std::string ExplainNoControllers(const TAnswer& answer) {

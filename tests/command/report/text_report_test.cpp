@@ -252,6 +252,12 @@ TEST_F(TextReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
             "    EDID read from    output 1\n");
 }
 
+TEST_F(TextReport, DoesNotObeyWhatAnOutputIsCalled) {
+  answer.edidOrigin.describe = [](std::size_t) { return "\x1B[2J\u202E"; };
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
+  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("EDID read from    \\x1b[2J\\u202e\n"));
+}
+
 TEST_F(TextReport, TellsWhyThereIsNoMonitorByWhereEdidsComeFrom) {
   answer.edidOrigin.none = "nothing is connected.";
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}), "Monitors\n  None: nothing is connected.\n");
