@@ -56,6 +56,7 @@ void LRMI_free_real(void* buffer) {
 }
 
 int LRMI_int(int interrupt, LRMI_regs* registers) try {
+  if (registers == nullptr) return 0;
   return g_session && g_session->bios->Interrupt(interrupt, *registers, g_session->memory) ? 1 : 0;
 } catch (...) {
   return 0;

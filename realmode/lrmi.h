@@ -47,7 +47,8 @@ REALMODE_API void* LRMI_alloc_real(int size);
 /* Releases such a buffer. A null pointer, and a buffer that was released before, are ignored. */
 REALMODE_API void LRMI_free_real(void* buffer);
 
-/* Calls a BIOS interrupt with these registers and stores what they hold afterwards. 1: it returned; 0: it did not. */
+/* Calls a BIOS interrupt with these registers and stores what they hold afterwards. 1: it returned; 0: it did not, or
+ * the registers are a null pointer. */
 REALMODE_API int LRMI_int(int interrupt, struct LRMI_regs* registers);
 
 /* Ends real mode and releases all it took. Without a preceding LRMI_init it does nothing. */

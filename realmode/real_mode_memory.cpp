@@ -12,7 +12,11 @@ constexpr std::size_t kParagraph = 16;  // bytes: what a segment counts in
 /// session touches take memory.
 void* MapAligned(std::size_t size) {
   void* const mapped = mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (mapped == MAP_FAILED) throw std::bad_alloc();
+  if (mapped == MAP_FAILED) {
+    // As operator new does: whoever watches over the memory hears of it.
+    if (const std::new_handler handler = std::get_new_handler()) handler();
+    throw std::bad_alloc();
+  }
   std::uint8_t* const begin = static_cast<std::uint8_t*>(mapped);
   const std::size_t before = (size - reinterpret_cast<std::uintptr_t>(begin) % size) % size;
   if (before != 0) munmap(begin, before);

@@ -245,7 +245,7 @@ bool HasHandler(TRealModeMemory& memory, int number) {
 
 TRealVideoBios::TRealVideoBios() : TRealVideoBios(std::make_unique<TThisPhysicalMachine>()) {}
 
-TRealVideoBios::TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, std::chrono::milliseconds budget)
+TRealVideoBios::TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, TBiosBudget budget)
     : m_machine(std::move(machine)), m_budget(budget) {}
 
 TRealVideoBios::~TRealVideoBios() = default;
@@ -265,19 +265,23 @@ bool TRealVideoBios::Start(TRealModeMemory& memory) {
 
 bool TRealVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) {
   if (!HasHandler(memory, number)) return Fail("the video BIOS has no handler for the interrupt");
+  if (m_spent >= m_budget.all) return FailLate();
   const std::unique_ptr<x86emu_t, TEmulatorEnd> emulator(x86emu_new(0, 0));
   if (emulator == nullptr) return Fail("the emulator has no memory");
   TRun run = {};
   run.machine = m_machine.get();
   run.memory = &memory;
-  run.deadline = TClock::now() + m_budget;
+  const TClock::time_point begin = TClock::now();
+  run.deadline = begin + std::min<TClock::duration>(m_budget.interrupt, m_budget.all - m_spent);
   emulator->_private = &run;
   x86emu_set_memio_handler(emulator.get(), Access);
   x86emu_set_code_handler(emulator.get(), CheckInstruction);
   LoadRegisters(emulator.get(), registers);
   EnterInterrupt(emulator.get(), memory, number, registers.flags);
 
-  switch (RunToEnd(emulator.get(), run)) {
+  const EEnd end = RunToEnd(emulator.get(), run);
+  m_spent += TClock::now() - begin;
+  switch (end) {
     case EEnd::kReturned:
       StoreRegisters(emulator.get(), registers);
       return true;
@@ -286,10 +290,19 @@ bool TRealVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMemory
     case EEnd::kTimeUp:
       break;
   }
-  return Fail("the video BIOS did not return within " + std::to_string(m_budget.count()) + " ms");
+  return FailLate();
 }
 
 void TRealVideoBios::Stop() { m_machine->Close(); }
+
+/// The interrupt, or all of them together, took too long.
+bool TRealVideoBios::FailLate() {
+  if (m_spent < m_budget.all) {
+    return Fail("the video BIOS did not return within " + std::to_string(m_budget.interrupt.count()) + " ms");
+  }
+  return Fail("the video BIOS took longer than " + std::to_string(m_budget.all.count()) +
+              " ms for all its calls together");
+}
 
 bool TRealVideoBios::Fail(const std::string& failure) {
   m_failure = failure;

@@ -14,16 +14,21 @@
 
 class IPhysicalMachine;
 
-constexpr std::chrono::milliseconds kInterruptBudget{5000};
+/// What a BIOS may take of a process's time: for one interrupt, and for all of them together. Its units are many, and
+/// each may take long.
+struct TBiosBudget {
+  std::chrono::milliseconds interrupt{5000};
+  std::chrono::milliseconds all{20000};
+};
 
 class REALMODE_API TRealVideoBios : public IVideoBios {
  public:
   /// This machine's BIOS.
   TRealVideoBios();
 
-  /// The BIOS of that machine. An interrupt that takes longer than `budget` is given up.
-  explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine,
-                          std::chrono::milliseconds budget = kInterruptBudget);
+  /// The BIOS of that machine. An interrupt that takes longer than the budget is given up; once all of them have taken
+  /// theirs, each fails at once, in later sessions too.
+  explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, TBiosBudget budget = {});
   ~TRealVideoBios() override;
 
   bool Start(TRealModeMemory& memory) override;
@@ -36,8 +41,10 @@ class REALMODE_API TRealVideoBios : public IVideoBios {
 
  private:
   bool Fail(const std::string& failure);
+  bool FailLate();
 
   std::unique_ptr<IPhysicalMachine> m_machine;
-  std::chrono::milliseconds m_budget;
+  TBiosBudget m_budget;
+  std::chrono::steady_clock::duration m_spent{};  // in all interrupts so far
   std::string m_failure;
 };

@@ -3,7 +3,7 @@
 #include "realmode/real_video_bios.h"
 
 TRealVideoBios::TRealVideoBios() = default;
-TRealVideoBios::TRealVideoBios(std::unique_ptr<IPhysicalMachine>, std::chrono::milliseconds) {}
+TRealVideoBios::TRealVideoBios(std::unique_ptr<IPhysicalMachine>, TBiosBudget) {}
 TRealVideoBios::~TRealVideoBios() = default;
 
 bool TRealVideoBios::Start(TRealModeMemory&) {

@@ -128,6 +128,12 @@ TEST_F(Lrmi, EndsTheSessionEvenWhenTheStopThrows) {
   EXPECT_EQ(ReadByte(), 0x22);
 }
 
+TEST_F(Lrmi, CallsNoInterruptWithoutRegisters) {
+  ASSERT_EQ(LRMI_init(), 1);
+  EXPECT_EQ(LRMI_int(0x10, nullptr), 0);
+  EXPECT_EQ(ReadByte(), 0x11);
+}
+
 TEST_F(Lrmi, StartsAnewAfterTheSessionEnded) {
   LRMI_init();
   LRMI_deInit();

@@ -2,8 +2,10 @@
 #include "realmode/physical_machine.h"
 
 #include <gtest/gtest.h>
+#include <sys/ucontext.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <iterator>
 #include <string>
@@ -12,6 +14,50 @@
 #include "tests/support/temporary_folder.h"
 
 namespace {
+
+#ifdef __x86_64__
+constexpr int kInstruction = REG_RIP, kAx = REG_RAX, kDx = REG_RDX;
+#else
+constexpr int kInstruction = REG_EIP, kAx = REG_EAX, kDx = REG_EDX;
+#endif
+
+/// While it lives, the processor's refusals of IN and OUT, which this process has no privilege for, are noted, and the
+/// instruction is passed over: IN as if it had read ones.
+class TRefusedPorts {
+ public:
+  TRefusedPorts() {
+    s_accesses.clear();
+    struct sigaction action = {};
+    action.sa_sigaction = Note;
+    action.sa_flags = SA_SIGINFO;
+    sigaction(SIGSEGV, &action, &m_before);
+  }
+  ~TRefusedPorts() { sigaction(SIGSEGV, &m_before, nullptr); }
+  TRefusedPorts(const TRefusedPorts&) = delete;
+  TRefusedPorts& operator=(const TRefusedPorts&) = delete;
+
+  /// "in 1024 2": direction, port, bytes.
+  const std::vector<std::string>& GetAccesses() const { return s_accesses; }
+
+ private:
+  static void Note(int, siginfo_t*, void* context) {
+    greg_t* const registers = static_cast<ucontext_t*>(context)->uc_mcontext.gregs;
+    const std::uint8_t* code = reinterpret_cast<const std::uint8_t*>(registers[kInstruction]);
+    const bool isShort = *code == 0x66;
+    if (isShort) ++code;
+    const bool isIn = *code == 0xEC || *code == 0xED;
+    const bool isOut = *code == 0xEE || *code == 0xEF;
+    if (!isIn && !isOut) std::abort();
+    const int bytes = (*code & 1) == 0 ? 1 : isShort ? 2 : 4;
+    s_accesses.push_back((isIn ? "in " : "out ") + std::to_string(registers[kDx] & 0xFFFF) + " " +
+                         std::to_string(bytes));
+    if (isIn) registers[kAx] |= static_cast<greg_t>(bytes == 4 ? 0xFFFFFFFFU : (1U << (8 * bytes)) - 1);
+    registers[kInstruction] = reinterpret_cast<greg_t>(code + 1);
+  }
+
+  static inline std::vector<std::string> s_accesses;
+  struct sigaction m_before;
+};
 
 class PhysicalMachine : public testing::Test {
  protected:
@@ -80,6 +126,19 @@ TEST_F(PhysicalMachine, TellsWhyThePortsCannotBeUsed) {
   EXPECT_EQ(machine.Open(),
             "the video BIOS cannot use the I/O ports: Operation not permitted; run as root (CAP_SYS_RAWIO), on a "
             "kernel that is not locked down");
+}
+
+TEST_F(PhysicalMachine, ReadsAndWritesPortsInTheWidthThatIsAskedFor) {
+  TThisPhysicalMachine machine(GetPath("mem"), Grant);
+  const TRefusedPorts ports;
+  EXPECT_EQ(machine.In(0x400, 1), 0xFFU);
+  EXPECT_EQ(machine.In(0x401, 2), 0xFFFFU);
+  EXPECT_EQ(machine.In(0x402, 4), 0xFFFFFFFFU);
+  machine.Out(0x403, 0, 1);
+  machine.Out(0x404, 0, 2);
+  machine.Out(0x405, 0, 4);
+  EXPECT_EQ(ports.GetAccesses(), (std::vector<std::string>{"in 1024 1", "in 1025 2", "in 1026 4", "out 1027 1",
+                                                           "out 1028 2", "out 1029 4"}));
 }
 
 TEST_F(PhysicalMachine, LeavesNoDescriptorOpen) {

@@ -1,8 +1,12 @@
 #include "realmode/real_mode_memory.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <fstream>
+#include <new>
 
 namespace {
 
@@ -72,4 +76,21 @@ TEST_F(RealModeMemory, IgnoresWhatIsNotItsBuffer) {
   memory.Release(&elsewhere);
   memory.Release(static_cast<std::uint8_t*>(buffer) + 1);
   EXPECT_EQ(memory.Allocate(16), nullptr);
+}
+
+// Whoever watches over the memory of a process does so there.
+TEST(RealModeMemoryWithoutRoom, IsHeardOfByTheNewHandler) {
+  static bool isHeard;
+  isHeard = false;
+  std::set_new_handler([] { isHeard = true; });
+  rlim_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  rlimit before = {};
+  getrlimit(RLIMIT_AS, &before);
+  const rlimit none = {pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)), before.rlim_max};
+  setrlimit(RLIMIT_AS, &none);
+  EXPECT_THROW(TRealModeMemory(), std::bad_alloc);
+  setrlimit(RLIMIT_AS, &before);
+  std::set_new_handler(nullptr);
+  EXPECT_TRUE(isHeard);
 }

@@ -73,14 +73,14 @@ class TTestMachine : public IPhysicalMachine {
 
 class RealVideoBios : public testing::Test {
  protected:
-  static constexpr std::chrono::milliseconds kBudget{200};
+  static constexpr TBiosBudget kBudget{std::chrono::milliseconds(200), std::chrono::milliseconds(20000)};
 
   /// Starts a BIOS with this handler.
   bool Start(const TCode& handler) { return Start(TPhysical(handler)); }
 
-  bool Start(const TPhysical& machine) {
+  bool Start(const TPhysical& machine, TBiosBudget budget = kBudget) {
     physical = std::make_unique<TPhysical>(machine);
-    bios = std::make_unique<TRealVideoBios>(std::make_unique<TTestMachine>(*physical), kBudget);
+    bios = std::make_unique<TRealVideoBios>(std::make_unique<TTestMachine>(*physical), budget);
     return bios->Start(memory);
   }
 
@@ -146,11 +146,16 @@ TEST_F(RealVideoBios, RunsInterruptsOfTheHandlerItself) {
 TEST_F(RealVideoBios, LetsPortsThroughInEachWidth) {
   ASSERT_TRUE(Start(TCode{0xBA, 0xC4, 0x03,  // mov dx, 3C4h
                           0xB0, 0x05, 0xEE,  // mov al, 5; out dx, al
+                          0xEF,              // out dx, ax
+                          0x66, 0xEF,        // out dx, eax
                           0xED,              // in ax, dx
+                          0xEC,              // in al, dx
                           0x66, 0xED,        // in eax, dx
                           0xCF}));
+  registers.eax = 0xABCD0100;
   ASSERT_TRUE(Call());
-  EXPECT_EQ(physical->ports, (std::vector<std::string>{"out 964 5 1", "in 964 2", "in 964 4"}));
+  EXPECT_EQ(physical->ports, (std::vector<std::string>{"out 964 5 1", "out 964 261 2", "out 964 2882339077 4",
+                                                       "in 964 2", "in 964 1", "in 964 4"}));
   EXPECT_EQ(registers.eax, 0x12345678U);
 }
 
@@ -213,6 +218,34 @@ TEST_F(RealVideoBios, WorksAgainAfterItGaveUp) {
   EXPECT_FALSE(Call());
   registers.ecx = 0;
   EXPECT_TRUE(Call());
+}
+
+TEST_F(RealVideoBios, GivesUpWhatExceedsTheTimeForAllItsCalls) {
+  TPhysical machine(TCode{0xEB, 0xFE});  // jmp $
+  ASSERT_TRUE(Start(machine, {std::chrono::milliseconds(60000), std::chrono::milliseconds(50)}));
+  EXPECT_FALSE(Call());
+  EXPECT_EQ(bios->GetFailure(), "the video BIOS took longer than 50 ms for all its calls together");
+}
+
+TEST_F(RealVideoBios, RefusesEachCallOnceTheTimeForAllIsUsedUp) {
+  TPhysical machine(TCode{0x84, 0xC9, 0x75, 0xFE, 0xB0, 0x01, 0xCF});  // test cl, cl; jnz $; mov al, 1; iret
+  ASSERT_TRUE(Start(machine, {std::chrono::milliseconds(60000), std::chrono::milliseconds(50)}));
+  EXPECT_TRUE(Call());
+  registers = {};
+  registers.ecx = 1;
+  EXPECT_FALSE(Call());
+  registers.ecx = 0;  // it would return at once
+  for (int count = 0; count < 1000; ++count) EXPECT_FALSE(Call());
+  EXPECT_EQ(registers.eax, 0U);
+  EXPECT_EQ(bios->GetFailure(), "the video BIOS took longer than 50 ms for all its calls together");
+  bios->Stop();
+  ASSERT_TRUE(bios->Start(memory));
+  EXPECT_FALSE(Call());
+}
+
+TEST_F(RealVideoBios, HasTwentySecondsForAllItsCallsAndFiveForEach) {
+  EXPECT_EQ(TBiosBudget().all, std::chrono::seconds(20));
+  EXPECT_EQ(TBiosBudget().interrupt, std::chrono::seconds(5));
 }
 
 TEST_F(RealVideoBios, TakesAHaltForAFailure) {
