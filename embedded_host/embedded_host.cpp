@@ -25,6 +25,7 @@ TEmbeddedHost::~TEmbeddedHost() { InstallHostServices(nullptr); }
 
 boost::shared_ptr<TCimStore> TEmbeddedHost::GetStore() { return m_store; }
 const TLog& TEmbeddedHost::GetLog() const { return m_log; }
+std::vector<TLogEntry> TEmbeddedHost::TakeLog() { return m_log.TakeEntries(); }
 const std::vector<TFileQuery>& TEmbeddedHost::GetFileQueries() const { return m_fileQueries; }
 std::vector<IPluginCallbacks*> TEmbeddedHost::TakeRegistered() { return m_pluginManager->TakeRegistered(); }
 

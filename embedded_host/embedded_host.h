@@ -47,6 +47,9 @@ class HOST_API TEmbeddedHost : private IHostServices {
 
   const TLog& GetLog() const;
 
+  /// Every message so far; the log is empty afterwards. A long one need not be there twice.
+  std::vector<TLogEntry> TakeLog();
+
   /// Every question for a file's existence so far, in order.
   const std::vector<TFileQuery>& GetFileQueries() const;
 

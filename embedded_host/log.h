@@ -1,6 +1,7 @@
-// The embedded host's log: keeps every message, and hands each on as it comes.
+// The embedded host's log: keeps messages up to a limit, and hands each on as it comes.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -19,15 +20,35 @@ HOST_API const char* GetSeverityName(NQRXZELT20::ILogger::EZELTLogSeverity sever
 
 class HOST_API TLog : public NQRXZELT20::ILogger {
  public:
-  /// `listener` hears of each message when it is written; it may be empty.
-  explicit TLog(std::function<void(const TLogEntry&)> listener = {});
+  /// The messages that are kept: a machine can be made to write any number of them.
+  static constexpr std::size_t kMaxEntries = 1'000'000;
+
+  /// How far the log had come at some time.
+  struct TMark {
+    std::size_t kept = 0;
+    std::size_t leftOut = 0;
+  };
+
+  /// `listener` hears of each message that is kept, when it is written, and once of those that are not; it may be
+  /// empty.
+  explicit TLog(std::function<void(const TLogEntry&)> listener = {}, std::size_t maxEntries = kMaxEntries);
 
   void Write(EZELTLogSeverity severity, const std::string& message) override;
 
-  /// Every message so far, in order.
+  /// Every message so far, in order. Past the limit, one more entry at the end says how many were left out.
   const std::vector<TLogEntry>& GetEntries() const;
+
+  /// The same; the log is empty afterwards.
+  std::vector<TLogEntry> TakeEntries();
+
+  TMark GetMark() const;
+
+  /// The messages since the mark, in order, with an entry for those among them that were left out.
+  std::vector<TLogEntry> GetEntriesSince(const TMark& mark) const;
 
  private:
   std::function<void(const TLogEntry&)> m_listener;
+  std::size_t m_maxEntries;
+  std::size_t m_leftOut = 0;
   std::vector<TLogEntry> m_entries;
 };

@@ -22,10 +22,9 @@ TRequestAnswer Ask(TPluginLibrary& plugin, TEmbeddedHost& host, const TRequest& 
   const boost::shared_ptr<TCimStore> store = host.GetStore();
   std::vector<boost::shared_ptr<ICIMClass>> classes;
   for (const std::string& name : request) classes.push_back(store->GetClass(name, TCIMQueryContext()));
-  const auto logged = static_cast<std::ptrdiff_t>(host.GetLog().GetEntries().size());
+  const TLog::TMark begin = host.GetLog().GetMark();
   plugin.GetQueryCallbacks().GetData(store, classes);
-  const std::vector<TLogEntry>& log = host.GetLog().GetEntries();
-  return {request, store->TakeCommits(), {log.begin() + logged, log.end()}};
+  return {request, store->TakeCommits(), host.GetLog().GetEntriesSince(begin)};
 }
 
 }  // namespace
@@ -42,7 +41,7 @@ TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile
     for (const TRequest& request : requests) answer.requests.push_back(Ask(plugin, host, request));
     plugin.GetCallbacks().DeInit();
   }
-  answer.log = host.GetLog().GetEntries();
+  answer.log = host.TakeLog();
   answer.fileQueries = host.GetFileQueries();
   answer.edidOrigin = machine.edidOrigin;
   return answer;
