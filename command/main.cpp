@@ -1,14 +1,18 @@
 // displayinfo: collects what the plug-in has to say about one machine, and shows it.
 #include <csignal>
 #include <iostream>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "command/base/privileges.h"
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/capture/capture.h"
 #include "command/collection/collection.h"
+#include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
+#include "command/collection/time_limit.h"
 #include "command/fleet/fleet.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
@@ -60,7 +64,7 @@ int RunFleet(const TOptions& options) {
   DropPrivileges(true);
   return CollectFleet({options.machineList ? TMachineList::Open(*options.machineList) : TMachineList(options.machines),
                        options.resume ? TFinishedMachines(*options.resume) : TFinishedMachines(), options.requests,
-                       options.plugin.value_or(FindPlugin()), options.jobs, options.logLevel});
+                       options.plugin.value_or(FindPlugin()), options.jobs, options.timeout, options.logLevel});
 }
 
 std::string MakeReport(EFormat format, const TAnswer& answer) {
@@ -77,8 +81,7 @@ std::string MakeReport(EFormat format, const TAnswer& answer) {
   return MakeTextReport(answer);
 }
 
-int Run(const TOptions& options) {
-  if (!options.machines.empty()) DropPrivileges(true);  // what others captured is read with no more than it takes
+std::string Answer(const TOptions& options) {
   const TMachine machine = ChooseMachine(options);
   const auto showLog = [&](const TLogEntry& entry) {
     if (entry.severity > options.logLevel.value_or(NQRXZELT20::ILogger::kStatus)) return;
@@ -87,17 +90,28 @@ int Run(const TOptions& options) {
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
   DropPrivileges(false);
   ShowBiosFailure(machine);
-  WriteStandardOutput(MakeReport(options.format.value_or(EFormat::kText), answer));
+  return MakeReport(options.format.value_or(EFormat::kText), answer);
+}
+
+int Run(const TOptions& options) {
+  if (!options.machines.empty()) DropPrivileges(true);  // what others captured is read with no more than it takes
+  const std::string name = options.machines.empty() ? "this machine" : ToMessage(options.machines.front()) + ":";
+  std::optional<TTimeLimit> limit(std::in_place, options.timeout,
+                                  "displayinfo: " + name + " " + DescribeTimeout(options.timeout) + "\n");
+  const std::string report = WithinMemory([&] { return Answer(options); });
+  limit.reset();  // whoever reads the answer may take their time
+  WriteStandardOutput(report);
   return kDone;
 }
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+  KeepStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows in write() instead
-  const TCommandLine line = ParseCommandLine(argumentCount, arguments);
-  if (line.exitStatus) return *line.exitStatus;
   try {
+    const TCommandLine line = ParseCommandLine(argumentCount, arguments);
+    if (line.exitStatus) return *line.exitStatus;
     if (line.capture) return RunCapture(line.options, *line.capture);
     if (!line.schemaFormat) return line.options.IsFleet() ? RunFleet(line.options) : Run(line.options);
     WriteStandardOutput(MakeSchemaDocument(*line.schemaFormat));

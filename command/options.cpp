@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <sstream>
 #include <thread>
 
+#include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/machine/this_machine.h"
 #include "embedded_host/schema.h"
@@ -15,6 +17,7 @@ namespace {
 
 constexpr int kWrongUsage = 2;
 constexpr unsigned int kMaxJobs = 1000;
+constexpr int kMaxTimeout = 24 * 60 * 60;  // seconds
 
 template <typename T>
 using TNames = std::vector<std::pair<std::string, T>>;
@@ -117,10 +120,15 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
       app.add_option("--machines", options.machineList, "Many: a file of their names, or - (stdin)")
           ->option_text("LIST")
           ->excludes(machineOption);
-  app.add_option("--jobs", options.jobs, "So many at a time (default: the cores)")
+  app.add_option("--jobs", options.jobs, "N at a time (default: one per core)")
       ->option_text("N")
       ->check(CLI::Range(1U, kMaxJobs).description(""));
-  app.add_option("--resume", options.resume, "Leave out those that FILE has a line of")->option_text("FILE");
+  app.add_option("--resume", options.resume, "Skip machines already in FILE")->option_text("FILE");
+  app.add_option_function<int>(
+         "--timeout", [&options](int seconds) { options.timeout = std::chrono::seconds(seconds); },
+         "For each machine (default: 60)")
+      ->option_text("SECONDS")
+      ->check(CLI::Range(1, kMaxTimeout).description(""));
   app.add_option("--request", requests, "One request of several; may be repeated")
       ->option_text("CLASS[,CLASS...]")
       ->excludes(classOption)
@@ -129,9 +137,11 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
       ->excludes(machineOption)
       ->excludes(listOption);
   AddChoice(app, "--format", options.format, kFormats, "For people (default), programs, CIM, a browser");
-  AddChoice(app, "--log-level", options.logLevel, kLogLevels, "What is logged (default: status)");
+  AddChoice(app, "--log-level", options.logLevel, kLogLevels, "error|warning|status (default)|debug|verbose")
+      ->option_text("LEVEL");
   app.add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
 
+  app.require_subcommand(0, 1);
   ESchemaFormat schemaFormat = ESchemaFormat::kText;
   CLI::App* const schema = app.add_subcommand("schema", "Print the classes with their properties")->group("");
   AddChoice(*schema, "--format", schemaFormat, kSchemaFormats, "text (default), MOF, or a JSON Schema of the answer");
@@ -157,7 +167,9 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
     if (schema->parsed()) line.schemaFormat = schemaFormat;
     if (capture->parsed()) line.capture = captureOptions;
   } catch (const CLI::Success& done) {
-    line.exitStatus = app.exit(done);
+    std::ostringstream text;
+    line.exitStatus = app.exit(done, text, text);
+    WriteStandardOutput(text.str());
   } catch (const CLI::ParseError& error) {
     std::cerr << "displayinfo: " << ToMessage(error.what()) << " (displayinfo --help shows the usage)\n";
     line.exitStatus = kWrongUsage;

@@ -1,6 +1,7 @@
 // The command line.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@ struct TOptions {
   std::optional<std::filesystem::path> machineList;  // a file of their names, "-" for standard input
   std::optional<std::filesystem::path> resume;       // what a run over many machines has written already
   unsigned int jobs;                                 // worker processes for many machines
+  std::chrono::seconds timeout{60};                  // for each machine
   std::vector<TRequest> requests;                    // at least one
   EEdidSource edidSource = EEdidSource::kAuto;
   std::optional<EFormat> format;
@@ -44,4 +46,5 @@ struct TCommandLine {
   std::optional<int> exitStatus;
 };
 
+/// Throws TUnusable when what was asked for, such as the help, cannot be written.
 TCommandLine ParseCommandLine(int argumentCount, char** arguments);

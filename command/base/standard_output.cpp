@@ -1,11 +1,36 @@
 #include "command/base/standard_output.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 
 #include "command/base/unusable.h"
+
+namespace {
+
+/// Whoever started the command may have set standard output not to wait for its reader.
+void WaitForReader() {
+  pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+  poll(&output, 1, -1);
+}
+
+[[noreturn]] void Fail(int reason) {
+  if (reason == EBADF) throw TUnusable("standard output is closed; send it to a file or to a program");
+  throw TUnusable(std::string("standard output cannot be written: ") + std::strerror(reason));
+}
+
+}  // namespace
+
+void KeepStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) continue;
+    // In order, the lowest free number is this one. Opened the wrong way round, it cannot be used.
+    static_cast<void>(open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+  }
+}
 
 bool WriteStandardOutput(const std::string& text) {
   std::size_t written = 0;
@@ -15,8 +40,10 @@ bool WriteStandardOutput(const std::string& text) {
       written += static_cast<std::size_t>(count);
     } else if (errno == EPIPE) {
       return false;
+    } else if (errno == EAGAIN) {
+      WaitForReader();
     } else if (errno != EINTR) {
-      throw TUnusable(std::string("standard output cannot be written: ") + std::strerror(errno));
+      Fail(errno);
     }
   }
   return true;

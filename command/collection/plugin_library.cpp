@@ -1,13 +1,17 @@
 #include "command/collection/plugin_library.h"
 
 #include <dlfcn.h>
+#include <unistd.h>
 
+#include <exception>
+#include <iostream>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
 #include "embedded_host/embedded_host.h"
-#include "host/exception.h"
 
 namespace fs = std::filesystem;
 using NQRXZELT20::IPluginBasicQueryCallbacks;
@@ -18,8 +22,42 @@ namespace {
 constexpr const char* kFileName = "libdisplayinfo.pi.so";
 constexpr const char* kCure = "name another with --plugin FILE";
 
+std::function<void(const std::string& reason)> gTell = [](const std::string& reason) {
+  std::cerr << "displayinfo: " + ToPrintable(reason) + '\n';
+};
+
+/// The text of the exception that is being handled.
+std::string DescribeException() try {
+  if (std::current_exception() == nullptr) return "it ended the program";
+  throw;
+} catch (const std::exception& exception) {
+  return exception.what();
+} catch (...) {
+  return "an exception that says nothing";
+}
+
+/// While it lives, std::terminate, which is where an exception that cannot leave dlopen ends, tells what was thrown.
+class TLastWords {
+ public:
+  explicit TLastWords(std::string file) : m_before(std::set_terminate(End)) { s_file = std::move(file); }
+  ~TLastWords() { std::set_terminate(m_before); }
+  TLastWords(const TLastWords&) = delete;
+  TLastWords& operator=(const TLastWords&) = delete;
+
+ private:
+  [[noreturn]] static void End() {
+    gTell(s_file + ": the plug-in failed while it was loaded: " + DescribeException() + "; " + kCure);
+    _exit(1);
+  }
+
+  static std::string s_file;
+  std::terminate_handler m_before;
+};
+std::string TLastWords::s_file;
+
 void* Load(const fs::path& file) {
   RequirePlugin(file);
+  const TLastWords lastWords(file.string());
   // A path without a slash would be looked for elsewhere.
   void* library = dlopen(fs::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) {
@@ -32,7 +70,7 @@ void* Load(const fs::path& file) {
 
 void TPluginLibrary::TClose::operator()(void* library) const { dlclose(library); }
 
-TPluginLibrary::TPluginLibrary(const fs::path& file, TEmbeddedHost& host) try : m_library(Load(file)) {
+TPluginLibrary::TPluginLibrary(const fs::path& file, TEmbeddedHost& host) : m_library(Load(file)) {
   const std::vector<IPluginCallbacks*> registered = host.TakeRegistered();
   if (registered.size() != 1) {
     throw TUnusable(file.string() + ": registered " + std::to_string(registered.size()) +
@@ -43,9 +81,9 @@ TPluginLibrary::TPluginLibrary(const fs::path& file, TEmbeddedHost& host) try : 
   if (m_queryCallbacks == nullptr) {
     throw TUnusable(file.string() + ": its plug-in answers no requests; " + kCure);
   }
-} catch (const NQRXZELT20::TZELTException& exception) {
-  throw TUnusable(file.string() + ": the plug-in failed while it was loaded: " + exception.what() + "; " + kCure);
 }
+
+void OnThrowingPlugin(std::function<void(const std::string& reason)> tell) { gTell = std::move(tell); }
 
 TPluginLibrary::~TPluginLibrary() { m_callbacks->PrepareForUnload(); }
 

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <string>
 
 #include "host/plugin_callbacks.h"
 
@@ -30,6 +32,11 @@ class TPluginLibrary {
   NQRXZELT20::IPluginCallbacks* m_callbacks;
   NQRXZELT20::IPluginBasicQueryCallbacks* m_queryCallbacks;
 };
+
+/// What to do, instead of a line on standard error, when a plug-in throws while it is loaded. An exception cannot pass
+/// the C library's dlopen, so the process ends afterwards, with status 1. `tell` is given the reason, which names the
+/// file.
+void OnThrowingPlugin(std::function<void(const std::string& reason)> tell);
 
 /// Throws TUnusable when there is no such file.
 void RequirePlugin(const std::filesystem::path& file);

@@ -1,9 +1,15 @@
 #include "command/fleet/finished_machines.h"
 
-#include <fstream>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "command/base/descriptor.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
 
@@ -11,6 +17,8 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 
 namespace {
+
+constexpr const char* kCure = "; --resume takes what an earlier run has written";
 
 /// Looks for the machine's name in a line, and at no more of it: a line may be long, and its name stands first.
 class TNameFinder : public nlohmann::json_sax<json> {
@@ -45,19 +53,63 @@ std::optional<std::string> FindName(const std::string& line) {
   return finder.name;
 }
 
+/// The beginnings of a file's lines, one after the other.
+class TLineReader {
+ public:
+  explicit TLineReader(const fs::path& file) : m_name(file.string()), m_file(open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (!m_file.IsOpen()) Fail();
+  }
+
+  /// The next line as far as a name can reach into it; nothing at the end of the file.
+  std::optional<std::string> TakeNext() {
+    std::string line;
+    bool isAny = false;
+    while (m_next != m_end || ReadMore()) {
+      isAny = true;
+      const char* const lineEnd = std::find(m_next, m_end, '\n');
+      line.append(m_next, std::min(static_cast<std::size_t>(lineEnd - m_next), kMaxBeginning - line.size()));
+      m_isCutOff = lineEnd == m_end;
+      m_next = m_isCutOff ? m_end : lineEnd + 1;
+      if (!m_isCutOff) return line;
+    }
+    return isAny ? std::optional(line) : std::nullopt;
+  }
+
+  /// Whether the line taken last ended with the file and not with a line end.
+  bool IsCutOff() const { return m_isCutOff; }
+
+ private:
+  static constexpr std::size_t kMaxBeginning = 65536;  // bytes: the longest name of 4096, each byte as an escape
+
+  bool ReadMore() {
+    ssize_t count = 0;
+    while ((count = read(m_file.Get(), m_piece, sizeof m_piece)) < 0 && errno == EINTR) continue;
+    if (count < 0) Fail();
+    m_next = m_piece;
+    m_end = m_piece + count;
+    return count > 0;
+  }
+
+  [[noreturn]] void Fail() const { throw TUnusable(m_name + ": cannot be read: " + std::strerror(errno) + kCure); }
+
+  std::string m_name;
+  TDescriptor m_file;
+  char m_piece[65536];
+  const char* m_next = m_piece;
+  const char* m_end = m_piece;
+  bool m_isCutOff = false;
+};
+
 }  // namespace
 
 TFinishedMachines::TFinishedMachines(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream || fs::is_directory(file)) {
-    throw TUnusable(file.string() + ": cannot be read; --resume takes what an earlier run has written");
-  }
+  TLineReader lines(file);
   std::size_t number = 0;
-  for (std::string line; std::getline(stream, line);) {
+  while (const std::optional<std::string> line = lines.TakeNext()) {
     const std::string place = file.string() + ", line " + std::to_string(++number);
-    if (stream.eof()) throw TUnusable(place + ": is cut off; remove it, for example with sed -i '$d'");
-    const std::optional<std::string> name = FindName(line);
-    if (!name) throw TUnusable(place + ": names no machine; --resume takes what an earlier run has written");
+    if (lines.IsCutOff()) throw TUnusable(place + ": is cut off; remove it, for example with sed -i '$d'");
+    const std::optional<std::string> name = FindName(*line);
+    if (!name) throw TUnusable(place + ": names no machine" + kCure);
     ++m_counts[*name];
   }
 }

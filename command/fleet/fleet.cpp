@@ -1,7 +1,10 @@
 #include "command/fleet/fleet.h"
 
 #include <poll.h>
+#include <sys/resource.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <iostream>
 #include <memory>
@@ -9,7 +12,10 @@
 
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
+#include "command/base/unusable.h"
+#include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
+#include "command/collection/time_limit.h"
 #include "command/fleet/ordered_lines.h"
 #include "command/fleet/progress_bar.h"
 #include "command/fleet/worker.h"
@@ -19,6 +25,14 @@
 namespace {
 
 constexpr std::size_t kMaxWaiting = 1;  // machines that wait at a busy worker
+
+typedef std::chrono::steady_clock TClock;
+
+// Time counts against a machine in steps of at most this: when the run itself is stopped, such as by Ctrl-Z, no machine
+// is blamed for it.
+constexpr std::chrono::nanoseconds kMaxStep = std::chrono::seconds(1);
+
+constexpr long kFreshMemory = 256 * 1024;  // KiB: what a worker may use and still serve others
 
 volatile std::sig_atomic_t gSignal = 0;
 
@@ -47,11 +61,13 @@ class TSignals {
   /// The signal that has come, or 0.
   static int Get() { return gSignal; }
 
-  /// poll, which a signal ends also when it comes just before.
-  void Wait(std::vector<pollfd>& descriptors) const {
+  /// poll, which a signal ends even when it comes just before.
+  void Wait(std::vector<pollfd>& descriptors, const std::optional<std::chrono::nanoseconds>& longest) const {
     sigset_t before;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(longest.value_or(kMaxStep));
+    const timespec time = {seconds.count(), static_cast<long>((longest.value_or(kMaxStep) - seconds).count())};
     sigprocmask(SIG_BLOCK, &m_noted, &before);
-    if (gSignal != 0 || ppoll(descriptors.data(), descriptors.size(), nullptr, &before) < 0) {
+    if (gSignal != 0 || ppoll(descriptors.data(), descriptors.size(), longest ? &time : nullptr, &before) < 0) {
       for (pollfd& descriptor : descriptors) descriptor.revents = 0;
     }
     sigprocmask(SIG_SETMASK, &before, nullptr);
@@ -61,16 +77,37 @@ class TSignals {
   sigset_t m_noted;
 };
 
-/// What a worker does with a machine: the collection that a single machine gets, in a freshly loaded plug-in.
-TMachineLine CollectLine(const std::string& machine, const TFleet& fleet) try {
+/// The collection that a single machine gets, in a freshly loaded plug-in.
+std::string MakeLine(const std::string& machine, const TFleet& fleet) {
   const auto showLog = [&](const TLogEntry& entry) {
     if (!fleet.logLevel || entry.severity > *fleet.logLevel) return;
     std::cerr << ToPrintable(machine + ": " + GetSeverityName(entry.severity) + ": " + entry.message) + "\n";
   };
-  const TAnswer answer = Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog);
-  return {MakeMachineLine(machine, answer), false};
-} catch (const std::exception& error) {
-  return {MakeErrorLine(machine, ToMessage(error.what())), true};
+  if (machine.size() == TMachineList::kMaxName) {
+    throw TUnusable("its name is longer than any that the system takes; this is its beginning");
+  }
+  return MakeMachineLine(machine, Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog));
+}
+
+long GetPeakMemory() {
+  rusage usage = {};
+  return getrusage(RUSAGE_SELF, &usage) == 0 ? usage.ru_maxrss : 0;
+}
+
+/// Whether the machines so far have used much memory: what is left of it may be in pieces.
+bool HasUsedMuchMemory(long before) { return GetPeakMemory() > before + kFreshMemory; }
+
+/// What a worker does with a machine.
+TMachineLine CollectLine(const std::string& machine, const TFleet& fleet) {
+  static const long before = GetPeakMemory();  // the coordinating process's, which this one is a copy of
+  OnThrowingPlugin([&](const std::string& reason) {
+    TWorker::EndWith({MakeErrorLine(machine, ToMessage(reason)), true});
+  });
+  try {
+    return {WithinMemory([&] { return MakeLine(machine, fleet); }), false, HasUsedMuchMemory(before)};
+  } catch (const std::exception& error) {
+    return {MakeErrorLine(machine, ToMessage(error.what())), true, HasUsedMuchMemory(before) || HasMemoryRunOut()};
+  }
 }
 
 class TFleetRun {
@@ -86,6 +123,7 @@ class TFleetRun {
       if (IsDone()) break;
       WaitForSomething();
       isRead = WriteStandardOutput(m_lines.TakeReady());
+      m_since = TClock::now();  // the time that its reader takes is no machine's
       m_bar.Set(m_skipped + m_done, m_failed);
     }
     m_bar.Finish();
@@ -100,9 +138,11 @@ class TFleetRun {
  private:
   std::unique_ptr<TWorker> StartWorker() const {
     std::vector<int> others;
-    for (const auto& worker : m_workers) others.push_back(worker->GetDescriptor());
+    for (const auto& worker : m_workers) {
+      if (worker != nullptr) others.push_back(worker->GetDescriptor());
+    }
     return std::make_unique<TWorker>([this](const std::string& machine) { return CollectLine(machine, m_fleet); },
-                                     others);
+                                     others, m_fleet.timeout);
   }
 
   /// Gives each worker machines, as far as there are any and the order lets it go ahead: first to those with nothing to
@@ -111,7 +151,7 @@ class TFleetRun {
     for (std::size_t waiting = 0; waiting <= kMaxWaiting; ++waiting) {
       for (auto& worker : m_workers) {
         if (worker->GetTasks().size() > waiting || !m_lines.HasRoomFor(m_given) || !FindNext()) continue;
-        // Whether the process is there still is what waiting for it tells.
+        // A dead worker shows up in poll.
         if (!worker->Give({m_given, *m_next})) continue;
         m_next.reset();
         ++m_given;
@@ -134,36 +174,77 @@ class TFleetRun {
 
   bool IsDone() const { return !m_next && m_fleet.machines.IsAtEnd() && m_lines.GetTurn() == m_given; }
 
-  /// Until a worker has something to say, or the list has, when the run could go on with it.
+  /// Until a worker has something to say or is late, or the list has a name when the run could go on with it.
   void WaitForSomething() {
     std::vector<pollfd> descriptors;
-    for (const auto& worker : m_workers) descriptors.push_back({worker->GetDescriptor(), POLLIN, 0});
-    const bool needsName = m_lines.HasRoomFor(m_given) && !m_next && !m_fleet.machines.IsAtEnd();
+    const std::vector<bool> isHeard = ChooseHeard();
+    for (std::size_t index = 0; index < m_workers.size(); ++index) {
+      descriptors.push_back({isHeard[index] ? m_workers[index]->GetDescriptor() : -1, POLLIN, 0});
+    }
+    const bool needsName =
+        m_lines.HasRoomFor(m_given) && !m_next && !m_fleet.machines.HasNext() && !m_fleet.machines.IsAtEnd();
     if (needsName) descriptors.push_back({m_fleet.machines.GetDescriptor(), POLLIN, 0});
-    m_signals.Wait(descriptors);
+    m_signals.Wait(descriptors, GetPause(isHeard));
+    const std::chrono::nanoseconds step = TakeStep();
     if (needsName && descriptors.back().revents != 0) m_fleet.machines.ReadMore();
     for (std::size_t index = 0; index < m_workers.size(); ++index) {
+      if (isHeard[index]) m_workers[index]->Spend(step);
       if (descriptors[index].revents != 0) Receive(m_workers[index]);
+      if (m_workers[index]->IsLate()) Replace(m_workers[index], DescribeTimeout(m_fleet.timeout));
     }
+  }
+
+  /// The workers from which something is taken now. Once the lines that wait for an earlier one are many, only the
+  /// worker that has the next: what this process holds stays within those and one line.
+  std::vector<bool> ChooseHeard() const {
+    std::size_t held = m_lines.GetHeldSize();
+    for (const auto& worker : m_workers) held += worker->GetHeldSize();
+    std::vector<bool> isHeard;
+    for (const auto& worker : m_workers) {
+      isHeard.push_back(held < TOrderedLines::kMaxHeldSize || worker->GetTasks().empty() ||
+                        worker->GetTasks().front().number == m_lines.GetTurn());
+    }
+    return isHeard;
+  }
+
+  /// How long to wait at most; nothing when no worker is at work.
+  std::optional<std::chrono::nanoseconds> GetPause(const std::vector<bool>& isHeard) const {
+    std::optional<std::chrono::nanoseconds> pause;
+    for (std::size_t index = 0; index < m_workers.size(); ++index) {
+      if (!isHeard[index] || m_workers[index]->GetTasks().empty()) continue;
+      pause = std::min(pause.value_or(kMaxStep), m_workers[index]->GetTimeLeft());
+    }
+    return pause;
+  }
+
+  /// The time since this was asked last.
+  std::chrono::nanoseconds TakeStep() {
+    const TClock::time_point now = TClock::now();
+    return std::min<std::chrono::nanoseconds>(now - std::exchange(m_since, now), kMaxStep);
   }
 
   void Receive(std::unique_ptr<TWorker>& worker) {
     const bool isAlive = worker->Receive();
     while (auto done = worker->TakeLine()) Put(done->first, std::move(done->second));
-    if (!isAlive) Replace(worker);
+    if (worker->HasRetired()) {
+      Replace(worker, std::nullopt);
+    } else if (!isAlive) {
+      Replace(worker, "the process that collected from it " + worker->DescribeDeath());
+    }
   }
 
-  /// The machine that a worker has died of fails; those that waited go to its successor.
-  void Replace(std::unique_ptr<TWorker>& worker) {
+  /// The machine that a worker is at work on fails for that reason, if there is one; the others go to its successor.
+  void Replace(std::unique_ptr<TWorker>& worker, const std::optional<std::string>& reason) {
     std::deque<TTask> tasks = worker->GetTasks();
-    const std::string death = worker->DescribeDeath();
-    worker = StartWorker();
-    if (tasks.empty()) return;
-    const TTask& fatal = tasks.front();
-    Put(fatal.number, {MakeErrorLine(fatal.machine, "the process that collected from it " + death), true});
-    tasks.pop_front();
-    for (const TTask& task : tasks) {
-      while (!worker->Give(task)) worker = StartWorker();
+    if (reason && !tasks.empty()) {
+      Put(tasks.front().number, {MakeErrorLine(tasks.front().machine, *reason), true});
+      tasks.pop_front();
+    }
+    bool isGiven = false;
+    while (!isGiven) {
+      worker.reset();  // first, since there may be no room for one more
+      worker = StartWorker();
+      isGiven = std::all_of(tasks.begin(), tasks.end(), [&](const TTask& task) { return worker->Give(task); });
     }
   }
 
@@ -177,8 +258,9 @@ class TFleetRun {
   TSignals m_signals;
   TProgressBar m_bar;
   std::vector<std::unique_ptr<TWorker>> m_workers;
+  TClock::time_point m_since = TClock::now();
   std::optional<std::string> m_next;  // to be given
-  std::size_t m_given = 0;            // so many machines have been given to workers
+  std::size_t m_given = 0;            // to workers
   std::size_t m_skipped = 0;
   std::size_t m_done = 0;
   std::size_t m_failed = 0;  // of those that are done
@@ -189,5 +271,6 @@ class TFleetRun {
 
 int CollectFleet(TFleet fleet) {
   RequirePlugin(fleet.plugin);
+  std::signal(SIGCHLD, SIG_DFL);  // ignored, as whoever started this may have it, how a worker ended would be lost
   return TFleetRun(std::move(fleet)).Run();
 }

@@ -1,6 +1,7 @@
 // Many machines: one line of JSON for each, in the order of their list, the work spread over worker processes.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -16,11 +17,12 @@ struct TFleet {
   TFinishedMachines finished;  // these are left out
   std::vector<TRequest> requests;
   std::filesystem::path plugin;
-  unsigned int jobs;  // worker processes, at least 1
-  /// What of the log goes to standard error too, each line behind its machine's name; the lines hold all of it.
+  unsigned int jobs;             // worker processes, at least 1
+  std::chrono::seconds timeout;  // for each machine; its line is an error when it takes longer
+  /// What of the log goes to standard error too, each line after its machine's name; the lines hold all of it.
   std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
 };
 
 /// Writes the lines to standard output. The exit status: 0, 1 when a machine failed, or 128 and the number of the
-/// signal that ended the run, behind a whole line. Throws TUnusable when the run cannot go on.
+/// signal that ended the run, after a complete line. Throws TUnusable when the run cannot go on.
 int CollectFleet(TFleet fleet);

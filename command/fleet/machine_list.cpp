@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <utility>
 
 #include "command/base/unusable.h"
@@ -15,11 +15,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kMaxLine = std::size_t{64} * 1024;  // bytes; the system's longest name has 4096
+constexpr std::size_t kPiece = 65536;  // bytes that are read at a time
 
 [[noreturn]] void Fail(const std::string& name) {
-  throw TUnusable(name + ": cannot be read: " + std::strerror(errno) +
-                  "; --machines takes a file of folder names, one a line, or - for standard input");
+  const std::string problem = errno == EBADF ? " is closed" : std::string(": cannot be read: ") + std::strerror(errno);
+  throw TUnusable(name + problem + "; --machines takes a file of folder names, one a line, or - for standard input");
 }
 
 bool IsRegularFile(int descriptor) {
@@ -29,27 +29,18 @@ bool IsRegularFile(int descriptor) {
 
 }  // namespace
 
-TMachineList::TMachineList(std::vector<std::string> names)
-    : m_names(std::make_move_iterator(names.begin()), std::make_move_iterator(names.end())) {}
+TMachineList::TMachineList(std::vector<std::string> names) : m_name("the list") {
+  for (std::string& name : names) m_names.push_back(std::move(name).substr(0, kMaxName));
+}
 
-TMachineList::TMachineList(std::string name, int descriptor) : m_name(std::move(name)), m_descriptor(descriptor) {}
+TMachineList::TMachineList(std::string name, TDescriptor file) : m_name(std::move(name)), m_file(std::move(file)) {
+  if (!m_file.IsOpen()) Fail(m_name);
+}
 
 TMachineList TMachineList::Open(const fs::path& file) {
-  if (file == "-") return {"standard input", dup(STDIN_FILENO)};
-  TMachineList list(file.string(), open(file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (list.m_descriptor < 0) Fail(list.m_name);
-  return list;
+  if (file != "-") return {file.string(), TDescriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC))};
+  return {"standard input", TDescriptor(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0))};
 }
-
-TMachineList::~TMachineList() {
-  if (m_descriptor >= 0) close(m_descriptor);
-}
-
-TMachineList::TMachineList(TMachineList&& other) noexcept
-    : m_name(std::move(other.m_name)),
-      m_descriptor(std::exchange(other.m_descriptor, -1)),
-      m_rest(std::move(other.m_rest)),
-      m_names(std::move(other.m_names)) {}
 
 bool TMachineList::HasNext() const { return !m_names.empty(); }
 
@@ -59,39 +50,48 @@ std::string TMachineList::TakeNext() {
   return name;
 }
 
-bool TMachineList::IsAtEnd() const { return m_names.empty() && m_descriptor < 0; }
-
-int TMachineList::GetDescriptor() const { return m_descriptor; }
+bool TMachineList::IsAtEnd() const { return m_names.empty() && !m_file.IsOpen(); }
 
 void TMachineList::ReadMore() {
-  char piece[65536];
-  const ssize_t count = read(m_descriptor, piece, sizeof piece);
+  char piece[kPiece];
+  const ssize_t count = read(m_file.Get(), piece, sizeof piece);
   if (count < 0 && errno != EINTR && errno != EAGAIN) Fail(m_name);
-  if (count > 0) m_rest.append(piece, static_cast<std::size_t>(count));
+  if (count > 0) TakeLines(piece, static_cast<std::size_t>(count));
   if (count == 0) {
-    if (!m_rest.empty()) m_rest += '\n';
-    close(std::exchange(m_descriptor, -1));
+    EndLine();
+    m_file.Close();
   }
-  TakeLines();
 }
 
-void TMachineList::TakeLines() {
-  std::size_t begin = 0;
-  for (std::size_t end = 0; (end = m_rest.find('\n', begin)) != std::string::npos; begin = end + 1) {
-    if (end > begin) m_names.push_back(m_rest.substr(begin, end - begin));
+void TMachineList::TakeLines(const char* piece, std::size_t size) {
+  const char* const end = piece + size;
+  while (piece != end) {
+    const char* const lineEnd = std::find(piece, end, '\n');
+    m_line.append(piece, std::min(static_cast<std::size_t>(lineEnd - piece), kMaxName - m_line.size()));
+    if (lineEnd == end) return;
+    EndLine();
+    piece = lineEnd + 1;
   }
-  m_rest.erase(0, begin);
-  if (m_rest.size() > kMaxLine) {
-    throw TUnusable(m_name + ": has a line of more than " + std::to_string(kMaxLine) +
-                    " bytes; --machines takes a file of folder names, one a line");
-  }
+}
+
+void TMachineList::EndLine() {
+  if (!m_line.empty()) m_names.push_back(std::exchange(m_line, {}));
 }
 
 std::optional<std::size_t> TMachineList::CountAll() const {
-  if (m_descriptor < 0) return m_names.size();
-  if (!IsRegularFile(m_descriptor)) return std::nullopt;
-  std::ifstream file(m_name);
+  if (!m_file.IsOpen()) return m_names.size();
+  const off_t begin = lseek(m_file.Get(), 0, SEEK_CUR);
+  if (!IsRegularFile(m_file.Get()) || begin < 0) return std::nullopt;
   std::size_t count = 0;
-  for (std::string line; std::getline(file, line);) count += line.empty() ? 0 : 1;
-  return count;
+  bool isInLine = false;
+  char piece[kPiece];
+  ssize_t size = 0;
+  // Beside the reading, whose place in the file stays.
+  for (off_t place = begin; (size = pread(m_file.Get(), piece, sizeof piece, place)) > 0; place += size) {
+    for (const char* byte = piece; byte != piece + size; ++byte) {
+      count += isInLine && *byte == '\n' ? 1 : 0;
+      isInLine = *byte != '\n';
+    }
+  }
+  return count + (isInLine ? 1 : 0);
 }

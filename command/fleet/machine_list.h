@@ -1,4 +1,4 @@
-// The machines of a fleet, by the names of their folders, one after the other.
+// The machines of a fleet, by their names, one after the other.
 #pragma once
 
 #include <cstddef>
@@ -8,39 +8,42 @@
 #include <string>
 #include <vector>
 
+#include "command/base/descriptor.h"
+
 /// Names that are known from the start, or come line by line from a file or standard input; empty lines are none. The
 /// list is never held as a whole: it may be longer than memory, and its writer slower than its reader.
 class TMachineList {
  public:
+  /// Bytes. The system takes no name of as many, so a longer one is cut to this: it names no machine either way.
+  static constexpr std::size_t kMaxName = 4096;
+
   explicit TMachineList(std::vector<std::string> names);
   /// `file`: "-" for standard input. Throws TUnusable, naming the file, when it cannot be read.
   static TMachineList Open(const std::filesystem::path& file);
-  ~TMachineList();
-  TMachineList(TMachineList&& other) noexcept;
-  TMachineList& operator=(TMachineList&&) = delete;
 
-  /// A name is there to be taken.
+  /// True if TakeNext may be called.
   bool HasNext() const;
   std::string TakeNext();
 
-  /// No name is there, and none will come.
+  /// True at the end of the list.
   bool IsAtEnd() const;
 
-  /// What to wait for (with poll) when neither holds; then ReadMore takes what has come, without waiting for more.
-  /// Throws TUnusable when the list cannot be read, or is none.
-  int GetDescriptor() const;
+  /// What to wait for (with poll) when neither holds; then ReadMore takes a piece of what has come, without waiting for
+  /// more. Throws TUnusable when the list cannot be read.
+  int GetDescriptor() const { return m_file.Get(); }
   void ReadMore();
 
   /// How many names there are in all; nothing when only their end will tell.
   std::optional<std::size_t> CountAll() const;
 
  private:
-  TMachineList(std::string name, int descriptor);
+  TMachineList(std::string name, TDescriptor file);
 
-  void TakeLines();
+  void TakeLines(const char* piece, std::size_t size);
+  void EndLine();
 
-  std::string m_name = "the list";  // for messages
-  int m_descriptor = -1;            // -1 when no more is to be read
-  std::string m_rest;               // the beginning of a line whose end has not come
+  std::string m_name;  // for messages
+  TDescriptor m_file;  // closed when no more is to be read
+  std::string m_line;  // the beginning of a line whose end has not come, cut to kMaxName
   std::deque<std::string> m_names;
 };

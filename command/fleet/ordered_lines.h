@@ -22,6 +22,9 @@ class TOrderedLines {
   /// The lines whose turn it is, one behind the other; empty when an earlier one is missing yet.
   std::string TakeReady();
 
+  /// Bytes of the lines that wait.
+  std::size_t GetHeldSize() const { return m_heldSize; }
+
   /// The number of the line whose turn it is.
   std::size_t GetTurn() const { return m_turn; }
 

@@ -26,6 +26,7 @@ void TProgressBar::Finish() {
   if (!m_isShown) return;
   Show();
   std::cerr << '\n';
+  m_isShown = false;
 }
 
 void TProgressBar::Set(std::size_t done, std::size_t failed) {

@@ -11,10 +11,14 @@ class TProgressBar {
  public:
   /// `countAll` is asked for the number of machines when there is a terminal; it may not know.
   explicit TProgressBar(const std::function<std::optional<std::size_t>()>& countAll);
+  ~TProgressBar() { Finish(); }
+  TProgressBar(const TProgressBar&) = delete;
+  TProgressBar& operator=(const TProgressBar&) = delete;
+
   /// Notes how many machines are done, those that failed among them; shows it a few times a second.
   void Set(std::size_t done, std::size_t failed);
 
-  /// Leaves the last state to be read.
+  /// Leaves the last state to be read, on a line of its own. Further calls do nothing.
   void Finish();
 
  private:

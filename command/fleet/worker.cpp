@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -15,11 +16,23 @@
 
 namespace {
 
-// Between the two processes, which are the same program: a machine's name behind its size, and a line behind this.
+// Between the two processes, which are the same program: a machine's name after its size, and a line after this.
 struct TLineHeader {
   std::uint32_t size;  // of the line, bytes
-  std::uint32_t hasFailed;
+  std::uint16_t hasFailed;
+  std::uint16_t isLast;
 };
+
+int gParent = -1;  // in a worker, the socket to the process that gives it machines
+
+// Processes that were killed and may not have ended yet.
+std::vector<pid_t> gKilled;
+
+/// Takes note of those that have ended, for the system to forget them.
+void ReapKilled() {
+  const auto hasEnded = [](pid_t process) { return waitpid(process, nullptr, WNOHANG) != 0; };
+  gKilled.erase(std::remove_if(gKilled.begin(), gKilled.end(), hasEnded), gKilled.end());
+}
 
 /// Sends header and text as one message, so that their receiver is woken once.
 template <typename THeader>
@@ -38,8 +51,8 @@ bool SendMachine(int descriptor, const std::string& machine) {
 }
 
 bool SendLine(int descriptor, const TMachineLine& line) {
-  return Send(descriptor, TLineHeader{static_cast<std::uint32_t>(line.text.size()), line.hasFailed ? 1U : 0U},
-              line.text);
+  const TLineHeader header = {static_cast<std::uint32_t>(line.text.size()), line.hasFailed, line.isLast};
+  return Send(descriptor, header, line.text);
 }
 
 bool Receive(int descriptor, void* data, std::size_t size) {
@@ -60,56 +73,71 @@ void PrepareProcess(pid_t parent) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  prctl(PR_SET_PDEATHSIG, SIGKILL);   // also while it is stopped
   if (getppid() != parent) _exit(0);  // it ended before that was said
 }
 
-[[noreturn]] void Serve(int descriptor, const TWorker::TWork& work) {
+[[noreturn]] void Serve(const TWorker::TWork& work) {
   std::string machine;
-  while (ReceiveMachine(descriptor, machine) && SendLine(descriptor, work(machine))) continue;
+  while (ReceiveMachine(gParent, machine)) {
+    const TMachineLine line = work(machine);
+    if (line.isLast) TWorker::EndWith(line);
+    if (!SendLine(gParent, line)) break;
+  }
   _exit(0);
+}
+
+[[noreturn]] void Fail(const char* what) {
+  throw TUnusable(what + std::string(": ") + std::strerror(errno) + "; take fewer --jobs");
 }
 
 }  // namespace
 
-TWorker::TWorker(const TWork& work, const std::vector<int>& others) {
+TWorker::TWorker(const TWork& work, const std::vector<int>& others, std::chrono::seconds timeout)
+    : m_timeout(timeout), m_timeLeft(timeout) {
+  ReapKilled();
   int ends[2];
-  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
-    throw TUnusable(std::string("no worker process can be reached: ") + std::strerror(errno) + "; take fewer --jobs");
-  }
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) Fail("no worker process can be reached");
+  m_socket = TDescriptor(ends[0]);
+  const TDescriptor workersEnd(ends[1]);
   const pid_t parent = getpid();
   m_process = fork();
-  if (m_process == 0) {
-    PrepareProcess(parent);
-    for (const int other : others) close(other);
-    close(ends[0]);
-    Serve(ends[1], work);
-  }
-  close(ends[1]);
-  m_descriptor = ends[0];
-  if (m_process < 0) {
-    const std::string reason = std::strerror(errno);
-    close(m_descriptor);
-    throw TUnusable("no worker process can be started: " + reason + "; take fewer --jobs");
-  }
+  if (m_process < 0) Fail("no worker process can be started");
+  if (m_process > 0) return;
+  PrepareProcess(parent);
+  for (const int other : others) close(other);
+  m_socket.Close();
+  gParent = workersEnd.Get();
+  Serve(work);
 }
 
 TWorker::~TWorker() {
-  close(m_descriptor);
-  if (m_process < 0) return;
-  kill(m_process, SIGTERM);
-  while (waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) continue;
+  if (m_process >= 0) {
+    kill(m_process, SIGKILL);
+    gKilled.push_back(m_process);
+  }
+  ReapKilled();
+}
+
+void TWorker::EndWith(const TMachineLine& line) {
+  static_cast<void>(SendLine(gParent, {line.text, line.hasFailed, true}));
+  _exit(0);
+}
+
+void TWorker::Spend(std::chrono::nanoseconds time) {
+  if (!m_tasks.empty()) m_timeLeft -= time;
 }
 
 bool TWorker::Give(TTask task) {
-  if (!SendMachine(m_descriptor, task.machine)) return false;
+  if (!SendMachine(m_socket.Get(), task.machine)) return false;
+  if (m_tasks.empty()) m_timeLeft = m_timeout;
   m_tasks.push_back(std::move(task));
   return true;
 }
 
 bool TWorker::Receive() {
   char piece[65536];
-  const ssize_t count = recv(m_descriptor, piece, sizeof piece, MSG_DONTWAIT);
+  const ssize_t count = recv(m_socket.Get(), piece, sizeof piece, MSG_DONTWAIT);
   if (count < 0 && (errno == EINTR || errno == EAGAIN)) return true;
   if (count <= 0) return false;
   m_received.append(piece, static_cast<std::size_t>(count));
@@ -121,16 +149,25 @@ std::optional<std::pair<std::size_t, TMachineLine>> TWorker::TakeLine() {
   if (m_received.size() < sizeof header) return std::nullopt;
   std::memcpy(&header, m_received.data(), sizeof header);
   if (m_received.size() < sizeof header + header.size) return std::nullopt;
-  TMachineLine line = {m_received.substr(sizeof header, header.size), header.hasFailed != 0};
+  TMachineLine line = {m_received.substr(sizeof header, header.size), header.hasFailed != 0, header.isLast != 0};
   m_received.erase(0, sizeof header + header.size);
   const std::size_t number = m_tasks.front().number;
   m_tasks.pop_front();
+  m_timeLeft = m_timeout;
+  m_hasRetired = line.isLast;
   return std::pair(number, std::move(line));
 }
 
 std::string TWorker::DescribeDeath() {
+  // It is ending, or only closed its socket and goes on: what has begun to end keeps its status.
+  kill(m_process, SIGKILL);
   int status = 0;
-  while (waitpid(m_process, &status, 0) < 0 && errno == EINTR) continue;
+  constexpr int maxLooks = 1000;
+  constexpr useconds_t pause = 1000;
+  for (int look = 0; waitpid(m_process, &status, WNOHANG) != m_process; ++look) {
+    if (look == maxLooks) return "neither works nor ends";
+    usleep(pause);
+  }
   m_process = -1;
   if (!WIFSIGNALED(status)) return "ended with status " + std::to_string(WEXITSTATUS(status));
   return "was ended by signal " + std::to_string(WTERMSIG(status)) + " (" + strsignal(WTERMSIG(status)) + ")";

@@ -1,12 +1,16 @@
 #include "command/report/json_report.h"
 
 #include <cmath>
+#include <stdexcept>
 
+#include "command/base/unusable.h"
 #include "command/report/json_writer.h"
 
 using NQRXZELT20::TCIMValue;
 
 namespace {
+
+constexpr std::size_t kMaxLine = std::size_t{64} * 1024 * 1024;  // bytes
 
 void WriteMember(TJsonWriter& json, const char* name, const std::string& text) {
   json.Key(name);
@@ -121,13 +125,15 @@ std::string MakeJsonReport(const TAnswer& answer) {
   return json.TakeText() + "\n";
 }
 
-std::string MakeMachineLine(const std::string& machine, const TAnswer& answer) {
-  TJsonWriter json(TJsonWriter::ELayout::kOneLine);
+std::string MakeMachineLine(const std::string& machine, const TAnswer& answer) try {
+  TJsonWriter json(TJsonWriter::ELayout::kOneLine, kMaxLine);
   json.BeginObject();
   WriteMember(json, "machine", machine);
   WriteAnswer(json, answer);
   json.EndObject();
   return json.TakeText() + "\n";
+} catch (const std::length_error&) {
+  throw TUnusable("its answer is larger than 64 MiB");
 }
 
 std::string MakeErrorLine(const std::string& machine, const std::string& reason) {

@@ -1,5 +1,6 @@
 #include "command/report/json_writer.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "command/base/text_encoding.h"
@@ -10,7 +11,7 @@ constexpr std::size_t kIndent = 2;  // columns a level
 
 }  // namespace
 
-TJsonWriter::TJsonWriter(ELayout layout) : m_layout(layout) {}
+TJsonWriter::TJsonWriter(ELayout layout, std::size_t maxSize) : m_layout(layout), m_maxSize(maxSize) {}
 
 void TJsonWriter::BeginObject() { Begin('{'); }
 void TJsonWriter::EndObject() { End('}'); }
@@ -27,11 +28,13 @@ void TJsonWriter::Key(const std::string& name) {
 void TJsonWriter::String(const std::string& text) {
   Separate();
   m_text += QuoteJson(text);
+  CheckSize();
 }
 
 void TJsonWriter::Literal(const std::string& text) {
   Separate();
   m_text += text;
+  CheckSize();
 }
 
 std::string TJsonWriter::TakeText() {
@@ -65,4 +68,8 @@ void TJsonWriter::Separate() {
 
 void TJsonWriter::BreakLine() {
   if (m_layout == ELayout::kIndented) m_text.append(1, '\n').append(m_depth * kIndent, ' ');
+}
+
+void TJsonWriter::CheckSize() const {
+  if (m_text.size() > m_maxSize) throw std::length_error("the JSON text is too long");
 }

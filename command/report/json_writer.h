@@ -2,13 +2,16 @@
 // there already, and starting, copying and freeing their tree was the larger part of a short run.
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <string>
 
 class TJsonWriter {
  public:
   enum class ELayout { kIndented, kOneLine };
 
-  explicit TJsonWriter(ELayout layout);
+  /// A value by which the text becomes longer than `maxSize` bytes throws std::length_error.
+  explicit TJsonWriter(ELayout layout, std::size_t maxSize = std::numeric_limits<std::size_t>::max());
 
   void BeginObject();
   void EndObject();
@@ -32,8 +35,10 @@ class TJsonWriter {
   void End(char bracket);
   void Separate();
   void BreakLine();
+  void CheckSize() const;
 
   ELayout m_layout;
+  std::size_t m_maxSize;
   std::string m_text;
   std::size_t m_depth = 0;
   bool m_isFirst = true;  // nothing stands in the innermost object or array yet

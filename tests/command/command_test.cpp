@@ -2,12 +2,15 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/process.h"
+#include "tests/support/sanitizers.h"
 
 using nlohmann::json;
 using testing::AnyOf;
@@ -27,13 +30,28 @@ class Command : public testing::Test {
     return RunShell(kCommand + " --machine " + machine.GetPath().string() + " " + arguments);
   }
 
+  /// One line that holds the text.
+  void ExpectWrongUsageWith(const std::string& arguments, const std::string& text) const {
+    const TProcessResult result = RunShell(kCommand + " " + arguments);
+    EXPECT_EQ(result.status, 2) << arguments;
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, StartsWith("displayinfo: "));
+    EXPECT_THAT(result.errors, HasSubstr(text));
+    EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
+  }
+
+  /// The whole message, without what stands around each.
   void ExpectWrongUsage(const std::string& arguments, const std::string& message) const {
     const TProcessResult result = RunShell(kCommand + " " + arguments);
     EXPECT_EQ(result.status, 2) << arguments;
     EXPECT_EQ(result.output, "");
-    EXPECT_THAT(result.errors, StartsWith("displayinfo: ")) << arguments;
-    EXPECT_THAT(result.errors, HasSubstr(message));
-    EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
+    EXPECT_EQ(result.errors, "displayinfo: " + message + " (displayinfo --help shows the usage)\n") << arguments;
+  }
+
+  /// Collects with the plug-in that makes trouble, over a machine that asks for this one.
+  TProcessResult RunTrouble(const std::string& trouble, const std::string& arguments = "") const {
+    machine.File("root/" + trouble, "");
+    return Run("--plugin " TROUBLE_PLUGIN_FILE " " + arguments);
   }
 
   void ExpectUnusable(const TProcessResult& result, const std::string& message) const {
@@ -112,24 +130,35 @@ TEST_F(Command, AnswersAnUnknownClassWithTheSixNames) {
 }
 
 TEST_F(Command, ExplainsWrongUsageInOneLine) {
-  ExpectWrongUsage("--colour", "--colour");
-  ExpectWrongUsage("--format yaml", "yaml");
-  ExpectWrongUsage("--log-level loud", "loud");
-  ExpectWrongUsage("--edid-source nvram", "nvram");
-  ExpectWrongUsage("--machine", "--machine");
-  ExpectWrongUsage("--request QRXSG_VideoHead QRXSG_VideoHead", "--request");
-  ExpectWrongUsage("--edid-source bios --machine x", "--machine");
+  ExpectWrongUsage("--colour", "The following argument was not expected: --colour");
+  ExpectWrongUsage("--format yaml", "--format: yaml not in {text,json,mof,html}");
+  ExpectWrongUsage("--log-level loud", "--log-level: loud not in {error,warning,status,debug,verbose}");
+  ExpectWrongUsage("--edid-source nvram", "--edid-source: nvram not in {auto,bios,drm}");
+  ExpectWrongUsage("--machine", "--machine: 1 required TEXT missing");
+  ExpectWrongUsage("--request QRXSG_VideoHead QRXSG_VideoHead", "CLASS excludes --request");
+  ExpectWrongUsage("--edid-source bios --machine x", "--machine excludes --edid-source");
+  ExpectWrongUsage("--edid-source bios --machines x", "--machines excludes --edid-source");
+  ExpectWrongUsage("--machines x --machine y", "--machine excludes --machines");
+  ExpectWrongUsage("--jobs 2", "--jobs is for several machines; name them with --machines LIST");
+  ExpectWrongUsage("--resume x", "--resume is for several machines; name them with --machines LIST");
+  ExpectWrongUsage("--jobs 0 --machines x", "--jobs: Value 0 not in range 1 to 1000");
+  ExpectWrongUsage("--timeout 0", "--timeout: Value 0 not in range 1 to 86400");
+  ExpectWrongUsage("--timeout 86401", "--timeout: Value 86401 not in range 1 to 86400");
+  ExpectWrongUsage("--timeout 1.5", "--timeout: Value 1.5 not in range 1 to 86400");
+  ExpectWrongUsage("--machines x --format text",
+                   "several machines are answered in JSON; leave --format out, or name one machine");
+  ExpectWrongUsage("schema capture x", "The following arguments were not expected: x capture");
 }
 
 TEST_F(Command, DoesNotObeyWhatIsWrongInItsUsage) {
-  ExpectWrongUsage("\"$(printf '\\033[2J')\"", "\\x1b[2J");
-  ExpectWrongUsage("--colour=\"$(printf '\\302\\233')\"", "\\u009b");
-  ExpectWrongUsage("--format \"$(printf '\\342\\200\\256')\"", "\\u202e");
+  ExpectWrongUsageWith("\"$(printf '\\033[2J')\"", "\\x1b[2J");
+  ExpectWrongUsageWith("--colour=\"$(printf '\\302\\233')\"", "\\u009b");
+  ExpectWrongUsageWith("--format \"$(printf '\\342\\200\\256')\"", "\\u202e");
 }
 
 TEST_F(Command, ExplainsLongWrongUsageAtALengthThatPeopleRead) {
   const std::string name = "\"$(printf %100000d 1)\"";
-  ExpectWrongUsage(name, kClassNames);
+  ExpectWrongUsageWith(name, kClassNames);
   EXPECT_LT(RunShell(kCommand + " " + name).errors.size(), 1200U);
   EXPECT_LT(RunShell(kCommand + " --machine " + name).errors.size(), 1200U);
 }
@@ -164,6 +193,51 @@ TEST_F(Command, SaysWhenItsOutputCannotBeWritten) {
   EXPECT_EQ(result.errors, "displayinfo: standard output cannot be written: No space left on device\n");
 }
 
+TEST_F(Command, SaysWhenItsOutputIsClosed) {
+  const TProcessResult result = Run("--log-level error >&-");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "displayinfo: standard output is closed; send it to a file or to a program\n");
+}
+
+TEST_F(Command, AnswersForACapturedMachineWithItsInputClosed) {
+  machine.Edid(0, TEdidBuilder().Build());
+  const TProcessResult result = Run("--format json <&-");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, Run("--format json").output);
+}
+
+TEST_F(Command, GivesUpAMachineThatTakesTooLong) {
+  ExpectUnusable(RunTrouble("never-returns", "--timeout 1"),
+                 machine.GetPath().string() + ": took longer than 1 s; --timeout SECONDS gives it longer");
+}
+
+TEST_F(Command, GivesUpAMachineThatTakesTooMuchMemory) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
+  ExpectUnusable(RunTrouble("takes-all-memory"), "needs more than 2 GiB of memory, the most that one machine may take");
+}
+
+TEST_F(Command, TellsWhatThePluginThrewWhenItWasLoaded) {
+  const std::string failure = TROUBLE_PLUGIN_FILE ": the plug-in failed while it was loaded: ";
+  ExpectUnusable(RunTrouble("throws"), failure + "no \\x1bwish to live; name another with --plugin FILE");
+}
+
+TEST_F(Command, TellsThatThePluginThrewWhatSaysNothing) {
+  const std::string failure = TROUBLE_PLUGIN_FILE ": the plug-in failed while it was loaded: ";
+  ExpectUnusable(RunTrouble("throws-a-number"),
+                 failure + "an exception that says nothing; name another with --plugin FILE");
+}
+
+TEST_F(Command, AnswersWithAMillionLogMessagesAndHowManyMoreThereWere) {
+  const TProcessResult result = RunTrouble("logs-much", "--format json | grep '\"message\"' | uniq -c");
+  EXPECT_EQ(result.errors, "warning: all further log messages are left out\n");
+  // Of the request, and of the run.
+  EXPECT_EQ(result.output,
+            "1000000           \"message\": \"again\"\n"
+            "      1           \"message\": \"10 more log messages were left out\"\n"
+            "1000000       \"message\": \"again\"\n"
+            "      1       \"message\": \"10 more log messages were left out\"\n");
+}
+
 TEST_F(Command, TellsItsVersion) {
   const TProcessResult result = RunShell(kCommand + " --version");
   EXPECT_EQ(result.status, 0);
@@ -173,11 +247,15 @@ TEST_F(Command, TellsItsVersion) {
 TEST_F(Command, ExplainsItself) {
   const TProcessResult result = RunShell(kCommand + " --help");
   EXPECT_EQ(result.status, 0);
-  for (const char* option :
-       {"CLASS...", "--machine PATH", "--machines LIST", "--jobs N", "--resume FILE", "--request CLASS[,CLASS...]",
-        "--edid-source auto|bios|drm", "--format text|json|mof|html", "--log-level error|warning|status|debug|verbose",
-        "--plugin FILE", "--version", "--help"}) {
-    EXPECT_THAT(result.output, HasSubstr(option));
+  std::ifstream expected(EXPECTED_FOLDER "/help.txt");
+  EXPECT_EQ(result.output, std::string(std::istreambuf_iterator<char>(expected), {}));
+}
+
+TEST_F(Command, SaysWhenItsHelpCannotBeWritten) {
+  for (const char* const option : {" --help", " --version"}) {
+    const TProcessResult result = RunShell(kCommand + option + " >/dev/full");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "displayinfo: standard output cannot be written: No space left on device\n");
   }
 }
 
@@ -185,7 +263,7 @@ TEST_F(Command, ExplainsItsClasses) {
   EXPECT_THAT(RunShell(kCommand + " schema").output, StartsWith("QRXSG_VideoController\n"));
   EXPECT_THAT(RunShell(kCommand + " schema --format mof").output, StartsWith("[Description("));
   EXPECT_TRUE(json::accept(RunShell(kCommand + " schema --format json-schema").output));
-  ExpectWrongUsage("schema --format html", "html");
+  ExpectWrongUsage("schema --format html", "--format: html not in {text,mof,json-schema}");
 }
 
 TEST_F(Command, CapturesThisMachineOnce) {
@@ -228,13 +306,14 @@ TEST_F(Command, SaysThatTheBiosCouldNotBeReadWhenItCaptures) {
 
 TEST_F(Command, CapturesNothingWithoutATarget) {
   ExpectWrongUsage("capture", "TARGET is required");
-  ExpectWrongUsage("capture --machine ws-17 x", "--machine");
+  ExpectWrongUsage("capture --machine ws-17 x", "The following arguments were not expected: x --machine");
 }
 
 TEST_F(Command, TakesNoOptionsBeforeASubcommand) {
   ExpectWrongUsage("--format json schema", "--format is not for schema, whose options follow it");
-  ExpectWrongUsage("--machine ws-17 capture x", "--machine is not for capture");
-  ExpectWrongUsage("QRXSG_VideoHead schema", "CLASS is not for schema");
+  ExpectWrongUsage("--machine ws-17 capture x", "--machine is not for capture, whose options follow it");
+  ExpectWrongUsage("QRXSG_VideoHead schema", "CLASS is not for schema, whose options follow it");
+  ExpectWrongUsage("--timeout 5 schema", "--timeout is not for schema, whose options follow it");
 }
 
 TEST_F(Command, ExplainsItselfOnOneScreen) {

@@ -71,3 +71,23 @@ TEST_F(FinishedMachines, AreRefusedWithoutTheFile) {
   EXPECT_THROW(TFinishedMachines(folder.GetPath() / "nowhere"), TUnusable);
   EXPECT_THROW(TFinishedMachines(folder.GetPath()), TUnusable);
 }
+
+TEST_F(FinishedMachines, AreRefusedWhenTheFileCannotBeReadToItsEnd) {
+  try {
+    TFinishedMachines("/proc/self/mem");
+    FAIL() << "it was read";
+  } catch (const TUnusable& error) {
+    EXPECT_STREQ(error.what(),
+                 "/proc/self/mem: cannot be read: Input/output error; --resume takes what an earlier run has written");
+  }
+}
+
+TEST_F(FinishedMachines, AreReadFromLinesThatReachOverPiecesOfTheFile) {
+  std::string content;
+  for (int number = 0; number < 3000; ++number) content += MakeErrorLine("m" + std::to_string(number), "reason");
+  content += MakeErrorLine("long", std::string(300000, 'x')) + MakeErrorLine(std::string(4096, '\x01'), "reason");
+  TFinishedMachines finished = Read(content);
+  for (int number = 0; number < 3000; ++number) EXPECT_TRUE(finished.Take("m" + std::to_string(number)));
+  EXPECT_TRUE(finished.Take("long"));
+  EXPECT_TRUE(finished.Take(std::string(4096, '\x01')));
+}

@@ -1,16 +1,28 @@
 // Many machines, as the users of the command ask for them.
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/ioctl.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "command/base/descriptor.h"
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/process.h"
+#include "tests/support/running_process.h"
+#include "tests/support/sanitizers.h"
+#include "tests/support/terminal.h"
 
 using nlohmann::json;
 using nlohmann::ordered_json;
+using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
 
 namespace {
 
@@ -46,6 +58,28 @@ class Fleet : public testing::Test {
   TProcessResult RunList(const std::string& list, const std::string& arguments = "") const {
     folder.Write("list", list);
     return Run("--machines - " + arguments + " <list");
+  }
+
+  /// A machine over which the plug-in that makes trouble makes this one.
+  void MakeTrouble(const std::string& trouble) const { folder.Write(trouble + "/root/" + trouble, ""); }
+
+  /// The text in its lines that says why the machines failed; empty for those that did not.
+  static std::vector<std::string> GetErrors(const std::string& output) {
+    std::vector<std::string> errors;
+    for (const std::string& line : SplitLines(output)) errors.push_back(json::parse(line).value("error", ""));
+    return errors;
+  }
+
+  std::string GetPath(const std::string& name) const { return folder.GetPath() / name; }
+
+  std::string ReadFile(const std::string& name) const {
+    std::ifstream stream(GetPath(name), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+  }
+
+  /// The line of shell that becomes the command, in the folder of the machines.
+  std::string Exec(const std::string& arguments) const {
+    return "cd " + folder.GetPath().string() + " && exec " + kCommand + " " + arguments;
   }
 
   std::string ListAll() const {
@@ -167,18 +201,262 @@ TEST_F(Fleet, IsResumedBehindWhatAnEarlierRunHasWritten) {
 TEST_F(Fleet, IsNotBegunWithoutTheAnswerToBeResumed) {
   const TProcessResult result = RunList("m1\n", "--resume nowhere");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.errors, "displayinfo: nowhere: cannot be read; --resume takes what an earlier run has written\n");
+  EXPECT_EQ(result.errors,
+            "displayinfo: nowhere: cannot be read: No such file or directory; --resume takes what an earlier run has "
+            "written\n");
 }
 
 TEST_F(Fleet, EndsWithAWholeLineWhenItIsInterrupted) {
-  // The list stays open, so that only the signal ends the run.
-  const std::string run = "mkfifo list; exec 3<>list; echo m1 >&3\n" + kCommand +
-                          " --machines list --jobs 3 >out & until [ -s out ]; do :; done\n"
-                          "kill -INT $!; wait $!; echo $? >&2; cat out";
-  const TProcessResult result = RunShell("cd " + folder.GetPath().string() + "\n" + run);
-  EXPECT_EQ(result.errors, "130\n");
-  EXPECT_EQ(GetNames(result.output), std::vector<std::string>{"m1"});
-  EXPECT_EQ(result.output.back(), '\n');
+  ASSERT_EQ(mkfifo(GetPath("list").c_str(), 0600), 0);
+  const TDescriptor list(
+      open(GetPath("list").c_str(), O_RDWR | O_CLOEXEC));  // stays open: only the signal ends the run
+  for (const int signal : {SIGINT, SIGTERM}) {
+    const std::string out = "out" + std::to_string(signal);
+    ASSERT_EQ(write(list.Get(), "m1\n", 3), 3);
+    TRunningProcess run(Exec("--machines list --jobs 3 2>errors >" + out));
+    ASSERT_TRUE(WaitUntil([&] { return !ReadFile(out).empty(); }));
+    run.Send(signal);
+    const int status = run.Wait();
+    ASSERT_TRUE(WIFEXITED(status)) << "it was killed";
+    EXPECT_EQ(WEXITSTATUS(status), 128 + signal);
+    EXPECT_EQ(ReadFile("errors"), "");
+    EXPECT_EQ(GetNames(ReadFile(out)), std::vector<std::string>{"m1"});
+    EXPECT_EQ(ReadFile(out).back(), '\n');
+  }
+}
+
+// A reader that takes nothing keeps the first from ending the line.
+TEST_F(Fleet, IsKilledByTheSecondInterruption) {
+  ASSERT_EQ(mkfifo(GetPath("out").c_str(), 0600), 0);
+  const TDescriptor reader(open(GetPath("out").c_str(), O_RDWR | O_CLOEXEC));
+  std::string requests;
+  for (int count = 0; count < 100; ++count) requests += " --request QRXSG_DesktopMonitor";  // more than a pipe holds
+  folder.Write("list", "m1\n");
+  TRunningProcess run(Exec("--machines list" + requests + " >out 2>errors"));
+  const auto isFull = [&] {
+    int size = 0;
+    return ioctl(reader.Get(), FIONREAD, &size) == 0 && size >= 65536;
+  };
+  ASSERT_TRUE(WaitUntil(isFull));
+  run.Send(SIGINT);
+  ASSERT_TRUE(WaitUntil([&] { return !HasSignal(run.GetId(), "SigCgt", SIGINT); }));
+  ASSERT_FALSE(HasEnded(run.GetId()));
+  run.Send(SIGINT);
+  const int status = run.Wait();
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), SIGINT);
+}
+
+TEST_F(Fleet, IsInterruptedEvenWhenAWorkerNeverReturns) {
+  MakeTrouble("never-returns");
+  folder.Write("list", "never-returns\n");
+  TRunningProcess run(Exec("--machines list --jobs 1 --plugin " TROUBLE_PLUGIN_FILE " >out 2>errors"));
+  std::vector<pid_t> workers;
+  ASSERT_TRUE(WaitUntil([&] { return (workers = run.GetChildren()).size() == 1; }));
+  ASSERT_TRUE(WaitUntil([&] { return HasSignal(workers[0], "SigIgn", SIGTERM); }));
+  run.Send(SIGINT);
+  const int status = run.Wait();
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 130);
+  EXPECT_EQ(ReadFile("out"), "");
+  EXPECT_TRUE(WaitUntil([&] { return HasEnded(workers[0]); }));
+}
+
+TEST_F(Fleet, GoesOnWhenAnIdleWorkerIsKilled) {
+  ASSERT_EQ(mkfifo(GetPath("list").c_str(), 0600), 0);
+  TDescriptor list(open(GetPath("list").c_str(), O_RDWR | O_CLOEXEC));
+  TRunningProcess run(Exec("--machines list --jobs 1 >out 2>errors"));
+  ASSERT_EQ(write(list.Get(), "m1\n", 3), 3);
+  ASSERT_TRUE(WaitUntil([&] { return !ReadFile("out").empty(); }));
+  const std::vector<pid_t> before = run.GetChildren();
+  ASSERT_THAT(before, SizeIs(1));
+  kill(before[0], SIGKILL);
+  ASSERT_TRUE(WaitUntil([&] { return run.GetChildren().size() == 1 && run.GetChildren() != before; }));
+  ASSERT_EQ(write(list.Get(), "m2\n", 3), 3);
+  list.Close();
+  EXPECT_EQ(run.Wait(), 0);
+  EXPECT_EQ(ReadFile("errors"), "");
+  EXPECT_THAT(GetNames(ReadFile("out")), ElementsAre("m1", "m2"));
+}
+
+TEST_F(Fleet, FailsTheMachinesThatTakeTooLong) {
+  MakeTrouble("never-returns");
+  MakeTrouble("stops");
+  const TProcessResult result =
+      RunList("m1\nnever-returns\nm2\nstops\nm3\n", "--jobs 3 --timeout 3 --plugin " TROUBLE_PLUGIN_FILE);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "displayinfo: 2 of 5 machines failed; their lines say why\n");
+  const std::string reason = "took longer than 3 s; --timeout SECONDS gives it longer";
+  EXPECT_THAT(GetErrors(result.output), ElementsAre("", reason, "", reason, ""));
+}
+
+TEST_F(Fleet, FailsTheMachineThatTakesTooMuchMemory) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
+  MakeTrouble("takes-all-memory");
+  const std::string list = "m1\ntakes-all-memory\ntakes-all-memory\nm2\n";
+  const TProcessResult result = RunList(list, "--jobs 1 --plugin " TROUBLE_PLUGIN_FILE);
+  EXPECT_EQ(result.status, 1);
+  const std::string reason = "needs more than 2 GiB of memory, the most that one machine may take";
+  EXPECT_THAT(GetErrors(result.output), ElementsAre("", reason, reason, ""));
+}
+
+TEST_F(Fleet, FailsTheMachineWhoseAnswerIsTooLarge) {
+  MakeTrouble("logs-long");
+  const TProcessResult result = RunList("m1\nlogs-long\nm2\n", "--jobs 1 --plugin " TROUBLE_PLUGIN_FILE);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(GetErrors(result.output), ElementsAre("", "its answer is larger than 64 MiB", ""));
+}
+
+TEST_F(Fleet, FailsTheMachineOverWhichThePluginThrowsWhenItIsLoaded) {
+  MakeTrouble("throws");
+  const TProcessResult result = RunList("m1\nthrows\nthrows\nm2\n", "--jobs 1 --plugin " TROUBLE_PLUGIN_FILE);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "displayinfo: 2 of 4 machines failed; their lines say why\n");
+  const std::string reason = TROUBLE_PLUGIN_FILE
+      ": the plug-in failed while it was loaded: no \\x1bwish to live; name another with --plugin FILE";
+  EXPECT_THAT(GetErrors(result.output), ElementsAre("", reason, reason, ""));
+}
+
+TEST_F(Fleet, HoldsNoMoreThanTheLinesItMayWhenAnEarlierOneIsMissing) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer keeps memory that was freed";
+  MakeTrouble("never-returns");
+  std::string list = "never-returns\n";
+  for (int number = 0; number < 8; ++number) {
+    folder.Write("long" + std::to_string(number) + "/root/logs-half", "");  // 48 MiB each
+    list += "long" + std::to_string(number) + "\n";
+  }
+  folder.Write("list", list);
+  TRunningProcess run(Exec("--machines list --jobs 6 --plugin " TROUBLE_PLUGIN_FILE " >out 2>errors"));
+  const auto isAsleep = [](pid_t process) { return ReadStatus(process, "State")[0] == 'S'; };
+  const auto areStuck = [&] {
+    const std::vector<pid_t> workers = run.GetChildren();
+    // Each of the workers but one has used the memory of a long line, and now waits for it to be taken.
+    return workers.size() == 6 && isAsleep(run.GetId()) && std::all_of(workers.begin(), workers.end(), isAsleep) &&
+           std::count_if(workers.begin(), workers.end(),
+                         [](pid_t worker) { return GetPeakMemory(worker) > 48 * 1024; }) >= 4;
+  };
+  ASSERT_TRUE(WaitUntil(areStuck));
+  EXPECT_LT(GetPeakMemory(run.GetId()), 200U * 1024);
+}
+
+TEST_F(Fleet, TellsHowAWorkerDiedEvenWhenItWasStartedToIgnoreThat) {
+  folder.Write("fatal/root/fatal", "");
+  folder.Write("list", "fatal\n");
+  const TProcessResult result = RunShell("cd " + folder.GetPath().string() + "; trap '' CHLD; " + kCommand +
+                                         " --machines list --plugin " FATAL_PLUGIN_FILE);
+  EXPECT_THAT(GetErrors(result.output),
+              ElementsAre("the process that collected from it was ended by signal 6 (Aborted)"));
+}
+
+TEST_F(Fleet, CannotBeWrittenToAClosedStandardOutput) {
+  const TProcessResult result = RunList("m1\nm2\n", "--jobs 1 >&-");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "displayinfo: standard output is closed; send it to a file or to a program\n");
+}
+
+TEST_F(Fleet, CannotBeReadFromAClosedStandardInput) {
+  const TProcessResult result = Run("--machines - <&-");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors,
+            "displayinfo: standard input is closed; --machines takes a file of folder names, one a line, or - for "
+            "standard input\n");
+}
+
+TEST_F(Fleet, WaitsForAReaderEvenWhenItsOutputDoesNot) {
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
+  const TDescriptor reader(ends[0]);
+  TDescriptor writer(ends[1]);
+  std::string list;
+  for (int count = 0; count < 5; ++count) list += ListAll();  // more than a pipe holds
+  folder.Write("list", list);
+  TRunningProcess run(Exec("--machines list 2>errors >&" + std::to_string(writer.Get())));
+  writer.Close();
+  std::string output;
+  char piece[4096];
+  const auto readAll = [&] {
+    ssize_t count = 0;
+    while ((count = read(reader.Get(), piece, sizeof piece)) > 0) output.append(piece, static_cast<std::size_t>(count));
+    return count == 0;
+  };
+  ASSERT_TRUE(WaitUntil(readAll));
+  EXPECT_EQ(run.Wait(), 0);
+  EXPECT_EQ(ReadFile("errors"), "");
+  EXPECT_THAT(GetNames(output), SizeIs(100));
+}
+
+TEST_F(Fleet, FailsAMachineWhoseNameIsLongerThanTheSystemTakes) {
+  const std::string name(100000, 'x');
+  const TProcessResult result = RunList("m1\n" + name + "\nm2\n");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(GetNames(result.output), ElementsAre("m1", name.substr(0, 4096), "m2"));
+  EXPECT_EQ(GetErrors(result.output)[1], "its name is longer than any that the system takes; this is its beginning");
+}
+
+TEST_F(Fleet, ReadsItsListNoFurtherThanItIsAtWork) {
+  MakeTrouble("never-returns");
+  std::string list = "never-returns\n";
+  for (int count = 0; count < 10000; ++count) list += ListAll();
+  folder.Write("list", list);
+  TRunningProcess run(Exec("--machines list --jobs 1 --plugin " TROUBLE_PLUGIN_FILE " >out 2>errors"));
+  std::vector<pid_t> workers;
+  ASSERT_TRUE(WaitUntil([&] { return (workers = run.GetChildren()).size() == 1; }));
+  ASSERT_TRUE(WaitUntil([&] { return HasSignal(workers[0], "SigIgn", SIGTERM); }));
+  ASSERT_TRUE(WaitUntil([&] { return ReadStatus(run.GetId(), "State") == "S (sleeping)"; }));
+  std::string position;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(run.GetId()) + "/fd")) {
+    std::error_code error;
+    if (std::filesystem::read_symlink(entry, error) != GetPath("list")) continue;
+    position = ReadProcess(run.GetId(), "fdinfo/" + entry.path().filename().string());
+  }
+  EXPECT_THAT(position, HasSubstr("pos:\t65536\n"));
+}
+
+TEST_F(Fleet, NeedsRoomForItsWorkers) {
+  folder.Write("list", "m1\n");
+  const TProcessResult result =
+      RunShell("cd " + folder.GetPath().string() + "; ulimit -n 8; " + kCommand + " --machines list --jobs 10");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "displayinfo: no worker process can be reached: Too many open files; take fewer --jobs\n");
+}
+
+TEST_F(Fleet, ShowsOnATerminalHowFarItIs) {
+  TTerminal terminal;
+  folder.Write("list", ListAll());
+  EXPECT_EQ(
+      RunShell("cd " + folder.GetPath().string() + "; " + kCommand + " --machines - <list 2>" + terminal.GetName())
+          .status,
+      0);
+  EXPECT_THAT(terminal.Read(), EndsWith("\r[##############################] 20 of 20 machines, 0 failed\r\n"));
+}
+
+TEST_F(Fleet, OnlyCountsOnATerminalWhatHasNoKnownEnd) {
+  TTerminal terminal;
+  folder.Write("list", ListAll());
+  EXPECT_EQ(
+      RunShell("cd " + folder.GetPath().string() + "; cat list | " + kCommand + " --machines - 2>" + terminal.GetName())
+          .status,
+      0);
+  const std::string shown = terminal.Read();
+  EXPECT_THAT(shown, EndsWith("\r20 machines, 0 failed\r\n"));
+  EXPECT_THAT(shown, Not(HasSubstr(" of ")));
+}
+
+TEST_F(Fleet, LeavesItsBarBeforeItSaysMoreOnATerminal) {
+  TTerminal terminal;
+  folder.Write("list", "m1\nbroken\n");
+  RunShell("cd " + folder.GetPath().string() + "; " + kCommand + " --machines list 2>" + terminal.GetName());
+  EXPECT_THAT(terminal.Read(), EndsWith("2 of 2 machines, 1 failed\r\n"
+                                        "displayinfo: 1 of 2 machines failed; their lines say why\r\n"));
+}
+
+TEST_F(Fleet, LeavesItsBarOnATerminalEvenWhenItCannotGoOn) {
+  TTerminal terminal;
+  folder.Write("list", "m1\n");
+  RunShell("cd " + folder.GetPath().string() + "; " + kCommand + " --machines list >/dev/full 2>" + terminal.GetName());
+  EXPECT_THAT(terminal.Read(), EndsWith(" failed\r\ndisplayinfo: standard output cannot be written: No space left on "
+                                        "device\r\n"));
 }
 
 TEST_F(Fleet, EndsQuietlyWhenItsReaderHasGone) {
@@ -206,7 +484,8 @@ TEST_F(Fleet, ShowsTheLogOfEachMachineWhenItIsAskedFor) {
 TEST_F(Fleet, IsWronglyUsed) {
   for (const char* const arguments :
        {"--jobs 2", "--resume x", "--jobs 2 --machine m1", "--machines list --machine m1", "--machines list --jobs 0",
-        "--machines list --format text", "--machines list --edid-source drm"}) {
+        "--machines list --timeout 0", "--machines list --timeout 86401", "--machines list --format text",
+        "--machines list --edid-source drm"}) {
     EXPECT_EQ(Run(arguments).status, 2) << arguments;
   }
 }

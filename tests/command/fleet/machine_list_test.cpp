@@ -1,8 +1,10 @@
 #include "command/fleet/machine_list.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "command/base/descriptor.h"
 #include "command/base/unusable.h"
 #include "tests/support/temporary_folder.h"
 
@@ -37,30 +39,26 @@ class MachineList : public testing::Test {
   TTemporaryFolder folder;
 };
 
-/// Makes a pipe the standard input, for as long as it lives.
-class TPipedInput {
+/// Makes a descriptor, which it takes over, the standard input for as long as it lives; -1 closes it.
+class TStandardInput {
  public:
-  TPipedInput() {
-    int ends[2];
-    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-    m_before = dup(STDIN_FILENO);
-    dup2(ends[0], STDIN_FILENO);
-    close(ends[0]);
-    m_input = ends[1];
+  explicit TStandardInput(int descriptor) : m_before(dup(STDIN_FILENO)) {
+    if (descriptor < 0) {
+      close(STDIN_FILENO);
+      return;
+    }
+    dup2(descriptor, STDIN_FILENO);
+    close(descriptor);
   }
-  ~TPipedInput() {
+  ~TStandardInput() {
     dup2(m_before, STDIN_FILENO);
     close(m_before);
-    close(m_input);
   }
-
-  void Write(const std::string& text) const {
-    ASSERT_EQ(write(m_input, text.data(), text.size()), ssize_t(text.size()));
-  }
+  TStandardInput(const TStandardInput&) = delete;
+  TStandardInput& operator=(const TStandardInput&) = delete;
 
  private:
   int m_before;
-  int m_input;
 };
 
 }  // namespace
@@ -96,24 +94,47 @@ TEST_F(MachineList, CountsTheNamesOfAFile) {
 }
 
 TEST_F(MachineList, TakesNamesFromStandardInputAsTheyCome) {
-  const TPipedInput input;
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const TStandardInput input(ends[0]);
+  const TDescriptor writer(ends[1]);
   TMachineList list = TMachineList::Open("-");
   EXPECT_EQ(list.CountAll(), std::nullopt);
-  input.Write("a\nb");
+  ASSERT_EQ(write(writer.Get(), "a\nb", 3), 3);
   list.ReadMore();
   ASSERT_TRUE(list.HasNext());
   EXPECT_EQ(list.TakeNext(), "a");
   EXPECT_FALSE(list.HasNext());
   EXPECT_FALSE(list.IsAtEnd());
-  input.Write("c\n");
+  ASSERT_EQ(write(writer.Get(), "c\n", 2), 2);
   list.ReadMore();
   ASSERT_TRUE(list.HasNext());
   EXPECT_EQ(list.TakeNext(), "bc");
 }
 
-TEST_F(MachineList, IsRefusedWithALineThatIsNoName) {
-  EXPECT_EQ(Read(std::string(65536, 'x') + "\n").front().size(), 65536U);
-  EXPECT_THROW(Read(std::string(200000, 'x')), TUnusable);
+TEST_F(MachineList, CutsANameThatIsLongerThanTheSystemTakes) {
+  const std::string longest(4095, 'x');
+  EXPECT_EQ(Read(longest + "\nb\n"), (TNames{longest, "b"}));
+  EXPECT_EQ(Read(longest + "xy\nb\n"), (TNames{longest + "x", "b"}));
+  EXPECT_EQ(Read(std::string(200000, 'x') + "\nb\n"), (TNames{longest + "x", "b"}));
+  EXPECT_EQ(Read(std::string(200000, 'x')), (TNames{longest + "x"}));
+  TMachineList list(TNames{longest + "xy", "b"});
+  EXPECT_EQ(TakeAll(list), (TNames{longest + "x", "b"}));
+}
+
+TEST_F(MachineList, CountsWhatIsLeftOfAFileOnStandardInput) {
+  folder.Write("list", "a\nb\nc\n");
+  const TStandardInput input(open((folder.GetPath() / "list").c_str(), O_RDONLY));
+  char first[2];
+  ASSERT_EQ(read(STDIN_FILENO, first, sizeof first), 2);
+  TMachineList list = TMachineList::Open("-");
+  EXPECT_EQ(list.CountAll(), 2U);
+  EXPECT_EQ(TakeAll(list), (TNames{"b", "c"}));
+}
+
+TEST_F(MachineList, IsRefusedWhenStandardInputIsClosed) {
+  const TStandardInput input(-1);
+  EXPECT_THROW(TMachineList::Open("-"), TUnusable);
 }
 
 TEST_F(MachineList, IsRefusedWithoutItsFile) {

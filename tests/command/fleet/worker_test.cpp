@@ -8,7 +8,11 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "tests/support/running_process.h"
+
 namespace {
+
+constexpr std::chrono::seconds kTimeout(60);
 
 TMachineLine Echo(const std::string& machine) { return {machine + "\n", machine.empty()}; }
 
@@ -32,19 +36,19 @@ TMachineLine Work(TWorker& worker, const std::string& machine) {
 }  // namespace
 
 TEST(Worker, TurnsAMachineIntoItsLine) {
-  TWorker worker(Echo, {});
+  TWorker worker(Echo, {}, kTimeout);
   const TMachineLine line = Work(worker, "a");
   EXPECT_EQ(line.text, "a\n");
   EXPECT_FALSE(line.hasFailed);
 }
 
 TEST(Worker, TellsThatAMachineFailed) {
-  TWorker worker(Echo, {});
+  TWorker worker(Echo, {}, kTimeout);
   EXPECT_TRUE(Work(worker, "").hasFailed);
 }
 
 TEST(Worker, KnowsWhatItHasNotDoneYet) {
-  TWorker worker(Echo, {});
+  TWorker worker(Echo, {}, kTimeout);
   EXPECT_TRUE(worker.GetTasks().empty());
   EXPECT_TRUE(worker.Give({7, "a"}));
   EXPECT_TRUE(worker.Give({9, "b"}));
@@ -57,7 +61,7 @@ TEST(Worker, KnowsWhatItHasNotDoneYet) {
 }
 
 TEST(Worker, TakesMachinesWhileItIsAtWork) {
-  TWorker worker(Echo, {});
+  TWorker worker(Echo, {}, kTimeout);
   EXPECT_TRUE(worker.Give({7, "a"}));
   EXPECT_TRUE(worker.Give({9, "b"}));
   const auto first = Wait(worker).value();
@@ -74,12 +78,12 @@ TEST(Worker, WorksInAProcessOfItsOwn) {
       [parent](const std::string&) {
         return TMachineLine{getpid() == parent ? "here" : "there", false};
       },
-      {});
+      {}, kTimeout);
   EXPECT_EQ(Work(worker, "a").text, "there");
 }
 
 TEST(Worker, TakesOneMachineAfterTheOther) {
-  TWorker worker(Echo, {});
+  TWorker worker(Echo, {}, kTimeout);
   for (int number = 0; number < 100; ++number) {
     const std::string machine = std::to_string(number);
     EXPECT_EQ(Work(worker, machine).text, machine + "\n");
@@ -87,14 +91,14 @@ TEST(Worker, TakesOneMachineAfterTheOther) {
 }
 
 TEST(Worker, HandsOverLinesOfAnyLength) {
-  TWorker worker(Echo, {});
+  TWorker worker(Echo, {}, kTimeout);
   for (const std::size_t size : {std::size_t{0}, std::size_t{65528}, std::size_t{65529}, std::size_t{5'000'000}}) {
     EXPECT_EQ(Work(worker, std::string(size, 'x')).text.size(), size + 1);
   }
 }
 
 TEST(Worker, TellsHowItDied) {
-  TWorker worker([](const std::string&) -> TMachineLine { std::abort(); }, {});
+  TWorker worker([](const std::string&) -> TMachineLine { std::abort(); }, {}, kTimeout);
   ASSERT_TRUE(worker.Give({0, "a"}));
   EXPECT_EQ(Wait(worker), std::nullopt);
   EXPECT_EQ(worker.DescribeDeath(), "was ended by signal 6 (Aborted)");
@@ -102,15 +106,15 @@ TEST(Worker, TellsHowItDied) {
 }
 
 TEST(Worker, TellsTheStatusWithWhichItEnded) {
-  TWorker worker([](const std::string&) -> TMachineLine { _exit(3); }, {});
+  TWorker worker([](const std::string&) -> TMachineLine { _exit(3); }, {}, kTimeout);
   ASSERT_TRUE(worker.Give({0, "a"}));
   EXPECT_EQ(Wait(worker), std::nullopt);
   EXPECT_EQ(worker.DescribeDeath(), "ended with status 3");
 }
 
 TEST(Worker, HandsOverTheLinesFromBeforeItDied) {
-  TWorker worker([](const std::string& machine) { return machine == "fatal" ? _exit(3), Echo("") : Echo(machine); },
-                 {});
+  TWorker worker([](const std::string& machine) { return machine == "fatal" ? _exit(3), Echo("") : Echo(machine); }, {},
+                 kTimeout);
   ASSERT_TRUE(worker.Give({0, "a"}));
   ASSERT_TRUE(worker.Give({1, "fatal"}));
   EXPECT_EQ(Wait(worker).value().second.text, "a\n");
@@ -119,7 +123,7 @@ TEST(Worker, HandsOverTheLinesFromBeforeItDied) {
 }
 
 TEST(Worker, TakesNothingOnceItsProcessHasEnded) {
-  TWorker worker([](const std::string&) -> TMachineLine { _exit(0); }, {});
+  TWorker worker([](const std::string&) -> TMachineLine { _exit(0); }, {}, kTimeout);
   ASSERT_TRUE(worker.Give({0, "a"}));
   EXPECT_EQ(Wait(worker), std::nullopt);
   EXPECT_FALSE(worker.Give({1, "b"}));
@@ -132,7 +136,7 @@ TEST(Worker, IsNotInterruptedWithItsParent) {
         std::raise(SIGINT);
         return TMachineLine{"still here", false};
       },
-      {});
+      {}, kTimeout);
   EXPECT_EQ(Work(worker, "a").text, "still here");
 }
 
@@ -146,7 +150,7 @@ TEST(Worker, DoesNotOutliveItsParentWhateverItDoes) {
           if (write(ends[1], "w", 1) != 1) _exit(1);
           while (true) pause();
         },
-        {});
+        {}, kTimeout);
     worker.Give({0, "a"});
     while (true) pause();
   }
@@ -157,4 +161,100 @@ TEST(Worker, DoesNotOutliveItsParentWhateverItDoes) {
   EXPECT_EQ(read(ends[0], &byte, 1), 0);  // nobody holds the other end any more
   waitpid(parent, nullptr, 0);
   close(ends[0]);
+}
+
+TEST(Worker, IsLateOnceAMachineHasHadItsTime) {
+  TWorker worker(Echo, {}, kTimeout);
+  EXPECT_FALSE(worker.IsLate());
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(worker.GetTimeLeft(), kTimeout);
+  worker.Spend(std::chrono::seconds(59));
+  EXPECT_EQ(worker.GetTimeLeft(), std::chrono::seconds(1));
+  EXPECT_FALSE(worker.IsLate());
+  worker.Spend(std::chrono::seconds(1));
+  EXPECT_TRUE(worker.IsLate());
+}
+
+TEST(Worker, HasTheWholeTimeForEachMachine) {
+  TWorker worker(Echo, {}, kTimeout);
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  ASSERT_TRUE(worker.Give({1, "b"}));
+  worker.Spend(std::chrono::seconds(59));
+  ASSERT_TRUE(Wait(worker));
+  EXPECT_EQ(worker.GetTimeLeft(), kTimeout);
+  worker.Spend(std::chrono::seconds(61));
+  EXPECT_TRUE(worker.IsLate());
+  ASSERT_TRUE(Wait(worker));
+  EXPECT_FALSE(worker.IsLate());
+}
+
+TEST(Worker, IsNeverLateWhileItHasNothingToDo) {
+  TWorker worker(Echo, {}, kTimeout);
+  worker.Spend(std::chrono::hours(1));
+  EXPECT_FALSE(worker.IsLate());
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(worker.GetTimeLeft(), kTimeout);
+}
+
+TEST(Worker, IsNotWaitedForWhenItNeverEnds) {
+  const auto block = [](const std::string&) -> TMachineLine {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_IGN);
+    while (true) pause();
+  };
+  TWorker worker(block, {}, kTimeout);
+  ASSERT_TRUE(worker.Give({0, "a"}));
+}
+
+TEST(Worker, EndsAfterItsLastLine) {
+  TWorker worker(
+      [](const std::string& machine) {
+        return TMachineLine{machine, true, machine == "last"};
+      },
+      {}, kTimeout);
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  ASSERT_TRUE(worker.Give({1, "last"}));
+  EXPECT_EQ(Wait(worker).value().second.text, "a");
+  EXPECT_FALSE(worker.HasRetired());
+  EXPECT_EQ(Wait(worker).value().second.text, "last");
+  EXPECT_TRUE(worker.HasRetired());
+  EXPECT_EQ(Wait(worker), std::nullopt);
+  EXPECT_EQ(worker.DescribeDeath(), "ended with status 0");
+}
+
+TEST(Worker, MayEndWithALineInTheMidstOfItsWork) {
+  TWorker worker([](const std::string&) -> TMachineLine { TWorker::EndWith({"the end", true}); }, {}, kTimeout);
+  ASSERT_TRUE(worker.Give({7, "a"}));
+  ASSERT_TRUE(worker.Give({8, "b"}));
+  const auto line = Wait(worker).value();
+  EXPECT_EQ(line.first, 7U);
+  EXPECT_EQ(line.second.text, "the end");
+  EXPECT_TRUE(line.second.hasFailed);
+  EXPECT_TRUE(worker.HasRetired());
+  EXPECT_EQ(worker.GetTasks().front().machine, "b");
+}
+
+// The worker waits for its line to be taken, and this process hands over machines all the same.
+TEST(Worker, TakesTheLongestNamesWhileItsLineIsNotTaken) {
+  const std::string name(4096, 'x');
+  TWorker worker(
+      [](const std::string& machine) {
+        return TMachineLine{machine + std::string(5'000'000, 'y'), false};
+      },
+      {}, kTimeout);
+  ASSERT_TRUE(worker.Give({0, name}));
+  pollfd line = {worker.GetDescriptor(), POLLIN, 0};
+  ASSERT_EQ(poll(&line, 1, -1), 1);
+  ASSERT_TRUE(worker.Give({1, name}));
+  ASSERT_TRUE(worker.Give({2, name}));
+  for (int count = 0; count < 3; ++count) EXPECT_EQ(Wait(worker).value().second.text.size(), 5'004'096U);
+}
+
+TEST(Worker, LeavesNoDeadProcessBehind) {
+  for (int count = 0; count < 100; ++count) TWorker(Echo, {}, kTimeout);
+  EXPECT_TRUE(WaitUntil([] {
+    const TWorker worker(Echo, {}, kTimeout);  // takes note of those before
+    int dead = 0;
+    for (const pid_t child : GetChildren(getpid())) dead += HasEnded(child) ? 1 : 0;
+    return dead == 0;
+  }));
 }

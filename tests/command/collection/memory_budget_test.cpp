@@ -1,0 +1,95 @@
+// Each test runs in a process of its own: the limit stays with a process.
+#include "command/collection/memory_budget.h"
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/support/sanitizers.h"
+
+namespace {
+
+constexpr std::size_t kPiece = std::size_t{16} * 1024 * 1024;
+
+void TakePieces(std::size_t count) {
+  std::vector<std::unique_ptr<char[]>> taken;
+  while (taken.size() < count) taken.emplace_back(new char[kPiece]);
+}
+
+/// What becomes of `work` within the budget, as the exit message of this process.
+template <typename TWork>
+[[noreturn]] void RunLimited(const TWork& work) {
+  std::string end;
+  try {
+    end = WithinMemory(work);
+  } catch (const TUnusable& failure) {
+    end = std::string("unusable: ") + failure.what();
+  } catch (const std::exception& failure) {
+    end = std::string("another: ") + failure.what();
+  }
+  std::cerr << end << '\n';
+  std::_Exit(0);
+}
+
+class MemoryBudget : public testing::Test {
+ protected:
+  MemoryBudget() { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+
+  static constexpr const char* kTooMuch =
+      "^unusable: needs more than 2 GiB of memory, the most that one machine may "
+      "take\n$";
+  const testing::ExitedWithCode done{0};
+};
+
+}  // namespace
+
+TEST_F(MemoryBudget, LeavesAloneWhatNeedsLess) {
+  EXPECT_EXIT(RunLimited([] {
+                TakePieces(100);  // 1.6 GiB
+                return std::string("enough");
+              }),
+              done, "^enough\n$");
+}
+
+TEST_F(MemoryBudget, PassesOnOtherFailures) {
+  EXPECT_EXIT(RunLimited([]() -> std::string { throw std::runtime_error("broken"); }), done, "^another: broken\n$");
+}
+
+TEST_F(MemoryBudget, FailsWhatNeedsMore) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
+  EXPECT_EXIT(RunLimited([] {
+                TakePieces(130);
+                return std::string("enough");
+              }),
+              done, kTooMuch);
+}
+
+TEST_F(MemoryBudget, FailsWhatNeededMoreAndWentOnWithout) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
+  EXPECT_EXIT(RunLimited([] {
+                try {
+                  TakePieces(130);
+                } catch (const std::bad_alloc&) {
+                }
+                return std::string("incomplete");
+              }),
+              done, kTooMuch);
+}
+
+TEST_F(MemoryBudget, FailsWhatNeededMoreAndFailedWithAnotherReason) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
+  EXPECT_EXIT(RunLimited([]() -> std::string {
+                try {
+                  TakePieces(130);
+                } catch (const std::bad_alloc&) {
+                  throw std::runtime_error("broken");
+                }
+                return "enough";
+              }),
+              done, kTooMuch);
+}

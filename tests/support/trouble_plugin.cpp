@@ -1,0 +1,67 @@
+// A library in the place of a plug-in that makes the trouble which the machine's files ask for: while it is loaded, or
+// when it is asked for a class.
+#include <unistd.h>
+
+#include <csignal>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <vector>
+
+#include "host/logger.h"
+#include "host/plugin_callbacks.h"
+#include "host/plugin_manager.h"
+#include "host/services.h"
+
+using namespace NQRXZELT20;
+
+namespace {
+
+bool IsAskedFor(const char* trouble) { return TOSSpecific::FileExists(trouble); }
+
+/// Takes memory until there is no more, and makes nothing of that, as a plug-in that catches every exception.
+void TakeAllMemory() try {
+  std::vector<std::unique_ptr<char[]>> taken;
+  while (true) taken.emplace_back(new char[std::size_t{16} * 1024 * 1024]);
+} catch (const std::bad_alloc&) {
+}
+
+/// Whatever may be caught is ignored.
+[[noreturn]] void NeverReturn() {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_IGN);
+  while (true) pause();
+}
+
+void Log(std::size_t count, const std::string& message) {
+  for (std::size_t written = 0; written < count; ++written)
+    TRootObject::GetCoreLogger()->Write(ILogger::kDebug, message);
+}
+
+class TTroublePlugin : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
+ public:
+  TTroublePlugin() {
+    if (IsAskedFor("/throws")) throw std::runtime_error("no \x1Bwish to live");
+    if (IsAskedFor("/throws-a-number")) throw 7;
+    boost::dynamic_pointer_cast<TPluginManagerNamespace>(TRootObject::GetPluginManager())->RegisterPlugin(this);
+  }
+
+  int GetType() override { return 0; }
+  std::string GetName() override { return "trouble"; }
+  std::string GetVersion() override { return "1"; }
+  std::string GetInterfaceVersion() override { return "1.0"; }
+  void PrepareForUnload() override { delete this; }
+  void Init() override {}
+  void DeInit() override {}
+  void GetData(boost::shared_ptr<ICIMNamespace>, std::vector<boost::shared_ptr<ICIMClass>>&) override {
+    if (IsAskedFor("/takes-all-memory")) TakeAllMemory();
+    if (IsAskedFor("/never-returns")) NeverReturn();
+    if (IsAskedFor("/stops")) raise(SIGSTOP);
+    if (IsAskedFor("/logs-much")) Log(1'000'010, "again");
+    if (IsAskedFor("/logs-half")) Log(3, std::string(std::size_t{8} * 1024 * 1024, 'x'));
+    if (IsAskedFor("/logs-long")) Log(10, std::string(std::size_t{8} * 1024 * 1024, 'x'));
+  }
+};
+
+TTroublePlugin* const gPlugin = new TTroublePlugin;
+
+}  // namespace
