@@ -1,7 +1,7 @@
 # Completes the options of displayinfo, their values, and the classes.
 _displayinfo() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local options='--anonymous --machine --machines --jobs --resume --request --edid-source --format --log-level --plugin --version --help'
+  local options='--anonymous --machine --machines --jobs --resume --timeout --request --edid-source --format --log-level --plugin --version --help'
   local classes='QRXSG_VideoController QRXSG_VideoHead QRXSG_HeadOfVideoController QRXSG_DesktopMonitor
     QRXSG_MonitorResolution QRXSG_MonitorSetting'
   local words

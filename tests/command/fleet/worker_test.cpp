@@ -196,13 +196,19 @@ TEST(Worker, IsNeverLateWhileItHasNothingToDo) {
   EXPECT_EQ(worker.GetTimeLeft(), kTimeout);
 }
 
-TEST(Worker, IsNotWaitedForWhenItNeverEnds) {
+TEST(Worker, IsKilledWhateverItIgnoresAndIsNotWaitedFor) {
   const auto block = [](const std::string&) -> TMachineLine {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_IGN);
     while (true) pause();
   };
-  TWorker worker(block, {}, kTimeout);
-  ASSERT_TRUE(worker.Give({0, "a"}));
+  pid_t process = -1;
+  {
+    TWorker worker(block, {}, kTimeout);
+    process = GetChildren(getpid()).back();
+    ASSERT_TRUE(worker.Give({0, "a"}));
+    ASSERT_TRUE(WaitUntil([&] { return HasSignal(process, "SigIgn", SIGHUP); }));
+  }
+  EXPECT_TRUE(WaitUntil([&] { return HasEnded(process); }));
 }
 
 TEST(Worker, EndsAfterItsLastLine) {
