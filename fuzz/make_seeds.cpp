@@ -111,7 +111,9 @@ class TSeeds {
       Add("request", kAllWorks + configuration + kEnd + units);
       for (const char* delimiters : kDelimiters) Add("text", delimiters + kEnd + configuration);
     }
-    Add("machine_json", ReadFile(machine / "machine.json"));
+    const std::string json = ReadFile(machine / "machine.json");
+    Add("machine_json", json);
+    Add("machine", json + kEnd + ReadFile(machine / "root/etc/X11/xorg.conf") + kEnd + units);
   }
 
  private:

@@ -8,7 +8,6 @@
 #include <nlohmann/json.hpp>
 
 #include "command/base/text_encoding.h"
-#include "command/collection/collection.h"
 #include "command/machine/machine.h"
 #include "command/machine/memory_files.h"
 #include "command/report/html/html_report.h"
@@ -16,23 +15,13 @@
 #include "command/report/mof_report.h"
 #include "command/report/text_report.h"
 #include "embedded_host/schema.h"
+#include "fuzz/collect.h"
 #include "fuzz/input.h"
 #include "fuzz/instances.h"
 #include "fuzz/require.h"
-#include "plugin/display_info_callbacks.h"
-#include "plugin/video/video_info.h"
-#include "realmode/choose_bios.h"
 #include "realmode/virtual_video_bios.h"
 
-using NQRXZELT20::ICIMClass;
-using NQRXZELT20::ICIMInstance;
-using NQRXZELT20::TCIMQueryContext;
-using NQRXZELT20::TDisplayInfoCallbacks;
-
 namespace {
-
-const TRequest kThroughDispatch = {kHeadOfVideoControllerClass, kDesktopMonitorClass, kMonitorResolutionClass,
-                                   kMonitorSettingClass};
 
 // The bits of the first byte. None: everything works.
 constexpr unsigned int kNoProvider = 1;
@@ -42,35 +31,6 @@ constexpr unsigned int kIgnoresUnit = 8;
 constexpr unsigned int kInterruptFails = 16;
 constexpr unsigned int kBiosErrs = 32;
 constexpr unsigned int kOtherSystem = 64;
-
-/// Reads the configuration in each request, where the product's own collector keeps it until the library is unloaded.
-class TFreshVideoInfo : public TVideoInfo {
- public:
-  using TVideoInfo::TVideoInfo;
-
-  std::vector<ICIMInstance*> GetCIMInstances(std::string className) override {
-    std::vector<PropertyMap> controllers;
-    std::vector<PropertyMap> heads;
-    GetVideoInfo(&controllers, &heads);
-    std::vector<ICIMInstance*> result;
-    GenerateVideoInstances(&result, className == kVideoControllerClass ? controllers : heads, className);
-    return result;
-  }
-};
-
-/// The plug-in's object, for as long as a host holds it.
-class TPlugin {
- public:
-  TPlugin() : m_callbacks(new TDisplayInfoCallbacks) {}
-  ~TPlugin() { m_callbacks->PrepareForUnload(); }
-  TPlugin(const TPlugin&) = delete;
-  TPlugin& operator=(const TPlugin&) = delete;
-
-  TDisplayInfoCallbacks* operator->() { return m_callbacks; }
-
- private:
-  TDisplayInfoCallbacks* m_callbacks;
-};
 
 TMachine MakeMachine(TInput& input) {
   const unsigned int bits = input.TakeByte();
@@ -96,31 +56,6 @@ TMachine MakeMachine(TInput& input) {
       std::make_shared<TMemoryFiles>(std::map<std::string, std::string>{{"/etc/X11/xorg.conf", configuration}});
   machine.bios = std::make_shared<TVirtualVideoBios>(std::move(bios));
   return machine;
-}
-
-TAnswer Collect(const TMachine& machine) {
-  ChooseVideoBios(machine.bios);
-  TEmbeddedHost host(machine.host, {});
-  TPlugin plugin;
-  plugin->Init();
-  const boost::shared_ptr<TCimStore> store = host.GetStore();
-  for (const char* name : {kVideoControllerClass, kVideoHeadClass}) {
-    TFreshVideoInfo collector(store->GetClass(name, TCIMQueryContext()));
-    plugin->RetrieveDataForClass(&collector);
-  }
-  std::vector<boost::shared_ptr<ICIMClass>> classes;
-  for (const std::string& name : kThroughDispatch) classes.push_back(store->GetClass(name, TCIMQueryContext()));
-  plugin->GetData(store, classes);
-  plugin->DeInit();
-
-  const std::vector<TLogEntry>& log = host.GetLog().GetEntries();
-  TRequest request = {kVideoControllerClass, kVideoHeadClass};
-  request.insert(request.end(), kThroughDispatch.begin(), kThroughDispatch.end());
-  return {{plugin->GetName(), plugin->GetVersion(), plugin->GetInterfaceVersion(), plugin->GetType()},
-          {{request, store->TakeCommits(), log}},
-          log,
-          host.GetFileQueries(),
-          machine.edidOrigin};
 }
 
 TInstances Select(const TInstances& instances, const std::string& className) {
@@ -175,7 +110,7 @@ void RequireInert(const std::string& page) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   TInput input(data, size);
-  const TAnswer answer = Collect(MakeMachine(input));
+  const TAnswer answer = CollectHere(MakeMachine(input));
   RequireInstances(answer.requests[0].instances);
   Require(nlohmann::json::accept(RequirePrintable(MakeJsonReport(answer))), "the JSON report parses");
   RequireText(RequirePrintable(MakeTextReport(answer)));

@@ -228,7 +228,7 @@ TEST_F(Command, TellsThatThePluginThrewWhatSaysNothing) {
 }
 
 TEST_F(Command, AnswersWithAMillionLogMessagesAndHowManyMoreThereWere) {
-  const TProcessResult result = RunTrouble("logs-much", "--format json | grep '\"message\"' | uniq -c");
+  const TProcessResult result = RunTrouble("logs-much", "--timeout 3600 --format json | grep '\"message\"' | uniq -c");
   EXPECT_EQ(result.errors, "warning: all further log messages are left out\n");
   // Of the request, and of the run.
   EXPECT_EQ(result.output,

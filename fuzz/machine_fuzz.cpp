@@ -1,0 +1,47 @@
+// A whole captured machine from any bytes, as a stranger may send it: it is refused in one line, or answered within the
+// budgets of log and answer, in a line of JSON that parses. libFuzzer holds it against the time and the memory.
+//
+// Input: the text of machine.json, a zero byte, the configuration, a zero byte, EDIDs (fuzz/input.h).
+#include <nlohmann/json.hpp>
+
+#include "command/base/text_encoding.h"
+#include "command/base/unusable.h"
+#include "command/machine/captured_machine.h"
+#include "command/report/json_report.h"
+#include "fuzz/collect.h"
+#include "fuzz/input.h"
+#include "fuzz/require.h"
+#include "tests/support/captured_machine_builder.h"
+
+namespace {
+
+constexpr std::size_t kMaxLine = std::size_t{64} * 1024 * 1024 + 16;  // with the brackets that close it
+
+void WriteMachine(const TCapturedMachineBuilder& machine, TInput& input) {
+  std::filesystem::remove_all(machine.GetPath() / "edid");
+  machine.Json(input.TakeText());
+  machine.File("root/etc/X11/xorg.conf", input.TakeText());
+  for (const auto& [unit, edid] : input.TakeEdids()) machine.Edid(unit, edid);
+}
+
+/// The machine's line in the answer of a fleet.
+std::string MakeLine(const TCapturedMachineBuilder& machine) try {
+  const TAnswer answer = CollectHere(ReadCapturedMachine(machine.GetPath()));
+  Require(answer.log.size() <= TLog::kMaxEntries + 1, "the log keeps to its budget");
+  return MakeMachineLine("machine", answer);
+} catch (const TUnusable& failure) {
+  return MakeErrorLine("machine", ToPrintable(failure.what()));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const TCapturedMachineBuilder machine;
+  TInput input(data, size);
+  WriteMachine(machine, input);
+  const std::string line = MakeLine(machine);
+  Require(line.size() <= kMaxLine, "the line keeps to its budget");
+  Require(line.find('\n') == line.size() - 1, "it is one line");
+  Require(nlohmann::json::parse(line).at("machine") == "machine", "it names the machine");
+  return 0;
+}
