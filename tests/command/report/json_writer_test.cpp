@@ -1,11 +1,11 @@
 #include "command/report/json_writer.h"
 
 #include <gtest/gtest.h>
-
 #include <utf8.h>
 
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "command/base/text_encoding.h"
 
@@ -104,4 +104,13 @@ TEST(JsonWriter, BeginsAnewAfterItsTextWasTaken) {
   EXPECT_EQ(writer.TakeText(), "1");
   writer.Literal("2");
   EXPECT_EQ(writer.TakeText(), "2");
+}
+
+TEST(JsonWriter, ThrowsAtTheValueThatMakesTheTextTooLong) {
+  TJsonWriter strings(TJsonWriter::ELayout::kOneLine, 12);
+  strings.BeginArray();
+  strings.String("01234567");
+  EXPECT_THROW(strings.String("8"), std::length_error);
+  TJsonWriter literals(TJsonWriter::ELayout::kOneLine, 3);
+  EXPECT_THROW(literals.Literal("12345"), std::length_error);
 }
