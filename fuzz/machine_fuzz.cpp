@@ -30,7 +30,7 @@ std::string MakeLine(const TCapturedMachineBuilder& machine) try {
   Require(answer.log.size() <= TLog::kMaxEntries + 1, "the log keeps to its budget");
   return MakeMachineLine("machine", answer);
 } catch (const TUnusable& failure) {
-  return MakeErrorLine("machine", ToPrintable(failure.what()));
+  return MakeErrorLine("machine", ToMessage(failure.what()));
 }
 
 }  // namespace
