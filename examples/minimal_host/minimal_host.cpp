@@ -157,6 +157,7 @@ int main(int count, char** arguments) {
   void* const library = dlopen(arguments[1], RTLD_NOW);  // the plug-in registers itself
   if (library == nullptr) return std::cerr << "minimal_host: " << dlerror() << "\n", 1;
   IPluginCallbacks* const plugin = g_host->m_plugin;
+  if (plugin == nullptr) return std::cerr << "minimal_host: no plug-in registered\n", 1;
 
   std::vector<boost::shared_ptr<ICIMClass>> classes;
   for (int i = 3; i < count; ++i) classes.push_back(g_host->GetClass(arguments[i], {}));
