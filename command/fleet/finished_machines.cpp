@@ -56,6 +56,7 @@ std::optional<std::string> FindName(const std::string& line) {
 /// The beginnings of a file's lines, one after the other.
 class TLineReader {
  public:
+  // cppcheck-suppress uninitMemberVar ; m_piece is written before it is read
   explicit TLineReader(const fs::path& file) : m_name(file.string()), m_file(open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
     if (!m_file.IsOpen()) Fail();
   }
