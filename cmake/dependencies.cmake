@@ -20,3 +20,7 @@ else()
   set(WITH_REAL_BIOS OFF)
   message(WARNING "libx86emu is missing: this build has the virtual BIOS alone")
 endif()
+
+# What names cards and tells their modes. The headers are those of the build's own architecture, and serve the other too.
+find_path(PCI_INCLUDE_DIR pci/pci.h PATHS /usr/include/x86_64-linux-gnu REQUIRED)
+find_path(DRM_INCLUDE_DIR drm.h PATH_SUFFIXES libdrm REQUIRED)

@@ -1,4 +1,5 @@
 // displayinfo: collects what the plug-in has to say about one machine, and shows it.
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <optional>
@@ -21,8 +22,10 @@
 #include "command/report/html/html_report.h"
 #include "command/report/json_report.h"
 #include "command/report/mof_report.h"
+#include "command/report/output_view.h"
 #include "command/report/schema_document.h"
 #include "command/report/text_report.h"
+#include "embedded_host/schema.h"
 
 namespace {
 
@@ -31,12 +34,26 @@ constexpr int kUnusable = 1;
 
 TMachine ChooseMachine(const TOptions& options) {
   if (!options.machines.empty()) return ReadCapturedMachine(options.machines.front());
-  return MakeThisMachine(options.edidSource);
+  return MakeThisMachine(options.edidSource, options.xconfigSource);
 }
 
-void ShowBiosFailure(const TMachine& machine) {
-  const std::string failure = machine.getBiosFailure();
-  if (!failure.empty()) std::cerr << "displayinfo: " << ToMessage(failure) << '\n';
+void ShowRemark(const std::string& remark) {
+  if (!remark.empty()) std::cerr << "displayinfo: " << ToMessage(remark) << '\n';
+}
+
+bool AsksForMonitors(const TRequest& request) {
+  return std::any_of(request.begin(), request.end(),
+                     [](const std::string& name) { return FindClass(name)->part == EPart::kMonitors; });
+}
+
+/// What the answer does without, and which outputs are not among its monitors.
+void ShowRemarks(const TAnswer& answer) {
+  for (const std::string& note : answer.notes) ShowRemark(note);
+  if (!std::any_of(answer.requests.begin(), answer.requests.end(),
+                   [](const TRequestAnswer& request) { return AsksForMonitors(request.classes); })) {
+    return;
+  }
+  for (const std::string& sentence : ExplainUnlisted(answer)) ShowRemark(sentence);
 }
 
 std::string MakeSchemaDocument(ESchemaFormat format) {
@@ -52,9 +69,9 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
 }
 
 int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
-  const TMachine machine = MakeThisMachine(options.edidSource);
+  const TMachine machine = MakeThisMachine(options.edidSource, options.xconfigSource);
   CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
-  ShowBiosFailure(machine);
+  ShowRemark(machine.getBiosFailure());
   const std::string target = ToPrintable(capture.target.string());
   std::cerr << "displayinfo: captured; displayinfo --machine " << target << " answers as this machine does\n";
   return kDone;
@@ -89,7 +106,8 @@ std::string Answer(const TOptions& options) {
   };
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
   DropPrivileges(false);
-  ShowBiosFailure(machine);
+  ShowRemark(machine.getBiosFailure());
+  ShowRemarks(answer);
   return MakeReport(options.format.value_or(EFormat::kText), answer);
 }
 

@@ -24,6 +24,8 @@ using TNames = std::vector<std::pair<std::string, T>>;
 
 const TNames<EEdidSource> kEdidSources = {
     {"auto", EEdidSource::kAuto}, {"bios", EEdidSource::kBios}, {"drm", EEdidSource::kDrm}};
+const TNames<EXconfigSource> kXconfigSources = {
+    {"auto", EXconfigSource::kAuto}, {"file", EXconfigSource::kFile}, {"kernel", EXconfigSource::kKernel}};
 const TNames<EFormat> kFormats = {
     {"text", EFormat::kText}, {"json", EFormat::kJson}, {"mof", EFormat::kMof}, {"html", EFormat::kHtml}};
 const TNames<ESchemaFormat> kSchemaFormats = {
@@ -136,6 +138,11 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   AddChoice(app, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
       ->excludes(machineOption)
       ->excludes(listOption);
+  AddChoice(app, "--xconfig-source", options.xconfigSource, kXconfigSources,
+            "auto (default)|file|kernel: its X configuration")
+      ->option_text("SOURCE")
+      ->excludes(machineOption)
+      ->excludes(listOption);
   AddChoice(app, "--format", options.format, kFormats, "For people (default), programs, CIM, a browser");
   AddChoice(app, "--log-level", options.logLevel, kLogLevels, "error|warning|status (default)|debug|verbose")
       ->option_text("LEVEL");
@@ -151,13 +158,14 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   capture->add_option("TARGET", captureOptions.target, "FILE.json, or a folder; must not exist")->required();
   capture->add_flag("--anonymous", captureOptions.isAnonymous, "Blank serial numbers and the system's name");
   AddChoice(*capture, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from");
+  AddChoice(*capture, "--xconfig-source", options.xconfigSource, kXconfigSources,
+            "Where its X server's configuration comes from");
   capture->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
 
   app.footer(
       "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
       "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting\n"
-      "Examples: sudo displayinfo --edid-source bios; displayinfo capture ws-17.json\n"
-      "          ls -d captured/* | displayinfo --machines - >answers.jsonl");
+      "Examples: sudo displayinfo --edid-source bios; displayinfo capture ws-17.json");
 
   try {
     app.parse(argumentCount, arguments);

@@ -22,6 +22,7 @@ struct TOptions {
   std::chrono::seconds timeout{60};                  // for each machine
   std::vector<TRequest> requests;                    // at least one
   EEdidSource edidSource = EEdidSource::kAuto;
+  EXconfigSource xconfigSource = EXconfigSource::kAuto;
   std::optional<EFormat> format;
   std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
   std::optional<std::filesystem::path> plugin;  // looked for when absent

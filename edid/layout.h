@@ -24,6 +24,7 @@ constexpr std::array<unsigned char, 8> kHeader = {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 
 
 // Vendor and product [3.4].
 constexpr std::size_t kManufacturer = 8;  // two bytes, big-endian: three letters of five bits, 1 for A
+constexpr std::size_t kProductCode = 10;  // two bytes, the lower first
 constexpr std::size_t kSerialNumber = 12;
 constexpr std::size_t kSerialNumberSize = 4;    // bytes
 constexpr std::size_t kManufacturingWeek = 16;  // 1 to 54
@@ -71,7 +72,14 @@ constexpr unsigned int GetStandardRefresh(unsigned char second) { return (second
 constexpr std::array<std::size_t, 4> kDescriptors = {54, 72, 90, 108};
 constexpr std::size_t kDescriptorSize = 18;  // bytes
 
-// A detailed timing [3.10.2].
+// A detailed timing [3.10.2]. Its numbers of 12 bits have their low eight in a byte of their own.
+constexpr std::size_t kPixelClock = 0;      // two bytes, the lower first, in 10 kHz; 0 in a display descriptor
+constexpr std::size_t kActiveWidth = 2;     // pixels
+constexpr std::size_t kBlankWidth = 3;      // pixels
+constexpr std::size_t kWidthHighBits = 4;   // of the active width in its upper half, of the blank one in its lower
+constexpr std::size_t kActiveHeight = 5;    // lines, of one field when it is interlaced
+constexpr std::size_t kBlankHeight = 6;     // lines
+constexpr std::size_t kHeightHighBits = 7;  // as those of the widths
 constexpr std::size_t kTimingFlags = 17;
 constexpr unsigned char kInterlaced = 0x80;
 

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "command/base/unusable.h"
-#include "command/capture/bios_recorder.h"
 #include "command/capture/document_text.h"
 #include "command/capture/edid_serials.h"
 #include "command/capture/new_target.h"
@@ -42,16 +41,6 @@ std::map<std::string, std::string> ReadFiles(const THostConfiguration& host,
   return files;
 } catch (const NQRXZELT20::TZELTException& failure) {
   throw TUnusable(failure.what() + std::string("; capture as a user who may read it"));
-}
-
-/// Of the units whose EDID was asked for and read.
-std::map<unsigned int, std::string> SelectConnectors(const TMachine& machine, const TVirtualBiosConfiguration& record) {
-  std::map<unsigned int, std::string> connectors;
-  for (const auto& [unit, connector] : machine.connectors) {
-    const auto read = record.units.find(unit);
-    if (read != record.units.end() && !read->second.edid.empty()) connectors[unit] = connector;
-  }
-  return connectors;
 }
 
 void MakeAnonymous(TMachineDocument& machine) {
@@ -103,13 +92,10 @@ void RequireTarget(const fs::path& target) {
 
 }  // namespace
 
-void CaptureMachine(TMachine machine, const fs::path& plugin, const fs::path& target, bool isAnonymous) {
+void CaptureMachine(const TMachine& machine, const fs::path& plugin, const fs::path& target, bool isAnonymous) {
   RequireTarget(target);
-  const auto recorder = std::make_shared<TBiosRecorder>(machine.bios);
-  machine.bios = recorder;
   TAnswer answer = Ask(machine, plugin);
-  const TVirtualBiosConfiguration record = recorder->GetRecord();
-  TMachineDocument document = {machine.host, record, SelectConnectors(machine, record),
+  TMachineDocument document = {machine.host, machine.getUnits(), machine.connectors,
                                ReadFiles(machine.host, answer.fileQueries)};
   if (isAnonymous) {
     // What is blanked is never written. That the rest is right shows before, and that it was written whole afterwards.

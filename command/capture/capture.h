@@ -5,12 +5,13 @@
 
 #include "command/machine/machine.h"
 
-/// Collects all six classes from `machine` with that plug-in, and writes what the plug-in was given, no more, as a
-/// captured machine: the files it looked for and found, the EDIDs as the BIOS gave them, and machine.json. `target`: a
-/// file that ends in .json, or a folder; it must not exist. Before it is done it collects from what it has written, and
-/// throws TUnusable when the answer is another one, or when `target` exists or cannot be written. Then nothing is left.
+/// Collects all six classes from `machine` with that plug-in, and writes down, as a captured machine, the files that
+/// the plug-in looked for and found, what is known of the outputs, and how the host presents the machine; no more.
+/// `target`: a file that ends in .json, or a folder; it must not exist. Before it is done it collects from what it has
+/// written, and throws TUnusable when the answer is another one, or when `target` exists or cannot be written. Then
+/// nothing is left.
 ///
 /// `isAnonymous`: blanks the serial numbers in the EDIDs' base blocks, and the system's name. The files stay as they
 /// are.
-void CaptureMachine(TMachine machine, const std::filesystem::path& plugin, const std::filesystem::path& target,
+void CaptureMachine(const TMachine& machine, const std::filesystem::path& plugin, const std::filesystem::path& target,
                     bool isAnonymous);

@@ -16,13 +16,13 @@ bool IsUtf8(const std::string& text) { return ToUtf8(text) == text; }
 
 ordered_json MakeUnits(const TMachineDocument& machine) {
   ordered_json units = ordered_json::object();
+  for (const auto& [number, connector] : machine.connectors) {
+    units[std::to_string(number)]["connector"] = ToUtf8(connector);
+  }
   for (const auto& [number, unit] : machine.bios.units) {
-    ordered_json json = ordered_json::object();
-    const auto connector = machine.connectors.find(number);
-    if (connector != machine.connectors.end()) json["connector"] = ToUtf8(connector->second);
-    if (unit.failAtBlock) json["failAtBlock"] = *unit.failAtBlock;
-    if (unit.errorAtBlock) json["errorAtBlock"] = *unit.errorAtBlock;
-    if (!json.empty()) units[std::to_string(number)] = json;
+    const std::string name = std::to_string(number);
+    if (unit.failAtBlock) units[name]["failAtBlock"] = *unit.failAtBlock;
+    if (unit.errorAtBlock) units[name]["errorAtBlock"] = *unit.errorAtBlock;
   }
   return units;
 }

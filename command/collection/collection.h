@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "command/machine/machine.h"
+#include "command/machine/outputs.h"
 #include "embedded_host/cim_store.h"
 #include "embedded_host/log.h"
 
@@ -36,6 +37,9 @@ struct TAnswer {
   std::vector<TLogEntry> log;  // of the whole run
   std::vector<TFileQuery> fileQueries;
   TEdidOrigin edidOrigin;
+  std::vector<TOutput> outputs;    // what the command knows of each, in the order of the units
+  std::string xconfigOrigin;       // of a configuration that is no file of the machine; else empty
+  std::vector<std::string> notes;  // what the command did without, a sentence each
 };
 
 /// Runs the requests in order. `logListener` hears of each log message when it is written. Throws TUnusable when the

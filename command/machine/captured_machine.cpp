@@ -132,7 +132,8 @@ TMachineDocument ReadFile(const fs::path& path) {
 TMachine MakeMachine(TMachineDocument document) {
   TMachine machine;
   machine.host = std::move(document.host);
-  machine.bios = std::make_shared<TVirtualVideoBios>(std::move(document.bios));
+  machine.bios = std::make_shared<TVirtualVideoBios>(document.bios);
+  machine.getUnits = [bios = std::move(document.bios)] { return bios; };
   machine.getBiosFailure = [] { return std::string(); };
   machine.connectors = std::move(document.connectors);
   machine.edidOrigin.describe = [connectors = machine.connectors](std::size_t unit) {

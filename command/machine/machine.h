@@ -5,10 +5,10 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "embedded_host/embedded_host.h"
-
-class IVideoBios;
+#include "realmode/virtual_video_bios.h"
 
 /// What a report can say of where the EDIDs came from.
 struct TEdidOrigin {
@@ -23,6 +23,15 @@ struct TMachine {
   /// Why the BIOS could not be called, asked after a collection; empty when it could, or was not needed.
   std::function<std::string()> getBiosFailure;
   TEdidOrigin edidOrigin;
-  /// The output that the EDID of a unit was read from, such as "card0-DP-1", where that is known.
+  /// The output that the EDID of a unit was read from, such as "card0-DP-1", where that is known. An output without an
+  /// EDID is named too.
   std::map<unsigned int, std::string> connectors;
+  /// What is known of the units, asked after a collection: all of them, or those that the plug-in asked a real BIOS
+  /// for.
+  std::function<TVirtualBiosConfiguration()> getUnits;
+  /// Where the X server's configuration comes from when it is no file of the machine, asked after a collection; empty
+  /// when it is one, or does not exist.
+  std::function<std::string()> getXconfigOrigin = [] { return std::string(); };
+  /// What the command did without, asked after a collection: a sentence each.
+  std::function<std::vector<std::string>()> getNotes = [] { return std::vector<std::string>(); };
 };

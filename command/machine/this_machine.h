@@ -4,10 +4,17 @@
 #include <filesystem>
 
 #include "command/machine/machine.h"
+#include "command/machine/xconfig_files.h"
 
 /// Where the EDIDs of this machine come from: the kernel's graphics drivers, the video BIOS, or the drivers if they
 /// have any and else the BIOS.
 enum class EEdidSource { kAuto, kBios, kDrm };
 
-/// This machine, with its own files. `drmFolder`: where the kernel shows its graphics outputs.
-TMachine MakeThisMachine(EEdidSource source, const std::filesystem::path& drmFolder = "/sys/class/drm");
+/// Where the kernel shows what it knows of the graphics.
+struct TKernelFolders {
+  std::filesystem::path cards = "/sys/class/drm";
+  std::filesystem::path devices = "/dev/dri";
+};
+
+/// This machine, with its own files.
+TMachine MakeThisMachine(EEdidSource edidSource, EXconfigSource xconfigSource, const TKernelFolders& folders = {});

@@ -3,8 +3,10 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "command/base/base64.h"
 #include "command/base/unusable.h"
 #include "command/report/json_writer.h"
+#include "command/report/output_view.h"
 
 using NQRXZELT20::TCIMValue;
 
@@ -105,6 +107,60 @@ void WritePlugin(TJsonWriter& json, const TPluginIdentity& plugin) {
   json.EndObject();
 }
 
+/// The members that only an EDID of version 1 has a value for, and then not always.
+void WriteFacts(TJsonWriter& json, const TEdidFacts& facts) {
+  json.Key("productCode");
+  json.Literal(std::to_string(facts.productCode));
+  if (facts.serialNumber) {
+    json.Key("serialNumber");
+    json.Literal(std::to_string(*facts.serialNumber));
+  }
+  if (facts.preferredMode) {
+    json.Key("preferredMode");
+    json.BeginObject();
+    json.Key("width");
+    json.Literal(std::to_string(facts.preferredMode->width));
+    json.Key("height");
+    json.Literal(std::to_string(facts.preferredMode->height));
+    json.Key("refresh");
+    json.Literal(WriteRefresh(*facts.preferredMode));
+    json.EndObject();
+  }
+  if (facts.diagonalInches) {
+    json.Key("diagonalInches");
+    json.Literal(WriteDiagonal(*facts.diagonalInches));
+  }
+}
+
+/// Members without a value are left out, but for the device id.
+void WriteOutput(TJsonWriter& json, const TOutput& output) {
+  json.BeginObject();
+  json.Key("unit");
+  json.Literal(std::to_string(output.unit));
+  if (!output.connector.empty()) WriteMember(json, "connector", output.connector);
+  json.Key("deviceID");
+  if (output.deviceId) {
+    json.String(*output.deviceId);
+  } else {
+    json.Literal("null");
+    WriteMember(json, "reason", output.reason);
+  }
+  if (output.facts) {
+    if (output.facts->isVersion1) WriteFacts(json, *output.facts);
+    json.Key("checksums");
+    json.Literal(output.facts->hasValidChecksums ? "true" : "false");
+    WriteMember(json, "edid", EncodeBase64(std::string(output.edid.begin(), output.edid.end())));
+  }
+  json.EndObject();
+}
+
+void WriteOutputs(TJsonWriter& json, const std::vector<TOutput>& outputs) {
+  json.Key("outputs");
+  json.BeginArray();
+  for (const TOutput& output : outputs) WriteOutput(json, output);
+  json.EndArray();
+}
+
 /// The members of the answer's object.
 void WriteAnswer(TJsonWriter& json, const TAnswer& answer) {
   WritePlugin(json, answer.plugin);
@@ -112,6 +168,7 @@ void WriteAnswer(TJsonWriter& json, const TAnswer& answer) {
   json.BeginArray();
   for (const TRequestAnswer& request : answer.requests) WriteRequest(json, request);
   json.EndArray();
+  WriteOutputs(json, answer.outputs);
   WriteLog(json, answer.log);
 }
 

@@ -93,6 +93,29 @@ ordered_json MakeLogSchema() {
   return MakeArray(MakeObject({{"severity", {{"enum", severities}}}, {"message", {{"type", "string"}}}}));
 }
 
+/// Beside the plug-in's instances, and never one of them: what the command itself reads out of the EDIDs.
+ordered_json MakeOutputSchema() {
+  const ordered_json number = {{"type", "integer"}, {"minimum", 0}};
+  const ordered_json real = {{"type", "number"}, {"exclusiveMinimum", 0}};
+  const ordered_json text = {{"type", "string"}};
+  ordered_json schema =
+      MakeObject({{"unit", number},
+                  {"connector", text},
+                  {"deviceID", {{"type", {"string", "null"}}}},
+                  {"reason", text},
+                  {"productCode", number},
+                  {"serialNumber", number},
+                  {"preferredMode", MakeObject({{"width", number}, {"height", number}, {"refresh", real}})},
+                  {"diagonalInches", real},
+                  {"checksums", {{"type", "boolean"}}},
+                  {"edid", text}});
+  schema["required"] = {"unit", "deviceID"};
+  schema["description"] =
+      "What the command itself knows of the output that a unit of the video BIOS stands for: not "
+      "the plug-in's";
+  return schema;
+}
+
 }  // namespace
 
 std::string MakeSchemaText() {
@@ -137,6 +160,7 @@ std::string MakeJsonSchema() {
        {"requests", MakeArray(MakeObject({{"classes", MakeArray({{"enum", names}})},
                                           {"instances", MakeArray({{"oneOf", instances}})},
                                           {"log", log}}))},
+       {"outputs", MakeArray(MakeOutputSchema())},
        {"log", log}}));
   schema["$defs"] = {{"log", MakeLogSchema()}};
   return schema.dump(2) + "\n";

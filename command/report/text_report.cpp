@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "command/report/output_view.h"
 #include "command/report/request_view.h"
 
 namespace {
@@ -122,6 +123,7 @@ class TRequestReport {
  private:
   std::string MakeVideo() const {
     std::string text = "Video controllers\n";
+    if (!m_answer.xconfigOrigin.empty()) text += Wrap("  X configuration ", m_answer.xconfigOrigin);
     if (m_view.GetControllers().empty() && m_view.GetLooseHeads().empty()) {
       text += Wrap("  None: ", ExplainNoControllers(m_answer));
     }
@@ -148,8 +150,17 @@ class TRequestReport {
         text += MakeRows("    ", kMonitorRows, *monitor);
         text += MakeRow("    ", "EDID read from", GetEdidSource(*monitor, m_answer));
       }
-      text += MakeModes(modes);
+      text += MakeOutput(id) + MakeModes(modes);
     }
+    for (const std::string& sentence : ExplainUnlisted(m_answer)) text += Wrap("  ", sentence + ".");
+    return text;
+  }
+
+  std::string MakeOutput(const std::string& deviceId) const {
+    const TOutput* const output = FindOutput(m_answer, deviceId);
+    std::string text;
+    if (output == nullptr) return text;
+    for (const auto& [label, content] : DescribeOutput(m_answer, *output)) text += MakeRow("    ", label, content);
     return text;
   }
 

@@ -300,7 +300,7 @@ TEST_F(Command, SaysThatTheBiosCouldNotBeReadWhenItCaptures) {
   const std::string powerless = geteuid() == 0 ? "setpriv --bounding-set=-all " : "";
   const TProcessResult result = RunShell(powerless + kCommand + " capture --edid-source bios " + target);
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.errors, HasSubstr("; a captured machine (--machine DIR) does without it\n"));
+  EXPECT_THAT(result.errors, HasSubstr("; a captured machine (--machine PATH) does without it\n"));
   EXPECT_EQ(json::parse(RunShell("cat " + target).output)["bios"]["present"], false);
 }
 

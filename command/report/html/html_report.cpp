@@ -6,6 +6,7 @@
 #include "command/report/html/html_picture.h"
 #include "command/report/html/html_plot.h"
 #include "command/report/html/html_style.h"
+#include "command/report/output_view.h"
 
 namespace {
 
@@ -101,7 +102,9 @@ class TRequestSection {
   }
 
   TMarkup MakeVideo() const {
-    if (!m_view.GetControllers().empty() || !m_view.GetLooseHeads().empty()) return MakeVideoPicture(m_view);
+    const std::string& origin = m_answer.xconfigOrigin;
+    const TMarkup remark = origin.empty() ? TMarkup() : Element("p", "soft", "X configuration " + origin);
+    if (!m_view.GetControllers().empty() || !m_view.GetLooseHeads().empty()) return MakeVideoPicture(m_view) + remark;
     return Element("p", "None: " + ExplainNoControllers(m_answer));
   }
 
@@ -111,8 +114,18 @@ class TRequestSection {
     for (const auto& [id, monitor, modes] : m_view.GetMonitors()) {
       const std::string source = monitor ? GetEdidSource(*monitor, m_answer) : std::string();
       if (!source.empty()) sources += Element("p", "soft", id + ": EDID read from " + source);
+      sources += MakeOutput(id);
     }
+    for (const std::string& sentence : ExplainUnlisted(m_answer)) sources += Element("p", sentence + ".");
     return MakeMonitorsPicture(m_view) + sources;
+  }
+
+  TMarkup MakeOutput(const std::string& deviceId) const {
+    const TOutput* const output = FindOutput(m_answer, deviceId);
+    std::vector<std::string> texts;
+    if (output == nullptr) return {};
+    for (const auto& [label, text] : DescribeOutput(m_answer, *output)) texts.push_back(label + (": " + text));
+    return texts.empty() ? TMarkup() : Element("p", "soft", deviceId + ": " + JoinTexts(texts));
   }
 
   TMarkup MakePlots() const {

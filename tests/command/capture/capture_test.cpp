@@ -108,13 +108,13 @@ TEST_F(Capture, IsAnsweredAsTheMachineWasWhateverItsBiosDoes) {
   }
 }
 
-TEST_F(Capture, HoldsTheFilesThatWereFoundAndTheEdidsThatWereReadAlone) {
+TEST_F(Capture, HoldsTheFilesThatWereFoundAndTheEdidsOfTheMachine) {
   live.File("root/etc/X11/xorg.conf", "Section \"Device\"\n  Identifier \"a\"\nEndSection\n")
       .File("root/etc/passwd", "secret")
       .Edid(0, TEdidBuilder().Build())
       .Edid(2, TEdidBuilder().Build());
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
-  EXPECT_EQ(List(), "./edid/0.bin\n./machine.json\n./root/etc/X11/xorg.conf\n");
+  EXPECT_EQ(List(), "./edid/0.bin\n./edid/2.bin\n./machine.json\n./root/etc/X11/xorg.conf\n");
   EXPECT_EQ(Read("root/etc/X11/xorg.conf"), "Section \"Device\"\n  Identifier \"a\"\nEndSection\n");
 }
 
@@ -196,13 +196,13 @@ TEST_F(Capture, InOneFileMustFitIntoOneThatCanBeRead) {
   EXPECT_FALSE(fs::exists(whole));
 }
 
-TEST_F(Capture, NamesTheOutputsOfItsEdids) {
+TEST_F(Capture, NamesEveryOutput) {
   live.Json(R"({"bios": {"units": {"0": {"connector": "card0-DP-1"}, "7": {"connector": "card0-DP-8"}}}})")
       .Edid(0, TEdidBuilder().Build());
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
   for (const fs::path& captured : {target, document}) {
-    EXPECT_THAT(ReadCapturedMachine(captured).connectors, ElementsAre(Pair(0, "card0-DP-1")));
+    EXPECT_THAT(ReadCapturedMachine(captured).connectors, ElementsAre(Pair(0, "card0-DP-1"), Pair(7, "card0-DP-8")));
   }
 }
 

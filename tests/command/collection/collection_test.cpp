@@ -4,6 +4,7 @@
 
 #include "command/base/unusable.h"
 #include "command/machine/captured_machine.h"
+#include "command/machine/xconfig_files.h"
 #include "realmode/choose_bios.h"
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
@@ -51,6 +52,76 @@ TEST_F(Collection, TellsWhichPluginAnswered) {
   EXPECT_EQ(plugin.version, "1.0");
   EXPECT_EQ(plugin.interfaceVersion, "1.0");
   EXPECT_EQ(plugin.type, 0);
+}
+
+/// Has no file, and notes which were asked for.
+class TAskedFiles : public IMachineFiles {
+ public:
+  bool Exists(const std::string& path) const override {
+    m_asked.push_back(path);
+    return false;
+  }
+  std::string Read(const std::string&) const override { return {}; }
+
+  const std::vector<std::string>& GetAsked() const { return m_asked; }
+
+ private:
+  mutable std::vector<std::string> m_asked;
+};
+
+// What makes a configuration when there is no file of one must know every file that there could be.
+TEST_F(Collection, AsksForTheConfigurationsWhoseAbsenceMakesOneOfTheKernel) {
+  const auto asked = std::make_shared<TAskedFiles>();
+  const TXconfigFiles kernel(asked, EXconfigSource::kAuto, [] { return "made"; });
+  EXPECT_TRUE(kernel.Exists("/etc/X11/xorg.conf"));
+  std::vector<std::string> queries;
+  for (const TFileQuery& query : Run({{"QRXSG_VideoController"}}).fileQueries) queries.push_back(query.path);
+  EXPECT_EQ(asked->GetAsked(), queries);
+}
+
+TEST_F(Collection, TellsWhatTheMachineKnowsOfItsOutputsAndItsConfiguration) {
+  machine.Edid(0, TEdidBuilder().Name(0, "A").Build()).Edid(1, TEdidBuilder().Name(0, "A").Build());
+  TMachine captured = ReadCapturedMachine(machine.GetPath());
+  captured.connectors[1] = "card0-DP-2";
+  captured.getXconfigOrigin = [] { return "made"; };
+  captured.getNotes = [] { return std::vector<std::string>{"no names"}; };
+  const TAnswer answer = Collect(captured, PLUGIN_FILE, {{"QRXSG_DesktopMonitor"}}, {});
+  ASSERT_THAT(answer.outputs, SizeIs(2));
+  EXPECT_EQ(answer.outputs[0].deviceId, "Monitor 1");
+  EXPECT_EQ(answer.outputs[1].connector, "card0-DP-2");
+  EXPECT_EQ(answer.outputs[1].reason, "its EDID repeats that of unit 0");
+  EXPECT_EQ(answer.xconfigOrigin, "made");
+  EXPECT_THAT(answer.notes, ElementsAre("no names"));
+}
+
+// The command says of each output what the plug-in does with it, without asking it.
+TEST_F(Collection, ListsTheMonitorsThatTheOutputsSay) {
+  const char* const machines[] = {"{}",
+                                  R"({"bios": {"ignoresUnit": true}})",
+                                  R"({"bios": {"present": false}})",
+                                  R"({"bios": {"memory": false}})",
+                                  R"({"systemType": 1})",
+                                  R"({"bios": {"units": {"0": {"failAtBlock": 0}}}})",
+                                  R"({"bios": {"units": {"1": {"errorAtBlock": 0}}}})",
+                                  R"({"bios": {"units": {"1": {"failAtBlock": 1}}}})"};
+  const std::vector<std::uint8_t> edids[] = {TEdidBuilder().Name(0, "A").Build(),
+                                             TEdidBuilder().Name(0, "B").Extension({0x40}).Build(),
+                                             TEdidBuilder().Name(0, "B").Build(), TEdidBuilder().Version(2, 0).Build()};
+  for (const char* const json : machines) {
+    for (unsigned int choice = 0; choice < 64; ++choice) {
+      const TCapturedMachineBuilder made;
+      made.Json(json).Edid(0, edids[choice % 4]).Edid(1, edids[choice / 4 % 4]).Edid(2, edids[choice / 16]);
+      const TAnswer answer = Collect(ReadCapturedMachine(made.GetPath()), PLUGIN_FILE, {{"QRXSG_DesktopMonitor"}}, {});
+      std::vector<std::string> listed;
+      for (const auto& instance : answer.requests[0].instances)
+        listed.push_back(instance->GetProperties().at("DeviceID"));
+      std::vector<std::string> told;
+      for (const TOutput& output : answer.outputs) {
+        if (output.deviceId) told.push_back(*output.deviceId);
+      }
+      EXPECT_EQ(told, listed) << json << ", " << choice;
+    }
+  }
 }
 
 TEST_F(Collection, TellsWhereTheEdidsCameFrom) {

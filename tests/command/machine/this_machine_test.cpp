@@ -1,108 +1,132 @@
-// Where the EDIDs of this machine come from, over a made-up folder of graphics outputs.
+// Where this machine's EDIDs and its X server's configuration come from, over made-up folders of the kernel's.
+#include "command/machine/this_machine.h"
+
 #include <gmock/gmock.h>
 
-#include "command/machine/drm_edids.h"
+#include "command/machine/bios_recorder.h"
 #include "command/machine/host_name.h"
-#include "command/machine/machine.h"
-#include "command/machine/this_machine.h"
-#include "realmode/real_video_bios.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/temporary_folder.h"
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Pair;
 
 namespace {
 
+constexpr const char* kMadeFile = "/etc/X11/xorg.conf";
+
 class ThisMachine : public testing::Test {
  protected:
-  void AddOutput(const std::string& connector, const std::string& status, const std::vector<std::uint8_t>& edid) const {
-    drm.Write(connector + "/status", status + "\n");
-    drm.Write(connector + "/edid", std::string(edid.begin(), edid.end()));
+  void AddOutput(const std::string& connector, const std::string& name) const {
+    const std::vector<std::uint8_t> edid = TEdidBuilder().Name(0, name).Build();
+    AddOutputWithEdid(connector, std::string(edid.begin(), edid.end()));
   }
 
-  std::vector<std::string> GetConnectors() const {
-    std::vector<std::string> connectors;
-    for (const TDrmEdid& edid : ReadDrmEdids(drm.GetPath())) connectors.push_back(edid.connector);
-    return connectors;
+  void AddOutputWithEdid(const std::string& connector, const std::string& edid) const {
+    drm.Write(connector.substr(0, connector.find('-')) + "/dev", "226:0\n");
+    drm.Write(connector + "/status", "connected\n");
+    drm.Write(connector + "/edid", edid);
+  }
+
+  TMachine Make(EEdidSource edids, EXconfigSource xconfig = EXconfigSource::kFile) const {
+    return MakeThisMachine(edids, xconfig, {drm.GetPath(), drm.GetPath() / "devices"});
   }
 
   static bool HasRealBios(const TMachine& machine) {
-    return dynamic_cast<TRealVideoBios*>(machine.bios.get()) != nullptr;
+    return dynamic_cast<TBiosRecorder*>(machine.bios.get()) != nullptr;
   }
 
   TTemporaryFolder drm;
-  const std::vector<std::uint8_t> whole = TEdidBuilder().Name(0, "A").Build();
 };
 
 }  // namespace
 
-TEST_F(ThisMachine, TakesTheEdidsOfConnectedOutputsInTheOrderOfTheirConnectors) {
-  for (const char* connector : {"card1-DP-1", "card0-DP-10", "card0-DP-2", "card0-HDMI-A-1"}) {
-    AddOutput(connector, "connected", whole);
-  }
-  AddOutput("card0-DP-1", "disconnected", whole);
-  drm.Write("version", "drm 1.1.0 20060810");
-  EXPECT_THAT(GetConnectors(), ElementsAre("card0-DP-2", "card0-DP-10", "card0-HDMI-A-1", "card1-DP-1"));
-}
-
-TEST_F(ThisMachine, PassesOverAnOutputWithoutAnEdid) {
-  AddOutput("card0-VGA-1", "connected", {});
-  AddOutput("card0-VGA-2", "connected", std::vector<std::uint8_t>(127));
-  EXPECT_THAT(GetConnectors(), IsEmpty());
-}
-
-TEST_F(ThisMachine, TakesWholeBlocksAlone) {
-  std::vector<std::uint8_t> cut = whole;
-  cut.resize(200);
-  AddOutput("card0-DP-1", "connected", cut);
-  EXPECT_EQ(ReadDrmEdids(drm.GetPath()).at(0).bytes, whole);
-}
-
-TEST_F(ThisMachine, HasNoOutputsWithoutTheFolder) { EXPECT_THAT(ReadDrmEdids(drm.GetPath() / "none"), IsEmpty()); }
-
 TEST_F(ThisMachine, ServesTheOutputsAsUnitsAndNamesThem) {
-  AddOutput("card0-DP-1", "connected", whole);
-  AddOutput("card0-DP-2", "connected", whole);
-  const TMachine machine = MakeThisMachine(EEdidSource::kDrm, drm.GetPath());
+  AddOutput("card0-DP-1", "A");
+  AddOutput("card0-DP-2", "B");
+  const TMachine machine = Make(EEdidSource::kDrm);
   EXPECT_FALSE(HasRealBios(machine));
   EXPECT_EQ(machine.edidOrigin.describe(1), "card0-DP-2 in " + drm.GetPath().string());
-  EXPECT_EQ(machine.connectors.at(0), "card0-DP-1");
-  EXPECT_EQ(machine.connectors.at(1), "card0-DP-2");
+  EXPECT_THAT(machine.connectors, ElementsAre(Pair(0, "card0-DP-1"), Pair(1, "card0-DP-2")));
+  EXPECT_EQ(machine.getUnits().units.at(1).edid, TEdidBuilder().Name(0, "B").Build());
   EXPECT_EQ(machine.getBiosFailure(), "");
 }
 
-TEST_F(ThisMachine, ByItselfPrefersTheOutputsToTheBios) {
-  AddOutput("card0-DP-1", "connected", whole);
-  EXPECT_FALSE(HasRealBios(MakeThisMachine(EEdidSource::kAuto, drm.GetPath())));
+TEST_F(ThisMachine, KeepsEqualEdidsApart) {
+  AddOutput("card0-DP-1", "A");
+  AddOutput("card0-DP-2", "A");
+  AddOutput("card1-DP-1", "B");
+  EXPECT_THAT(Make(EEdidSource::kDrm).connectors,
+              ElementsAre(Pair(0, "card0-DP-1"), Pair(1, "card1-DP-1"), Pair(2, "card0-DP-2")));
 }
 
-TEST_F(ThisMachine, ByItselfAsksTheBiosWithoutOutputs) {
-  const TMachine machine = MakeThisMachine(EEdidSource::kAuto, drm.GetPath());
+TEST_F(ThisMachine, NamesOutputsWithoutAnEdidAfterTheOthers) {
+  AddOutputWithEdid("card0-DP-1", "");
+  AddOutput("card0-DP-2", "A");
+  const TMachine machine = Make(EEdidSource::kDrm);
+  EXPECT_THAT(machine.connectors, ElementsAre(Pair(0, "card0-DP-2"), Pair(1, "card0-DP-1")));
+  EXPECT_EQ(machine.getUnits().units.size(), 1U);
+}
+
+TEST_F(ThisMachine, ByItselfPrefersTheOutputsToTheBios) {
+  AddOutput("card0-DP-1", "A");
+  EXPECT_FALSE(HasRealBios(Make(EEdidSource::kAuto)));
+}
+
+TEST_F(ThisMachine, ByItselfAsksTheBiosWithoutAnyEdid) {
+  AddOutputWithEdid("card0-DP-1", "");
+  const TMachine machine = Make(EEdidSource::kAuto);
   EXPECT_TRUE(HasRealBios(machine));
   EXPECT_EQ(machine.edidOrigin.describe(1), "video BIOS, unit 1");
 }
 
 TEST_F(ThisMachine, AsksTheBiosWhenToldToAlthoughThereAreOutputs) {
-  AddOutput("card0-DP-1", "connected", whole);
-  EXPECT_TRUE(HasRealBios(MakeThisMachine(EEdidSource::kBios, drm.GetPath())));
+  AddOutput("card0-DP-1", "A");
+  EXPECT_TRUE(HasRealBios(Make(EEdidSource::kBios)));
 }
 
 TEST_F(ThisMachine, SaysThatNoOutputHasAnEdidWhenToldToAskThem) {
-  const TMachine machine = MakeThisMachine(EEdidSource::kDrm, drm.GetPath());
+  const TMachine machine = Make(EEdidSource::kDrm);
   EXPECT_FALSE(HasRealBios(machine));
   EXPECT_EQ(machine.edidOrigin.none, "no connected output in " + drm.GetPath().string() + " has an EDID.");
 }
 
+TEST_F(ThisMachine, HasTheConfigurationOfTheKernelInTheOrderOfTheUnits) {
+  AddOutput("card0-DP-1", "A");
+  AddOutput("card0-DP-2", "A");
+  AddOutput("card1-DP-1", "B");
+  const TMachine machine = Make(EEdidSource::kDrm, EXconfigSource::kKernel);
+  const std::string text = machine.host.files->Read(kMadeFile);
+  EXPECT_LT(text.find("Identifier \"card0-DP-1\""), text.find("Identifier \"card1-DP-1\""));
+  EXPECT_LT(text.find("Identifier \"card1-DP-1\""), text.find("Identifier \"card0-DP-2\""));
+}
+
+TEST_F(ThisMachine, SaysThatItsConfigurationWasMadeOnceItWasAskedFor) {
+  AddOutput("card0-DP-1", "A");
+  const TMachine machine = Make(EEdidSource::kDrm, EXconfigSource::kKernel);
+  EXPECT_EQ(machine.getXconfigOrigin(), "");
+  EXPECT_TRUE(machine.host.files->Exists(kMadeFile));
+  EXPECT_EQ(machine.getXconfigOrigin(), "made from what the kernel knows in " + drm.GetPath().string());
+}
+
+TEST_F(ThisMachine, HasNoConfigurationOfAKernelThatKnowsNoCard) {
+  const TMachine machine = Make(EEdidSource::kDrm, EXconfigSource::kKernel);
+  EXPECT_FALSE(machine.host.files->Exists(kMadeFile));
+  EXPECT_EQ(machine.getXconfigOrigin(), "");
+  EXPECT_THAT(machine.getNotes(), IsEmpty());
+}
+
 TEST_F(ThisMachine, HasTheNameOfItsSystem) {
   ASSERT_NE(GetHostName(), "");
-  EXPECT_EQ(MakeThisMachine(EEdidSource::kDrm, drm.GetPath()).host.systemName, GetHostName());
+  EXPECT_EQ(Make(EEdidSource::kDrm).host.systemName, GetHostName());
 }
 
 TEST_F(ThisMachine, HasItsOwnFilesWhereverLinksLead) {
   drm.Write("file", "its own");
   std::filesystem::create_symlink(drm.GetPath() / "file", drm.GetPath() / "link");
-  const TMachine machine = MakeThisMachine(EEdidSource::kDrm, drm.GetPath());
+  const TMachine machine = Make(EEdidSource::kDrm);
   EXPECT_EQ(machine.host.files->Read(drm.GetPath() / "file"), "its own");
   EXPECT_EQ(machine.host.files->Read(drm.GetPath() / "link"), "its own");
   EXPECT_FALSE(machine.host.files->Exists(drm.GetPath() / "none"));

@@ -36,12 +36,45 @@ class JsonReport : public testing::Test {
   }
 };
 
+/// An output with a value for everything.
+TOutput MakeOutput(unsigned int unit) {
+  TEdidFacts facts;
+  facts.isVersion1 = true;
+  facts.productCode = 0x1234;
+  facts.serialNumber = 0x12345678;
+  facts.preferredMode = {3840, 2160, 59.9966};
+  facts.diagonalInches = 27.16;
+  facts.hasValidChecksums = true;
+  return {unit, "card0-DP-1", std::nullopt, "", facts, {0x00, 0xFF}};
+}
+
 }  // namespace
+
+TEST_F(JsonReport, LeavesOutWhatAnOutputHasNoValueFor) {
+  TAnswer answer;
+  answer.outputs = {{0, "", std::nullopt, "it is broken", TEdidFacts(), {0x00, 0xFF}},
+                    {1, "card0-DP-2", std::nullopt, "its EDID is missing", std::nullopt, {}}};
+  EXPECT_EQ(json::parse(MakeJsonReport(answer))["outputs"], json::parse(R"([
+    {"unit": 0, "deviceID": null, "reason": "it is broken", "checksums": false, "edid": "AP8="},
+    {"unit": 1, "connector": "card0-DP-2", "deviceID": null, "reason": "its EDID is missing"}])"));
+}
+
+TEST_F(JsonReport, WritesRatesWithThreeDecimalsAndInchesWithOne) {
+  TAnswer answer;
+  answer.outputs = {MakeOutput(0)};
+  answer.outputs[0].facts->preferredMode->refresh = 60;
+  answer.outputs[0].facts->diagonalInches = 27;
+  const std::string text = MakeJsonReport(answer);
+  EXPECT_THAT(text, testing::HasSubstr("\"refresh\": 60.000\n"));
+  EXPECT_THAT(text, testing::HasSubstr("\"diagonalInches\": 27.0,\n"));
+}
 
 TEST_F(JsonReport, HoldsTheWholeAnswer) {
   TAnswer answer = AnswerWith({{"DeviceID", TCIMValue("Monitor 1")}});
   answer.requests[0].log = {{ILogger::kDebug, "asked"}};
   answer.log = {{ILogger::kStatus, "begun"}, {ILogger::kDebug, "asked"}};
+  answer.outputs = {MakeOutput(0)};
+  answer.outputs[0].deviceId = "Monitor 1";
   EXPECT_EQ(json::parse(MakeJsonReport(answer)), json::parse(R"({
     "plugin": {"name": "A plug-in", "version": "1.2", "interfaceVersion": "1.0", "type": 0},
     "requests": [{
@@ -51,6 +84,9 @@ TEST_F(JsonReport, HoldsTheWholeAnswer) {
         "path": "QRXSG_DesktopMonitor.DeviceID=\"Monitor 1\"",
         "properties": {"DeviceID": {"type": "string", "value": "Monitor 1"}}}],
       "log": [{"severity": "debug", "message": "asked"}]}],
+    "outputs": [{"unit": 0, "connector": "card0-DP-1", "deviceID": "Monitor 1", "productCode": 4660,
+                 "serialNumber": 305419896, "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
+                 "diagonalInches": 27.2, "checksums": true, "edid": "AP8="}],
     "log": [{"severity": "status", "message": "begun"}, {"severity": "debug", "message": "asked"}]})"));
 }
 

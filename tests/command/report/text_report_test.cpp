@@ -262,3 +262,27 @@ TEST_F(TextReport, TellsWhyThereIsNoMonitorByWhereEdidsComeFrom) {
   answer.edidOrigin.none = "nothing is connected.";
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}), "Monitors\n  None: nothing is connected.\n");
 }
+
+TEST_F(TextReport, ShowsWhatTheOutputOfAMonitorSaysUnderIt) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
+  TEdidFacts facts;
+  facts.isVersion1 = true;
+  facts.productCode = 7;
+  facts.hasValidChecksums = true;
+  facts.preferredMode = {3840, 2160, 59.9966};
+  answer.outputs = {{0, "card0-DP-1", "Monitor 1", "", facts, {}}};
+  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("    Preferred mode    3840 x 2160 at 59.997 Hz\n"
+                                                        "    Product code      7\n"));
+}
+
+TEST_F(TextReport, NamesTheOutputsThatAreNotListed) {
+  answer.outputs = {{1, "card0-DP-2", std::nullopt, "its EDID repeats that of unit 0", std::nullopt, {}}};
+  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}),
+              HasSubstr("  card0-DP-2 (unit 1) is not listed: its EDID repeats that of unit 0.\n"));
+}
+
+TEST_F(TextReport, SaysWhereAMadeConfigurationComesFrom) {
+  answer.xconfigOrigin = "made from what the kernel knows in /sys/class/drm";
+  EXPECT_THAT(Make({"QRXSG_VideoController"}),
+              HasSubstr("  X configuration made from what the kernel knows in /sys/class/drm\n"));
+}

@@ -296,3 +296,16 @@ TEST_F(HtmlReport, HeadsEachOfSeveralRequests) {
   EXPECT_THAT(FindAll(Make({"QRXSG_DesktopMonitor", "QRXSG_MonitorSetting"}), "<section><h2>([^<]+)</h2>"),
               ElementsAre("Request: QRXSG_VideoHead", "Request: QRXSG_DesktopMonitor, QRXSG_MonitorSetting"));
 }
+
+TEST_F(HtmlReport, SaysWhatTheOutputsAreAndWhichAreNotListed) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
+  TEdidFacts facts;
+  facts.isVersion1 = true;
+  facts.productCode = 7;
+  facts.hasValidChecksums = true;
+  answer.outputs = {{0, "a<b", "Monitor 1", "", facts, {}},
+                    {1, "a<b", std::nullopt, "its EDID repeats that of unit 0", facts, {}}};
+  const std::string page = Make({"QRXSG_DesktopMonitor"});
+  EXPECT_THAT(page, HasSubstr(">Monitor 1: Product code: 7, Serial in header: none; a&lt;b (unit 1) is of the same"));
+  EXPECT_THAT(page, HasSubstr("<p>a&lt;b (unit 1) is not listed: its EDID repeats that of unit 0.</p>"));
+}

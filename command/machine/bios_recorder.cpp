@@ -1,13 +1,12 @@
-#include "command/capture/bios_recorder.h"
+#include "command/machine/bios_recorder.h"
 
+#include "edid/layout.h"
 #include "realmode/real_mode_memory.h"
 
 namespace {
 
-constexpr std::size_t kBlockSize = 128;  // bytes
-
 bool HasRoom(TRealModeMemory& memory) {
-  void* const buffer = memory.Allocate(kBlockSize);
+  void* const buffer = memory.Allocate(edid::kBlockSize);
   memory.Release(buffer);
   return buffer != nullptr;
 }
@@ -33,7 +32,7 @@ bool TBiosRecorder::Interrupt(int number, LRMI_regs& registers, TRealModeMemory&
     blocks.push_back({hasReturned ? EResult::kError : EResult::kNoReturn, {}});
   } else {
     const std::uint8_t* const bytes = memory.At(asked.es * 16U + (asked.edi & 0xFFFF));
-    blocks.push_back({EResult::kRead, {bytes, bytes + kBlockSize}});
+    blocks.push_back({EResult::kRead, {bytes, bytes + edid::kBlockSize}});
   }
   return hasReturned;
 }

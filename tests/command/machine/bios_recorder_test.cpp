@@ -1,4 +1,4 @@
-#include "command/capture/bios_recorder.h"
+#include "command/machine/bios_recorder.h"
 
 #include <gtest/gtest.h>
 

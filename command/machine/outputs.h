@@ -1,0 +1,25 @@
+// The outputs of a machine: what the command itself knows of each monitor, beside what the plug-in reports.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "command/machine/edid_facts.h"
+#include "realmode/virtual_video_bios.h"
+
+struct TOutput {
+  unsigned int unit;                    // of the video BIOS
+  std::string connector;                // that the EDID was read from; empty when that is not known
+  std::optional<std::string> deviceId;  // under which the plug-in reports the monitor
+  std::string reason;                   // why it does not; empty when it does
+  std::optional<TEdidFacts> facts;      // nothing for an output without an EDID
+  std::vector<std::uint8_t> edid;       // whole 128-byte blocks
+};
+
+/// Every unit that has an EDID or a connector, in the order of the units. `connectors`: of the units, as far as they
+/// are known. `systemType`: what the host tells the plug-in of the kind of system it runs on.
+std::vector<TOutput> MakeOutputs(const TVirtualBiosConfiguration& bios,
+                                 const std::map<unsigned int, std::string>& connectors, int systemType);

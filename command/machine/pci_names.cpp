@@ -1,0 +1,71 @@
+#include "command/machine/pci_names.h"
+
+#include <pci/pci.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include "command/base/shared_library.h"
+
+namespace {
+
+/// The library's messages are for lspci: here a number stands for what it cannot say.
+void Ignore(char*, ...) {}
+
+/// It is called when there is no memory left, and must not come back.
+[[noreturn]] void End(char*, ...) { std::abort(); }
+
+std::string WriteNumber(std::uint16_t number) {
+  std::array<char, 8> text = {};
+  std::snprintf(text.data(), text.size(), "0x%04x", number);
+  return text.data();
+}
+
+}  // namespace
+
+struct TPciNames::TLibrary {
+  TSharedLibrary library{"libpci.so.3"};
+  decltype(pci_alloc)* alloc = library.Find<decltype(pci_alloc)>("pci_alloc");
+  decltype(pci_cleanup)* cleanup = library.Find<decltype(pci_cleanup)>("pci_cleanup");
+  decltype(pci_lookup_name)* lookUpName = library.Find<decltype(pci_lookup_name)>("pci_lookup_name");
+  pci_access* access = nullptr;
+
+  bool Open() {
+    if (alloc == nullptr || cleanup == nullptr || lookUpName == nullptr) return false;
+    access = alloc();
+    if (access == nullptr) return false;
+    // pci_init would set these, but it also looks for a way to the bus, and ends the process when there is none.
+    access->error = End;
+    access->warning = Ignore;
+    access->debug = Ignore;
+    return true;
+  }
+  ~TLibrary() {
+    if (access != nullptr) cleanup(access);
+  }
+
+  /// `number` when the database has no name.
+  template <typename... TIds>
+  std::string LookUp(int kind, std::uint16_t number, TIds... ids) const {
+    std::array<char, 256> buffer = {};
+    const char* const name = lookUpName(access, buffer.data(), buffer.size(), kind | PCI_LOOKUP_NO_NUMBERS, ids...);
+    return name == nullptr ? WriteNumber(number) : name;
+  }
+};
+
+TPciNames::TPciNames() : m_library(std::make_unique<TLibrary>()) {
+  if (!m_library->Open()) m_library.reset();
+}
+
+TPciNames::~TPciNames() = default;
+
+bool TPciNames::IsAvailable() const { return m_library != nullptr; }
+
+std::string TPciNames::GetVendor(std::uint16_t vendor) const {
+  return IsAvailable() ? m_library->LookUp(PCI_LOOKUP_VENDOR, vendor, int{vendor}) : WriteNumber(vendor);
+}
+
+std::string TPciNames::GetDevice(std::uint16_t vendor, std::uint16_t device) const {
+  return IsAvailable() ? m_library->LookUp(PCI_LOOKUP_DEVICE, device, int{vendor}, int{device}) : WriteNumber(device);
+}

@@ -1,0 +1,26 @@
+// An output as people read it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "command/collection/collection.h"
+
+/// What is known of an output: a label and its text.
+struct TOutputRow {
+  const char* label;
+  std::string text;
+};
+
+/// The output that the plug-in reports under that id, or null.
+const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId);
+
+/// What the EDID says beyond the plug-in's classes; rows without a text are left out.
+std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& output);
+
+/// A sentence for each output that the plug-in does not report, which names it and says why.
+std::vector<std::string> ExplainUnlisted(const TAnswer& answer);
+
+/// The same numbers as JSON has them: Hz with three decimals, inches with one.
+std::string WriteRefresh(const TPreferredMode& mode);
+std::string WriteDiagonal(double inches);

@@ -1,0 +1,105 @@
+// The kernel's graphics cards, in a made-up folder that looks as /sys/class/drm does.
+#include "command/machine/drm_cards.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/support/edid_builder.h"
+#include "tests/support/temporary_folder.h"
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+class DrmCards : public testing::Test {
+ protected:
+  /// A card on the PCI bus, or on another when the address is no PCI address.
+  void AddCard(const std::string& name, const std::string& address) const {
+    sys.Write("devices/" + address + "/vendor", "0x1af4\n");
+    sys.Write("devices/" + address + "/device", "0x1050\n");
+    sys.Write("drm/" + name + "/dev", "226:0\n");
+    fs::create_directory_symlink(sys.GetPath() / "devices" / address, sys.GetPath() / "drm" / name / "device");
+  }
+
+  void AddOutput(const std::string& connector, const std::string& status, const std::vector<std::uint8_t>& edid) const {
+    sys.Write("drm/" + connector + "/status", status + "\n");
+    sys.Write("drm/" + connector + "/edid", std::string(edid.begin(), edid.end()));
+  }
+
+  std::vector<TDrmCard> Read() const { return ReadDrmCards(sys.GetPath() / "drm"); }
+
+  std::vector<std::string> GetConnectors() const {
+    std::vector<std::string> connectors;
+    for (const TDrmCard& card : Read()) {
+      for (const TDrmOutput& output : card.outputs) connectors.push_back(output.connector);
+    }
+    return connectors;
+  }
+
+  TTemporaryFolder sys;
+  const std::vector<std::uint8_t> whole = TEdidBuilder().Name(0, "A").Build();
+};
+
+}  // namespace
+
+TEST_F(DrmCards, TellTheConnectedOutputsInTheOrderOfTheirNames) {
+  AddCard("card1", "0000:02:00.0");
+  AddCard("card0", "0000:01:00.0");
+  for (const char* connector : {"card1-DP-1", "card0-DP-10", "card0-DP-2", "card0-HDMI-A-1"}) {
+    AddOutput(connector, "connected", whole);
+  }
+  AddOutput("card0-DP-1", "disconnected", whole);
+  AddOutput("card0-DP-3", "unknown", whole);
+  sys.Write("drm/version", "drm 1.1.0 20060810");
+  EXPECT_THAT(GetConnectors(), ElementsAre("card0-DP-2", "card0-DP-10", "card0-HDMI-A-1", "card1-DP-1"));
+}
+
+TEST_F(DrmCards, KeepTheOutputsOfCardsApartWhoseNamesBeginAlike) {
+  AddCard("card1", "0000:01:00.0");
+  AddCard("card10", "0000:02:00.0");
+  AddOutput("card10-DP-1", "connected", whole);
+  const std::vector<TDrmCard> cards = Read();
+  ASSERT_EQ(cards.size(), 2U);
+  EXPECT_THAT(cards[0].outputs, IsEmpty());
+  EXPECT_EQ(cards[1].outputs.size(), 1U);
+}
+
+TEST_F(DrmCards, TellWholeBlocksOfAnEdid) {
+  std::vector<std::uint8_t> cut = whole;
+  cut.resize(200);
+  AddCard("card0", "0000:01:00.0");
+  AddOutput("card0-DP-1", "connected", cut);
+  AddOutput("card0-DP-2", "connected", {});
+  AddOutput("card0-DP-3", "connected", std::vector<std::uint8_t>(127));
+  const std::vector<TDrmOutput> outputs = Read().at(0).outputs;
+  EXPECT_EQ(outputs.at(0).edid, whole);
+  EXPECT_THAT(outputs.at(1).edid, IsEmpty());
+  EXPECT_THAT(outputs.at(2).edid, IsEmpty());
+}
+
+TEST_F(DrmCards, TellWhereOnThePciBusTheyAreAndWhatTheyAre) {
+  AddCard("card0", "0001:1f:0a.3");
+  const std::optional<TPciDevice> pci = Read().at(0).pci;
+  ASSERT_TRUE(pci);
+  EXPECT_EQ(pci->domain, 1U);
+  EXPECT_EQ(pci->bus, 31U);
+  EXPECT_EQ(pci->device, 10U);
+  EXPECT_EQ(pci->function, 3U);
+  EXPECT_EQ(pci->vendorId, 0x1AF4);
+  EXPECT_EQ(pci->deviceId, 0x1050);
+}
+
+TEST_F(DrmCards, TellNoPciDeviceOfACardOnAnotherBus) {
+  AddCard("card0", "simple-framebuffer.0");
+  EXPECT_FALSE(Read().at(0).pci);
+}
+
+TEST_F(DrmCards, TellTheVideoMemoryInKilobytesWhereTheDriverDoes) {
+  AddCard("card0", "0000:01:00.0");
+  EXPECT_EQ(Read().at(0).videoMemory, std::nullopt);
+  sys.Write("devices/0000:01:00.0/mem_info_vram_total", "8573157376\n");
+  EXPECT_EQ(Read().at(0).videoMemory, 8372224U);
+}
+
+TEST_F(DrmCards, AreNoneWithoutTheFolder) { EXPECT_THAT(ReadDrmCards(sys.GetPath() / "none"), IsEmpty()); }
