@@ -110,9 +110,9 @@ template <typename TAppend>
 std::string Convert(std::string_view text, TAppend append) {
   std::string converted;
   while (true) {
-    const auto beyondAscii = std::find_if_not(text.begin(), text.end(), IsAscii);  // nearly always the end
-    const auto invalid = utf8::find_invalid(beyondAscii, text.end());
-    const auto length = static_cast<std::size_t>(invalid - text.begin());
+    const char* const beyondAscii = std::find_if_not(text.data(), text.data() + text.size(), IsAscii);  // nearly always the end
+    const char* const invalid = utf8::find_invalid(beyondAscii, text.data() + text.size());
+    const auto length = static_cast<std::size_t>(invalid - text.data());
     append(converted, text.substr(0, length));
     if (length == text.size()) return converted;
     converted += kReplacement;
@@ -123,10 +123,11 @@ std::string Convert(std::string_view text, TAppend append) {
 /// The text with what `escape` gives for its characters.
 std::string Escape(std::string_view text, std::string (*escape)(TCode)) {
   return Convert(text, [&](std::string& converted, std::string_view run) {
-    for (auto position = run.begin(); position != run.end();) {
-      const auto special = std::find_if_not(position, run.end(), IsPlain);
+    const char* const end = run.data() + run.size();
+    for (const char* position = run.data(); position != end;) {
+      const char* const special = std::find_if_not(position, end, IsPlain);
       converted.append(position, special);
-      if ((position = special) == run.end()) break;
+      if ((position = special) == end) break;
       const std::string shown = escape(utf8::unchecked::next(position));
       shown.empty() ? converted.append(special, position) : converted.append(shown);
     }
@@ -144,7 +145,7 @@ std::string ToUtf8(const std::string& text) {
 std::string ToPrintable(const std::string& text) { return Escape(text, EscapeForPeople); }
 
 std::string ToMessage(const std::string& text) {
-  const std::string printable = ToPrintable(text);
+  std::string printable = ToPrintable(text);
   const std::size_t columns = CountColumns(printable);
   if (columns <= kMessageLimit) return printable;
   return printable.substr(0, GetLength(printable, kMessageFront)) + " ... (" + std::to_string(columns) +

@@ -32,7 +32,7 @@ typedef std::chrono::steady_clock TClock;
 // is blamed for it.
 constexpr std::chrono::nanoseconds kMaxStep = std::chrono::seconds(1);
 
-constexpr long kFreshMemory = 256 * 1024;  // KiB: what a worker may use and still serve others
+constexpr long kFreshMemory = 256L * 1024;  // KiB: what a worker may use and still serve others
 
 volatile std::sig_atomic_t gSignal = 0;
 

@@ -14,7 +14,7 @@ namespace {
 void Ignore(char*, ...) {}
 
 /// It is called when there is no memory left, and must not come back.
-[[noreturn]] void End(char*, ...) { std::abort(); }
+__attribute__((noreturn)) void End(char*, ...) { std::abort(); }
 
 std::string WriteNumber(std::uint16_t number) {
   std::array<char, 8> text = {};

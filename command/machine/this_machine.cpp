@@ -15,8 +15,6 @@
 #include "realmode/real_video_bios.h"
 #include "realmode/virtual_video_bios.h"
 
-namespace fs = std::filesystem;
-
 namespace {
 
 /// What the kernel knows, and what the command could not learn of it.

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr const char* kMadeFile = "/etc/X11/xorg.conf";
+constexpr const char* kXorgConf = "/etc/X11/xorg.conf";
 
 /// A machine's files, of which the kernel's configuration is "made".
 TXconfigFiles Make(const std::map<std::string, std::string>& files, EXconfigSource source,
@@ -18,10 +18,10 @@ TXconfigFiles Make(const std::map<std::string, std::string>& files, EXconfigSour
 }  // namespace
 
 TEST(XconfigFiles, AreTheMachinesWhenItHasAConfiguration) {
-  for (const char* const file : {"/etc/X11/XF86Config-4", kMadeFile, "/etc/xorg.conf"}) {
+  for (const char* const file : {"/etc/X11/XF86Config-4", kXorgConf, "/etc/xorg.conf"}) {
     const TXconfigFiles files = Make({{file, "own"}}, EXconfigSource::kAuto);
     EXPECT_EQ(files.Read(file), "own");
-    EXPECT_EQ(files.Exists(kMadeFile), std::string(file) == kMadeFile);
+    EXPECT_EQ(files.Exists(kXorgConf), std::string(file) == kXorgConf);
     EXPECT_FALSE(files.HasServedMade());
   }
 }
@@ -29,27 +29,27 @@ TEST(XconfigFiles, AreTheMachinesWhenItHasAConfiguration) {
 TEST(XconfigFiles, AreTheKernelsWhenTheMachineHasNoConfiguration) {
   const TXconfigFiles files = Make({{"/etc/passwd", "own"}}, EXconfigSource::kAuto);
   EXPECT_FALSE(files.Exists("/etc/X11/XF86Config-4"));
-  EXPECT_TRUE(files.Exists(kMadeFile));
-  EXPECT_EQ(files.Read(kMadeFile), "made");
+  EXPECT_TRUE(files.Exists(kXorgConf));
+  EXPECT_EQ(files.Read(kXorgConf), "made");
   EXPECT_TRUE(files.HasServedMade());
 }
 
 TEST(XconfigFiles, AreTheMachinesOnlyWhenToldTo) {
   const TXconfigFiles files = Make({}, EXconfigSource::kFile);
-  EXPECT_FALSE(files.Exists(kMadeFile));
+  EXPECT_FALSE(files.Exists(kXorgConf));
 }
 
 TEST(XconfigFiles, AreTheKernelsWhenToldToAlthoughTheMachineHasAConfiguration) {
-  const TXconfigFiles files = Make({{"/etc/X11/XF86Config", "own"}, {kMadeFile, "own"}}, EXconfigSource::kKernel);
+  const TXconfigFiles files = Make({{"/etc/X11/XF86Config", "own"}, {kXorgConf, "own"}}, EXconfigSource::kKernel);
   EXPECT_FALSE(files.Exists("/etc/X11/XF86Config"));
-  EXPECT_EQ(files.Read(kMadeFile), "made");
+  EXPECT_EQ(files.Read(kXorgConf), "made");
 }
 
 TEST(XconfigFiles, AreNoneOfAKernelThatKnowsNoCard) {
   for (const EXconfigSource source : {EXconfigSource::kAuto, EXconfigSource::kKernel}) {
     const TXconfigFiles files = Make({}, source, "");
-    EXPECT_FALSE(files.Exists(kMadeFile));
-    EXPECT_THROW(files.Read(kMadeFile), NQRXZELT20::TZELTException);
+    EXPECT_FALSE(files.Exists(kXorgConf));
+    EXPECT_THROW(files.Read(kXorgConf), NQRXZELT20::TZELTException);
     EXPECT_FALSE(files.HasServedMade());
   }
 }
@@ -60,7 +60,7 @@ TEST(XconfigFiles, AskTheKernelOnceAtMost) {
                             [&] { return std::to_string(++asked); });
   EXPECT_FALSE(files.HasServedMade());
   EXPECT_EQ(asked, 0);
-  EXPECT_TRUE(files.Exists(kMadeFile));
-  EXPECT_EQ(files.Read(kMadeFile), "1");
-  EXPECT_EQ(files.Read(kMadeFile), "1");
+  EXPECT_TRUE(files.Exists(kXorgConf));
+  EXPECT_EQ(files.Read(kXorgConf), "1");
+  EXPECT_EQ(files.Read(kXorgConf), "1");
 }
