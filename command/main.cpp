@@ -10,6 +10,7 @@
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/capture/capture.h"
+#include "command/cim_server/serve.h"
 #include "command/collection/collection.h"
 #include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
@@ -77,6 +78,12 @@ int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   return kDone;
 }
 
+int RunServer(const TOptions& options, TServeOptions serve) {
+  serve.plugin = options.plugin.value_or(FindPlugin());
+  Serve(serve);
+  return kDone;
+}
+
 int RunFleet(const TOptions& options) {
   DropPrivileges(true);
   return CollectFleet({options.machineList ? TMachineList::Open(*options.machineList) : TMachineList(options.machines),
@@ -130,6 +137,7 @@ int main(int argumentCount, char** arguments) {
   try {
     const TCommandLine line = ParseCommandLine(argumentCount, arguments);
     if (line.exitStatus) return *line.exitStatus;
+    if (line.serve) return RunServer(line.options, *line.serve);
     if (line.capture) return RunCapture(line.options, *line.capture);
     if (!line.schemaFormat) return line.options.IsFleet() ? RunFleet(line.options) : Run(line.options);
     WriteStandardOutput(MakeSchemaDocument(*line.schemaFormat));

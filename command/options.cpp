@@ -101,6 +101,38 @@ void CheckSubcommand(const CLI::App& app) {
   }
 }
 
+/// Loopback only: who wants more gets it from what has passwords and TLS.
+void CheckListenAddress(const std::string& address) {
+  if (address == "127.0.0.1" || address == "::1") return;
+  throw CLI::ValidationError(
+      "--listen takes 127.0.0.1 or ::1, not " + address +
+      "; to answer other machines, use an SSH tunnel, or a reverse proxy with TLS and passwords");
+}
+
+void AddServe(CLI::App& app, TServeOptions& options, std::optional<std::filesystem::path>& plugin) {
+  CLI::App* const serve = app.add_subcommand("serve", "Answer CIM clients on a loopback address")->group("");
+  constexpr unsigned int maxPort = 65535;
+  constexpr unsigned int maxSeconds = 86400;
+  serve->add_option("--port", options.port, "The port (default: 5988); 0: a free one, which is printed")
+      ->option_text("N")
+      ->check(CLI::Range(0U, maxPort).description(""));
+  serve->add_option("--listen", options.address, "127.0.0.1 (default) or ::1")->option_text("ADDRESS");
+  CLI::Option* const machine =
+      serve->add_option("--machine", options.machine, "A captured machine instead of this one")->option_text("PATH");
+  AddChoice(*serve, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
+      ->excludes(machine);
+  const auto addSeconds = [&](const char* name, std::chrono::seconds& target, unsigned int min, const char* meaning) {
+    serve
+        ->add_option_function<unsigned int>(
+            name, [&target](unsigned int seconds) { target = std::chrono::seconds(seconds); }, meaning)
+        ->option_text("SECONDS")
+        ->check(CLI::Range(min, maxSeconds).description(""));
+  };
+  addSeconds("--max-age", options.maxAge, 0, "How old an answer may be at a request (default: 60)");
+  addSeconds("--timeout", options.timeout, 1, "How long a collection may take (default: 60)");
+  serve->add_option("--plugin", plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
+}
+
 }  // namespace
 
 TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
@@ -162,6 +194,9 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
             "Where its X server's configuration comes from");
   capture->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
 
+  TServeOptions serveOptions;
+  AddServe(app, serveOptions, options.plugin);
+
   app.footer(
       "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
       "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting\n"
@@ -174,6 +209,10 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
     CheckSubcommand(app);
     if (schema->parsed()) line.schemaFormat = schemaFormat;
     if (capture->parsed()) line.capture = captureOptions;
+    if (app.got_subcommand("serve")) {
+      CheckListenAddress(serveOptions.address);
+      line.serve = serveOptions;
+    }
   } catch (const CLI::Success& done) {
     std::ostringstream text;
     line.exitStatus = app.exit(done, text, text);

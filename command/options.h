@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "command/cim_server/serve.h"
 #include "command/collection/collection.h"
 #include "command/machine/this_machine.h"
 #include "host/logger.h"
@@ -37,13 +38,14 @@ struct TCaptureOptions {
   bool isAnonymous = false;
 };
 
-/// Either the options of a collection, or of a capture, or the format in which to print the classes, or the exit status
-/// of a command that is done: after
+/// Either the options of a collection, of a capture or of a server, or the format in which to print the classes, or the
+/// exit status of a command that is done: after
 /// --help, --version or wrong usage, which has been explained on standard error.
 struct TCommandLine {
   TOptions options;
   std::optional<ESchemaFormat> schemaFormat;
   std::optional<TCaptureOptions> capture;
+  std::optional<TServeOptions> serve;  // but for its plug-in
   std::optional<int> exitStatus;
 };
 

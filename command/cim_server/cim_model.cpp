@@ -1,0 +1,112 @@
+#include "command/cim_server/cim_model.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "command/cim_server/xml_text.h"
+
+using nlohmann::json;
+using NQRXZELT20::TCIMValue;
+
+namespace {
+
+/// DSP0201 knows a real number by its point.
+std::string MakeReal(std::string text) {
+  if (text.find('.') == std::string::npos) text.insert(std::min(text.find('e'), text.size()), ".0");
+  return text;
+}
+
+std::string MakeText(const json& value) {
+  if (value.is_boolean()) return value.get<bool>() ? "TRUE" : "FALSE";
+  if (value.is_number_float()) return MakeReal(value.dump());
+  if (value.is_number()) return value.dump();
+  return ToXmlText(value.get_ref<const std::string&>());
+}
+
+TCimProperty ReadProperty(const TClassDeclaration& declaration, const std::string& name, const json& value) {
+  const TPropertyDeclaration* const declared = declaration.Find(name);
+  if (declared == nullptr) throw std::invalid_argument(std::string(declaration.name) + " declares no " + name);
+  TCimProperty property = {declared, value.is_null(), {}, {}};
+  if (property.isNull) return property;
+  if (declared->type == TCIMValue::TCIMType::kReference) {
+    property.reference = ParseObjectPath(value.get_ref<const std::string&>());
+  } else if (declared->isArray) {
+    for (const json& element : value) property.values.push_back(MakeText(element));
+  } else {
+    property.values.push_back(MakeText(value));
+  }
+  return property;
+}
+
+TCimInstance ReadInstance(const json& instance) {
+  const std::string& className = instance.at("class").get_ref<const std::string&>();
+  const TClassDeclaration* const declaration = FindCimClass(className);
+  if (declaration == nullptr) throw std::invalid_argument("there is no class " + className);
+  TCimInstance read = {declaration, ParseObjectPath(instance.at("path").get_ref<const std::string&>()), {}};
+  for (const auto& [name, property] : instance.at("properties").items()) {
+    read.properties.push_back(ReadProperty(*declaration, name, property.at("value")));
+  }
+  return read;
+}
+
+bool IsReference(const TCimProperty& property) {
+  return !property.isNull && property.declaration->type == TCIMValue::TCIMType::kReference;
+}
+
+}  // namespace
+
+const TCimProperty* TCimInstance::Find(const std::string& propertyName) const {
+  const auto found = std::find_if(properties.begin(), properties.end(), [&](const TCimProperty& property) {
+    return IsSameName(property.declaration->name, propertyName);
+  });
+  return found == properties.end() ? nullptr : &*found;
+}
+
+TCimModel::TCimModel(const std::string& answer) {
+  const json document = json::parse(answer);
+  for (const json& request : document.at("requests")) {
+    for (const json& instance : request.at("instances")) Put(ReadInstance(instance));
+  }
+  Link();
+}
+
+void TCimModel::Put(TCimInstance instance) {
+  const auto [place, isNew] = m_numbers.emplace(MakeIdentity(instance.name), m_instances.size());
+  if (isNew) {
+    m_instances.push_back(std::move(instance));
+  } else {
+    m_instances[place->second] = std::move(instance);
+  }
+}
+
+void TCimModel::Link() {
+  m_linksTo.resize(m_instances.size());
+  m_linksOf.resize(m_instances.size());
+  for (std::size_t number = 0; number < m_instances.size(); ++number) {
+    for (const TCimProperty& property : m_instances[number].properties) {
+      if (!IsReference(property)) continue;
+      const std::optional<std::size_t> object = FindExactly(property.reference);
+      if (!object) continue;
+      const TCimLink link = {number, property.declaration->name, *object};
+      m_linksTo[*object].push_back(link);
+      m_linksOf[number].push_back(link);
+    }
+  }
+}
+
+std::optional<std::size_t> TCimModel::Find(const TObjectName& name) const {
+  const std::optional<std::size_t> found = FindExactly(name);
+  return found ? found : FindExactly(UndoEscapes(name));
+}
+
+std::optional<std::size_t> TCimModel::FindExactly(const TObjectName& name) const {
+  const auto found = m_numbers.find(MakeIdentity(name));
+  if (found == m_numbers.end()) return std::nullopt;
+  return found->second;
+}
+
+bool IsAssociation(const TClassDeclaration& declaration) {
+  return std::any_of(declaration.properties.begin(), declaration.properties.end(),
+                     [](const auto& property) { return property.type == TCIMValue::TCIMType::kReference; });
+}

@@ -1,0 +1,68 @@
+// The instances that CIM clients are told of: an answer of the plug-in, each object path once, with its references
+// resolved.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "command/cim_server/object_name.h"
+#include "embedded_host/schema.h"
+
+struct TCimProperty {
+  const TPropertyDeclaration* declaration;
+  bool isNull = false;
+  std::vector<std::string> values;  // as CIM-XML writes them; one when the property is no array; none for a reference
+  TObjectName reference;            // of a reference property
+};
+
+struct TCimInstance {
+  const TClassDeclaration* declaration;
+  TObjectName name;
+  std::vector<TCimProperty> properties;  // those that are set, in ascending order of their names
+
+  /// The property of that name, or null.
+  const TCimProperty* Find(const std::string& propertyName) const;
+};
+
+/// That `association` links, by its property `role`, to `object`. Both are numbers of instances.
+struct TCimLink {
+  std::size_t association;
+  std::string role;
+  std::size_t object;
+};
+
+class TCimModel {
+ public:
+  /// Without instances.
+  TCimModel() = default;
+
+  /// Takes the instances from an answer in JSON, as MakeJsonReport and MakeMachineLine write it. Of several commits of
+  /// one path the last one counts, in the place of the first, as in the host's store. Throws std::exception for a text
+  /// that is no such answer.
+  explicit TCimModel(const std::string& answer);
+
+  const std::vector<TCimInstance>& GetInstances() const { return m_instances; }
+  /// Those to one instance, and those of one association, both in the order of the associations.
+  const std::vector<TCimLink>& GetLinksTo(std::size_t object) const { return m_linksTo[object]; }
+  const std::vector<TCimLink>& GetLinksOf(std::size_t association) const { return m_linksOf[association]; }
+
+  /// The number of the instance that a client names. Its keys are looked up as they come, then with their escapes
+  /// undone.
+  std::optional<std::size_t> Find(const TObjectName& name) const;
+
+ private:
+  std::optional<std::size_t> FindExactly(const TObjectName& name) const;
+  void Put(TCimInstance instance);
+  void Link();
+
+  std::vector<TCimInstance> m_instances;
+  std::map<std::string, std::size_t> m_numbers;  // of the instances, by their identities
+  // By the number of the instance:
+  std::vector<std::vector<TCimLink>> m_linksTo;
+  std::vector<std::vector<TCimLink>> m_linksOf;
+};
+
+/// True for a class that links others by references.
+bool IsAssociation(const TClassDeclaration& declaration);

@@ -1,0 +1,39 @@
+// The process that loads the plug-in and collects, so that the one that listens never does. It is one of the fleet's
+// workers, with one machine.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "command/cim_server/answer_keeper.h"
+#include "command/fleet/worker.h"
+
+class TCollectingWorker {
+ public:
+  /// Starts the process, with the privileges that this one has now. `work` collects in it. `canBeReplaced`: another
+  /// process may take its place when it dies or hangs; false when it has privileges that this one is about to give up.
+  /// Throws TUnusable when the system has no room for it.
+  TCollectingWorker(TWorker::TWork work, std::chrono::seconds timeout, bool canBeReplaced);
+  TCollectingWorker(const TCollectingWorker&) = delete;
+  TCollectingWorker& operator=(const TCollectingWorker&) = delete;
+
+  /// Begins a collection. What it returns has ended already: it could not begin.
+  std::optional<TCollected> Begin();
+
+  /// What to wait for after Begin; then Take, until it returns what the collection came to.
+  int GetDescriptor() const { return m_worker->GetDescriptor(); }
+  std::optional<TCollected> Take();
+
+  /// Ends a collection that has taken longer than the timeout.
+  TCollected GiveUp();
+
+ private:
+  void Start();
+
+  TWorker::TWork m_work;
+  std::chrono::seconds m_timeout;
+  bool m_canBeReplaced;
+  std::unique_ptr<TWorker> m_worker;  // null when it died or was given up
+};

@@ -1,0 +1,38 @@
+// CIM operations over HTTP (DSP0200): what of a request of HTTP makes it a CIM operation, and the answer to one.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "command/cim_server/cim_request.h"
+
+struct THttpRequest {
+  std::string method;
+  std::vector<std::pair<std::string, std::string>> headers;
+  std::string body;
+
+  /// The value of the first header of that name, without regard to case; empty when there is none.
+  std::string GetHeader(const std::string& name) const;
+};
+
+struct THttpAnswer {
+  unsigned int status = 200;
+  std::vector<std::pair<std::string, std::string>> headers;  // without Content-Length and Connection
+  std::string body;
+};
+
+/// The operation that the request carries. Throws TRefused for what is not one simple CIM operation, and for the
+/// requests of web pages: a browser would send them to any address of its own machine.
+TCimRequest ReadHttpRequest(const THttpRequest& request);
+
+/// The answer that holds the XML of an operation's answer.
+THttpAnswer MakeHttpAnswer(const THttpRequest& request, std::string xml);
+
+/// The answer to a request that is refused.
+THttpAnswer MakeRefusal(const TRefused& refused);
+
+/// What the client calls this server, for the object paths of the answer; `fallback` when it does not say.
+std::string GetHost(const THttpRequest& request, const std::string& fallback);

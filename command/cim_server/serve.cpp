@@ -1,0 +1,133 @@
+#include "command/cim_server/serve.h"
+
+#include <grp.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <iostream>
+
+#include "command/base/privileges.h"
+#include "command/base/standard_output.h"
+#include "command/base/text_encoding.h"
+#include "command/base/unusable.h"
+#include "command/cim_server/answer_keeper.h"
+#include "command/cim_server/cim_operations.h"
+#include "command/cim_server/collecting_worker.h"
+#include "command/cim_server/http_mapping.h"
+#include "command/cim_server/http_server.h"
+#include "command/collection/collection.h"
+#include "command/collection/plugin_library.h"
+#include "command/machine/captured_machine.h"
+#include "command/report/json_report.h"
+#include "embedded_host/schema.h"
+
+namespace {
+
+constexpr unsigned int kNobody = 65534;
+
+TRequest MakeRequest() {
+  TRequest request;
+  for (const TClassDeclaration& declaration : GetSchema()) request.emplace_back(declaration.name);
+  return request;
+}
+
+/// What the worker does: one collection, in a freshly loaded plug-in.
+TMachineLine CollectLine(const TServeOptions& options) try {
+  const TMachine machine =
+      options.machine ? ReadCapturedMachine(*options.machine) : MakeThisMachine(options.edidSource);
+  return {MakeMachineLine("", Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {})), false};
+} catch (const std::exception& error) {
+  return {MakeErrorLine("", ToPrintable(error.what())), true};
+}
+
+/// What is run as root listens as nobody: without capabilities root would still own the system's files.
+void BecomeNobody() {
+  if (geteuid() != 0) return;
+  const bool isDone = setgroups(0, nullptr) == 0 && setresgid(kNobody, kNobody, kNobody) == 0 &&
+                      setresuid(kNobody, kNobody, kNobody) == 0;
+  if (!isDone) throw TUnusable("root's rights cannot be given up; run displayinfo serve as another user");
+}
+
+void GiveUpPrivileges() {
+  BecomeNobody();
+  DropPrivileges(false);
+  prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+}
+
+/// The listening process: HTTP on one side, the worker on the other.
+class TServing {
+ public:
+  explicit TServing(const TServeOptions& options)
+      : m_options(options),
+        m_worker([options](const std::string&) { return CollectLine(options); }, options.timeout, CanReplaceWorker()),
+        m_server((GiveUpPrivileges(), options.address), options.port),
+        m_keeper(
+            options.maxAge, [this] { Collect(); }, std::chrono::steady_clock::now) {}
+
+  void Run() {
+    WriteStandardOutput("http://" + GetAddress() + "/root/cimv2\n");
+    m_keeper.Start();
+    m_server.Run([this](const THttpRequest& request, const THttpServer::TReply& reply) { Answer(request, reply); });
+  }
+
+ private:
+  /// Who collects from this machine as root, calls its video BIOS; another that is started later could not.
+  bool CanReplaceWorker() const { return m_options.machine || geteuid() != 0; }
+
+  std::string GetAddress() const {
+    const bool isVersion6 = m_options.address.find(':') != std::string::npos;
+    return (isVersion6 ? "[" + m_options.address + "]" : m_options.address) + ":" + std::to_string(m_server.GetPort());
+  }
+
+  void Collect() {
+    if (auto failed = m_worker.Begin()) return Put(std::move(*failed));
+    WaitForWorker();
+    m_server.StartTimer(m_options.timeout, [this] {
+      m_server.Unwatch();  // before its descriptor is closed
+      Put(m_worker.GiveUp());
+    });
+  }
+
+  void WaitForWorker() {
+    m_server.WatchOnce(m_worker.GetDescriptor(), [this] {
+      auto collected = m_worker.Take();
+      if (!collected) return WaitForWorker();
+      m_server.StopTimer();
+      Put(std::move(*collected));
+    });
+  }
+
+  void Put(TCollected collected) {
+    collected.failure = ToPrintable(collected.failure);
+    if (collected.model == nullptr) std::cerr << "displayinfo: collecting failed: " << collected.failure << '\n';
+    m_keeper.Put(std::move(collected));
+  }
+
+  void Answer(const THttpRequest& request, const THttpServer::TReply& reply) try {
+    const TCimRequest operation = ReadHttpRequest(request);
+    if (!NeedsInstances(operation)) {
+      return reply(MakeHttpAnswer(request, AnswerCim(operation, TCimModel(), GetHost(request, GetAddress()))));
+    }
+    m_keeper.Ask([=](const TCollected& collected) {
+      reply(MakeHttpAnswer(request, collected.model == nullptr
+                                        ? AnswerFailure(operation, collected.failure)
+                                        : AnswerCim(operation, *collected.model, GetHost(request, GetAddress()))));
+    });
+  } catch (const TRefused& refused) {
+    reply(MakeRefusal(refused));
+  }
+
+  TServeOptions m_options;
+  TCollectingWorker m_worker;
+  THttpServer m_server;
+  TAnswerKeeper m_keeper;  // goes before the server, whose connections wait in it
+};
+
+}  // namespace
+
+void Serve(const TServeOptions& options) {
+  RequirePlugin(options.plugin);
+  if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
+  TServing(options).Run();
+}

@@ -1,0 +1,26 @@
+// displayinfo serve: answers CIM clients over CIM-XML, read-only, on a loopback address, until it is stopped.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "command/machine/this_machine.h"
+
+constexpr unsigned short kCimXmlPort = 5988;  // the one registered for CIM-XML over HTTP
+
+struct TServeOptions {
+  std::string address = "127.0.0.1";   // or ::1
+  unsigned short port = kCimXmlPort;   // 0: a free one
+  std::optional<std::string> machine;  // a captured one; this one when absent
+  EEdidSource edidSource = EEdidSource::kAuto;
+  std::filesystem::path plugin;
+  std::chrono::seconds maxAge{60};
+  std::chrono::seconds timeout{60};  // for a collection
+};
+
+/// Writes where it listens to standard output, one line such as http://127.0.0.1:5988/root/cimv2, and serves. Gives up
+/// every privilege first; only the process that collects keeps them, when the machine is this one. Throws TUnusable
+/// when it cannot listen, or has no plug-in.
+void Serve(const TServeOptions& options);

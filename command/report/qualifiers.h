@@ -1,0 +1,40 @@
+// The CIM qualifiers that the classes carry, as DSP0004 declares them. MOF and CIM-XML are written out of this table.
+#pragma once
+
+/// What a qualifier may stand at.
+enum EQualifierScope : unsigned int {
+  kClassScope = 1,
+  kAssociationScope = 2,
+  kPropertyScope = 4,
+  kReferenceScope = 8,
+  kMethodScope = 16,
+  kParameterScope = 32,
+  kIndicationScope = 64,
+  kAnyScope = 127
+};
+
+struct TQualifier {
+  const char* name;
+  bool isBoolean;  // false by default; else a string, null by default
+  unsigned int scopes;
+  bool isOverridable;   // by a subclass
+  bool isTranslatable;  // a text for people
+};
+
+constexpr TQualifier kKeyQualifier = {"Key", true, kPropertyScope | kReferenceScope, false, false};
+constexpr TQualifier kAssociationQualifier = {"Association", true, kAssociationScope, false, false};
+constexpr TQualifier kDescriptionQualifier = {"Description", false, kAnyScope, true, true};
+constexpr TQualifier kUnitsQualifier = {"Units", false, kPropertyScope | kMethodScope | kParameterScope, true, true};
+
+constexpr TQualifier kQualifiers[] = {kKeyQualifier, kAssociationQualifier, kDescriptionQualifier, kUnitsQualifier};
+
+struct TQualifierScopeName {
+  EQualifierScope scope;
+  const char* name;
+};
+
+constexpr TQualifierScopeName kQualifierScopes[] = {
+    {kClassScope, "class"},           {kAssociationScope, "association"}, {kReferenceScope, "reference"},
+    {kPropertyScope, "property"},     {kMethodScope, "method"},           {kParameterScope, "parameter"},
+    {kIndicationScope, "indication"},
+};
