@@ -1,12 +1,15 @@
 #include "command/cim_server/collecting_worker.h"
 
 #include <dirent.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
+
+#include "command/report/json_report.h"
 
 namespace {
 
@@ -21,6 +24,32 @@ std::vector<int> ListDescriptors() {
   }
   closedir(folder);
   return descriptors;
+}
+
+TMachineLine MakeFailedLine(const std::string& reason) { return {MakeErrorLine("", reason), true}; }
+
+/// Waits for the collector's line; nothing comes of it when the process dies or the time is over.
+TMachineLine WaitForLine(TWorker& collector, std::chrono::seconds timeout) {
+  const auto end = std::chrono::steady_clock::now() + timeout;
+  for (bool isAlive = true; true; isAlive = collector.Receive()) {
+    if (auto line = collector.TakeLine()) return std::move(line->second);
+    if (!isAlive) return MakeFailedLine("the process that collects " + collector.DescribeDeath());
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    pollfd descriptor = {collector.GetDescriptor(), POLLIN, 0};
+    if (left.count() <= 0 || poll(&descriptor, 1, static_cast<int>(left.count())) == 0) {
+      return MakeFailedLine("no answer within " + std::to_string(timeout.count()) +
+                            " seconds; --timeout gives it longer");
+    }
+  }
+}
+
+/// What the starter does for each collection.
+TMachineLine CollectApart(const TWorker::TWork& work, std::chrono::seconds timeout) try {
+  TWorker collector(work, ListDescriptors());
+  collector.Give({0, ""});
+  return WaitForLine(collector, timeout);
+} catch (const std::exception& error) {
+  return MakeFailedLine(error.what());
 }
 
 TCollected MakeFailure(const std::string& reason) { return {nullptr, reason}; }
@@ -39,32 +68,36 @@ TCollectingWorker::TCollectingWorker(TWorker::TWork work, std::chrono::seconds t
   Start();
 }
 
-void TCollectingWorker::Start() { m_worker = std::make_unique<TWorker>(m_work, ListDescriptors()); }
+void TCollectingWorker::Start() {
+  m_starter = std::make_unique<TWorker>(
+      [work = m_work, timeout = m_timeout](const std::string&) { return CollectApart(work, timeout); },
+      ListDescriptors());
+}
 
 std::optional<TCollected> TCollectingWorker::Begin() try {
-  if (m_worker != nullptr && m_worker->Give({0, ""})) return std::nullopt;
-  m_worker.reset();
+  if (m_starter != nullptr && m_starter->Give({0, ""})) return std::nullopt;
+  m_starter.reset();
   if (!m_canBeReplaced) {
     return MakeFailure("the process that had the privileges to collect has ended; start displayinfo serve anew");
   }
   Start();
-  if (m_worker->Give({0, ""})) return std::nullopt;
-  m_worker.reset();
-  return MakeFailure("the process that collects ended at once");
+  if (m_starter->Give({0, ""})) return std::nullopt;
+  m_starter.reset();
+  return MakeFailure("the process that starts collections ended at once");
 } catch (const std::exception& error) {
   return MakeFailure(error.what());
 }
 
 std::optional<TCollected> TCollectingWorker::Take() {
-  const bool isAlive = m_worker->Receive();
-  if (const auto line = m_worker->TakeLine()) return ReadLine(line->second);
+  const bool isAlive = m_starter->Receive();
+  if (const auto line = m_starter->TakeLine()) return ReadLine(line->second);
   if (isAlive) return std::nullopt;
-  const std::string death = m_worker->DescribeDeath();
-  m_worker.reset();
-  return MakeFailure("the process that collects " + death);
+  const std::string death = m_starter->DescribeDeath();
+  m_starter.reset();
+  return MakeFailure("the process that starts collections " + death);
 }
 
 TCollected TCollectingWorker::GiveUp() {
-  m_worker.reset();
-  return MakeFailure("no answer within " + std::to_string(m_timeout.count()) + " seconds; --timeout gives it longer");
+  m_starter.reset();
+  return MakeFailure("the process that starts collections does not answer");
 }

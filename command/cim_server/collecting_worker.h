@@ -23,10 +23,10 @@ class TCollectingWorker {
   std::optional<TCollected> Begin();
 
   /// What to wait for after Begin; then Take, until it returns what the collection came to.
-  int GetDescriptor() const { return m_worker->GetDescriptor(); }
+  int GetDescriptor() const { return m_starter->GetDescriptor(); }
   std::optional<TCollected> Take();
 
-  /// Ends a collection that has taken longer than the timeout.
+  /// Ends a collection of which nothing was heard for longer than the starter would let it take.
   TCollected GiveUp();
 
  private:
@@ -35,5 +35,5 @@ class TCollectingWorker {
   TWorker::TWork m_work;
   std::chrono::seconds m_timeout;
   bool m_canBeReplaced;
-  std::unique_ptr<TWorker> m_worker;  // null when it died or was given up
+  std::unique_ptr<TWorker> m_starter;  // null when it died or was given up
 };

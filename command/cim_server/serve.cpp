@@ -25,6 +25,7 @@
 namespace {
 
 constexpr unsigned int kNobody = 65534;
+constexpr std::chrono::seconds kGrace(5);  // for the starter to say that a collection took too long
 
 TRequest MakeRequest() {
   TRequest request;
@@ -32,8 +33,9 @@ TRequest MakeRequest() {
   return request;
 }
 
-/// What the worker does: one collection, in a freshly loaded plug-in.
+/// What a collector does.
 TMachineLine CollectLine(const TServeOptions& options) try {
+  if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
   const TMachine machine =
       options.machine ? ReadCapturedMachine(*options.machine) : MakeThisMachine(options.edidSource);
   return {MakeMachineLine("", Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {})), false};
@@ -72,8 +74,8 @@ class TServing {
   }
 
  private:
-  /// Who collects from this machine as root, calls its video BIOS; another that is started later could not.
-  bool CanReplaceWorker() const { return m_options.machine || geteuid() != 0; }
+  /// One that is started later has the rights of this process, which are none.
+  static bool CanReplaceWorker() { return geteuid() != 0; }
 
   std::string GetAddress() const {
     const bool isVersion6 = m_options.address.find(':') != std::string::npos;
@@ -83,7 +85,7 @@ class TServing {
   void Collect() {
     if (auto failed = m_worker.Begin()) return Put(std::move(*failed));
     WaitForWorker();
-    m_server.StartTimer(m_options.timeout, [this] {
+    m_server.StartTimer(m_options.timeout + kGrace, [this] {
       m_server.Unwatch();  // before its descriptor is closed
       Put(m_worker.GiveUp());
     });
@@ -128,6 +130,5 @@ class TServing {
 
 void Serve(const TServeOptions& options) {
   RequirePlugin(options.plugin);
-  if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
   TServing(options).Run();
 }
