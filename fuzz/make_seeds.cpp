@@ -52,6 +52,30 @@ constexpr const char* kMachineDocuments[] = {
     R"({"a": [[[[{}]]]], "captured": 1})",
 };
 
+// Operations of CIM clients: the name, and the parameters.
+constexpr const char* kCimOperations[][2] = {
+    {"EnumerateInstances", R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="QRXSG_DesktopMonitor"/></IPARAMVALUE>)"},
+    {"GetInstance", R"(<IPARAMVALUE NAME="InstanceName"><INSTANCENAME CLASSNAME="QRXSG_MonitorResolution"><KEYBINDING
+        NAME="SettingID"><KEYVALUE VALUETYPE="string">a</KEYVALUE></KEYBINDING></INSTANCENAME></IPARAMVALUE><IPARAMVALUE
+        NAME="PropertyList"><VALUE.ARRAY><VALUE>SettingID</VALUE></VALUE.ARRAY></IPARAMVALUE>)"},
+    {"AssociatorNames",
+     R"(<IPARAMVALUE NAME="ObjectName"><INSTANCENAME CLASSNAME="QRXSG_MonitorResolution"><KEYVALUE>a</KEYVALUE>
+        </INSTANCENAME></IPARAMVALUE><IPARAMVALUE NAME="Role"><VALUE>Setting</VALUE></IPARAMVALUE>)"},
+    {"GetClass", R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="QRXSG_MonitorSetting"/></IPARAMVALUE>)"},
+    {"GetProperty",
+     R"(<IPARAMVALUE NAME="InstanceName"><INSTANCENAME CLASSNAME="QRXSG_MonitorSetting"><KEYBINDING NAME="Element">
+        <VALUE.REFERENCE><INSTANCEPATH><NAMESPACEPATH/><INSTANCENAME CLASSNAME="QRXSG_DesktopMonitor"/></INSTANCEPATH>
+        </VALUE.REFERENCE></KEYBINDING></INSTANCENAME></IPARAMVALUE>)"},
+};
+
+std::string MakeCimRequest(const char* const (&operation)[2]) {
+  return std::string(
+             R"(<?xml version="1.0" encoding="utf-8"?><!-- --><CIM CIMVERSION="2.0" DTDVERSION="2.0"><MESSAGE ID="1")") +
+         R"( PROTOCOLVERSION="1.0"><SIMPLEREQ><IMETHODCALL NAME=")" + operation[0] +
+         R"("><LOCALNAMESPACEPATH><NAMESPACE NAME="root"/><NAMESPACE NAME="cimv2"/></LOCALNAMESPACEPATH>)" +
+         operation[1] + "</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
+}
+
 std::string ReadFile(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(stream), {});
@@ -141,6 +165,7 @@ int main(int argumentCount, char** arguments) try {
   for (const char* text : kSections) seeds.Add("sections", text);
   for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
   for (const char* text : kMachineDocuments) seeds.Add("machine_document", text);
+  for (const auto& operation : kCimOperations) seeds.Add("cim_request", MakeCimRequest(operation));
   return 0;
 } catch (const std::exception& error) {
   std::cerr << "make_seeds: " << error.what() << '\n';

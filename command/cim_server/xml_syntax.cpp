@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr const char* kDeclaration = "a declaration, which is refused,";
 constexpr std::string_view kEntities[] = {"amp", "lt", "gt", "quot", "apos"};
 
 bool IsLetter(char character) {
@@ -37,10 +38,12 @@ class TScanner {
   void ScanDocument() {
     if (!IsXmlText(m_text)) Refuse("a byte that is not UTF-8, or a character that XML does not have");
     Skip(kByteOrderMark);
-    if (Begins("<?xml") && !ContinuesName(At(5))) ScanDeclaration();
+    if (Begins("<?xml") && !ContinuesName(At(5)) && static_cast<unsigned char>(At(5)) < 0x80) ScanDeclaration();
     ScanAround();
-    if (!Begins("<")) Refuse("no element");
-    ScanElement();
+    if (Begins("<!")) Refuse(kDeclaration);
+    Require("<", "no element");
+    ScanStartTag();
+    while (!m_open.empty()) ScanContent();
     ScanAround();
     if (!IsAtEnd()) Refuse("something after the document's element");
   }
@@ -76,9 +79,11 @@ class TScanner {
     return taken;
   }
   std::string_view TakeName() {
-    if (!BeginsName(At(0))) Refuse("no name");
     const std::size_t first = m_position;
-    while (ContinuesName(At(0))) ++m_position;
+    if (BeginsName(At(0))) ++m_position;
+    while (m_position > first && ContinuesName(At(0))) ++m_position;
+    if (static_cast<unsigned char>(At(0)) >= 0x80) Refuse("a name beyond ASCII");
+    if (m_position == first) Refuse("no name");
     return m_text.substr(first, m_position - first);
   }
 
@@ -139,22 +144,21 @@ class TScanner {
     return true;
   }
 
-  void ScanElement() {
-    do {
-      if (Skip("</")) {
-        ScanEndTag();
-      } else if (Skip("<![CDATA[")) {
-        TakeUpTo("]]>", "no end of the CDATA section");
-      } else if (Begins("<!") && !Begins("<!--")) {
-        Refuse("a declaration, which is refused,");
-      } else if (!ScanAside()) {
-        if (Skip("<")) {
-          ScanStartTag();
-        } else {
-          ScanCharacters("<");
-        }
-      }
-    } while (!m_open.empty());
+  /// A tag, a text, or what else may stand within an element.
+  void ScanContent() {
+    if (Skip("</")) {
+      ScanEndTag();
+    } else if (Skip("<![CDATA[")) {
+      TakeUpTo("]]>", "no end of the CDATA section");
+    } else if (Begins("<!") && !Begins("<!--")) {
+      Refuse(kDeclaration);
+    } else if (ScanAside()) {
+      return;
+    } else if (Skip("<")) {
+      ScanStartTag();
+    } else {
+      ScanCharacters("<");
+    }
   }
 
   void ScanStartTag() {
@@ -178,7 +182,7 @@ class TScanner {
   }
 
   void ScanEndTag() {
-    if (m_open.empty() || TakeName() != m_open.back()) Refuse("an end tag of another element");
+    if (TakeName() != m_open.back()) Refuse("an end tag of another element");
     SkipBlanks();
     Require(">", "no end of the end tag");
     m_open.pop_back();

@@ -1,0 +1,84 @@
+#include "command/cim_server/http_mapping.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const std::string kBody =
+    R"(<CIM CIMVERSION="2.0" DTDVERSION="2.0"><MESSAGE ID="7" PROTOCOLVERSION="1.0"><SIMPLEREQ><IMETHODCALL NAME="GetClass">)"
+    R"(<LOCALNAMESPACEPATH><NAMESPACE NAME="root"/><NAMESPACE NAME="cimv2"/></LOCALNAMESPACEPATH>)"
+    R"(</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>)";
+
+typedef std::vector<std::pair<std::string, std::string>> THeaders;
+
+/// "400 unsupported-operation"; empty when the request is taken.
+std::string Refuse(const std::string& method, const THeaders& headers, const std::string& body = kBody) try {
+  ReadHttpRequest({method, headers, body});
+  return "";
+} catch (const TRefused& refused) {
+  return std::to_string(refused.GetStatus()) + " " + refused.GetCimError();
+}
+
+std::string GetHeader(const THttpAnswer& answer, const std::string& name) {
+  for (const auto& header : answer.headers) {
+    if (header.first == name) return header.second;
+  }
+  return "none";
+}
+
+}  // namespace
+
+TEST(HttpMapping, TakesACimOperation) {
+  EXPECT_EQ(Refuse("POST", {{"cimoperation", "MethodCall"}}), "");
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMMethod", "GetClass"}, {"CIMObject", "root%2fcimv2"}}),
+            "");
+}
+
+TEST(HttpMapping, RefusesWhatIsNoCimOperation) {
+  EXPECT_EQ(Refuse("POST", {}), "400 unsupported-operation");
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodResponse"}}), "400 unsupported-operation");
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}}, "<"), "400 request-not-well-formed");
+  EXPECT_EQ(Refuse("GET", {{"CIMOperation", "MethodCall"}}), "405 unsupported-operation");
+}
+
+TEST(HttpMapping, RefusesHeadersThatSayOtherThanTheXml) {
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMMethod", "GetInstance"}}), "400 header-mismatch");
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root%2Fother"}}), "400 header-mismatch");
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root%2"}}), "400 header-mismatch");
+}
+
+TEST(HttpMapping, RefusesWebPages) {
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"Origin", "http://localhost:5988"}}), "403 ");
+}
+
+TEST(HttpMapping, TakesTheExtendedMethodWithItsPrefix) {
+  const THeaders headers = {{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
+                            {"73-CIMOperation", "MethodCall"}};
+  EXPECT_EQ(Refuse("M-POST", headers), "");
+  EXPECT_EQ(Refuse("M-POST", {{"CIMOperation", "MethodCall"}}), "510 ");
+  EXPECT_EQ(Refuse("M-POST", {headers[0], {"CIMOperation", "MethodCall"}}), "400 unsupported-operation");
+  EXPECT_EQ(GetHeader(MakeHttpAnswer({"M-POST", headers, ""}, ""), "73-CIMOperation"), "MethodResponse");
+}
+
+TEST(HttpMapping, AnswersWithTheHeadersOfTheProtocol) {
+  const THttpAnswer answer = MakeHttpAnswer({"POST", {}, ""}, "<a/>");
+  EXPECT_EQ(answer.status, 200U);
+  EXPECT_EQ(GetHeader(answer, "CIMOperation"), "MethodResponse");
+  EXPECT_EQ(GetHeader(answer, "Content-Type"), "application/xml; charset=\"utf-8\"");
+  EXPECT_EQ(answer.body, "<a/>");
+}
+
+TEST(HttpMapping, TellsWhyItRefuses) {
+  const THttpAnswer answer = MakeRefusal(TRefused(400, "request-not-valid", "a\x1b"));
+  EXPECT_EQ(answer.status, 400U);
+  EXPECT_EQ(GetHeader(answer, "CIMError"), "request-not-valid");
+  EXPECT_EQ(answer.body, "a\\x1b\n");
+  EXPECT_EQ(GetHeader(MakeRefusal(TRefused(405, "", "")), "Allow"), "POST, M-POST");
+}
+
+TEST(HttpMapping, IsCalledAsTheClientCallsIt) {
+  EXPECT_EQ(GetHost({"POST", {{"host", "there:2"}}, ""}, "here:1"), "there:2");
+  EXPECT_EQ(GetHost({"POST", {}, ""}, "here:1"), "here:1");
+  EXPECT_EQ(GetHost({"POST", {{"Host", "\x01"}}, ""}, "here:1"), "here:1");
+  EXPECT_EQ(GetHost({"POST", {{"Host", std::string(256, 'a')}}, ""}, "here:1"), "here:1");
+}

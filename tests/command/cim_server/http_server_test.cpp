@@ -1,0 +1,237 @@
+#include "command/cim_server/http_server.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "command/base/descriptor.h"
+#include "command/base/unusable.h"
+
+namespace {
+
+const std::string kRequest = "POST / HTTP/1.1\r\nHost: here\r\nContent-Length: 2\r\n\r\nhi";
+
+/// Connects to the server, and reads until it closes the connection.
+class TClient {
+ public:
+  explicit TClient(unsigned short port) : m_socket(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(connect(m_socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  }
+
+  TClient& Send(const std::string& text) {
+    send(m_socket.Get(), text.data(), text.size(), MSG_NOSIGNAL);
+    return *this;
+  }
+
+  /// What comes until the server closes the connection.
+  std::string ReadAll() { return ReadUntil(""); }
+
+  /// What comes until it ends with `end`.
+  std::string ReadUntil(const std::string& end) {
+    std::string text;
+    char byte = 0;
+    while (recv(m_socket.Get(), &byte, 1, 0) == 1) {
+      text += byte;
+      if (!end.empty() && text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0)
+        break;
+    }
+    return text;
+  }
+
+  /// True when something can be read, which may be the end, within 20 ms.
+  bool HasHeard() const {
+    pollfd descriptor = {m_socket.Get(), POLLIN, 0};
+    return poll(&descriptor, 1, 20) > 0;
+  }
+
+ private:
+  TDescriptor m_socket;
+};
+
+/// A server on a thread of its own, which answers with the method and the body of the request.
+class THttpFixture {
+ public:
+  explicit THttpFixture(const THttpLimits& limits = {}, THttpServer::THandler handler = Echo)
+      : m_server("127.0.0.1", 0, limits), m_thread([this, handler] { m_server.Run(handler); }) {}
+  ~THttpFixture() {
+    m_server.Stop();
+    m_thread.join();
+  }
+
+  TClient Connect() const { return TClient(m_server.GetPort()); }
+
+ private:
+  static void Echo(const THttpRequest& request, const THttpServer::TReply& reply) {
+    reply({200, {{"Echo", request.GetHeader("Host")}}, request.method + ":" + request.body});
+  }
+
+  THttpServer m_server;
+  std::thread m_thread;
+};
+
+THttpLimits Within(std::chrono::milliseconds time) {
+  THttpLimits limits;
+  limits.time = time;
+  return limits;
+}
+
+std::string GetStatus(const std::string& answer) { return answer.substr(0, answer.find("\r\n")); }
+
+}  // namespace
+
+TEST(HttpServer, HandsOverARequestAndItsAnswer) {
+  const THttpFixture server;
+  const std::string answer = server.Connect().Send(kRequest).ReadUntil("POST:hi");
+  EXPECT_EQ(GetStatus(answer), "HTTP/1.1 200 OK");
+  EXPECT_NE(answer.find("Echo: here\r\n"), std::string::npos);
+  EXPECT_NE(answer.find("Content-Length: 7\r\n"), std::string::npos);
+}
+
+TEST(HttpServer, KeepsAConnectionForMoreRequests) {
+  const THttpFixture server;
+  TClient client = server.Connect();
+  client.Send(kRequest).ReadUntil("POST:hi");
+  EXPECT_EQ(GetStatus(client.Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
+}
+
+TEST(HttpServer, ClosesAConnectionWhenAsked) {
+  const THttpFixture server;
+  const std::string answer =
+      server.Connect().Send("POST / HTTP/1.1\r\nConnection: close\r\nContent-Length: 0\r\n\r\n").ReadAll();
+  EXPECT_EQ(GetStatus(answer), "HTTP/1.1 200 OK");
+}
+
+TEST(HttpServer, LetsAClientContinueThatAsks) {
+  const THttpFixture server;
+  TClient client = server.Connect();
+  client.Send("POST / HTTP/1.1\r\nExpect: 100-continue\r\nContent-Length: 2\r\n\r\n");
+  EXPECT_EQ(GetStatus(client.ReadUntil("\r\n\r\n")), "HTTP/1.1 100 Continue");
+  EXPECT_EQ(GetStatus(client.Send("hi").ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
+}
+
+TEST(HttpServer, TakesABodyInPieces) {
+  const THttpFixture server;
+  TClient client = server.Connect();
+  client.Send("POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nh\r\n1\r\ni\r\n0\r\n\r\n");
+  EXPECT_EQ(GetStatus(client.ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
+}
+
+TEST(HttpServer, RefusesHeadersThatAreTooLarge) {
+  const THttpFixture server;
+  const std::string header = "POST / HTTP/1.1\r\nA: " + std::string(64 * 1024, 'a') + "\r\n\r\n";
+  EXPECT_EQ(GetStatus(server.Connect().Send(header).ReadAll()), "HTTP/1.1 431 Request Header Fields Too Large");
+}
+
+TEST(HttpServer, TakesABodyOf64KiBAndNoMore) {
+  const THttpFixture server;
+  const auto ask = [&](std::size_t size, const std::string& end) {
+    return server.Connect()
+        .Send("POST / HTTP/1.1\r\nContent-Length: " + std::to_string(size) + "\r\n\r\n" + std::string(size, 'b'))
+        .ReadUntil(end);
+  };
+  EXPECT_EQ(GetStatus(ask(64 * 1024, std::string(64 * 1024, 'b'))), "HTTP/1.1 200 OK");
+  EXPECT_EQ(GetStatus(ask(64 * 1024 + 1, "")), "HTTP/1.1 413 Payload Too Large");
+}
+
+TEST(HttpServer, RefusesABodyInPiecesThatIsTooLarge) {
+  const THttpFixture server;
+  const std::string piece = "8000\r\n" + std::string(0x8000, 'b') + "\r\n";
+  TClient client = server.Connect();
+  client.Send("POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n" + piece + piece + piece);
+  EXPECT_EQ(GetStatus(client.ReadAll()), "HTTP/1.1 413 Payload Too Large");
+}
+
+TEST(HttpServer, RefusesWhatIsNotHttp) {
+  const THttpFixture server;
+  EXPECT_EQ(GetStatus(server.Connect().Send("\x16\x03\x01 hello\r\n\r\n").ReadAll()), "HTTP/1.1 400 Bad Request");
+}
+
+TEST(HttpServer, CutsOffARequestThatStops) {
+  const THttpFixture server(Within(std::chrono::milliseconds(100)));
+  EXPECT_EQ(server.Connect().Send(kRequest.substr(0, 30)).ReadAll(), "");
+}
+
+TEST(HttpServer, CutsOffARequestThatDrips) {
+  const THttpFixture server(Within(std::chrono::milliseconds(200)));
+  TClient client = server.Connect();
+  client.Send("POST / HTTP/1.1\r\nContent-Length: 60000\r\n\r\n");
+  int drips = 0;  // at 20 ms each, they would take 20 minutes
+  while (drips < 60000 && !client.HasHeard()) {
+    client.Send("b");
+    ++drips;
+  }
+  EXPECT_LT(drips, 59999);
+  EXPECT_EQ(client.ReadAll(), "");
+}
+
+TEST(HttpServer, CutsOffAConnectionWithoutRequests) {
+  const THttpFixture server(Within(std::chrono::milliseconds(100)));
+  EXPECT_EQ(server.Connect().ReadAll(), "");
+}
+
+TEST(HttpServer, TellsTheConnectionThatIsTooMany) {
+  THttpLimits limits;
+  limits.connections = 2;
+  const THttpFixture server(limits);
+  TClient first = server.Connect();
+  first.Send(kRequest).ReadUntil("POST:hi");
+  {
+    TClient second = server.Connect();
+    second.Send(kRequest).ReadUntil("POST:hi");
+    EXPECT_EQ(GetStatus(server.Connect().Send(kRequest).ReadAll()), "HTTP/1.1 503 Service Unavailable");
+  }
+  EXPECT_EQ(GetStatus(first.Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
+}
+
+TEST(HttpServer, OutlivesAHandlerThatFails) {
+  const THttpFixture server({}, [](const THttpRequest& request, const THttpServer::TReply& reply) {
+    if (request.body == "hi") throw std::bad_alloc();
+    reply({});
+  });
+  EXPECT_EQ(server.Connect().Send(kRequest).ReadAll(), "");
+  const std::string other = "POST / HTTP/1.1\r\nContent-Length: 0\r\n\r\n";
+  EXPECT_EQ(GetStatus(server.Connect().Send(other).ReadUntil("\r\n\r\n")), "HTTP/1.1 200 OK");
+}
+
+TEST(HttpServer, OutlivesClientsThatGoAway) {
+  const THttpFixture server;
+  for (std::size_t size = 0; size < kRequest.size(); size += 7) server.Connect().Send(kRequest.substr(0, size));
+  EXPECT_EQ(GetStatus(server.Connect().Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
+}
+
+TEST(HttpServer, SaysWhyItCannotListen) {
+  const THttpServer first("127.0.0.1", 0);
+  try {
+    const THttpServer second("127.0.0.1", first.GetPort());
+    FAIL() << "two listen on one port";
+  } catch (const TUnusable& error) {
+    EXPECT_NE(std::string(error.what()).find("--port"), std::string::npos) << error.what();
+  }
+}
+
+TEST(HttpServer, WatchesADescriptorAndATimer) {
+  THttpServer server("127.0.0.1", 0);
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const TDescriptor reading(ends[0]);
+  const TDescriptor writing(ends[1]);
+  std::string heard;
+  server.WatchOnce(reading.Get(), [&] {
+    heard += "readable ";
+    server.StartTimer(std::chrono::milliseconds(0), [&] {
+      heard += "timer";
+      server.Stop();
+    });
+  });
+  ASSERT_EQ(write(writing.Get(), "a", 1), 1);
+  server.Run([](const THttpRequest&, const THttpServer::TReply&) {});
+  EXPECT_EQ(heard, "readable timer");
+}
