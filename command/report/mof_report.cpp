@@ -1,6 +1,9 @@
 #include "command/report/mof_report.h"
 
 #include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
 
 #include "command/base/text_encoding.h"
 #include "command/report/request_view.h"
@@ -9,8 +12,10 @@ using NQRXZELT20::TCIMValue;
 
 namespace {
 
-/// MOF knows a real number by its point.
-std::string MakeReal(std::string text) {
+/// MOF knows a real number by its point, and has none for what is not finite.
+std::string MakeReal(const TCIMValue& value) {
+  if (!std::isfinite(value.GetReal())) return "NULL";
+  std::string text = value;
   if (text.find('.') == std::string::npos) text.insert(std::min(text.find('e'), text.size()), ".0");
   return text;
 }
@@ -22,7 +27,7 @@ std::string MakeValue(const TCIMValue& value) {
     for (const TCIMValue& element : value.GetElements()) elements.push_back(MakeValue(element));
     return "{" + JoinTexts(elements) + "}";
   }
-  std::string text = value;
+  const std::string text = value;
   switch (value.GetType().GetCode()) {
     case TType::kNull:
       return "NULL";
@@ -33,7 +38,7 @@ std::string MakeValue(const TCIMValue& value) {
     case TType::kUint32:
       return text;
     case TType::kReal32:
-      return MakeReal(text);
+      return MakeReal(value);
     case TType::kString:
     case TType::kDateTime:
     case TType::kReference:
@@ -48,13 +53,27 @@ std::string MakeInstance(const TStoredInstance& instance) {
   return text + "};\n";
 }
 
+/// Of each object path the last commit, which is what the host holds.
+std::map<std::string, const TStoredInstance*> FindNewest(const TAnswer& answer) {
+  std::map<std::string, const TStoredInstance*> newest;
+  for (const TRequestAnswer& request : answer.requests) {
+    for (const auto& instance : request.instances) newest[instance->GetPathText()] = instance.get();
+  }
+  return newest;
+}
+
 }  // namespace
 
 std::string MakeMofReport(const TAnswer& answer) {
+  const std::map<std::string, const TStoredInstance*> newest = FindNewest(answer);
+  std::set<std::string> written;
   std::string text;
   for (const TRequestAnswer& request : answer.requests) {
     if (answer.requests.size() > 1) text += "// Request: " + JoinTexts(request.classes) + "\n";
-    for (const auto& instance : request.instances) text += MakeInstance(*instance);
+    for (const auto& instance : request.instances) {
+      const std::string path = instance->GetPathText();
+      if (written.insert(path).second) text += MakeInstance(*newest.at(path));
+    }
   }
   return text;
 }

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "command/base/text_encoding.h"
+#include "command/report/qualifiers.h"
 #include "embedded_host/log.h"
 #include "embedded_host/schema.h"
 
@@ -28,6 +29,23 @@ std::string MakeMofProperty(const TPropertyDeclaration& property) {
   text += "Description(" + QuoteMof(property.meaning) + ")]\n    ";
   if (*property.target != '\0') return text + property.target + " REF " + property.name + ";\n";
   return text + GetTypeName(property.type, false) + " " + property.name + (property.isArray ? "[]" : "") + ";\n";
+}
+
+std::string JoinScopes(unsigned int scopes) {
+  if (scopes == kAnyScope) return "any";
+  std::string joined;
+  for (const TQualifierScopeName& scope : kQualifierScopes) {
+    if ((scopes & scope.scope) != 0) joined += (joined.empty() ? "" : ", ") + std::string(scope.name);
+  }
+  return joined;
+}
+
+std::string MakeMofQualifier(const TQualifier& qualifier) {
+  return std::string("Qualifier ") + qualifier.name +
+         (qualifier.isBoolean ? " : boolean = false" : " : string = null") + ",\n    Scope(" +
+         JoinScopes(qualifier.scopes) + "),\n    Flavor(" +
+         (qualifier.isOverridable ? "EnableOverride" : "DisableOverride") +
+         (qualifier.isTranslatable ? ", Translatable" : "") + ");\n";
 }
 
 ordered_json MakeObject(const ordered_json& properties) {
@@ -133,6 +151,7 @@ std::string MakeSchemaText() {
 
 std::string MakeSchemaMof() {
   std::string text;
+  for (const TQualifier& qualifier : kQualifiers) text += MakeMofQualifier(qualifier);
   for (const TClassDeclaration& declaration : GetSchema()) {
     text += (text.empty() ? "" : "\n") + std::string(declaration.kind == EKind::kAssociation ? "[Association, " : "[") +
             "Description(" + QuoteMof(declaration.meaning) + ")]\nclass " + declaration.name + " {\n";

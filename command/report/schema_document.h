@@ -7,7 +7,8 @@
 /// and meaning.
 std::string MakeSchemaText();
 
-/// In the DMTF's Managed Object Format: what `displayinfo schema --format mof` prints.
+/// In the DMTF's Managed Object Format (DSP0004), with the declarations of the qualifiers that it uses, so that a
+/// compiler takes it without any other file: what `displayinfo schema --format mof` prints.
 std::string MakeSchemaMof();
 
 /// A JSON Schema (2020-12) of the answer that `displayinfo --format json` writes.

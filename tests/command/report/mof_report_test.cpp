@@ -1,5 +1,7 @@
 #include "command/report/mof_report.h"
 
+#include <limits>
+
 #include "tests/support/answer_test.h"
 
 using NQRXZELT20::TCIMDateTime;
@@ -79,14 +81,32 @@ TEST_F(MofReport, EscapesControlCharacters) {
 
 TEST_F(MofReport, ReplacesBytesThatAreNotText) { EXPECT_EQ(MakeName("\xE2\x82"), Named("\"\uFFFD\uFFFD\"")); }
 
+TEST_F(MofReport, WritesARealNumberThatIsNotFiniteAsNull) {
+  Commit("QRXSG_DesktopMonitor", {{"Gamma", TCIMValue(std::numeric_limits<float>::infinity())}});
+  EXPECT_EQ(Make(), "instance of QRXSG_DesktopMonitor {\n    Gamma = NULL;\n};\n");
+}
+
 TEST_F(MofReport, KeepsTheOrderOfTheCommits) {
-  Commit("QRXSG_VideoHead", {});
+  Commit("QRXSG_VideoHead", {{"DeviceID", TCIMValue("b")}});
   Commit("QRXSG_DesktopMonitor", {});
-  Commit("QRXSG_VideoHead", {});
+  Commit("QRXSG_VideoHead", {{"DeviceID", TCIMValue("a")}});
   EXPECT_EQ(Make(),
-            "instance of QRXSG_VideoHead {\n};\n"
+            "instance of QRXSG_VideoHead {\n    DeviceID = \"b\";\n};\n"
             "instance of QRXSG_DesktopMonitor {\n};\n"
-            "instance of QRXSG_VideoHead {\n};\n");
+            "instance of QRXSG_VideoHead {\n    DeviceID = \"a\";\n};\n");
+}
+
+TEST_F(MofReport, SaysEachInstanceOnceAsItWasCommittedLast) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("a")}, {"Bandwidth", TCIMValue(1U)}});
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("b")}});
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("a")}, {"Bandwidth", TCIMValue(2U)}});
+  EndRequest({"QRXSG_DesktopMonitor"});
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("b")}, {"Bandwidth", TCIMValue(3U)}});
+  EXPECT_EQ(Make(),
+            "// Request: QRXSG_DesktopMonitor\n"
+            "instance of QRXSG_DesktopMonitor {\n    Bandwidth = 2;\n    DeviceID = \"a\";\n};\n"
+            "instance of QRXSG_DesktopMonitor {\n    Bandwidth = 3;\n    DeviceID = \"b\";\n};\n"
+            "// Request: QRXSG_DesktopMonitor\n");
 }
 
 TEST_F(MofReport, IsEmptyWhenNothingIsFound) { EXPECT_EQ(Make(), ""); }

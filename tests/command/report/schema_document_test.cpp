@@ -55,6 +55,21 @@ TEST(SchemaMof, DeclaresEveryClassBeforeAReferenceToIt) {
   EXPECT_EQ(references, 4);
 }
 
+TEST(SchemaMof, DeclaresItsQualifiersFirst) {
+  EXPECT_THAT(MakeSchemaMof(), testing::StartsWith("Qualifier Key : boolean = false,\n"
+                                                   "    Scope(reference, property),\n"
+                                                   "    Flavor(DisableOverride);\n"
+                                                   "Qualifier Association : boolean = false,\n"
+                                                   "    Scope(association),\n"
+                                                   "    Flavor(DisableOverride);\n"
+                                                   "Qualifier Description : string = null,\n"
+                                                   "    Scope(any),\n"
+                                                   "    Flavor(EnableOverride, Translatable);\n"
+                                                   "Qualifier Units : string = null,\n"
+                                                   "    Scope(property, method, parameter),\n"
+                                                   "    Flavor(EnableOverride, Translatable);\n\n"));
+}
+
 TEST(JsonSchema, KnowsEveryPropertyOfEveryClass) {
   const json instances =
       json::parse(MakeJsonSchema())["properties"]["requests"]["items"]["properties"]["instances"]["items"]["oneOf"];
