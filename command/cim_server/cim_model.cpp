@@ -105,8 +105,3 @@ std::optional<std::size_t> TCimModel::FindExactly(const TObjectName& name) const
   if (found == m_numbers.end()) return std::nullopt;
   return found->second;
 }
-
-bool IsAssociation(const TClassDeclaration& declaration) {
-  return std::any_of(declaration.properties.begin(), declaration.properties.end(),
-                     [](const auto& property) { return property.type == TCIMValue::TCIMType::kReference; });
-}

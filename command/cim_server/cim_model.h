@@ -63,6 +63,3 @@ class TCimModel {
   std::vector<std::vector<TCimLink>> m_linksTo;
   std::vector<std::vector<TCimLink>> m_linksOf;
 };
-
-/// True for a class that links others by references.
-bool IsAssociation(const TClassDeclaration& declaration);

@@ -103,7 +103,7 @@ void WriteValue(TXmlWriter& xml, const TCimProperty& property) {
 void WriteClass(TXmlWriter& xml, const TClassDeclaration& declaration, const TShown& shown) {
   xml.Open("CLASS", {{"NAME", declaration.name}});
   if (shown.hasQualifiers) {
-    if (IsAssociation(declaration)) WriteQualifier(xml, kAssociationQualifier, kTrue);
+    if (declaration.kind == EKind::kAssociation) WriteQualifier(xml, kAssociationQualifier, kTrue);
     WriteQualifier(xml, kDescriptionQualifier, declaration.meaning);
   }
   for (const TPropertyDeclaration& property : declaration.properties) {
