@@ -1,7 +1,6 @@
 #include "command/cim_server/serve.h"
 
 #include <grp.h>
-#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -54,7 +53,6 @@ void BecomeNobody() {
 void GiveUpPrivileges() {
   BecomeNobody();
   DropPrivileges(false);
-  prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
 }
 
 /// The listening process: HTTP on one side, the worker on the other.
