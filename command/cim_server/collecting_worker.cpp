@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "command/collection/time_limit.h"
 #include "command/report/json_report.h"
 
 namespace {
@@ -37,15 +38,14 @@ TMachineLine WaitForLine(TWorker& collector, std::chrono::seconds timeout) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     pollfd descriptor = {collector.GetDescriptor(), POLLIN, 0};
     if (left.count() <= 0 || poll(&descriptor, 1, static_cast<int>(left.count())) == 0) {
-      return MakeFailedLine("no answer within " + std::to_string(timeout.count()) +
-                            " seconds; --timeout gives it longer");
+      return MakeFailedLine("collecting " + DescribeTimeout(timeout));
     }
   }
 }
 
 /// What the starter does for each collection.
 TMachineLine CollectApart(const TWorker::TWork& work, std::chrono::seconds timeout) try {
-  TWorker collector(work, ListDescriptors());
+  TWorker collector(work, ListDescriptors(), timeout);
   collector.Give({0, ""});
   return WaitForLine(collector, timeout);
 } catch (const std::exception& error) {
@@ -69,9 +69,8 @@ TCollectingWorker::TCollectingWorker(TWorker::TWork work, std::chrono::seconds t
 }
 
 void TCollectingWorker::Start() {
-  m_starter = std::make_unique<TWorker>(
-      [work = m_work, timeout = m_timeout](const std::string&) { return CollectApart(work, timeout); },
-      ListDescriptors());
+  const auto start = [work = m_work, timeout = m_timeout](const std::string&) { return CollectApart(work, timeout); };
+  m_starter = std::make_unique<TWorker>(start, ListDescriptors(), m_timeout);
 }
 
 std::optional<TCollected> TCollectingWorker::Begin() try {

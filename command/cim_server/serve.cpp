@@ -16,6 +16,7 @@
 #include "command/cim_server/http_mapping.h"
 #include "command/cim_server/http_server.h"
 #include "command/collection/collection.h"
+#include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
 #include "command/machine/captured_machine.h"
 #include "command/report/json_report.h"
@@ -32,14 +33,21 @@ TRequest MakeRequest() {
   return request;
 }
 
-/// What a collector does.
-TMachineLine CollectLine(const TServeOptions& options) try {
-  if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
+std::string MakeLine(const TServeOptions& options) {
   const TMachine machine =
       options.machine ? ReadCapturedMachine(*options.machine) : MakeThisMachine(options.edidSource);
-  return {MakeMachineLine("", Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {})), false};
-} catch (const std::exception& error) {
-  return {MakeErrorLine("", ToPrintable(error.what())), true};
+  return MakeMachineLine("", Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {}));
+}
+
+/// What a collector does.
+TMachineLine CollectLine(const TServeOptions& options) {
+  if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
+  OnThrowingPlugin([](const std::string& reason) { TWorker::EndWith({MakeErrorLine("", ToMessage(reason)), true}); });
+  try {
+    return {WithinMemory([&] { return MakeLine(options); }), false, true};
+  } catch (const std::exception& error) {
+    return {MakeErrorLine("", ToMessage(error.what())), true, true};
+  }
 }
 
 /// What is run as root listens as nobody: without capabilities root would still own the system's files.
@@ -99,7 +107,7 @@ class TServing {
   }
 
   void Put(TCollected collected) {
-    collected.failure = ToPrintable(collected.failure);
+    collected.failure = ToMessage(collected.failure);
     if (collected.model == nullptr) std::cerr << "displayinfo: collecting failed: " << collected.failure << '\n';
     m_keeper.Put(std::move(collected));
   }
