@@ -47,7 +47,9 @@ TMachineLine WaitForLine(TWorker& collector, std::chrono::seconds timeout) {
 TMachineLine CollectApart(const TWorker::TWork& work, std::chrono::seconds timeout) try {
   TWorker collector(work, ListDescriptors(), timeout);
   collector.Give({0, ""});
-  return WaitForLine(collector, timeout);
+  TMachineLine line = WaitForLine(collector, timeout);
+  line.isLast = false;  // of the collector, not of the starter
+  return line;
 } catch (const std::exception& error) {
   return MakeFailedLine(error.what());
 }

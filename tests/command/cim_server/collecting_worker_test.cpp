@@ -35,6 +35,15 @@ TEST(CollectingWorker, BringsTheInstances) {
   EXPECT_NE(Collect(worker).model, nullptr);
 }
 
+TEST(CollectingWorker, KeepsTheStarterWhenACollectorEnds) {
+  TCollectingWorker worker(
+      [](const std::string&) {
+        return TMachineLine{MakeTwoMonitorsJson(), false, true};
+      },
+      kLong, false);
+  for (int round = 0; round < 3; ++round) EXPECT_NE(Collect(worker).model, nullptr);
+}
+
 TEST(CollectingWorker, BringsTheReasonOfAFailure) {
   TCollectingWorker worker(
       [](const std::string&) {
