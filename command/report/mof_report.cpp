@@ -27,7 +27,7 @@ std::string MakeValue(const TCIMValue& value) {
     for (const TCIMValue& element : value.GetElements()) elements.push_back(MakeValue(element));
     return "{" + JoinTexts(elements) + "}";
   }
-  const std::string text = value;
+  std::string text = value;
   switch (value.GetType().GetCode()) {
     case TType::kNull:
       return "NULL";

@@ -15,16 +15,16 @@ enum EQualifierScope : unsigned int {
 
 struct TQualifier {
   const char* name;
-  bool isBoolean;  // false by default; else a string, null by default
   unsigned int scopes;
+  bool isBoolean;       // false by default; else a string, null by default
   bool isOverridable;   // by a subclass
   bool isTranslatable;  // a text for people
 };
 
-constexpr TQualifier kKeyQualifier = {"Key", true, kPropertyScope | kReferenceScope, false, false};
-constexpr TQualifier kAssociationQualifier = {"Association", true, kAssociationScope, false, false};
-constexpr TQualifier kDescriptionQualifier = {"Description", false, kAnyScope, true, true};
-constexpr TQualifier kUnitsQualifier = {"Units", false, kPropertyScope | kMethodScope | kParameterScope, true, true};
+constexpr TQualifier kKeyQualifier = {"Key", kPropertyScope | kReferenceScope, true, false, false};
+constexpr TQualifier kAssociationQualifier = {"Association", kAssociationScope, true, false, false};
+constexpr TQualifier kDescriptionQualifier = {"Description", kAnyScope, false, true, true};
+constexpr TQualifier kUnitsQualifier = {"Units", kPropertyScope | kMethodScope | kParameterScope, false, true, true};
 
 constexpr TQualifier kQualifiers[] = {kKeyQualifier, kAssociationQualifier, kDescriptionQualifier, kUnitsQualifier};
 
