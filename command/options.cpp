@@ -200,7 +200,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   app.footer(
       "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
       "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting\n"
-      "Examples: sudo displayinfo --edid-source bios; displayinfo capture ws-17.json");
+      "Examples: displayinfo capture ws-17.json; displayinfo serve (for CIM clients)");
 
   try {
     app.parse(argumentCount, arguments);
