@@ -261,7 +261,7 @@ TEST_F(Command, SaysWhenItsHelpCannotBeWritten) {
 
 TEST_F(Command, ExplainsItsClasses) {
   EXPECT_THAT(RunShell(kCommand + " schema").output, StartsWith("QRXSG_VideoController\n"));
-  EXPECT_THAT(RunShell(kCommand + " schema --format mof").output, StartsWith("[Description("));
+  EXPECT_THAT(RunShell(kCommand + " schema --format mof").output, StartsWith("Qualifier Key : boolean"));
   EXPECT_TRUE(json::accept(RunShell(kCommand + " schema --format json-schema").output));
   ExpectWrongUsage("schema --format html", "--format: html not in {text,mof,json-schema}");
 }
