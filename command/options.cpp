@@ -121,6 +121,9 @@ void AddServe(CLI::App& app, TServeOptions& options, std::optional<std::filesyst
       serve->add_option("--machine", options.machine, "A captured machine instead of this one")->option_text("PATH");
   AddChoice(*serve, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
       ->excludes(machine);
+  AddChoice(*serve, "--xconfig-source", options.xconfigSource, kXconfigSources,
+            "Where this machine's X configuration comes from")
+      ->excludes(machine);
   const auto addSeconds = [&](const char* name, std::chrono::seconds& target, unsigned int min, const char* meaning) {
     serve
         ->add_option_function<unsigned int>(

@@ -34,8 +34,8 @@ TRequest MakeRequest() {
 }
 
 std::string MakeLine(const TServeOptions& options) {
-  const TMachine machine =
-      options.machine ? ReadCapturedMachine(*options.machine) : MakeThisMachine(options.edidSource);
+  const TMachine machine = options.machine ? ReadCapturedMachine(*options.machine)
+                                           : MakeThisMachine(options.edidSource, options.xconfigSource);
   return MakeMachineLine("", Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {}));
 }
 

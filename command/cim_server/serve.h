@@ -15,6 +15,7 @@ struct TServeOptions {
   unsigned short port = kCimXmlPort;   // 0: a free one
   std::optional<std::string> machine;  // a captured one; this one when absent
   EEdidSource edidSource = EEdidSource::kAuto;
+  EXconfigSource xconfigSource = EXconfigSource::kAuto;
   std::filesystem::path plugin;
   std::chrono::seconds maxAge{60};
   std::chrono::seconds timeout{60};  // for a collection
