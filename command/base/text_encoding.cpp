@@ -110,7 +110,8 @@ template <typename TAppend>
 std::string Convert(std::string_view text, TAppend append) {
   std::string converted;
   while (true) {
-    const char* const beyondAscii = std::find_if_not(text.data(), text.data() + text.size(), IsAscii);  // nearly always the end
+    const char* const beyondAscii =
+        std::find_if_not(text.data(), text.data() + text.size(), IsAscii);  // nearly always the end
     const char* const invalid = utf8::find_invalid(beyondAscii, text.data() + text.size());
     const auto length = static_cast<std::size_t>(invalid - text.data());
     append(converted, text.substr(0, length));
