@@ -1,4 +1,4 @@
-// make_fleet COUNT FOLDER [SEED]: writes so many made-up captured machines into FOLDER, and FOLDER/list with their
+// make_fleet COUNT FOLDER [SEED]: writes COUNT made-up captured machines into FOLDER, and FOLDER/list with their
 // names.
 #include <cstdio>
 #include <cstdlib>

@@ -4,7 +4,7 @@ find_path(BOOST_INCLUDE_DIR boost/version.hpp REQUIRED)
 file(STRINGS ${BOOST_INCLUDE_DIR}/boost/version.hpp boost_version REGEX "^#define BOOST_VERSION [0-9]+$")
 string(REGEX MATCH "[0-9]+$" boost_version "${boost_version}")
 if(boost_version LESS 107600)
-  message(FATAL_ERROR "Boost 1.76 or later is needed (Boost.Regex as headers alone); install libboost-dev, or libboost1.81-dev on Debian 12")
+  message(FATAL_ERROR "Boost 1.76 or later is needed (Boost.Regex as headers only); install libboost-dev, or libboost1.81-dev on Debian 12")
 endif()
 
 # The real video BIOS runs in libx86emu. The 32-bit library has no development package and is named by its file.
@@ -18,7 +18,7 @@ if(X86EMU_INCLUDE_DIR AND X86EMU_LIBRARY)
   set(WITH_REAL_BIOS ON)
 else()
   set(WITH_REAL_BIOS OFF)
-  message(WARNING "libx86emu is missing: this build has the virtual BIOS alone")
+  message(WARNING "libx86emu is missing: this build has only the virtual BIOS")
 endif()
 
 # What names cards and tells their modes. The headers are those of the build's own architecture, and serve the other too.

@@ -90,7 +90,7 @@ void CheckFleet(const TOptions& options, const CLI::App& app) {
   }
 }
 
-/// capture and schema have options of their own, behind them.
+/// capture and schema have options of their own, which follow them.
 void CheckSubcommand(const CLI::App& app) {
   for (const CLI::App* const subcommand : app.get_subcommands()) {
     for (const CLI::Option* const option : app.get_options()) {

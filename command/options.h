@@ -45,7 +45,7 @@ struct TCommandLine {
   TOptions options;
   std::optional<ESchemaFormat> schemaFormat;
   std::optional<TCaptureOptions> capture;
-  std::optional<TServeOptions> serve;  // but for its plug-in
+  std::optional<TServeOptions> serve;  // without its plug-in
   std::optional<int> exitStatus;
 };
 

@@ -62,11 +62,12 @@ void RequireAnswer(const TMachine& captured, const TAnswer& answer, const fs::pa
 template <typename TCheck>
 void WriteFolder(const TMachineDocument& machine, const fs::path& target, TCheck isRight) {
   TNewFolder folder(target);
-  folder.Write("machine.json", MakeMachineJson(machine));
-  for (const auto& [path, content] : machine.files) folder.Write("root" + path, content);
+  folder.Write(kMachineJson, MakeMachineJson(machine));
+  for (const auto& [path, content] : machine.files) folder.Write(kRoot + path, content);
   for (const auto& [number, unit] : machine.bios.units) {
     if (unit.edid.empty()) continue;
-    folder.Write("edid/" + std::to_string(number) + ".bin", std::string(unit.edid.begin(), unit.edid.end()));
+    folder.Write(std::string(kEdids) + "/" + std::to_string(number) + kEdidEnding,
+                 std::string(unit.edid.begin(), unit.edid.end()));
   }
   isRight();
   folder.Keep();

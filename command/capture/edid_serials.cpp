@@ -3,39 +3,32 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace {
+#include "edid/layout.h"
 
-constexpr std::size_t kBlockSize = 128;    // bytes
-constexpr std::size_t kSerialNumber = 12;  // of 4 bytes
-constexpr std::size_t kDescriptors[] = {54, 72, 90, 108};
-constexpr char kDescriptorOfText[] = {0, 0, 0};  // how the descriptor begins, before its tag
-constexpr std::size_t kTag = 3;
-constexpr char kSerialTag = '\xFF';
-constexpr std::size_t kText = 5;  // of 13 bytes, to the end of the descriptor
-constexpr std::size_t kTextSize = 13;
-constexpr std::size_t kChecksum = 127;
+namespace {
 
 /// Overwrites a byte; the sum of the block's bytes stays what it was.
 void Overwrite(std::string& edid, std::size_t position, char value) {
-  edid[kChecksum] = static_cast<char>(edid[kChecksum] + edid[position] - value);
+  edid[edid::kChecksum] = static_cast<char>(edid[edid::kChecksum] + edid[position] - value);
   edid[position] = value;
 }
 
-bool HoldsSerial(const std::string& edid, std::size_t descriptor) {
-  return std::equal(std::begin(kDescriptorOfText), std::end(kDescriptorOfText),
-                    edid.begin() + static_cast<std::ptrdiff_t>(descriptor)) &&
-         edid[descriptor + kTag] == kSerialTag;
+/// Whether a slot is a display descriptor, which begins with zeros, and one of a serial number.
+bool HoldsSerial(const std::string& edid, std::size_t slot) {
+  const auto begin = edid.begin() + static_cast<std::ptrdiff_t>(slot);
+  return std::all_of(begin, begin + edid::kDescriptorTag, [](char byte) { return byte == 0; }) &&
+         static_cast<unsigned char>(edid[slot + edid::kDescriptorTag]) == edid::kTagSerialNumber;
 }
 
 }  // namespace
 
 void BlankSerials(std::string& edid) {
-  if (edid.size() < kBlockSize) return;
-  for (std::size_t byte = 0; byte < 4; ++byte) Overwrite(edid, kSerialNumber + byte, '\0');
-  for (const std::size_t descriptor : kDescriptors) {
+  if (edid.size() < edid::kBlockSize) return;
+  for (std::size_t byte = 0; byte < edid::kSerialNumberSize; ++byte) Overwrite(edid, edid::kSerialNumber + byte, '\0');
+  for (const std::size_t descriptor : edid::kDescriptors) {
     if (!HoldsSerial(edid, descriptor)) continue;
-    for (std::size_t byte = 0; byte < kTextSize; ++byte) {
-      const std::size_t position = descriptor + kText + byte;
+    for (std::size_t byte = 0; byte < edid::kDescriptorTextSize; ++byte) {
+      const std::size_t position = descriptor + edid::kDescriptorText + byte;
       // A text's end stays, so that it is read as far as before.
       if (edid[position] != '\n' && edid[position] != '\0') Overwrite(edid, position, ' ');
     }

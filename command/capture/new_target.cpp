@@ -15,7 +15,7 @@ namespace {
 
 /// `kind`: of what could not be made.
 [[noreturn]] void FailToMake(const std::string& path, const char* kind) {
-  const std::string reason = errno == EEXIST ? "is there already" : std::strerror(errno);
+  const std::string reason = errno == EEXIST ? "already exists" : std::strerror(errno);
   throw TUnusable(path + ": cannot be made: " + reason + "; name a " + kind + " that can be");
 }
 

@@ -19,7 +19,7 @@ class TOrderedLines {
   /// Takes the line of that number; each number from 0 on comes once, in any order.
   void Put(std::size_t number, std::string line);
 
-  /// The lines whose turn it is, one behind the other; empty when an earlier one is missing yet.
+  /// The lines whose turn it is, one after the other; empty when an earlier one is missing yet.
   std::string TakeReady();
 
   /// Bytes of the lines that wait.

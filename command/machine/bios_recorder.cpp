@@ -47,7 +47,7 @@ TVirtualBiosConfiguration TBiosRecorder::GetRecord() const {
   return record;
 }
 
-/// A virtual BIOS answers with an error behind the last block by itself.
+/// A virtual BIOS answers with an error after the last block by itself.
 TVirtualBiosConfiguration::TUnit TBiosRecorder::MakeUnit(const std::vector<TBlock>& blocks) {
   TVirtualBiosConfiguration::TUnit unit;
   for (std::size_t block = 0; block < blocks.size(); ++block) {

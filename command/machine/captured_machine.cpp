@@ -20,10 +20,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kMachineJson = "machine.json";
-constexpr const char* kEdids = "edid";
-constexpr const char* kRoot = "root";
-constexpr const char* kEdidEnding = ".bin";
 constexpr const char* kPackedEndings[] = {".tar.gz", ".tgz"};
 
 bool EndsWith(const std::string& text, const std::string& ending) {

@@ -6,6 +6,12 @@
 #include "command/machine/machine.h"
 #include "command/machine/machine_document.h"
 
+// What is in the folder of a captured machine.
+constexpr const char* kMachineJson = "machine.json";
+constexpr const char* kEdids = "edid";
+constexpr const char* kEdidEnding = ".bin";  // after the number of the unit
+constexpr const char* kRoot = "root";
+
 /// The machine that a folder or a file holds. It may have been made by anybody: nothing outside it is read, nothing is
 /// written or run. Throws TUnusable, naming file and key, when anything in it that the collection would use is not as
 /// it must be, or leads out of the folder.

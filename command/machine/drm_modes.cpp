@@ -27,7 +27,7 @@ struct TDrmLibrary {
   decltype(drmModeGetFB)* getFramebuffer = library.Find<decltype(drmModeGetFB)>("drmModeGetFB");
   decltype(drmModeFreeFB)* freeFramebuffer = library.Find<decltype(drmModeFreeFB)>("drmModeFreeFB");
 
-  /// The library comes whole or not at all, but for the names of the connector types: they are the newest call.
+  /// The first and the newest of the calls: a library that has both has all of them.
   bool IsUsable() const { return getResources != nullptr && getTypeName != nullptr; }
 };
 

@@ -132,7 +132,7 @@ void WriteFacts(TJsonWriter& json, const TEdidFacts& facts) {
   }
 }
 
-/// Members without a value are left out, but for the device id.
+/// Members without a value are left out, except the device id.
 void WriteOutput(TJsonWriter& json, const TOutput& output) {
   json.BeginObject();
   json.Key("unit");

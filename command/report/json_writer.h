@@ -18,7 +18,7 @@ class TJsonWriter {
   void BeginArray();
   void EndArray();
 
-  /// The name of the next value; inside an object alone.
+  /// The name of the next value; only inside an object.
   void Key(const std::string& name);
 
   /// A string, as QuoteJson makes it of any bytes.

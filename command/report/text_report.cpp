@@ -10,7 +10,7 @@
 namespace {
 
 constexpr std::size_t kWidth = 80;       // columns
-constexpr std::size_t kLabelWidth = 18;  // columns, with the blanks behind the label
+constexpr std::size_t kLabelWidth = 18;  // columns, with the blanks after the label
 
 /// The text in lines: the first after `head`, the others indented as far. Lines break at blanks where they can; all
 /// other blanks stay.

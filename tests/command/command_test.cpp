@@ -276,7 +276,7 @@ TEST_F(Command, CapturesThisMachineOnce) {
   EXPECT_EQ(RunShell(kCommand + " --format json --machine " + target).output,
             RunShell(kCommand + " --format json --edid-source drm").output);
   ExpectUnusable(RunShell(kCommand + " capture " + target),
-                 target + ": cannot be made: is there already; name a folder that can be");
+                 target + ": cannot be made: already exists; name a folder that can be");
 }
 
 TEST_F(Command, CapturesThisMachineIntoOneFileWithTheSameAnswer) {
@@ -290,7 +290,7 @@ TEST_F(Command, CapturesThisMachineIntoOneFileWithTheSameAnswer) {
   EXPECT_EQ(RunShell(kCommand + " --format json --machine " + target).output,
             RunShell(kCommand + " --format json --edid-source drm").output);
   ExpectUnusable(RunShell(kCommand + " capture " + target),
-                 target + ": cannot be made: is there already; name a file that can be");
+                 target + ": cannot be made: already exists; name a file that can be");
 }
 
 // Without any capability nobody gets at the BIOS, root neither.

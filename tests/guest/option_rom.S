@@ -51,7 +51,7 @@ video:  cmp $READ_EDID, %ax
         push %cx
         push %si
         push %di
-        imul $BLOCK, %dx, %si           # unit1 lies one block behind unit0
+        imul $BLOCK, %dx, %si           # unit1 lies one block after unit0
         shl $7, %cx
         add %cx, %si
         add $unit0, %si

@@ -33,7 +33,7 @@ struct TPoint {
   int x, y;
 };
 
-/// A line of text that begins at the point, cut off with an ellipsis behind `columns` characters; the whole is its
+/// A line of text that begins at the point, cut off with an ellipsis after `columns` characters; the whole is its
 /// title.
 TMarkup MakeSvgText(TPoint point, const std::string& text, std::size_t columns, const char* look = "");
 

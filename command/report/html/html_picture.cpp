@@ -108,7 +108,7 @@ unsigned int GetLongestSide(const std::vector<TMonitorView>& monitors) {
   return longest;
 }
 
-/// The picture's units for so many cm.
+/// The picture's units for that number of cm.
 int Scale(unsigned int length, unsigned int longest) {
   return std::max(2, static_cast<int>(length * kScreenSide / longest));
 }

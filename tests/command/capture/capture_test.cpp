@@ -229,24 +229,24 @@ TEST_F(Capture, SaysWhoMayReadAFileThatItCannotRead) {
 
 TEST_F(Capture, IsNotWrittenOverAnything) {
   folder.Write("ws-17/precious", "old");
-  ExpectRefused("ws-17: cannot be made: is there already");
+  ExpectRefused("ws-17: cannot be made: already exists");
   EXPECT_EQ(List(), "./precious\n");
   fs::remove_all(target);
   folder.Write("ws-17", "old");
-  ExpectRefused("is there already");
+  ExpectRefused("already exists");
   fs::remove(target);
   fs::create_symlink("nowhere", target);
-  ExpectRefused("is there already");
+  ExpectRefused("already exists");
   EXPECT_FALSE(fs::exists(folder.GetPath() / "nowhere"));
 }
 
 TEST_F(Capture, InOneFileIsNotWrittenOverAnything) {
   folder.Write("ws-17.json", "old");
-  ExpectRefused(document, "ws-17.json: cannot be made: is there already; name a file that can be");
+  ExpectRefused(document, "ws-17.json: cannot be made: already exists; name a file that can be");
   EXPECT_EQ(ReadFile(document), "old");
   fs::remove(document);
   fs::create_symlink("nowhere", document);
-  ExpectRefused(document, "is there already");
+  ExpectRefused(document, "already exists");
   EXPECT_FALSE(fs::exists(folder.GetPath() / "nowhere"));
   EXPECT_TRUE(fs::is_symlink(document));
 }
@@ -259,7 +259,7 @@ TEST_F(Capture, IsRefusedWhereNoFolderCanBeMade) {
 
 namespace {
 
-/// A BIOS that answers in its first session alone.
+/// A BIOS that answers only in its first session.
 class TUnsteadyBios : public TVirtualVideoBios {
  public:
   using TVirtualVideoBios::TVirtualVideoBios;
