@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "command/base/descriptor.h"
 #include "tests/support/running_process.h"
 
 namespace {
@@ -228,9 +229,20 @@ TEST(Worker, EndsAfterItsLastLine) {
 }
 
 TEST(Worker, MayEndWithALineInTheMidstOfItsWork) {
-  TWorker worker([](const std::string&) -> TMachineLine { TWorker::EndWith({"the end", true}); }, {}, kTimeout);
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const TDescriptor waiting(ends[0]);
+  const TDescriptor going(ends[1]);
+  TWorker worker(
+      [&](const std::string&) -> TMachineLine {
+        char byte = 0;
+        static_cast<void>(read(waiting.Get(), &byte, 1) == 1);
+        TWorker::EndWith({"the end", true});
+      },
+      {}, kTimeout);
   ASSERT_TRUE(worker.Give({7, "a"}));
   ASSERT_TRUE(worker.Give({8, "b"}));
+  ASSERT_EQ(write(going.Get(), "x", 1), 1);
   const auto line = Wait(worker).value();
   EXPECT_EQ(line.first, 7U);
   EXPECT_EQ(line.second.text, "the end");
