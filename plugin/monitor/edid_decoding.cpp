@@ -1,5 +1,5 @@
-// Decoding an EDID into the properties of the monitor in hand: what is decoded in which order, and what is logged. What
-// the bytes mean is said in edid_properties.
+// Decoding an EDID into the properties of the monitor in hand: what is decoded in which order, and what is logged.
+// What the bytes mean, that of gamma for example, is in edid_properties.
 #include <algorithm>
 #include <cstdio>
 

@@ -11,7 +11,7 @@ using NQRXZELT20::TCIMValue;
 namespace {
 
 constexpr unsigned char kLastWeek = 54;
-constexpr unsigned char kLastUnknownYear = 3;  // years up to 1993 stand for no year given
+constexpr unsigned char kLastUnknownYear = 3;  // years up to 1993 mean that no year is given
 constexpr std::time_t kSecondsPerWeek = 604800;
 
 TCIMValue ToManufacturer(const unsigned char* bytes) {

@@ -2,7 +2,7 @@
 // keeps anything; TMonitorInfo decides what is decoded, in which order, and logs.
 //
 // A pointer to an EDID leads to a buffer of edid::kBufferSize bytes that begins with a base block of version 1, one to
-// a descriptor to the first of the 18 bytes of its slot. A null value stands for a property that the bytes do not give.
+// a descriptor to the first of the 18 bytes of its slot. A null value means that the bytes do not give the property.
 #pragma once
 
 #include <string>

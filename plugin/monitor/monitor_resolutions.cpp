@@ -26,7 +26,7 @@ std::vector<PropertyMap> TMonitorInfo::GetResolutionInfo(unsigned char* edid, un
     WriteStatus("Monitor Resolution : Could not get Device ID");
     return {};
   }
-  // Only detailed timings say how they scan; the first of them stands for every mode.
+  // Only detailed timings say how they scan; the first of them speaks for every mode.
   const unsigned short scanMode = DecodeScanMode(FindDescriptor(edid, kDetailedTiming));
   std::vector<PropertyMap> maps;
   for (const TMode& mode : DecodeModes(edid)) {

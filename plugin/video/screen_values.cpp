@@ -20,8 +20,8 @@ std::string GetValue(const SectionRecord& record, const std::string& key) {
   return found == record.end() ? std::string() : found->second;
 }
 
-/// The width and the height of a mode such as "1024x768". A mode without an x is all width; one such as "x768", whose
-/// only x comes first, has no pieces and so neither.
+/// The width and the height of a mode such as "1024x768". A mode without an x is taken as a width; one such as "x768",
+/// whose only x comes first, has no pieces and so neither.
 std::vector<std::string> SplitMode(const std::string& mode) {
   if (mode.find('x') == std::string::npos) return {mode};
   return TXConfig::MultiStringTok(mode, "x");
@@ -89,7 +89,7 @@ void TVideoInfo::GetModeValues(const std::string& modes) {
                "Could not convert to integer vertical resolution from " + dataToString(sides[0]));
 }
 
-/// Inserts the number that the text is; logs `failure` and returns false when it is none.
+/// Inserts the text as a number; logs `failure` and returns false when it is not one.
 bool TVideoInfo::InsertNumber(const char* name, const std::string& text, const std::string& failure) {
   try {
     Insert(name, TCIMValue(boost::lexical_cast<unsigned int>(text)));

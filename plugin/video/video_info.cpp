@@ -89,6 +89,7 @@ void TVideoInfo::ReadDevice(const SectionRecord& device, const std::vector<Secti
   std::string monitorName;
   GetScreenValues(screens, identifier, monitorName);
   if (!monitorName.empty()) GetMonitorValues(monitors, monitorName);
+  // Only for a device without a BusID: the first value of a property stays, and GetDeviceValues inserted the BusID.
   Insert("DisplayId", TCIMValue(identifier));
 
   PropertyMap head = m_deviceProperties;

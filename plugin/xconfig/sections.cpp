@@ -96,7 +96,7 @@ class TSectionReader {
     if (TXConfig::CommentedCode(line.c_str())) return std::nullopt;
     const std::vector<std::string> words = SplitLine(TXConfig::RemoveSpaces(line.c_str()));
     if (words.size() < 2) return std::nullopt;
-    // A key counts wherever it stands in the word: the depth of a DefaultColorDepth line would be lost otherwise.
+    // A key counts wherever it occurs in the word: the depth of a DefaultColorDepth line would be lost otherwise.
     const auto key = std::find_if(m_keys.begin(), m_keys.end(), [&](const std::string& candidate) {
       return words[0].find(candidate) != std::string::npos;
     });
