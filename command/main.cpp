@@ -1,4 +1,5 @@
-// displayinfo: collects what the plug-in has to say about one machine, and shows it.
+// displayinfo: shows what the plug-in says of a machine, or of many; captures this machine; answers CIM clients; prints
+// the classes.
 #include <algorithm>
 #include <csignal>
 #include <iostream>
@@ -47,7 +48,7 @@ bool AsksForMonitors(const TRequest& request) {
                      [](const std::string& name) { return FindClass(name)->part == EPart::kMonitors; });
 }
 
-/// What the answer does without, and which outputs are not among its monitors.
+/// What the command could not learn, and which outputs are not among the answer's monitors.
 void ShowRemarks(const TAnswer& answer) {
   for (const std::string& note : answer.notes) ShowRemark(note);
   if (!std::any_of(answer.requests.begin(), answer.requests.end(),
@@ -119,12 +120,12 @@ std::string Answer(const TOptions& options) {
 }
 
 int Run(const TOptions& options) {
-  if (!options.machines.empty()) DropPrivileges(true);  // what others captured is read with no more than it takes
+  if (!options.machines.empty()) DropPrivileges(true);  // captured machines only have to be read
   const std::string name = options.machines.empty() ? "this machine" : ToMessage(options.machines.front()) + ":";
   std::optional<TTimeLimit> limit(std::in_place, options.timeout,
                                   "displayinfo: " + name + " " + DescribeTimeout(options.timeout) + "\n");
   const std::string report = WithinMemory([&] { return Answer(options); });
-  limit.reset();  // whoever reads the answer may take their time
+  limit.reset();  // the reader of the answer may take its time
   WriteStandardOutput(report);
   return kDone;
 }

@@ -90,7 +90,7 @@ void CheckFleet(const TOptions& options, const CLI::App& app) {
   }
 }
 
-/// capture and schema have options of their own, which follow them.
+/// Each subcommand has options of its own, which follow it.
 void CheckSubcommand(const CLI::App& app) {
   for (const CLI::App* const subcommand : app.get_subcommands()) {
     for (const CLI::Option* const option : app.get_options()) {
@@ -101,7 +101,7 @@ void CheckSubcommand(const CLI::App& app) {
   }
 }
 
-/// Loopback only: who wants more gets it from what has passwords and TLS.
+/// Loopback only: the server has neither passwords nor TLS, so something that has them must answer other machines.
 void CheckListenAddress(const std::string& address) {
   if (address == "127.0.0.1" || address == "::1") return;
   throw CLI::ValidationError(

@@ -39,8 +39,7 @@ struct TCaptureOptions {
 };
 
 /// Either the options of a collection, of a capture or of a server, or the format in which to print the classes, or the
-/// exit status of a command that is done: after
-/// --help, --version or wrong usage, which has been explained on standard error.
+/// exit status of a command that is done: after --help, --version or wrong usage, which standard error has explained.
 struct TCommandLine {
   TOptions options;
   std::optional<ESchemaFormat> schemaFormat;

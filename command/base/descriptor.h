@@ -19,7 +19,7 @@ class TDescriptor {
   bool IsOpen() const { return m_descriptor >= 0; }
   /// -1 when none is open.
   int Get() const { return m_descriptor; }
-  /// Hands it over: whoever takes it closes it.
+  /// Gives it up: the caller closes it.
   int Release() { return std::exchange(m_descriptor, -1); }
   void Close() {
     if (IsOpen()) close(std::exchange(m_descriptor, -1));

@@ -10,12 +10,12 @@ void DropPrivileges(bool keepsReading) {
   constexpr unsigned long lowPorts = 0x400;
   static_cast<void>(ioperm(0, lowPorts, 0));
   static_cast<void>(iopl(0));
-  static_cast<void>(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0));  // else a program that is started might have them again
+  static_cast<void>(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0));  // else a program that is started could get them back
   __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
   __user_cap_data_struct sets[_LINUX_CAPABILITY_U32S_3] = {};
-  static_assert(CAP_DAC_READ_SEARCH < 32, "it stands in the first word of a set");
+  static_assert(CAP_DAC_READ_SEARCH < 32, "it is in the first word of a set");
   constexpr unsigned int reading = 1U << CAP_DAC_READ_SEARCH;
-  // Only what is held can be kept: asking for more would drop nothing.
+  // Ask only for what is held: asked for more, capset fails and drops nothing.
   if (keepsReading && syscall(SYS_capget, &header, sets) == 0) {
     sets[0] = {sets[0].effective & reading, sets[0].permitted & reading, 0};
     sets[1] = {};

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Whoever started the command may have set standard output not to wait for its reader.
+/// The program that started the command may have set standard output not to wait for its reader.
 void WaitForReader() {
   pollfd output = {STDOUT_FILENO, POLLOUT, 0};
   poll(&output, 1, -1);
@@ -27,7 +27,8 @@ void WaitForReader() {
 void KeepStandardDescriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) continue;
-    // In order, the lowest free number is this one. Opened the wrong way round, it cannot be used.
+    // open() takes the lowest free number, which in this order is this one. It is opened for the wrong direction, so
+    // that using it fails.
     static_cast<void>(open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
   }
 }

@@ -3,11 +3,11 @@
 
 #include <string>
 
-/// Puts something harmless in the place of standard input, output and error where they are closed: the next file that
-/// is opened would become one of them, and be read as a list or written over with answers. Reading and writing what was
+/// Opens something harmless as standard input, output or error where they are closed: otherwise the next file that is
+/// opened would become one of them, and be read as a list or overwritten with answers. Reading and writing what was
 /// closed still fails.
 void KeepStandardDescriptors();
 
-/// Writes the whole text, however long its reader lets it wait; false when the reader has gone away, which is no error:
-/// it had enough. Throws TUnusable when the text cannot be written. The process must ignore SIGPIPE.
+/// Writes the whole text, however long the reader makes it wait. False when the reader has closed its end, which is no
+/// error: it had enough. Throws TUnusable when the text cannot be written. The process must ignore SIGPIPE.
 bool WriteStandardOutput(const std::string& text);

@@ -39,7 +39,7 @@ std::string EscapeCode(const char* format, TCode code) {
   return text;
 }
 
-// What stands for a character in each kind of text; empty for one that stands for itself.
+// What is written for a character in each kind of text; empty for one that is written as it is.
 
 std::string EscapeForPeople(TCode code) {
   if (!IsHidden(code) || code == '\t') return std::string();
@@ -105,7 +105,7 @@ bool IsPlain(char byte) {
 
 bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
-/// Goes through the text: `append` takes each run of well-formed characters, and U+FFFD stands for each byte between.
+/// Goes through the text: `append` takes each run of well-formed characters, and U+FFFD for each byte between.
 template <typename TAppend>
 std::string Convert(std::string_view text, TAppend append) {
   std::string converted;

@@ -18,8 +18,8 @@ std::string ToUtf8(const std::string& text);
 std::string ToPrintable(const std::string& text);
 
 /// The text as the one line of an error: printable, and what is longer than 1000 characters loses its middle, so that
-/// the name at its front and the cure at its end stay. It says then how long it was. Nothing changes a message that is
-/// made again.
+/// the name at its front and the cure at its end stay; it then says how long it was. Applied twice, it changes nothing
+/// more.
 std::string ToMessage(const std::string& text);
 
 /// The text as a JSON string, with its quotes: a parser reads the characters of ToUtf8.
@@ -28,8 +28,8 @@ std::string QuoteJson(const std::string& text);
 /// The text as a MOF string literal, with its quotes.
 std::string QuoteMof(const std::string& text);
 
-/// The printable text as HTML that means no more than its characters, in an element's content and in a quoted
-/// attribute. It is well-formed XML as well.
+/// The printable text with its markup escaped, for an element's content or a quoted attribute of HTML. It is
+/// well-formed XML as well.
 std::string EscapeHtml(const std::string& text);
 
 /// Columns that valid UTF-8 takes: its characters, not its bytes.

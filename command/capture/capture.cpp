@@ -58,7 +58,7 @@ void RequireAnswer(const TMachine& captured, const TAnswer& answer, const fs::pa
   throw TUnusable("what was captured does not answer as the machine did, which may have changed meanwhile; try again");
 }
 
-/// `isRight`: throws when what was written is not to be kept.
+/// `isRight` throws when what was written must not be kept.
 template <typename TCheck>
 void WriteFolder(const TMachineDocument& machine, const fs::path& target, TCheck isRight) {
   TNewFolder folder(target);
@@ -99,7 +99,8 @@ void CaptureMachine(const TMachine& machine, const fs::path& plugin, const fs::p
   TMachineDocument document = {machine.host, machine.getUnits(), machine.connectors,
                                ReadFiles(machine.host, answer.fileQueries)};
   if (isAnonymous) {
-    // What is blanked is never written. That the rest is right shows before, and that it was written whole afterwards.
+    // What is to be blanked is never written, so the capture is checked in memory first, still with it. The check of
+    // what was written then compares with the answer of the blanked one.
     RequireAnswer(MakeCapturedMachine(document), answer, plugin);
     MakeAnonymous(document);
     answer = Ask(MakeCapturedMachine(document), plugin);

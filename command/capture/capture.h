@@ -7,9 +7,9 @@
 
 /// Collects all six classes from `machine` with that plug-in, and writes down, as a captured machine, the files that
 /// the plug-in looked for and found, what is known of the outputs, and how the host presents the machine; no more.
-/// `target`: a file that ends in .json, or a folder; it must not exist. Before it is done it collects from what it has
-/// written, and throws TUnusable when the answer is another one, or when `target` exists or cannot be written. Then
-/// nothing is left.
+/// `target`: a file that ends in .json, or a folder; it must not exist. At the end it collects from what it has
+/// written. Throws TUnusable when that answer differs, or when `target` exists or cannot be written, and then leaves
+/// nothing.
 ///
 /// `isAnonymous`: blanks the serial numbers in the EDIDs' base blocks, and the system's name. The files stay as they
 /// are.

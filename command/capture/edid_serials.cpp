@@ -29,7 +29,7 @@ void BlankSerials(std::string& edid) {
     if (!HoldsSerial(edid, descriptor)) continue;
     for (std::size_t byte = 0; byte < edid::kDescriptorTextSize; ++byte) {
       const std::size_t position = descriptor + edid::kDescriptorText + byte;
-      // A text's end stays, so that it is read as far as before.
+      // The byte that ends a text stays, so that the text keeps its length.
       if (edid[position] != '\n' && edid[position] != '\0') Overwrite(edid, position, ' ');
     }
   }

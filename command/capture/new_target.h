@@ -1,8 +1,8 @@
 // Folders and files that were not there before, and are not there afterwards unless they are kept.
 //
-// They may be made by root in a folder of somebody else, who exchanges folders for links meanwhile. Nothing that exists
-// is ever opened for writing, no link is followed, and everything is made, and removed again, by way of the descriptors
-// of the folders that were made: a path is looked up once, for the folder that the target goes into.
+// Root may make them in somebody else's folder, whose owner may replace folders by links at any time. So nothing that
+// exists is ever opened for writing, no link is followed, and everything is made, and removed again, through the
+// descriptors of the folders that were made: a path is looked up once, for the folder that the target goes into.
 #pragma once
 
 #include <filesystem>
@@ -12,7 +12,7 @@
 
 #include "command/base/descriptor.h"
 
-/// A new folder with new files. All that fails throws TUnusable, which names the path.
+/// A new folder with new files. Every failure throws TUnusable, which names the path.
 class TNewFolder {
  public:
   explicit TNewFolder(const std::filesystem::path& path);
@@ -32,7 +32,7 @@ class TNewFolder {
     int flags;  // for unlinkat
   };
 
-  /// The folder of that name in this one, made if it is not there yet.
+  /// The folder of that name in this one, made if it does not exist yet.
   int GetFolder(const std::string& name);
 
   const std::string m_path;

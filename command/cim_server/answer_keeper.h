@@ -1,4 +1,4 @@
-// Keeps the newest answer of the machine, and decides when it is collected anew.
+// Keeps the machine's newest answer, and decides when to collect again.
 #pragma once
 
 #include <chrono>
@@ -9,7 +9,7 @@
 
 #include "command/cim_server/cim_model.h"
 
-/// What a collection came to: the instances, or why there are none.
+/// The result of a collection: the instances, or why it failed.
 struct TCollected {
   std::shared_ptr<const TCimModel> model;  // null when the collection failed
   std::string failure;
@@ -26,8 +26,8 @@ class TAnswerKeeper {
   /// Begins the first collection.
   void Start();
 
-  /// Tells what there is: at once, or after the first collection. When that is older than the greatest age, or is a
-  /// failure, the next collection begins; what there is stands until it ends.
+  /// Gives the newest result: at once, or after the first collection. If it is older than the greatest age, or a
+  /// failure, the next collection begins; until that ends, askers still get the old one.
   void Ask(const TAsker& asker);
 
   /// A collection has ended.

@@ -1,4 +1,4 @@
-// The instances that CIM clients are told of: an answer of the plug-in, each object path once, with its references
+// The instances that CIM clients see: an answer of the plug-in, each object path once, with its references
 // resolved.
 #pragma once
 

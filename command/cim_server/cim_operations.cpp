@@ -117,7 +117,7 @@ std::size_t RequireInstance(const TCall& call, const char* parameter) {
   return *number;
 }
 
-// One function for each operation: it writes what stands in IRETURNVALUE.
+// One function for each operation: it writes the content of IRETURNVALUE.
 
 void EnumerateInstances(const TCall& call) {
   const TClassDeclaration& declaration = call.parameters.RequireClass("ClassName", kInvalidClass);
@@ -159,7 +159,7 @@ void GetClass(const TCall& call) {
   WriteClass(call.xml, call.parameters.RequireClass("ClassName", kNotFound), GetShown(call, true));
 }
 
-/// The subclasses of a class, of which none has any; all classes when none is named.
+/// The subclasses of a class, which are none for each of ours; all classes when none is named.
 const std::vector<TClassDeclaration>& GetSubclasses(const TCall& call) {
   static const std::vector<TClassDeclaration> none;
   return call.parameters.FindClass("ClassName", kInvalidClass) == nullptr ? GetSchema() : none;
@@ -349,7 +349,7 @@ void WriteReturnValue(TXmlWriter& xml, const TCimRequest& request, const TCimMod
   xml.Close();
 }
 
-/// The whole answer; `write` writes what stands in IMETHODRESPONSE.
+/// The whole answer; `write` writes the content of IMETHODRESPONSE.
 template <typename TWrite>
 std::string WriteAnswer(const TCimRequest& request, TWrite write) {
   TXmlWriter xml;

@@ -6,7 +6,7 @@
 #include "command/cim_server/cim_model.h"
 #include "command/cim_server/cim_request.h"
 
-/// False for an operation that is answered from the schema, or refused, whatever instances there are.
+/// True if the answer depends on the instances; false for an operation that is answered from the schema, or refused.
 bool NeedsInstances(const TCimRequest& request);
 
 /// The answer's XML: what was asked for, or a CIM error with its reason. `host`: what clients call this server, for

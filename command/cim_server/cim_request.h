@@ -9,7 +9,7 @@
 
 #include "command/cim_server/object_name.h"
 
-/// The name of a class, where an instance could stand as well.
+/// The name of a class, where an instance's name is allowed as well.
 struct TClassName {
   std::string name;
 };

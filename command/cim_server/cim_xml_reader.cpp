@@ -71,7 +71,7 @@ void RequireVersion(const TElement& element, const char* attribute, const char* 
 
 TObjectName ReadInstanceName(const TElement& element);
 
-/// The instance name within what may stand around it: VALUE.REFERENCE, and the paths that name host and namespace, too.
+/// The instance name, without what may enclose it: VALUE.REFERENCE, and the paths that name host and namespace.
 TObjectName ReadReference(const TElement& element) {
   if (element.name == "INSTANCENAME") return ReadInstanceName(element);
   const std::vector<TElement> children = GetChildren(element);

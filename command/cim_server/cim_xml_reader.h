@@ -6,5 +6,5 @@
 #include "command/cim_server/cim_request.h"
 
 /// Throws TRefused, with the status and the CIMError that DSP0200 has for it, for a text that is not one simple request
-/// of an intrinsic method. Which methods and parameters there are is not looked at.
+/// of an intrinsic method. Whether the method and its parameters exist is not checked.
 TCimRequest ReadCimRequest(const std::string& text);

@@ -11,7 +11,7 @@
 
 constexpr const char* kCimNamespace[] = {"root", "cimv2"};
 
-/// What of a class or an instance is shown.
+/// Which parts of a class or an instance are written.
 struct TShown {
   std::optional<std::vector<std::string>> properties;  // only these; all when absent
   bool hasQualifiers = false;                          // of classes

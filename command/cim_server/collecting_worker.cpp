@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The descriptors of this process but the standard ones: a worker that held them would keep connections open.
+/// All descriptors of this process except the standard ones: a worker that held them would keep connections open.
 std::vector<int> ListDescriptors() {
   std::vector<int> descriptors;
   DIR* const folder = opendir("/proc/self/fd");
@@ -29,7 +29,7 @@ std::vector<int> ListDescriptors() {
 
 TMachineLine MakeFailedLine(const std::string& reason) { return {MakeErrorLine("", reason), true}; }
 
-/// Waits for the collector's line; nothing comes of it when the process dies or the time is over.
+/// Waits for the collector's line; nothing when the process dies or the time is over.
 TMachineLine WaitForLine(TWorker& collector, std::chrono::seconds timeout) {
   const auto end = std::chrono::steady_clock::now() + timeout;
   for (bool isAlive = true; true; isAlive = collector.Receive()) {

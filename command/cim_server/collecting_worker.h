@@ -19,14 +19,14 @@ class TCollectingWorker {
   TCollectingWorker(const TCollectingWorker&) = delete;
   TCollectingWorker& operator=(const TCollectingWorker&) = delete;
 
-  /// Begins a collection. What it returns has ended already: it could not begin.
+  /// Begins a collection. Returns a result, a failure, only when it could not begin.
   std::optional<TCollected> Begin();
 
-  /// What to wait for after Begin; then Take, until it returns what the collection came to.
+  /// What to wait for after Begin; then Take, until it returns the collection's result.
   int GetDescriptor() const { return m_starter->GetDescriptor(); }
   std::optional<TCollected> Take();
 
-  /// Ends a collection of which nothing was heard for longer than the starter would let it take.
+  /// Ends a collection whose starter does not answer: it should have reported a result, or a timeout, by now.
   TCollected GiveUp();
 
  private:

@@ -1,4 +1,4 @@
-// CIM operations over HTTP (DSP0200): what of a request of HTTP makes it a CIM operation, and the answer to one.
+// CIM operations over HTTP (DSP0200): takes the operation out of an HTTP request, and makes the HTTP response.
 #pragma once
 
 #include <functional>

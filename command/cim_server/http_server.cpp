@@ -167,7 +167,7 @@ struct THttpServer::TState {
     acceptor.async_accept([this](error_code error, tcp::socket socket) {
       if (error == asio::error::operation_aborted) return;
       if (error) return AcceptLater();
-      // As many again are told that there are too many; who comes then is told nothing.
+      // Up to twice the limit are answered, those past it with 503; further connections are closed without an answer.
       if (shared->connections < 2 * shared->limits.connections) {
         std::make_shared<TConnection>(std::move(socket), shared)->Start();
       }
@@ -234,7 +234,7 @@ void THttpServer::Run(THandler handler) {
   while (!m_state->context.stopped()) {
     try {
       m_state->context.run();
-    } catch (const std::exception& error) {  // such as no memory: it costs one connection
+    } catch (const std::exception& error) {  // out of memory, for example: one connection is lost
       std::cerr << "displayinfo: " << error.what() << '\n';
     }
   }

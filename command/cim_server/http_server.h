@@ -13,7 +13,7 @@
 struct THttpLimits {
   std::size_t headerSize = std::size_t{64} * 1024;  // bytes; more is answered with 431
   std::size_t bodySize = std::size_t{64} * 1024;    // bytes; more is answered with 413
-  std::size_t connections = 64;                     // at a time; the next one is told 503
+  std::size_t connections = 64;                     // at a time; the next one is answered with 503
   // For a request to arrive whole, from the moment when the server is ready for it, and for an answer to be taken; a
   // connection that needs longer is cut off, whatever comes in the meantime.
   std::chrono::milliseconds time = std::chrono::seconds(10);
@@ -22,7 +22,7 @@ struct THttpLimits {
 class THttpServer {
  public:
   typedef std::function<void(THttpAnswer)> TReply;
-  /// Answers a request, now or later, by calling `reply` once. A client that has gone by then is none of its business.
+  /// Answers a request, now or later, by calling `reply` once, even if the client has gone by then.
   typedef std::function<void(const THttpRequest& request, const TReply& reply)> THandler;
 
   /// Listens on the address, a number such as 127.0.0.1 or ::1; port 0 takes a free one. Throws TUnusable when that

@@ -44,7 +44,7 @@ std::string Measure(const std::string& text) { return std::to_string(text.size()
 
 std::string GetKeyName(const TKeyBinding& key, const TClassDeclaration* declaration) {
   const bool isUnnamed = key.name.empty() && declaration != nullptr && !declaration->properties.empty();
-  return ToLower(isUnnamed ? declaration->properties.front().name : key.name);  // keys stand first
+  return ToLower(isUnnamed ? declaration->properties.front().name : key.name);  // keys come first
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ std::string MakeLine(const TServeOptions& options) {
 
 /// What a collector does.
 TMachineLine CollectLine(const TServeOptions& options) {
-  if (options.machine) DropPrivileges(true);  // what others captured is read with no more than it takes
+  if (options.machine) DropPrivileges(true);  // a captured machine only has to be read
   OnThrowingPlugin([](const std::string& reason) { TWorker::EndWith({MakeErrorLine("", ToMessage(reason)), true}); });
   try {
     return {WithinMemory([&] { return MakeLine(options); }), false, true};
@@ -50,7 +50,7 @@ TMachineLine CollectLine(const TServeOptions& options) {
   }
 }
 
-/// What is run as root listens as nobody: without capabilities root would still own the system's files.
+/// A server that root started listens as nobody: even without capabilities, root would still own the system's files.
 void BecomeNobody() {
   if (geteuid() != 0) return;
   const bool isDone = setgroups(0, nullptr) == 0 && setresgid(kNobody, kNobody, kNobody) == 0 &&
@@ -80,7 +80,7 @@ class TServing {
   }
 
  private:
-  /// One that is started later has the rights of this process, which are none.
+  /// A worker that is started later has the rights of this process, which are none.
   static bool CanReplaceWorker() { return geteuid() != 0; }
 
   std::string GetAddress() const {

@@ -70,7 +70,7 @@ class TScanner {
     m_position = std::min(m_text.size(), m_text.find_first_not_of(kBlanks, m_position));
     return m_position != before;
   }
-  /// Goes after the next `end`, and returns what stands before it.
+  /// Goes past the next `end`, and returns what comes before it.
   std::string_view TakeUpTo(std::string_view end, const char* complaint) {
     const std::size_t found = m_text.find(end, m_position);
     if (found == std::string_view::npos) Refuse(complaint);
@@ -144,7 +144,7 @@ class TScanner {
     return true;
   }
 
-  /// A tag, a text, or what else may stand within an element.
+  /// A tag, a text, or anything else that an element may contain.
   void ScanContent() {
     if (Skip("</")) {
       ScanEndTag();

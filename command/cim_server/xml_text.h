@@ -1,4 +1,4 @@
-// The characters of XML 1.0: all of Unicode but most control characters and the two noncharacters U+FFFE and U+FFFF.
+// The characters of XML 1.0: all of Unicode except most control characters and the two noncharacters U+FFFE and U+FFFF.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ bool IsXmlCharacter(unsigned long code);
 /// True when the text is UTF-8 whose every character XML has.
 bool IsXmlText(std::string_view text);
 
-/// The text as XML can carry it: U+FFFD stands for each byte that is not UTF-8 and for each character that XML does not
+/// The text as XML can carry it: U+FFFD replaces each byte that is not UTF-8 and each character that XML does not
 /// have. One of them would make a client refuse the whole answer.
 std::string ToXmlText(const std::string& text);
 

@@ -43,6 +43,6 @@ struct TAnswer {
 };
 
 /// Runs the requests in order. `logListener` hears of each log message when it is written. Throws TUnusable when the
-/// plug-in cannot be used, or when a failure of the host leaves a request.
+/// plug-in cannot be used, or when a failure of the host gets out of a request.
 TAnswer Collect(const TMachine& machine, const std::filesystem::path& plugin, const std::vector<TRequest>& requests,
                 std::function<void(const TLogEntry&)> logListener);

@@ -18,7 +18,7 @@ volatile bool gHasRunOut = false;
   throw std::bad_alloc();
 }
 
-/// Bytes of address space that are mapped. Not a few: a sanitizer has mapped terabytes before main begins.
+/// Bytes of address space that are mapped. There may be many: a sanitizer maps terabytes before main begins.
 rlim_t CountMapped() {
   rlim_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
@@ -32,7 +32,7 @@ void LimitMemory() {
   std::set_new_handler(NoteThatItRanOut);
   rlimit limit = {};
   if (getrlimit(RLIMIT_AS, &limit) != 0) return;
-  limit.rlim_cur = std::min(limit.rlim_cur, CountMapped() + kBudget);  // a tighter one of the user's stays
+  limit.rlim_cur = std::min(limit.rlim_cur, CountMapped() + kBudget);  // the user may have set a tighter one
   static_cast<void>(setrlimit(RLIMIT_AS, &limit));
 }
 

@@ -36,7 +36,7 @@ std::string DescribeException() try {
   return "an exception that says nothing";
 }
 
-/// While it lives, std::terminate, which is where an exception that cannot leave dlopen ends, tells what was thrown.
+/// While it lives, std::terminate says what was thrown: an exception that cannot leave dlopen ends there.
 class TLastWords {
  public:
   explicit TLastWords(std::string file) : m_before(std::set_terminate(End)) { s_file = std::move(file); }

@@ -36,7 +36,7 @@ std::string DescribeTimeout(std::chrono::seconds limit) {
 TTimeLimit::TTimeLimit(std::chrono::milliseconds limit, std::string line) {
   gLine = std::move(line);
   std::signal(SIGALRM, End);
-  sigset_t alarm;  // whoever started the command may have blocked it
+  sigset_t alarm;  // the program that started the command may have blocked it
   sigemptyset(&alarm);
   sigaddset(&alarm, SIGALRM);
   sigprocmask(SIG_UNBLOCK, &alarm, nullptr);

@@ -20,7 +20,7 @@ namespace {
 
 constexpr const char* kCure = "; --resume takes what an earlier run has written";
 
-/// Looks for the machine's name in a line, and at no more of it: a line may be long, and its name stands first.
+/// Looks for the machine's name in a line and at nothing after it: a line may be long, and the name comes first.
 class TNameFinder : public nlohmann::json_sax<json> {
  public:
   std::optional<std::string> name;

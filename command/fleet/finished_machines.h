@@ -10,11 +10,11 @@ class TFinishedMachines {
   /// None.
   TFinishedMachines() = default;
 
-  /// Those of which the file, the answer of an earlier run, holds a line, with an error or without. Throws TUnusable,
+  /// Those that have a line, with an error or without, in the file that an earlier run wrote. Throws TUnusable,
   /// naming file and line, when it cannot be read or is no such answer.
   explicit TFinishedMachines(const std::filesystem::path& file);
 
-  /// Whether a line of that machine is there; a line serves one listing of it.
+  /// True if a line of that machine is left, which this uses up: a machine that is listed twice needs two.
   bool Take(const std::string& machine);
 
  private:

@@ -145,8 +145,8 @@ class TFleetRun {
                                      others, m_fleet.timeout);
   }
 
-  /// Gives each worker machines, as far as there are any and the order lets it go ahead: first to those with nothing to
-  /// do, then one that waits, so that no worker has to.
+  /// Hands out machines while the list has any and m_lines has room for their lines: first to idle workers, then one
+  /// more to each busy one, so that no worker has to wait for its next.
   void SpreadMachines() {
     for (std::size_t waiting = 0; waiting <= kMaxWaiting; ++waiting) {
       for (auto& worker : m_workers) {
@@ -174,7 +174,8 @@ class TFleetRun {
 
   bool IsDone() const { return !m_next && m_fleet.machines.IsAtEnd() && m_lines.GetTurn() == m_given; }
 
-  /// Until a worker has something to say or is late, or the list has a name when the run could go on with it.
+  /// Waits until a worker has sent something or is late, or until the list has a name if the run needs one, and deals
+  /// with it.
   void WaitForSomething() {
     std::vector<pollfd> descriptors;
     const std::vector<bool> isHeard = ChooseHeard();
@@ -194,8 +195,8 @@ class TFleetRun {
     }
   }
 
-  /// The workers from which something is taken now. Once the lines that wait for an earlier one are many, only the
-  /// worker that has the next: what this process holds stays within those and one line.
+  /// The workers to read from now. When too many bytes wait for an earlier line, only the worker that makes that line:
+  /// so this process never holds more than those bytes and one line.
   std::vector<bool> ChooseHeard() const {
     std::size_t held = m_lines.GetHeldSize();
     for (const auto& worker : m_workers) held += worker->GetHeldSize();
@@ -271,6 +272,6 @@ class TFleetRun {
 
 int CollectFleet(TFleet fleet) {
   RequirePlugin(fleet.plugin);
-  std::signal(SIGCHLD, SIG_DFL);  // ignored, as whoever started this may have it, how a worker ended would be lost
+  std::signal(SIGCHLD, SIG_DFL);  // it may be ignored from the start, and then how a worker ended would be lost
   return TFleetRun(std::move(fleet)).Run();
 }

@@ -14,7 +14,7 @@
 
 struct TFleet {
   TMachineList machines;
-  TFinishedMachines finished;  // these are left out
+  TFinishedMachines finished;  // these are skipped
   std::vector<TRequest> requests;
   std::filesystem::path plugin;
   unsigned int jobs;             // worker processes, at least 1

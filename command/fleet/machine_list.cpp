@@ -86,7 +86,7 @@ std::optional<std::size_t> TMachineList::CountAll() const {
   bool isInLine = false;
   char piece[kPiece];
   ssize_t size = 0;
-  // Beside the reading, whose place in the file stays.
+  // pread leaves the place where ReadMore goes on.
   for (off_t place = begin; (size = pread(m_file.Get(), piece, sizeof piece, place)) > 0; place += size) {
     for (const char* byte = piece; byte != piece + size; ++byte) {
       count += isInLine && *byte == '\n' ? 1 : 0;

@@ -10,11 +10,11 @@
 
 #include "command/base/descriptor.h"
 
-/// Names that are known from the start, or come line by line from a file or standard input; empty lines are none. The
-/// list is never held as a whole: it may be longer than memory, and its writer slower than its reader.
+/// Names that are known from the start, or come line by line from a file or standard input; empty lines are skipped.
+/// The list is never held as a whole: it may be longer than memory, and its writer slower than its reader.
 class TMachineList {
  public:
-  /// Bytes. The system takes no name of as many, so a longer one is cut to this: it names no machine either way.
+  /// Bytes. A name of this length is too long for any file, so a longer one is cut to it: it names no machine anyway.
   static constexpr std::size_t kMaxName = 4096;
 
   explicit TMachineList(std::vector<std::string> names);
@@ -28,12 +28,12 @@ class TMachineList {
   /// True at the end of the list.
   bool IsAtEnd() const;
 
-  /// What to wait for (with poll) when neither holds; then ReadMore takes a piece of what has come, without waiting for
-  /// more. Throws TUnusable when the list cannot be read.
+  /// What to wait for (with poll) when neither is true; then ReadMore takes a piece of what has come, without waiting
+  /// for more. Throws TUnusable when the list cannot be read.
   int GetDescriptor() const { return m_file.Get(); }
   void ReadMore();
 
-  /// How many names there are in all; nothing when only their end will tell.
+  /// How many names there are in all; nothing when that is known only at the end.
   std::optional<std::size_t> CountAll() const;
 
  private:

@@ -1,5 +1,5 @@
-// Puts the lines of a fleet's answer, which come as the workers are done, in the order of its list. How many there are
-// that wait for an earlier one is bounded.
+// Puts the lines of a fleet's answer, which come as the workers are done, in the order of its list. There is
+// a limit to those that wait for an earlier one.
 #pragma once
 
 #include <cstddef>

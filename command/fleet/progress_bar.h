@@ -1,4 +1,4 @@
-// How far a run over a fleet has come, on standard error while that is a terminal.
+// How far a run over a fleet has come, on standard error if that is a terminal.
 #pragma once
 
 #include <chrono>
@@ -18,7 +18,7 @@ class TProgressBar {
   /// Notes how many machines are done, those that failed among them; shows it a few times a second.
   void Set(std::size_t done, std::size_t failed);
 
-  /// Leaves the last state to be read, on a line of its own. Further calls do nothing.
+  /// Leaves the last state on the screen, on a line of its own. Further calls do nothing.
   void Finish();
 
  private:

@@ -28,7 +28,7 @@ int gParent = -1;  // in a worker, the socket to the process that gives it machi
 // Processes that were killed and may not have ended yet.
 std::vector<pid_t> gKilled;
 
-/// Takes note of those that have ended, for the system to forget them.
+/// Waits for those that have ended, so that the system can forget them.
 void ReapKilled() {
   const auto hasEnded = [](pid_t process) { return waitpid(process, nullptr, WNOHANG) != 0; };
   gKilled.erase(std::remove_if(gKilled.begin(), gKilled.end(), hasEnded), gKilled.end());
@@ -66,7 +66,7 @@ bool ReceiveMachine(int descriptor, std::string& machine) {
   return Receive(descriptor, machine.data(), size);
 }
 
-/// Interrupting is the parent's to answer, and a worker does not outlive it.
+/// The parent answers Ctrl-C, and the worker ends when the parent does.
 void PrepareProcess(pid_t parent) {
   std::signal(SIGINT, SIG_IGN);
   std::signal(SIGTERM, SIG_DFL);
@@ -159,7 +159,8 @@ std::optional<std::pair<std::size_t, TMachineLine>> TWorker::TakeLine() {
 }
 
 std::string TWorker::DescribeDeath() {
-  // It is ending, or only closed its socket and goes on: what has begun to end keeps its status.
+  // It is ending, or it closed its socket and goes on. The signal stops the latter; a process that has begun to end
+  // keeps its own status.
   kill(m_process, SIGKILL);
   int status = 0;
   constexpr int maxLooks = 1000;

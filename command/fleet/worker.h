@@ -32,11 +32,11 @@ class TWorker {
   typedef std::function<TMachineLine(const std::string& machine)> TWork;
 
   /// Starts the process. `work` runs in it, once for each machine, and must not throw. `others`: descriptors of this
-  /// process that are none of the worker's business. `timeout`: for each machine. Throws TUnusable when the system has
+  /// process, which the worker closes. `timeout`: for each machine. Throws TUnusable when the system has
   /// no room for another process.
   TWorker(const TWork& work, const std::vector<int>& others, std::chrono::seconds timeout);
-  /// Kills the process, whatever it does, and does not wait for its end: one that the system holds, such as by a file
-  /// server that does not answer, may not come to it.
+  /// Kills the process and does not wait for its end, which may never come: the system can hold a process, for example
+  /// while a file server does not answer.
   ~TWorker();
   TWorker(const TWorker&) = delete;
   TWorker& operator=(const TWorker&) = delete;
@@ -56,7 +56,7 @@ class TWorker {
   /// The next line that has come whole, and the number of its machine.
   std::optional<std::pair<std::size_t, TMachineLine>> TakeLine();
 
-  /// Bytes of what has come and is no whole line yet.
+  /// Bytes received of lines that were not taken yet.
   std::size_t GetHeldSize() const { return m_received.size(); }
 
   /// Counts time in which the worker could hand over its line against the machine it is at work on.

@@ -11,7 +11,7 @@
 #include "realmode/video_bios.h"
 #include "realmode/virtual_video_bios.h"
 
-/// Stands before the BIOS and hands every call through. Of what is asked more than once, the first answer counts.
+/// Wraps the BIOS and passes every call on. Of what is asked more than once, the first answer counts.
 class TBiosRecorder : public IVideoBios {
  public:
   explicit TBiosRecorder(std::shared_ptr<IVideoBios> bios);

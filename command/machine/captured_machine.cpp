@@ -105,7 +105,7 @@ class TMachineFolder {
   const TRootedFolder m_folder;
 };
 
-/// What a captured machine is without anything said of it.
+/// What a captured machine is as far as it does not say otherwise.
 TMachineDocument MakeDefaults() {
   TMachineDocument machine;
   machine.host.systemName = GetHostName();

@@ -12,7 +12,7 @@ constexpr const char* kEdids = "edid";
 constexpr const char* kEdidEnding = ".bin";  // after the number of the unit
 constexpr const char* kRoot = "root";
 
-/// The machine that a folder or a file holds. It may have been made by anybody: nothing outside it is read, nothing is
+/// The machine that a folder or a file holds. Anybody may have made it: nothing outside it is read, and nothing is
 /// written or run. Throws TUnusable, naming file and key, when anything in it that the collection would use is not as
 /// it must be, or leads out of the folder.
 TMachine ReadCapturedMachine(const std::filesystem::path& path);

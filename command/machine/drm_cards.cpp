@@ -40,7 +40,7 @@ std::optional<TPciDevice> ReadPciDevice(const fs::path& device) {
   return pci;
 }
 
-/// As amdgpu tells it; the other drivers keep it to themselves.
+/// Only amdgpu shows it.
 std::optional<std::uint64_t> ReadVideoMemory(const fs::path& device) {
   const std::string bytes = ReadWord(device / "mem_info_vram_total");
   if (bytes.empty()) return std::nullopt;

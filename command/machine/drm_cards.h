@@ -23,7 +23,7 @@ struct TDrmOutput {
 struct TDrmCard {
   std::string name;                          // such as "card0"
   std::optional<TPciDevice> pci;             // of a card on the PCI bus
-  std::optional<std::uint64_t> videoMemory;  // kilobytes, where the driver tells it
+  std::optional<std::uint64_t> videoMemory;  // kilobytes, if the driver shows it
   std::vector<TDrmOutput> outputs;           // in the order of their names, numbers counting as numbers
 };
 

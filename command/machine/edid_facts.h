@@ -1,4 +1,4 @@
-// What the command itself reads out of an EDID (VESA Enhanced EDID standard), beside what the plug-in reports.
+// What the command itself reads from an EDID (VESA Enhanced EDID standard), in addition to what the plug-in reports.
 #pragma once
 
 #include <cstdint>
@@ -14,12 +14,12 @@ struct TPreferredMode {
 
 struct TEdidFacts {
   bool isVersion1 = false;                      // has the header and the version of an EDID 1.x; else no more is known
-  std::string name;                             // the monitor's name; empty when it tells none
+  std::string name;                             // the monitor's name; empty when it has none
   unsigned int manufacturer = 0;                // its three letters as the EDID packs them
   unsigned int productCode = 0;                 // the maker's own number of the model
-  std::optional<std::uint32_t> serialNumber;    // in the header; not 0 or 0x01010101, which stand for none
+  std::optional<std::uint32_t> serialNumber;    // in the header; not 0 or 0x01010101, which mean none
   std::optional<TPreferredMode> preferredMode;  // the first detailed timing, when it comes first
-  std::optional<double> diagonalInches;         // of the image, whose sides the EDID tells in whole centimetres
+  std::optional<double> diagonalInches;         // of the image, whose sides the EDID has in whole centimetres
   bool hasValidChecksums = false;               // of every block; known of any EDID
 };
 

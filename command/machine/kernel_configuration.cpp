@@ -8,7 +8,7 @@
 namespace {
 
 constexpr unsigned int kDefaultDepth = 24;                    // the server's own
-constexpr std::uint64_t kMaxVideoMemory = 0xFFFFFFFF / 1024;  // kilobytes, whose bytes 32 bits hold
+constexpr std::uint64_t kMaxVideoMemory = 0xFFFFFFFF / 1024;  // kilobytes: in bytes it fits into 32 bits
 
 /// In quotes, with nothing in it that would end them or the line.
 std::string Quote(std::string text) {
@@ -64,7 +64,7 @@ class TWriter {
   }
 
   void WriteVideoMemory(std::uint64_t kilobytes) {
-    // A comment keeps what the plug-in's 32 bits of bytes would cut off.
+    // A comment keeps the larger amounts: in bytes they do not fit into the plug-in's 32 bits.
     const char* const mark = kilobytes > kMaxVideoMemory ? "#" : "";
     m_text << '\t' << mark << "VideoRam " << kilobytes << '\n';
   }

@@ -1,4 +1,4 @@
-// An X server's configuration for a machine that has no file of one: made from what the kernel knows of its graphics
+// An X server's configuration for a machine without a file of it: made from what the kernel knows of its graphics
 // cards and outputs, as the server's own autoconfiguration would write it.
 #pragma once
 
@@ -25,5 +25,5 @@ struct TKernelGraphics {
 
 /// The text: a Device, Monitor and Screen section for each connected output, first those of the units in their order,
 /// so that head K shows monitor K, then those without an EDID; and a Device section for each card without an output.
-/// All of a card have its BusID. No text of an EDID or the database gets out of its quotes.
+/// All of a card have its BusID. No text from an EDID or the database can end its quotes.
 std::string MakeKernelConfiguration(const TKernelGraphics& graphics);

@@ -37,7 +37,7 @@ std::string Shorten(const std::string& text, std::size_t columns) {
   throw TUnusable(name + ": is not JSON: " + Shorten(reason, kMaxReason));
 }
 
-/// The parser would take a zero byte for the end, and what follows it for nothing.
+/// The parser would take a zero byte for the end, and ignore what follows it.
 void RequireNoZero(const std::string& text, const std::string& name) {
   if (text.find('\0') != std::string::npos) throw TUnusable(name + ": is not JSON: it has a zero byte");
 }
@@ -45,7 +45,7 @@ void RequireNoZero(const std::string& text, const std::string& name) {
 struct TReader;
 typedef std::map<std::string, TReader> TTable;
 
-/// What may stand at a key: a plain value, an object of known keys, or an object whose keys are names. One is set.
+/// What a key may have: a plain value, an object of known keys, or an object whose keys are names. One is set.
 struct TReader {
   std::function<void(json& value)> value;
   const TTable* table = nullptr;
@@ -106,7 +106,7 @@ class TDocumentWalk : public nlohmann::json_sax<json> {
 
  private:
   struct TObject {
-    std::string key;  // that it stands at
+    std::string key;  // whose value it is
     const TReader* reader;
     std::set<std::string> seen;
   };

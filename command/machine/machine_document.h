@@ -1,8 +1,8 @@
-// A captured machine as its JSON documents tell it: machine.json, or a whole machine in one file.
+// A captured machine as JSON: machine.json, or a whole machine in one file.
 // docs/captured-machines.md describes both.
 //
-// The text comes from strangers. It is read piece by piece against tables of what may stand where, so that the first
-// wrong thing ends the reading, and no more is kept than what a machine can have.
+// The text comes from strangers. It is read piece by piece by tables of what is allowed where, so that the first wrong
+// thing ends the reading, and no more is kept than a machine can have.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@
 constexpr std::size_t kMaxMachineJsonSize = std::size_t{1} * 1024 * 1024;  // bytes
 constexpr std::size_t kMaxDocumentSize = std::size_t{64} * 1024 * 1024;    // bytes
 constexpr std::size_t kMaxUnits = 256;                                     // named by the BIOS's faults or by EDIDs
-constexpr std::size_t kMaxEdidSize = 256 * edid::kBlockSize;  // a base block and what its count byte can tell
+constexpr std::size_t kMaxEdidSize = 256 * edid::kBlockSize;  // a base block and as many as its count byte can say
 
 /// The format of a captured machine in one file: the value of "captured".
 constexpr int kDocumentVersion = 1;

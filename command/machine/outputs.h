@@ -1,4 +1,4 @@
-// The outputs of a machine: what the command itself knows of each monitor, beside what the plug-in reports.
+// The outputs of a machine: what the command itself knows of each monitor, in addition to what the plug-in reports.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +20,6 @@ struct TOutput {
 };
 
 /// Every unit that has an EDID or a connector, in the order of the units. `connectors`: of the units, as far as they
-/// are known. `systemType`: what the host tells the plug-in of the kind of system it runs on.
+/// are known. `systemType`: the kind of system that the host gives the plug-in.
 std::vector<TOutput> MakeOutputs(const TVirtualBiosConfiguration& bios,
                                  const std::map<unsigned int, std::string>& connectors, int systemType);

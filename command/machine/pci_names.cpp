@@ -10,10 +10,10 @@
 
 namespace {
 
-/// The library's messages are for lspci: here a number stands for what it cannot say.
+/// Drops the library's messages, which are for lspci: a name that it does not find is a number here.
 void Ignore(char*, ...) {}
 
-/// It is called when there is no memory left, and must not come back.
+/// The library calls it when memory runs out, and it must not return.
 __attribute__((noreturn)) void End(char*, ...) { std::abort(); }
 
 std::string WriteNumber(std::uint16_t number) {

@@ -1,4 +1,4 @@
-// The names of PCI vendors and devices, out of the PCI id database (libpci of pciutils, which the command can do
+// The names of PCI vendors and devices, from the PCI id database (libpci of pciutils, which the command can do
 // without).
 #pragma once
 

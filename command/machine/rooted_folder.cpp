@@ -22,7 +22,8 @@ std::string MakeRelative(const std::string& path) {
 }
 
 TDescriptor OpenInside(int folder, const std::string& path, int flags) {
-  // EAGAIN: something was renamed somewhere while a ".." was looked up. Who does that all the time gets no answer.
+  // EAGAIN: something was renamed somewhere while a ".." was looked up. If that goes on all the time, the look-up
+  // fails.
   constexpr int maxAttempts = 100;
   open_how how = {};
   how.flags = static_cast<unsigned int>(flags);

@@ -15,11 +15,11 @@ enum class ELinks {
   kNone,    // none, as where the kernel has no openat2 (before Linux 5.6, or in a sandbox that forbids it)
 };
 
-/// Somebody may exchange folders for links while this looks them up. Each look-up is therefore one system call that
+/// Somebody may replace folders by links while this looks them up. Each look-up is therefore one system call that
 /// the kernel keeps inside the folder, and what it opened is what is used: no path is ever looked up twice.
 class TRootedFolder {
  public:
-  /// `path` itself may be a link: it is the user's word. The folder need not exist; then nothing is in it.
+  /// `path` itself may be a link: the user named it. The folder need not exist; then nothing is in it.
   explicit TRootedFolder(const std::filesystem::path& path, ELinks links = ELinks::kInside);
 
   bool IsOpen() const { return m_folder.IsOpen(); }
@@ -31,7 +31,7 @@ class TRootedFolder {
   /// The folder at that path, under the same rules.
   TRootedFolder OpenFolder(const std::string& path) const;
 
-  /// Whether there is anything of that name right in the folder, be it a link that leads nowhere.
+  /// Whether the folder itself has anything of that name, even a link that leads nowhere.
   bool Has(const std::string& name) const;
 
  private:

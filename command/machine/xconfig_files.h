@@ -18,8 +18,8 @@ class TXconfigFiles : public IMachineFiles {
  public:
   typedef std::function<std::string()> TMakeConfiguration;
 
-  /// `files`: those of the machine. `make` is called once at most, when a file is first asked for; the empty text
-  /// stands for a kernel that knows no graphics card, and is not served.
+  /// `files`: those of the machine. `make` is called once at most, when a file is first asked for. It gives the empty
+  /// text for a kernel that knows no graphics card; that is not served.
   TXconfigFiles(std::shared_ptr<IMachineFiles> files, EXconfigSource source, TMakeConfiguration make);
 
   /// Whether the made configuration was served.

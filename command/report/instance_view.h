@@ -12,27 +12,27 @@ class TInstanceView {
 
   bool Has(const std::string& name) const { return m_instance->GetProperties().count(name) != 0; }
 
-  /// The value as people read it, an array's elements joined by commas; empty for a property that is not there.
+  /// The value as people read it, an array's elements joined by commas; empty for a property that the instance lacks.
   std::string Text(const std::string& name) const {
     const auto found = m_instance->GetProperties().find(name);
     return found == m_instance->GetProperties().end() ? std::string() : ToPrintable(Join(found->second));
   }
 
-  /// What the schema says the property counts; empty for one that counts nothing.
+  /// The property's unit, as the schema has it; empty for one without.
   std::string Unit(const std::string& name) const { return Declaration().Find(name)->unit; }
 
-  /// "140 MHz"; empty for a property that is not there.
+  /// "140 MHz"; empty for a property that the instance lacks.
   std::string TextWithUnit(const std::string& name) const {
     return Has(name) ? Text(name) + " " + Unit(name) : std::string();
   }
 
-  /// "640 x 480", a side that is not there as "?"; empty when neither is there.
+  /// "640 x 480", with "?" for a side that the instance lacks; empty when it lacks both.
   std::string Size(const std::string& width, const std::string& height) const {
     if (!Has(width) && !Has(height)) return std::string();
     return (Has(width) ? Text(width) : "?") + " x " + (Has(height) ? Text(height) : "?");
   }
 
-  /// The value of an unsigned integer; 0 for a property that is not there or null.
+  /// The value of an unsigned integer; 0 for a property that is missing or null.
   unsigned int Number(const std::string& name) const {
     const auto found = m_instance->GetProperties().find(name);
     const bool isThere = found != m_instance->GetProperties().end() && !found->second.IsNull();

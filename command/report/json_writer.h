@@ -1,5 +1,5 @@
-// Writes JSON text value by value, without holding the document as objects first: an answer is mostly strings that are
-// there already, and starting, copying and freeing their tree was the larger part of a short run.
+// Writes JSON text value by value, without holding the document as objects first: an answer is mostly strings that
+// already exist, and building, copying and freeing a tree of them was the larger part of a short run.
 #pragma once
 
 #include <cstddef>
@@ -41,6 +41,6 @@ class TJsonWriter {
   std::size_t m_maxSize;
   std::string m_text;
   std::size_t m_depth = 0;
-  bool m_isFirst = true;  // nothing stands in the innermost object or array yet
+  bool m_isFirst = true;  // the innermost object or array is still empty
   bool m_followsKey = false;
 };

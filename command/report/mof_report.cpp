@@ -53,7 +53,7 @@ std::string MakeInstance(const TStoredInstance& instance) {
   return text + "};\n";
 }
 
-/// Of each object path the last commit, which is what the host holds.
+/// The last commit of each object path, which is the one that the host holds.
 std::map<std::string, const TStoredInstance*> FindNewest(const TAnswer& answer) {
   std::map<std::string, const TStoredInstance*> newest;
   for (const TRequestAnswer& request : answer.requests) {

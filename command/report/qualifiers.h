@@ -1,7 +1,7 @@
-// The CIM qualifiers that the classes carry, as DSP0004 declares them. MOF and CIM-XML are written out of this table.
+// The CIM qualifiers that the classes carry, as DSP0004 declares them. MOF and CIM-XML are written from this table.
 #pragma once
 
-/// What a qualifier may stand at.
+/// What may carry a qualifier.
 enum EQualifierScope : unsigned int {
   kClassScope = 1,
   kAssociationScope = 2,

@@ -58,7 +58,7 @@ class TRequestView {
 /// The texts that are not empty, with ", " between them.
 std::string JoinTexts(const std::vector<std::string>& texts);
 
-/// Where the monitor's EDID was read from, as printable text; empty when the answer does not tell.
+/// Where the monitor's EDID was read from, as printable text; empty when that is not known.
 std::string GetEdidSource(const TInstanceView& monitor, const TAnswer& answer);
 
 /// A sentence that says why there are no controllers and heads.

@@ -111,7 +111,7 @@ ordered_json MakeLogSchema() {
   return MakeArray(MakeObject({{"severity", {{"enum", severities}}}, {"message", {{"type", "string"}}}}));
 }
 
-/// Beside the plug-in's instances, and never one of them: what the command itself reads out of the EDIDs.
+/// What the command itself reads from the EDIDs: next to the plug-in's instances, and never one of them.
 ordered_json MakeOutputSchema() {
   const ordered_json number = {{"type", "integer"}, {"minimum", 0}};
   const ordered_json real = {{"type", "number"}, {"exclusiveMinimum", 0}};

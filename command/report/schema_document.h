@@ -1,4 +1,4 @@
-// The classes served, documented out of the schema table.
+// The classes served, documented from the schema table.
 #pragma once
 
 #include <string>

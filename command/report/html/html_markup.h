@@ -1,4 +1,4 @@
-// Markup in which a text can stand only escaped: an HTML page, with SVG in it, that is well-formed XML as well.
+// Markup that every text enters escaped: an HTML page, with SVG in it, that is well-formed XML as well.
 #pragma once
 
 #include <string>
@@ -21,14 +21,14 @@ class TMarkup {
   friend TMarkup operator+(TMarkup first, const TMarkup& second) { return first += second; }
 
   bool IsEmpty() const { return m_markup.empty(); }
-  /// The markup, which is empty then: a page can be hundreds of megabytes long.
+  /// Moves the markup out, since a page can be hundreds of megabytes long; this is empty afterwards.
   std::string Take() { return std::move(m_markup); }
 
  private:
   std::string m_markup;
 };
 
-/// What stands at a place of a picture: its corner, in the picture's units.
+/// A place in a picture, in the picture's units: the upper left corner of what is drawn there.
 struct TPoint {
   int x, y;
 };
@@ -41,8 +41,8 @@ TMarkup MakeSvgLine(TPoint from, TPoint to, const char* look);
 
 TMarkup MakeSvgBox(TPoint corner, int width, int height, const char* look);
 
-/// The content with its origin at the corner, without what lies outside of that size.
+/// The content, with its origin at the corner and cut off at that size.
 TMarkup MakeSvgClip(TPoint corner, int width, int height, const TMarkup& content);
 
-/// A picture of that size that shrinks with the page. `title` tells it to those who do not see it.
+/// A picture of that size that shrinks with the page. `title`: the text alternative of the picture.
 TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& content);

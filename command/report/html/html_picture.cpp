@@ -14,7 +14,7 @@ constexpr int kPad = 8;  // between a box and its text
 constexpr int kHeadX = kWidth - kBoxWidth - 1;
 constexpr std::size_t kBoxColumns = 20;
 
-// Monitors stand in rows.
+// Monitors are in rows.
 constexpr std::ptrdiff_t kPerRow = 2;
 constexpr int kCellWidth = kWidth / kPerRow;
 constexpr int kScreenSide = 150;  // of the largest monitor, its longer side

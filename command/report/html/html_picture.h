@@ -4,7 +4,7 @@
 #include "command/report/html/html_markup.h"
 #include "command/report/request_view.h"
 
-/// Each controller as a box, joined to the boxes of its heads; heads without a controller stand by themselves.
+/// Each controller as a box, joined to the boxes of its heads; heads without a controller are separate.
 TMarkup MakeVideoPicture(const TRequestView& view);
 
 /// Each monitor as a box to the scale of its physical size; dashed, and of a size that the label states, when the

@@ -23,7 +23,7 @@ TMarkup MakeHeading(const TPropertyDeclaration& property) {
                           remark.empty() ? name : name + " " + Element("span", "unit", remark));
 }
 
-/// The properties of the class that any of the instances has.
+/// The properties of the class that any of the instances has, in the schema's order: the tables name none themselves.
 std::vector<TPropertyDeclaration> GetColumns(const TInstances& instances) {
   std::vector<TPropertyDeclaration> columns = instances.front().Declaration().properties;
   const auto isNowhere = [&](const TPropertyDeclaration& property) {
