@@ -58,7 +58,7 @@ class HOST_API TStoredClass : public NQRXZELT20::ICIMClass, public boost::enable
   void EnumerateInstances(boost::function<bool(boost::shared_ptr<NQRXZELT20::ICIMInstance>)> callback, bool flag,
                           NQRXZELT20::TCIMQueryContext context) override;
 
-  /// Holds the instance; one of the same object path that was held before gives its place to it.
+  /// Holds the instance; it takes the place of one with the same object path.
   void Hold(boost::shared_ptr<TStoredInstance> instance);
 
   const TClassDeclaration& GetDeclaration() const;

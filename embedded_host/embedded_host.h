@@ -1,4 +1,4 @@
-// The embedded host: what a plug-in finds around it when no other host is there.
+// The embedded host: stands in for a closed host, in the command's own process.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -27,7 +27,7 @@ struct THostConfiguration {
   std::shared_ptr<IMachineFiles> files;  // null: the machine has no files
 };
 
-/// A file that a plug-in asked for, and whether it was there.
+/// A file that a plug-in asked for, and whether it existed.
 struct TFileQuery {
   std::string path;
   bool exists;
@@ -36,7 +36,7 @@ struct TFileQuery {
 /// Serves the static services from its construction to its destruction; one at a time in a process.
 class HOST_API TEmbeddedHost : private IHostServices {
  public:
-  /// `logListener` hears of each log message when it is written; it may be empty.
+  /// `logListener` is called with each log message when it is written; it may be empty.
   TEmbeddedHost(THostConfiguration configuration, std::function<void(const TLogEntry&)> logListener);
   ~TEmbeddedHost() override;
   TEmbeddedHost(const TEmbeddedHost&) = delete;
@@ -47,7 +47,7 @@ class HOST_API TEmbeddedHost : private IHostServices {
 
   const TLog& GetLog() const;
 
-  /// Every message so far; the log is empty afterwards. A long one need not be there twice.
+  /// Every message so far, moved out since a log can be long; it is empty afterwards.
   std::vector<TLogEntry> TakeLog();
 
   /// Every question for a file's existence so far, in order.

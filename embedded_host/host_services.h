@@ -1,4 +1,4 @@
-// The seam behind the host's static services: whoever hosts the plug-in installs an implementation.
+// What the host's static services call: a program that hosts the plug-in installs an implementation here.
 #pragma once
 
 #include <boost/shared_ptr.hpp>

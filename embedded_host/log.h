@@ -20,7 +20,7 @@ HOST_API const char* GetSeverityName(NQRXZELT20::ILogger::EZELTLogSeverity sever
 
 class HOST_API TLog : public NQRXZELT20::ILogger {
  public:
-  /// The messages that are kept: a machine can be made to write any number of them.
+  /// How many messages are kept: a machine can be made to cause any number of them.
   static constexpr std::size_t kMaxEntries = 1'000'000;
 
   /// How far the log had come at some time.
@@ -29,8 +29,8 @@ class HOST_API TLog : public NQRXZELT20::ILogger {
     std::size_t leftOut = 0;
   };
 
-  /// `listener` hears of each message that is kept, when it is written, and once of those that are not; it may be
-  /// empty.
+  /// `listener` is called with each message that is kept, when it is written, and once when the first one is left out;
+  /// it may be empty.
   explicit TLog(std::function<void(const TLogEntry&)> listener = {}, std::size_t maxEntries = kMaxEntries);
 
   void Write(EZELTLogSeverity severity, const std::string& message) override;

@@ -1,4 +1,4 @@
-// The files of a machine, wherever they come from: this machine's own, or those that a captured machine brought along.
+// The files of a machine: this machine's own, or those of a captured one.
 #pragma once
 
 #include <cstddef>

@@ -8,7 +8,7 @@
 
 #include "host/cim_value.h"
 
-// The names of the classes, for whoever needs one of them; whoever needs all goes through GetSchema.
+// The names of the classes, for code that needs one of them; code that needs all of them uses GetSchema.
 constexpr const char* kVideoControllerClass = "QRXSG_VideoController";
 constexpr const char* kVideoHeadClass = "QRXSG_VideoHead";
 constexpr const char* kHeadOfVideoControllerClass = "QRXSG_HeadOfVideoController";
@@ -16,10 +16,10 @@ constexpr const char* kDesktopMonitorClass = "QRXSG_DesktopMonitor";
 constexpr const char* kMonitorResolutionClass = "QRXSG_MonitorResolution";
 constexpr const char* kMonitorSettingClass = "QRXSG_MonitorSetting";
 
-/// The part of the machine that a class belongs to: what the X server's configuration tells, or what EDIDs tell.
+/// The part of the machine that a class belongs to: what comes from the X server's configuration, or from EDIDs.
 enum class EPart { kVideo, kMonitors };
 
-/// What an instance stands for. Only an association has references.
+/// What an instance describes. Only an association has references.
 enum class EKind { kDevice, kMode, kAssociation };
 
 /// One property of a class.
@@ -33,7 +33,7 @@ struct TPropertyDeclaration {
   const char* target;  // the class that a reference refers to; empty for other types
 };
 
-/// One class. Its keys stand first, in ascending order of their names as an object path has them; the other properties
+/// One class. Its keys come first, in ascending order of their names as an object path has them; the other properties
 /// in the order in which people read them.
 struct HOST_API TClassDeclaration {
   const char* name;

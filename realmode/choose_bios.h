@@ -7,6 +7,6 @@
 
 class IVideoBios;
 
-/// From the next LRMI_init on, the LRMI calls work on this BIOS; on the machine's own after a null pointer, as when
-/// nothing was chosen. Ends a session that is still open.
+/// From the next LRMI_init on, the LRMI calls work on this BIOS; a null pointer, the default, chooses the machine's
+/// own. Ends a session that is still open.
 REALMODE_API void ChooseVideoBios(std::shared_ptr<IVideoBios> bios);

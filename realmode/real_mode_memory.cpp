@@ -13,7 +13,7 @@ constexpr std::size_t kParagraph = 16;  // bytes: what a segment counts in
 void* MapAligned(std::size_t size) {
   void* const mapped = mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED) {
-    // As operator new does: whoever watches over the memory hears of it.
+    // As operator new does, so that a program that counts on the new-handler learns of it here too.
     if (const std::new_handler handler = std::get_new_handler()) handler();
     throw std::bad_alloc();
   }

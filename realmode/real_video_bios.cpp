@@ -45,7 +45,7 @@ struct TRun {
 
 TRun& GetRun(x86emu_t* emulator) { return *static_cast<TRun*>(emulator->_private); }
 
-// Reading the clock costs more than an emulated access: look at it now and then.
+// Reading the clock takes longer than an emulated access: read it only now and then.
 constexpr unsigned int kAccessesPerLook = 4096;
 
 void CheckTime(TRun& run) {

@@ -14,8 +14,8 @@
 
 class IPhysicalMachine;
 
-/// What a BIOS may take of a process's time: for one interrupt, and for all of them together. Its units are many, and
-/// each may take long.
+/// How long a BIOS may take: for one interrupt, and for all of them together, since it has many units and each may take
+/// long.
 struct TBiosBudget {
   std::chrono::milliseconds interrupt{5000};
   std::chrono::milliseconds all{20000};

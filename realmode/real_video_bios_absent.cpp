@@ -1,4 +1,4 @@
-// Stands for the real video BIOS in a build without libx86emu.
+// Replaces the real video BIOS in a build without libx86emu.
 #include "realmode/physical_machine.h"
 #include "realmode/real_video_bios.h"
 

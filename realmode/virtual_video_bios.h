@@ -1,4 +1,4 @@
-// A video BIOS that exists only in memory: it hands out given EDIDs, and fails where it is told to.
+// A video BIOS that exists only in memory: it hands out given EDIDs, with given faults.
 #pragma once
 
 #include <cstdint>
