@@ -1,5 +1,5 @@
-// first_request MACHINE: the time, in microseconds, of the first request for all six classes in a new process: what of
-// a run of the command is the plug-in's work, the host's answers to it included.
+// first_request MACHINE: the time, in microseconds, of the first request for all six classes in a new process: the
+// plug-in's part of a run of the command, with the host's answers to it.
 #include <chrono>
 #include <iostream>
 

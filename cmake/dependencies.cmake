@@ -21,6 +21,6 @@ else()
   message(WARNING "libx86emu is missing: this build has only the virtual BIOS")
 endif()
 
-# What names cards and tells their modes. The headers are those of the build's own architecture, and serve the other too.
+# For the names of cards and their modes. The headers are those of the build's own architecture, and serve the other too.
 find_path(PCI_INCLUDE_DIR pci/pci.h PATHS /usr/include/x86_64-linux-gnu REQUIRED)
 find_path(DRM_INCLUDE_DIR drm.h PATH_SUFFIXES libdrm REQUIRED)

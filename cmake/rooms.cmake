@@ -1,5 +1,5 @@
 # A room is a folder whose code is one target. It names the other rooms it uses, and asks for the project's flags itself.
-# tests/check-includes holds every #include against what is declared here.
+# tests/check-includes checks every #include against what is declared here.
 
 # What every target of the project is compiled with.
 add_library(project_flags INTERFACE)

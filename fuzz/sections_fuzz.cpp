@@ -1,6 +1,6 @@
-// The sections that are found in a configuration, held against a finder without regular expressions that looks at every
-// position and finds the end of each section anew; and what is kept of them, against a reader of one line after
-// another.
+// The sections that are found in a configuration, compared with those of a finder without regular expressions that
+// looks at every position and searches for the end of each section; and what is kept of them, compared with a reader of
+// one line after another.
 //
 // Input: the configuration.
 #include <optional>

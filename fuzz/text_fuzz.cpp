@@ -1,5 +1,5 @@
-// The text routines of the X server's configuration, held against plain ones written from their description, and
-// dataToString, held against the values that it is to write.
+// The text routines of the X server's configuration, compared with plain ones written from their description, and
+// dataToString, compared with the values that it is to write.
 //
 // Input: delimiters, a zero byte, a text.
 #include <vector>

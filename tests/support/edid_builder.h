@@ -9,7 +9,7 @@
 #include "edid/layout.h"
 
 /// Starts with a valid base block that says as little as it can: version 1.3, no maker, no date, no size, no gamma,
-/// four dummy descriptors, no timings, no extensions. Build mends the checksums and the extension count.
+/// four dummy descriptors, no timings, no extensions. Build sets the checksums and the extension count.
 class TEdidBuilder {
  public:
   TEdidBuilder();
@@ -44,7 +44,7 @@ class TEdidBuilder {
   /// Appends an extension block that begins with these bytes and is zero after them.
   TEdidBuilder& Extension(const std::vector<std::uint8_t>& head);
 
-  /// Sets any byte, after all else; checksums are mended all the same unless this sets them.
+  /// Sets any byte, after all else; the checksums still come out right, unless this sets them.
   TEdidBuilder& Byte(std::size_t offset, unsigned int value);
 
   std::vector<std::uint8_t> Build() const;

@@ -51,7 +51,7 @@ int LRMI_int(int interrupt, LRMI_regs* registers) {
 
 void LRMI_deInit() { Note("deInit"); }
 
-// These stand before the C library's own.
+// These replace the C library's own.
 
 int ioperm(unsigned long from, unsigned long count, int on) {
   Note("ioperm " + std::to_string(from) + " " + std::to_string(count) + " " + std::to_string(on));

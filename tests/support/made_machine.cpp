@@ -204,7 +204,7 @@ unsigned int CountMonitors(TDice& dice) {
   return percent < 97 ? 2 : 3;
 }
 
-// What a broken machine has in the place of something good.
+// What a broken machine has instead of something good.
 struct TFault {
   const char* file;
   std::string content;

@@ -59,7 +59,7 @@ TEdidBuilder MakeTube() {
       .Name(1, "Tube 17");
 }
 
-// The EDIDs by the file they stand in.
+// The EDIDs by their files.
 const std::map<std::string, TEdidBuilder> kEdids = {
     {"office/edid/0.bin", MakeOfficePanel()},
     {"office/edid/1.bin", MakeDigitalPanel()},

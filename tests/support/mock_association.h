@@ -1,5 +1,5 @@
 // A host whose every object is a double, for the association passes: it answers only when an operation gets the context
-// that it should, and fails where a test tells it to.
+// that it should, and fails where a test wants it to.
 #pragma once
 
 #include <gmock/gmock.h>

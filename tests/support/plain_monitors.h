@@ -1,4 +1,4 @@
-// Which monitors and modes the EDIDs of a video BIOS hold, by plain rules that the monitor classes are held against.
+// Which monitors and modes the EDIDs of a video BIOS hold, by plain rules: tests compare the monitor classes with them.
 #pragma once
 
 #include <algorithm>
@@ -24,7 +24,7 @@ class TPlainMonitors {
     }
   }
 
-  /// Of the monitors: up to the first EDID that is none.
+  /// Of the monitors: up to the first invalid EDID.
   TTexts GetDeviceIds() const {
     TTexts ids;
     for (const TEdid& edid : m_walked) {

@@ -1,4 +1,4 @@
-// What is kept of a section, read in the plain way that the section reader is held against.
+// What is kept of a section, read in a plain way: tests compare the section reader with it.
 #pragma once
 
 #include <map>

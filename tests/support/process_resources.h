@@ -31,8 +31,8 @@ struct TProcessResources {
   }
 };
 
-/// Runs `round` `warmUp` times and then `rounds` times, and expects that no resource has grown: a round that kept one
-/// page would have kept ten times what is let pass.
+/// Runs `round` `warmUp` times and then `rounds` times, and expects that no resource has grown. If each round kept one
+/// page, that would be ten times what is tolerated.
 template <typename TRound>
 void ExpectNothingLeftBehind(TRound round, std::size_t warmUp = 1000, std::size_t rounds = 10000) {
   for (std::size_t count = 0; count < warmUp; ++count) round();

@@ -42,7 +42,7 @@ inline bool HasSignal(pid_t process, const std::string& set, int signal) {
   return !text.empty() && (std::stoull(text, nullptr, 16) >> (signal - 1) & 1) != 0;
 }
 
-/// Ended, even when nobody has asked how.
+/// Ended, even if nobody has waited for it yet.
 inline bool HasEnded(pid_t process) {
   const std::string state = ReadStatus(process, "State");
   return state.empty() || state[0] == 'Z' || state[0] == 'X';

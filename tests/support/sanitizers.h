@@ -1,4 +1,4 @@
-// Whether the tests run under a sanitizer that changes what they look at.
+// Whether the tests run under a sanitizer, which changes what some of them measure.
 #pragma once
 
 #ifndef __has_feature

@@ -43,7 +43,7 @@ class TTestHost : public IHostServices {
   std::string systemCreationClassName = "CIM_UnitaryComputerSystem";
   int runningType = 2;
   boost::shared_ptr<NQRXZELT20::ICIMNamespace> pluginManager = boost::make_shared<TTestPluginManager>();
-  /// Called before each service with its name and argument, as they stand in `calls`; it may throw.
+  /// Called before each service with its name and argument, as they are in `calls`; it may throw.
   std::function<void(const std::string& call)> onCall;
 
   // What was seen.

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 
-/// Sets the time zone until it is destroyed; then the machine's own holds again.
+/// Sets the time zone until it is destroyed; then the machine's own is back.
 class TTimeZone {
  public:
   explicit TTimeZone(const char* zone) {

@@ -19,7 +19,7 @@ namespace {
 
 bool IsAskedFor(const char* trouble) { return TOSSpecific::FileExists(trouble); }
 
-/// Takes memory until there is no more, and makes nothing of that, as a plug-in that catches every exception.
+/// Takes memory until it runs out, and ignores that, as a plug-in that catches every exception.
 void TakeAllMemory() try {
   std::vector<std::unique_ptr<char[]>> taken;
   while (true) taken.emplace_back(new char[std::size_t{16} * 1024 * 1024]);
