@@ -70,6 +70,8 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
   return MakeSchemaText();
 }
 
+ELogPart GetLogPart(const TOptions& options) { return options.hasLog ? ELogPart::kKept : ELogPart::kLeftOut; }
+
 int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   const TMachine machine = MakeThisMachine(options.edidSource, options.xconfigSource);
   CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
@@ -85,17 +87,28 @@ int RunServer(const TOptions& options, TServeOptions serve) {
   return kDone;
 }
 
+/// What a fleet writes of each machine.
+std::function<std::string(const std::string&, const TAnswer&)> ChooseLines(const TOptions& options) {
+  if (options.format == EFormat::kRows) return MakeMachineRows;
+  return [log = GetLogPart(options)](const std::string& machine, const TAnswer& answer) {
+    return MakeMachineLine(machine, answer, log);
+  };
+}
+
 int RunFleet(const TOptions& options) {
   DropPrivileges(true);
   return CollectFleet({options.machineList ? TMachineList::Open(*options.machineList) : TMachineList(options.machines),
                        options.resume ? TFinishedMachines(*options.resume) : TFinishedMachines(), options.requests,
-                       options.plugin.value_or(FindPlugin()), options.jobs, options.timeout, options.logLevel});
+                       options.plugin.value_or(FindPlugin()), options.jobs, options.timeout, options.logLevel,
+                       ChooseLines(options)});
 }
 
-std::string MakeReport(EFormat format, const TAnswer& answer) {
-  switch (format) {
+std::string MakeReport(const TOptions& options, const TMachine& machine, const TAnswer& answer) {
+  switch (options.format.value_or(EFormat::kText)) {
     case EFormat::kJson:
-      return MakeJsonReport(answer);
+      return MakeJsonReport(answer, GetLogPart(options));
+    case EFormat::kRows:
+      return MakeRows(options.machines.empty() ? machine.host.systemName : options.machines.front(), answer);
     case EFormat::kMof:
       return MakeMofReport(answer);
     case EFormat::kHtml:
@@ -116,7 +129,7 @@ std::string Answer(const TOptions& options) {
   DropPrivileges(false);
   ShowRemark(machine.getBiosFailure());
   ShowRemarks(answer);
-  return MakeReport(options.format.value_or(EFormat::kText), answer);
+  return MakeReport(options, machine, answer);
 }
 
 int Run(const TOptions& options) {

@@ -26,8 +26,11 @@ const TNames<EEdidSource> kEdidSources = {
     {"auto", EEdidSource::kAuto}, {"bios", EEdidSource::kBios}, {"drm", EEdidSource::kDrm}};
 const TNames<EXconfigSource> kXconfigSources = {
     {"auto", EXconfigSource::kAuto}, {"file", EXconfigSource::kFile}, {"kernel", EXconfigSource::kKernel}};
-const TNames<EFormat> kFormats = {
-    {"text", EFormat::kText}, {"json", EFormat::kJson}, {"mof", EFormat::kMof}, {"html", EFormat::kHtml}};
+const TNames<EFormat> kFormats = {{"text", EFormat::kText},
+                                  {"json", EFormat::kJson},
+                                  {"rows", EFormat::kRows},
+                                  {"mof", EFormat::kMof},
+                                  {"html", EFormat::kHtml}};
 const TNames<ESchemaFormat> kSchemaFormats = {
     {"text", ESchemaFormat::kText}, {"mof", ESchemaFormat::kMof}, {"json-schema", ESchemaFormat::kJsonSchema}};
 const TNames<ILogger::EZELTLogSeverity> kLogLevels = {{"error", ILogger::kError},
@@ -81,8 +84,16 @@ std::vector<TRequest> MakeRequests(const TRequest& classes, const std::vector<st
 
 /// Several machines are answered in lines of JSON, and only several can be spread and resumed.
 void CheckFleet(const TOptions& options, const CLI::App& app) {
-  if (options.IsFleet() && options.format.value_or(EFormat::kJson) != EFormat::kJson) {
-    throw CLI::ValidationError("several machines are answered in JSON; leave --format out, or name one machine");
+  const EFormat format = options.format.value_or(options.IsFleet() ? EFormat::kJson : EFormat::kText);
+  if (options.IsFleet() && format != EFormat::kJson && format != EFormat::kRows) {
+    throw CLI::ValidationError(
+        "several machines are answered in JSON or rows; leave --format out, or name one machine");
+  }
+  if (options.resume && format == EFormat::kRows) {
+    throw CLI::ValidationError("--resume goes on with lines of JSON, which tell where a machine ends; not with rows");
+  }
+  if (!options.hasLog && format != EFormat::kJson) {
+    throw CLI::ValidationError("--no-log is for --format json; no other format of answers but the page has a log");
   }
   for (const char* const name : {"--jobs", "--resume"}) {
     if (options.IsFleet() || app.count(name) == 0) continue;
@@ -145,7 +156,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   TRequest classes;
   std::vector<std::string> requests;
 
-  CLI::App app("Shows the video controllers, heads and monitors of a machine.", "displayinfo");
+  CLI::App app("Shows a machine's video controllers and monitors. Also: schema, capture, serve.", "displayinfo");
   app.set_version_flag("--version", "displayinfo " DISPLAYINFO_VERSION, "Print the version");
   CLI::Option* const classOption =
       app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
@@ -178,7 +189,9 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
       ->option_text("SOURCE")
       ->excludes(machineOption)
       ->excludes(listOption);
-  AddChoice(app, "--format", options.format, kFormats, "For people (default), programs, CIM, a browser");
+  AddChoice(app, "--format", options.format, kFormats, "text (default)|json|rows|mof|html")->option_text("FORMAT");
+  app.add_flag_callback(
+      "--no-log", [&options] { options.hasLog = false; }, "Leave the log out of JSON");
   AddChoice(app, "--log-level", options.logLevel, kLogLevels, "error|warning|status (default)|debug|verbose")
       ->option_text("LEVEL");
   app.add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
@@ -202,8 +215,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
 
   app.footer(
       "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
-      "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting\n"
-      "Examples: displayinfo capture ws-17.json; displayinfo serve (for CIM clients)");
+      "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting");
 
   try {
     app.parse(argumentCount, arguments);

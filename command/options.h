@@ -12,7 +12,7 @@
 #include "command/machine/this_machine.h"
 #include "host/logger.h"
 
-enum class EFormat { kText, kJson, kMof, kHtml };
+enum class EFormat { kText, kJson, kRows, kMof, kHtml };
 enum class ESchemaFormat { kText, kMof, kJsonSchema };
 
 struct TOptions {
@@ -25,6 +25,7 @@ struct TOptions {
   EEdidSource edidSource = EEdidSource::kAuto;
   EXconfigSource xconfigSource = EXconfigSource::kAuto;
   std::optional<EFormat> format;
+  bool hasLog = true;  // of JSON
   std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
   std::optional<std::filesystem::path> plugin;  // looked for when absent
 

@@ -1,7 +1,7 @@
 # Completes the options of displayinfo, their values, and the classes.
 _displayinfo() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local options='--anonymous --machine --machines --jobs --resume --timeout --request --edid-source --xconfig-source --format --log-level --plugin --port --listen --max-age --version --help'
+  local options='--anonymous --machine --machines --jobs --resume --timeout --request --edid-source --xconfig-source --format --no-log --log-level --plugin --port --listen --max-age --version --help'
   local classes='QRXSG_VideoController QRXSG_VideoHead QRXSG_HeadOfVideoController QRXSG_DesktopMonitor
     QRXSG_MonitorResolution QRXSG_MonitorSetting'
   local words
@@ -10,7 +10,7 @@ _displayinfo() {
     --request) words=$classes ;;
     --edid-source) words='auto bios drm' ;;
     --xconfig-source) words='auto file kernel' ;;
-    --format) if [ "${COMP_WORDS[1]}" = schema ]; then words='text mof json-schema'; else words='text json mof html'; fi ;;
+    --format) if [ "${COMP_WORDS[1]}" = schema ]; then words='text mof json-schema'; else words='text json rows mof html'; fi ;;
     --log-level) words='error warning status debug verbose' ;;
     *) words="$options $classes capture schema serve" ;;
   esac

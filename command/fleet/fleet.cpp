@@ -86,7 +86,7 @@ std::string MakeLine(const std::string& machine, const TFleet& fleet) {
   if (machine.size() == TMachineList::kMaxName) {
     throw TUnusable("its name is longer than any that the system takes; this is its beginning");
   }
-  return MakeMachineLine(machine, Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog));
+  return fleet.makeLines(machine, Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog));
 }
 
 long GetPeakMemory() {

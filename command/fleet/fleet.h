@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,8 +20,10 @@ struct TFleet {
   std::filesystem::path plugin;
   unsigned int jobs;             // worker processes, at least 1
   std::chrono::seconds timeout;  // for each machine; its line is an error when it takes longer
-  /// What of the log goes to standard error too, each line after its machine's name; the lines hold all of it.
+  /// What of the log goes to standard error too, each line after its machine's name.
   std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
+  /// Writes a machine's answer: a line, or several, each with its end.
+  std::function<std::string(const std::string& machine, const TAnswer& answer)> makeLines;
 };
 
 /// Writes the lines to standard output. The exit status: 0, 1 when a machine failed, or 128 and the number of the

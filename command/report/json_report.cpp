@@ -1,7 +1,9 @@
 #include "command/report/json_report.h"
 
 #include <cmath>
+#include <limits>
 #include <stdexcept>
+#include <utility>
 
 #include "command/base/base64.h"
 #include "command/base/unusable.h"
@@ -82,7 +84,7 @@ void WriteLog(TJsonWriter& json, const std::vector<TLogEntry>& entries) {
   json.EndArray();
 }
 
-void WriteRequest(TJsonWriter& json, const TRequestAnswer& request) {
+void WriteRequest(TJsonWriter& json, const TRequestAnswer& request, ELogPart log) {
   json.BeginObject();
   json.Key("classes");
   json.BeginArray();
@@ -92,7 +94,7 @@ void WriteRequest(TJsonWriter& json, const TRequestAnswer& request) {
   json.BeginArray();
   for (const auto& instance : request.instances) WriteInstance(json, *instance);
   json.EndArray();
-  WriteLog(json, request.log);
+  if (log == ELogPart::kKept) WriteLog(json, request.log);
   json.EndObject();
 }
 
@@ -133,8 +135,7 @@ void WriteFacts(TJsonWriter& json, const TEdidFacts& facts) {
 }
 
 /// Members without a value are left out, except the device id.
-void WriteOutput(TJsonWriter& json, const TOutput& output) {
-  json.BeginObject();
+void WriteOutputMembers(TJsonWriter& json, const TOutput& output) {
   json.Key("unit");
   json.Literal(std::to_string(output.unit));
   if (!output.connector.empty()) WriteMember(json, "connector", output.connector);
@@ -151,46 +152,111 @@ void WriteOutput(TJsonWriter& json, const TOutput& output) {
     json.Literal(output.facts->hasValidChecksums ? "true" : "false");
     WriteMember(json, "edid", EncodeBase64(std::string(output.edid.begin(), output.edid.end())));
   }
-  json.EndObject();
 }
 
 void WriteOutputs(TJsonWriter& json, const std::vector<TOutput>& outputs) {
   json.Key("outputs");
   json.BeginArray();
-  for (const TOutput& output : outputs) WriteOutput(json, output);
+  for (const TOutput& output : outputs) {
+    json.BeginObject();
+    WriteOutputMembers(json, output);
+    json.EndObject();
+  }
   json.EndArray();
 }
 
 /// The members of the answer's object.
-void WriteAnswer(TJsonWriter& json, const TAnswer& answer) {
+void WriteAnswer(TJsonWriter& json, const TAnswer& answer, ELogPart log) {
   WritePlugin(json, answer.plugin);
   json.Key("requests");
   json.BeginArray();
-  for (const TRequestAnswer& request : answer.requests) WriteRequest(json, request);
+  for (const TRequestAnswer& request : answer.requests) WriteRequest(json, request, log);
   json.EndArray();
   WriteOutputs(json, answer.outputs);
-  WriteLog(json, answer.log);
+  if (log == ELogPart::kKept) WriteLog(json, answer.log);
 }
+
+void WriteInstanceMembers(TJsonWriter& json, const TStoredInstance& instance) {
+  WriteMember(json, "class", instance.GetDeclaration().name);
+  WriteMember(json, "path", instance.GetPathText());
+  for (const auto& [name, value] : instance.GetProperties()) {
+    json.Key(name);
+    WriteValue(json, value);
+  }
+}
+
+/// The rows, as long as `maxSize` bytes at most; else throws std::length_error.
+class TRows {
+ public:
+  TRows(const std::string& machine, std::size_t maxSize) : m_machine(machine), m_maxSize(maxSize) {}
+
+  /// `write`: writes the members of one row after the machine's.
+  template <typename TWrite>
+  void Add(TWrite write) {
+    TJsonWriter json(TJsonWriter::ELayout::kOneLine);
+    json.BeginObject();
+    WriteMember(json, "machine", m_machine);
+    write(json);
+    json.EndObject();
+    m_text += json.TakeText() + "\n";
+    if (m_text.size() > m_maxSize) throw std::length_error("the rows are too long");
+  }
+
+  std::string Take() { return std::move(m_text); }
+
+ private:
+  const std::string& m_machine;
+  const std::size_t m_maxSize;
+  std::string m_text;
+};
+
+std::string MakeRows(const std::string& machine, const TAnswer& answer, std::size_t maxSize) {
+  TRows rows(machine, maxSize);
+  for (const TRequestAnswer& request : answer.requests) {
+    for (const auto& instance : request.instances) {
+      rows.Add([&](TJsonWriter& json) { WriteInstanceMembers(json, *instance); });
+    }
+  }
+  for (const TOutput& output : answer.outputs) {
+    rows.Add([&](TJsonWriter& json) {
+      WriteMember(json, "class", "output");
+      WriteOutputMembers(json, output);
+    });
+  }
+  return rows.Take();
+}
+
+[[noreturn]] void FailAsTooLarge() { throw TUnusable("its answer is larger than 64 MiB"); }
 
 }  // namespace
 
-std::string MakeJsonReport(const TAnswer& answer) {
+std::string MakeJsonReport(const TAnswer& answer, ELogPart log) {
   TJsonWriter json(TJsonWriter::ELayout::kIndented);
   json.BeginObject();
-  WriteAnswer(json, answer);
+  WriteAnswer(json, answer, log);
   json.EndObject();
   return json.TakeText() + "\n";
 }
 
-std::string MakeMachineLine(const std::string& machine, const TAnswer& answer) try {
+std::string MakeMachineLine(const std::string& machine, const TAnswer& answer, ELogPart log) try {
   TJsonWriter json(TJsonWriter::ELayout::kOneLine, kMaxLine);
   json.BeginObject();
   WriteMember(json, "machine", machine);
-  WriteAnswer(json, answer);
+  WriteAnswer(json, answer, log);
   json.EndObject();
   return json.TakeText() + "\n";
 } catch (const std::length_error&) {
-  throw TUnusable("its answer is larger than 64 MiB");
+  FailAsTooLarge();
+}
+
+std::string MakeRows(const std::string& machine, const TAnswer& answer) {
+  return MakeRows(machine, answer, std::numeric_limits<std::size_t>::max());
+}
+
+std::string MakeMachineRows(const std::string& machine, const TAnswer& answer) try {
+  return MakeRows(machine, answer, kMaxLine);
+} catch (const std::length_error&) {
+  FailAsTooLarge();
 }
 
 std::string MakeErrorLine(const std::string& machine, const std::string& reason) {

@@ -131,7 +131,7 @@ TEST_F(Command, AnswersAnUnknownClassWithTheSixNames) {
 
 TEST_F(Command, ExplainsWrongUsageInOneLine) {
   ExpectWrongUsage("--colour", "The following argument was not expected: --colour");
-  ExpectWrongUsage("--format yaml", "--format: yaml not in {text,json,mof,html}");
+  ExpectWrongUsage("--format yaml", "--format: yaml not in {text,json,rows,mof,html}");
   ExpectWrongUsage("--log-level loud", "--log-level: loud not in {error,warning,status,debug,verbose}");
   ExpectWrongUsage("--edid-source nvram", "--edid-source: nvram not in {auto,bios,drm}");
   ExpectWrongUsage("--machine", "--machine: 1 required TEXT missing");
@@ -146,7 +146,10 @@ TEST_F(Command, ExplainsWrongUsageInOneLine) {
   ExpectWrongUsage("--timeout 86401", "--timeout: Value 86401 not in range 1 to 86400");
   ExpectWrongUsage("--timeout 1.5", "--timeout: Value 1.5 not in range 1 to 86400");
   ExpectWrongUsage("--machines x --format text",
-                   "several machines are answered in JSON; leave --format out, or name one machine");
+                   "several machines are answered in JSON or rows; leave --format out, or name one machine");
+  ExpectWrongUsage("--machines x --resume y --format rows",
+                   "--resume goes on with lines of JSON, which tell where a machine ends; not with rows");
+  ExpectWrongUsage("--no-log", "--no-log is for --format json; no other format of answers but the page has a log");
   ExpectWrongUsage("schema capture x", "The following arguments were not expected: x capture");
 }
 

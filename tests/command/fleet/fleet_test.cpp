@@ -130,6 +130,19 @@ TEST_F(Fleet, IsAnsweredWithWhatEachMachineAnswersAlone) {
   }
 }
 
+TEST_F(Fleet, IsAnsweredInTheRowsOfEachMachine) {
+  std::string rows;
+  for (const std::string& name : names) rows += Run("--format rows --machine " + name).output;
+  EXPECT_EQ(RunList(ListAll(), "--format rows").output, rows);
+}
+
+TEST_F(Fleet, IsAnsweredWithoutTheLogWhenThatIsLeftOut) {
+  const ordered_json line = ordered_json::parse(RunList("m1\n", "--no-log").output);
+  EXPECT_FALSE(line.contains("log"));
+  EXPECT_FALSE(line["requests"][0].contains("log"));
+  EXPECT_TRUE(line["requests"][0].contains("instances"));
+}
+
 TEST_F(Fleet, MayBeNamedOnTheCommandLine) {
   EXPECT_EQ(GetNames(Run("--machine m3 --machine m1 --machine m3").output),
             (std::vector<std::string>{"m3", "m1", "m3"}));

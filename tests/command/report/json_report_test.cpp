@@ -142,3 +142,36 @@ TEST_F(JsonReport, ReplacesBytesThatAreNotText) {
                                               "A\x1B")}})["Name"]["value"],
             "\uFFFD\uFFFDA\u001B");
 }
+
+TEST_F(JsonReport, LeavesTheLogOutWhenToldTo) {
+  TAnswer answer = AnswerWith({{"DeviceID", TCIMValue("Monitor 1")}});
+  answer.requests[0].log = {{ILogger::kDebug, "asked"}};
+  answer.log = answer.requests[0].log;
+  json whole = json::parse(MakeJsonReport(answer));
+  whole.erase("log");
+  whole["requests"][0].erase("log");
+  EXPECT_EQ(json::parse(MakeJsonReport(answer, ELogPart::kLeftOut)), whole);
+  whole["machine"] = "m";
+  EXPECT_EQ(json::parse(MakeMachineLine("m", answer, ELogPart::kLeftOut)), whole);
+}
+
+TEST_F(JsonReport, WritesARowForEachInstanceAndEachOutput) {
+  typedef TCIMValue::TCIMType TType;
+  TAnswer answer = AnswerWith(
+      {{"DeviceID", TCIMValue("Monitor 1")},
+       {"Gamma", TCIMValue(2.2F)},
+       {"OperationalStatus", TCIMValue(TType(TType::kUint16), 1, {TCIMValue(static_cast<unsigned short>(2))})}});
+  answer.outputs = {MakeOutput(0)};
+  const std::string rows = MakeRows("ws-17", answer);
+  const std::size_t end = rows.find('\n');
+  EXPECT_EQ(json::parse(rows.substr(0, end)), json::parse(R"({
+    "machine": "ws-17", "class": "QRXSG_DesktopMonitor", "path": "QRXSG_DesktopMonitor.DeviceID=\"Monitor 1\"",
+    "DeviceID": "Monitor 1", "Gamma": 2.2, "OperationalStatus": [2]})"));
+  EXPECT_EQ(json::parse(rows.substr(end + 1)), json::parse(R"({
+    "machine": "ws-17", "class": "output", "unit": 0, "connector": "card0-DP-1", "deviceID": null, "reason": "",
+    "productCode": 4660, "serialNumber": 305419896, "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
+    "diagonalInches": 27.2, "checksums": true, "edid": "AP8="})"));
+  EXPECT_EQ(MakeMachineRows("ws-17", answer), rows);
+}
+
+TEST_F(JsonReport, WritesNoRowsOfAnEmptyAnswer) { EXPECT_EQ(MakeRows("ws-17", TAnswer()), ""); }
