@@ -10,6 +10,9 @@
 
 namespace {
 
+// Only from the database: a number is written as one here, and udev's own database leaks where the machine has none.
+constexpr int kHow = PCI_LOOKUP_NO_NUMBERS | PCI_LOOKUP_NO_HWDB;
+
 /// Drops the library's messages, which are for lspci: a name that it does not find is a number here.
 void Ignore(char*, ...) {}
 
@@ -49,7 +52,7 @@ struct TPciNames::TLibrary {
   template <typename... TIds>
   std::string LookUp(int kind, std::uint16_t number, TIds... ids) const {
     std::array<char, 256> buffer = {};
-    const char* const name = lookUpName(access, buffer.data(), buffer.size(), kind | PCI_LOOKUP_NO_NUMBERS, ids...);
+    const char* const name = lookUpName(access, buffer.data(), buffer.size(), kind | kHow, ids...);
     return name == nullptr ? WriteNumber(number) : name;
   }
 };
