@@ -136,5 +136,9 @@ class TServing {
 
 void Serve(const TServeOptions& options) {
   RequirePlugin(options.plugin);
+  // A name that is mistyped must not leave a server that seems to be well. What is wrong in a machine, clients are
+  // told.
+  std::error_code error;
+  if (options.machine && !std::filesystem::exists(*options.machine, error)) ReadCapturedMachine(*options.machine);
   TServing(options).Run();
 }

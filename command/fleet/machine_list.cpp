@@ -19,7 +19,7 @@ constexpr std::size_t kPiece = 65536;  // bytes that are read at a time
 
 [[noreturn]] void Fail(const std::string& name) {
   const std::string problem = errno == EBADF ? " is closed" : std::string(": cannot be read: ") + std::strerror(errno);
-  throw TUnusable(name + problem + "; --machines takes a file of folder names, one a line, or - for standard input");
+  throw TUnusable(name + problem + "; --machines takes a file of machines, one a line, or - for standard input");
 }
 
 bool IsRegularFile(int descriptor) {

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -50,6 +51,8 @@ class TMachineFolder {
     const bool hasEdids = m_folder.Has(kEdids);
     const bool hasFiles = m_folder.Has(kRoot);
     if (!hasJson && !hasEdids && !hasFiles) {
+      // A folder that may not be searched seems to be empty.
+      if (faccessat(AT_FDCWD, m_path.c_str(), X_OK, AT_EACCESS) != 0) FailToRead(m_path);
       throw TUnusable(m_path + ": is not a captured machine: it has neither machine.json nor edid/ nor root/");
     }
     if (hasJson) ReadMachineJson(ReadFile(kMachineJson, kMaxMachineJsonSize), At(kMachineJson), machine);
@@ -144,6 +147,7 @@ TMachine MakeMachine(TMachineDocument document) {
 TMachine ReadCapturedMachine(const fs::path& path) {
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) {
+    if (errno == EACCES) FailToRead(path.string());
     throw TUnusable(path.string() + ": is not a captured machine: " + std::strerror(errno) +
                     "; --machine takes a folder or a file that exists");
   }

@@ -219,6 +219,12 @@ TEST_F(Command, GivesUpAMachineThatTakesTooMuchMemory) {
   ExpectUnusable(RunTrouble("takes-all-memory"), "needs more than 2 GiB of memory, the most that one machine may take");
 }
 
+TEST_F(Command, ServesNoMachineThatDoesNotExist) {
+  ExpectUnusable(RunShell("timeout 20 " + kCommand + " serve --port 0 --machine none"),
+                 "none: is not a captured machine: No such file or directory; --machine takes a folder or a file that "
+                 "exists");
+}
+
 TEST_F(Command, TellsWhatThePluginThrewWhenItWasLoaded) {
   const std::string failure = TROUBLE_PLUGIN_FILE ": the plug-in failed while it was loaded: ";
   ExpectUnusable(RunTrouble("throws"), failure + "no \\x1bwish to live; name another with --plugin FILE");

@@ -379,7 +379,7 @@ TEST_F(Fleet, CannotBeReadFromAClosedStandardInput) {
   const TProcessResult result = Run("--machines - <&-");
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors,
-            "displayinfo: standard input is closed; --machines takes a file of folder names, one a line, or - for "
+            "displayinfo: standard input is closed; --machines takes a file of machines, one a line, or - for "
             "standard input\n");
 }
 

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "command/base/base64.h"
 #include "command/base/unusable.h"
@@ -394,4 +395,23 @@ TEST_F(MachineInOneFile, IsARegularFile) {
   EXPECT_EQ(GetFailure("fifo"), "is not a captured machine: it is neither a folder nor a regular file");
   fs::create_symlink("/dev/zero", Path("device"));
   EXPECT_EQ(GetFailure("device"), "is not a captured machine: it is neither a folder nor a regular file");
+}
+
+TEST_F(CapturedMachine, CannotBeReadWithoutThePermissionToSearchItsFolder) {
+  std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::owner_read);
+  constexpr uid_t nobody = 65534;
+  const uid_t user = geteuid();
+  ASSERT_EQ(user == 0 ? seteuid(nobody) : 0, 0);  // root may search everything
+  const std::string folder = GetFailure();
+  std::string file = "no failure";
+  try {
+    ReadCapturedMachine(machine.GetPath() / "inner");
+  } catch (const TUnusable& failure) {
+    file = failure.what();
+  }
+  ASSERT_EQ(seteuid(user), 0);
+  std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::owner_all);
+  EXPECT_EQ(folder, machine.GetPath().string() + ": cannot be read: Permission denied; check its permissions");
+  EXPECT_EQ(file,
+            (machine.GetPath() / "inner").string() + ": cannot be read: Permission denied; check its permissions");
 }
