@@ -60,12 +60,14 @@ inline TAnswer CollectHere(const TMachine& machine) {
   plugin->GetData(store, classes);
   plugin->DeInit();
 
-  const std::vector<TLogEntry>& log = host.GetLog().GetEntries();
   TRequest request = {kVideoControllerClass, kVideoHeadClass};
   request.insert(request.end(), kThroughDispatch.begin(), kThroughDispatch.end());
-  return {{plugin->GetName(), plugin->GetVersion(), plugin->GetInterfaceVersion(), plugin->GetType()},
-          {{request, store->TakeCommits(), log}},
-          log,
-          host.GetFileQueries(),
-          machine.edidOrigin};
+  TAnswer answer;
+  answer.plugin = {plugin->GetName(), plugin->GetVersion(), plugin->GetInterfaceVersion(), plugin->GetType()};
+  answer.log = host.GetLog().GetEntries();
+  answer.requests = {{request, store->TakeCommits(), answer.log}};
+  answer.fileQueries = host.GetFileQueries();
+  answer.edidOrigin = machine.edidOrigin;
+  answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.host.systemType);
+  return answer;
 }

@@ -24,10 +24,25 @@ void WriteMachine(const TCapturedMachineBuilder& machine, TInput& input) {
   for (const auto& [unit, edid] : input.TakeEdids()) machine.Edid(unit, edid);
 }
 
+/// The ids of the monitors that the plug-in reports, and of those that the outputs say it does.
+void RequireSameMonitors(const TAnswer& answer) {
+  std::vector<std::string> reported;
+  for (const auto& instance : answer.requests[0].instances) {
+    if (instance->GetDeclaration().name != std::string(kDesktopMonitorClass)) continue;
+    reported.push_back(instance->GetProperties().at("DeviceID"));
+  }
+  std::vector<std::string> told;
+  for (const TOutput& output : answer.outputs) {
+    if (output.deviceId) told.push_back(*output.deviceId);
+  }
+  Require(told == reported, "the outputs tell which monitors are reported");
+}
+
 /// The machine's line in the answer of a fleet.
 std::string MakeLine(const TCapturedMachineBuilder& machine) try {
   const TAnswer answer = CollectHere(ReadCapturedMachine(machine.GetPath()));
   Require(answer.log.size() <= TLog::kMaxEntries + 1, "the log keeps to its budget");
+  RequireSameMonitors(answer);
   return MakeMachineLine("machine", answer);
 } catch (const TUnusable& failure) {
   return MakeErrorLine("machine", ToMessage(failure.what()));

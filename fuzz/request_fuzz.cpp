@@ -54,7 +54,8 @@ TMachine MakeMachine(TInput& input) {
   machine.host.provider = (bits & kNoProvider) == 0;
   machine.host.files =
       std::make_shared<TMemoryFiles>(std::map<std::string, std::string>{{"/etc/X11/xorg.conf", configuration}});
-  machine.bios = std::make_shared<TVirtualVideoBios>(std::move(bios));
+  machine.bios = std::make_shared<TVirtualVideoBios>(bios);
+  machine.getUnits = [bios = std::move(bios)] { return bios; };
   return machine;
 }
 
