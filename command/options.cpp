@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <iostream>
 #include <sstream>
 #include <thread>
@@ -17,7 +18,7 @@ namespace {
 
 constexpr int kWrongUsage = 2;
 constexpr unsigned int kMaxJobs = 1000;
-constexpr int kMaxTimeout = 24 * 60 * 60;  // seconds
+constexpr unsigned int kMaxTimeout = 24 * 60 * 60;  // seconds
 
 template <typename T>
 using TNames = std::vector<std::pair<std::string, T>>;
@@ -59,6 +60,19 @@ CLI::Option* AddChoice(CLI::App& app, const std::string& name, TTarget& target, 
   return app.add_option_function<std::string>(name, set, description)
       ->check(CLI::IsMember(words).description(""))
       ->option_text(CLI::detail::join(words, "|"));
+}
+
+/// A whole number from `min` to `max`. CLI11 has such a check too, whose message changes with its version.
+CLI::Validator InRange(unsigned int min, unsigned int max) {
+  return CLI::Validator(
+      [=](const std::string& text) {
+        unsigned int number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        const bool isNumber = error == std::errc() && end == text.data() + text.size();
+        if (isNumber && number >= min && number <= max) return std::string();
+        return "Value " + text + " not in range " + std::to_string(min) + " to " + std::to_string(max);
+      },
+      "");
 }
 
 void CheckClass(const std::string& name) {
@@ -126,7 +140,7 @@ void AddServe(CLI::App& app, TServeOptions& options, std::optional<std::filesyst
   constexpr unsigned int maxSeconds = 86400;
   serve->add_option("--port", options.port, "The port (default: 5988); 0: a free one, which is printed")
       ->option_text("N")
-      ->check(CLI::Range(0U, maxPort).description(""));
+      ->check(InRange(0, maxPort));
   serve->add_option("--listen", options.address, "127.0.0.1 (default) or ::1")->option_text("ADDRESS");
   CLI::Option* const machine =
       serve->add_option("--machine", options.machine, "A captured machine instead of this one")->option_text("PATH");
@@ -140,7 +154,7 @@ void AddServe(CLI::App& app, TServeOptions& options, std::optional<std::filesyst
         ->add_option_function<unsigned int>(
             name, [&target](unsigned int seconds) { target = std::chrono::seconds(seconds); }, meaning)
         ->option_text("SECONDS")
-        ->check(CLI::Range(min, maxSeconds).description(""));
+        ->check(InRange(min, maxSeconds));
   };
   addSeconds("--max-age", options.maxAge, 0, "How old an answer may be at a request (default: 60)");
   addSeconds("--timeout", options.timeout, 1, "How long a collection may take (default: 60)");
@@ -170,13 +184,13 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
           ->excludes(machineOption);
   app.add_option("--jobs", options.jobs, "N at a time (default: one per core)")
       ->option_text("N")
-      ->check(CLI::Range(1U, kMaxJobs).description(""));
+      ->check(InRange(1, kMaxJobs));
   app.add_option("--resume", options.resume, "Skip machines already in FILE")->option_text("FILE");
   app.add_option_function<int>(
          "--timeout", [&options](int seconds) { options.timeout = std::chrono::seconds(seconds); },
          "For each machine (default: 60)")
       ->option_text("SECONDS")
-      ->check(CLI::Range(1, kMaxTimeout).description(""));
+      ->check(InRange(1, kMaxTimeout));
   app.add_option("--request", requests, "One request of several; may be repeated")
       ->option_text("CLASS[,CLASS...]")
       ->excludes(classOption)

@@ -5,8 +5,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -162,8 +164,7 @@ TMachine MakeCapturedMachine(TMachineDocument document) {
 }
 
 bool IsPackedName(const fs::path& path) {
-  for (const char* const ending : kPackedEndings) {
-    if (EndsWith(path.filename().string(), ending)) return true;
-  }
-  return false;
+  const std::string name = path.filename().string();
+  return std::any_of(std::begin(kPackedEndings), std::end(kPackedEndings),
+                     [&](const char* ending) { return EndsWith(name, ending); });
 }
