@@ -128,7 +128,8 @@ std::string Escape(std::string_view text, std::string (*escape)(TCode)) {
     for (const char* position = run.data(); position != end;) {
       const char* const special = std::find_if_not(position, end, IsPlain);
       converted.append(position, special);
-      if ((position = special) == end) break;
+      if (special == end) break;
+      position = special;
       const std::string shown = escape(utf8::unchecked::next(position));
       shown.empty() ? converted.append(special, position) : converted.append(shown);
     }

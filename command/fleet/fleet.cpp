@@ -178,6 +178,7 @@ class TFleetRun {
   /// with it.
   void WaitForSomething() {
     std::vector<pollfd> descriptors;
+    descriptors.reserve(m_workers.size() + 1);
     const std::vector<bool> isHeard = ChooseHeard();
     for (std::size_t index = 0; index < m_workers.size(); ++index) {
       descriptors.push_back({isHeard[index] ? m_workers[index]->GetDescriptor() : -1, POLLIN, 0});
@@ -201,6 +202,7 @@ class TFleetRun {
     std::size_t held = m_lines.GetHeldSize();
     for (const auto& worker : m_workers) held += worker->GetHeldSize();
     std::vector<bool> isHeard;
+    isHeard.reserve(m_workers.size());
     for (const auto& worker : m_workers) {
       isHeard.push_back(held < TOrderedLines::kMaxHeldSize || worker->GetTasks().empty() ||
                         worker->GetTasks().front().number == m_lines.GetTurn());

@@ -29,8 +29,8 @@ bool IsRegularFile(int descriptor) {
 
 }  // namespace
 
-TMachineList::TMachineList(std::vector<std::string> names) : m_name("the list") {
-  for (std::string& name : names) m_names.push_back(std::move(name).substr(0, kMaxName));
+TMachineList::TMachineList(const std::vector<std::string>& names) : m_name("the list") {
+  for (const std::string& name : names) m_names.push_back(name.substr(0, kMaxName));
 }
 
 TMachineList::TMachineList(std::string name, TDescriptor file) : m_name(std::move(name)), m_file(std::move(file)) {

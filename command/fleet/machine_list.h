@@ -17,7 +17,7 @@ class TMachineList {
   /// Bytes. A name of this length is too long for any file, so a longer one is cut to it: it names no machine anyway.
   static constexpr std::size_t kMaxName = 4096;
 
-  explicit TMachineList(std::vector<std::string> names);
+  explicit TMachineList(const std::vector<std::string>& names);
   /// `file`: "-" for standard input. Throws TUnusable, naming the file, when it cannot be read.
   static TMachineList Open(const std::filesystem::path& file);
 

@@ -244,7 +244,7 @@ class TMachineReader {
     constexpr std::int64_t min = std::numeric_limits<T>::min();
     constexpr std::int64_t max = std::numeric_limits<T>::max();
     const bool fits = value.is_number_integer() &&
-                      !(value.is_number_unsigned() && value.get<std::uint64_t>() > static_cast<std::uint64_t>(max)) &&
+                      (!value.is_number_unsigned() || value.get<std::uint64_t>() <= static_cast<std::uint64_t>(max)) &&
                       value.get<std::int64_t>() >= min && value.get<std::int64_t>() <= max;
     if (!fits) m_walk.Fail(otherwise);
     return static_cast<T>(value.get<std::int64_t>());

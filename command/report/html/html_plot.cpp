@@ -40,6 +40,7 @@ std::vector<TResolutionPoint> GetPoints(const TRequestView& view, const TInstanc
 
 std::string GetRates(const TResolutionPoint& point) {
   std::vector<std::string> rates;
+  rates.reserve(point.rates.size());
   for (const unsigned int rate : point.rates) rates.push_back(std::to_string(rate));
   return JoinTexts(rates) + " Hz";
 }
