@@ -9,6 +9,7 @@
 
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
+#include "command/base/version.h"
 #include "command/machine/this_machine.h"
 #include "embedded_host/schema.h"
 
@@ -171,7 +172,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   std::vector<std::string> requests;
 
   CLI::App app("Shows a machine's video controllers and monitors. Also: schema, capture, serve.", "displayinfo");
-  app.set_version_flag("--version", "displayinfo " DISPLAYINFO_VERSION, "Print the version");
+  app.set_version_flag("--version", std::string("displayinfo ") + kCommandVersion, "Print the version");
   CLI::Option* const classOption =
       app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
   CLI::Option* const machineOption =

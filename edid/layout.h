@@ -27,7 +27,8 @@ constexpr std::size_t kManufacturer = 8;  // two bytes, big-endian: three letter
 constexpr std::size_t kProductCode = 10;  // two bytes, the lower first
 constexpr std::size_t kSerialNumber = 12;
 constexpr std::size_t kSerialNumberSize = 4;    // bytes
-constexpr std::size_t kManufacturingWeek = 16;  // 1 to 54
+constexpr std::size_t kManufacturingWeek = 16;  // 1 to 54, or kModelYear
+constexpr unsigned char kModelYear = 0xFF;      // the year is that of the model, not of the manufacture
 constexpr std::size_t kManufacturingYear = 17;  // counted from kFirstYear
 constexpr unsigned short kFirstYear = 1990;
 
@@ -36,6 +37,12 @@ constexpr std::size_t kVersion = 18;
 constexpr std::size_t kRevision = 19;
 
 // Basic display parameters and features [3.6].
+constexpr std::size_t kVideoInput = 20;
+constexpr unsigned char kDigitalInput = 0x80;
+// Since EDID 1.4, of a digital input:
+constexpr unsigned char kInterfaceBits = 0x0F;  // 1 for DVI, 2 for HDMI-a, 3 for HDMI-b, 4 for MDDI, 5 for DisplayPort
+constexpr unsigned int kColourDepthShift = 4;   // of three bits: 1 for 6 bits a colour, 2 for 8, up to 6 for 16
+constexpr unsigned char kColourDepthBits = 0x07;
 constexpr std::size_t kHorizontalImageSize = 21;  // cm
 constexpr std::size_t kVerticalImageSize = 22;    // cm
 constexpr std::size_t kGamma = 23;                // (gamma * 100) - 100
@@ -95,6 +102,12 @@ constexpr std::size_t kDescriptorText = 5;
 constexpr std::size_t kDescriptorTextSize = 13;  // bytes
 
 // One of range limits.
+constexpr std::size_t kRateOffsets = 4;    // since EDID 1.4: what kMinVertFreq and the three after it lack
+constexpr unsigned int kRateOffset = 255;  // in the unit of the rate
+constexpr unsigned char kMaxVertOffset = 0x02;
+constexpr unsigned char kMinVertOffset = 0x01;
+constexpr unsigned char kMaxHorizOffset = 0x08;
+constexpr unsigned char kMinHorizOffset = 0x04;
 constexpr std::size_t kMinVertFreq = 5;   // Hz
 constexpr std::size_t kMaxVertFreq = 6;   // Hz
 constexpr std::size_t kMinHorizFreq = 7;  // kHz

@@ -28,8 +28,9 @@ constexpr const char* kSections[] = {
 
 // Every key that machine.json may have, and a value that each may not have.
 constexpr const char* kMachineJsons[] = {
-    R"({"systemName": "a", "systemCreationClassName": "b", "systemType": 2, "provider": true, "bios": {"present": true,
-        "memory": false, "ignoresUnit": true, "units": {"0": {"failAtBlock": 1}, "1": {"errorAtBlock": 0}}}})",
+    R"({"systemName": "a", "collected": "2026-11-21T21:30:00Z", "systemCreationClassName": "b", "systemType": 2,
+        "provider": true, "bios": {"present": true, "memory": false,
+        "ignoresUnit": true, "units": {"0": {"failAtBlock": 1}, "1": {"errorAtBlock": 0}}}})",
     R"({"systemType": 99999999999})",
     R"({"provider": null})",
     R"({"bios": {"units": {"x": {}}}})",
@@ -39,7 +40,8 @@ constexpr const char* kMachineJsons[] = {
 
 // A machine in one file with everything that one may have, and others with something that none may have.
 constexpr const char* kMachineDocuments[] = {
-    R"({"captured": 1, "systemName": "a", "systemCreationClassName": "b", "systemType": 2, "provider": true,
+    R"({"captured": 1, "systemName": "a", "collected": "2026-11-21T21:30:00Z", "systemCreationClassName": "b",
+        "systemType": 2, "provider": true,
         "bios": {"present": true, "memory": false, "ignoresUnit": true,
                  "units": {"0": {"connector": "card0-DP-1", "failAtBlock": 1}, "1": {"errorAtBlock": 0}}},
         "files": {"/etc/X11/xorg.conf": {"text": "\u00e9"}, "/etc/X11/XF86Config": {"base64": "/wA="}},

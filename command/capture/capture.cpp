@@ -97,7 +97,7 @@ void CaptureMachine(const TMachine& machine, const fs::path& plugin, const fs::p
   RequireTarget(target);
   TAnswer answer = Ask(machine, plugin);
   TMachineDocument document = {machine.host, machine.getUnits(), machine.connectors,
-                               ReadFiles(machine.host, answer.fileQueries)};
+                               ReadFiles(machine.host, answer.fileQueries), machine.collected};
   if (isAnonymous) {
     // What is to be blanked is never written, so the capture is checked in memory first, still with it. The check of
     // what was written then compares with the answer of the blanked one.

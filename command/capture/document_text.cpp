@@ -36,6 +36,7 @@ ordered_json MakeBios(const TMachineDocument& machine) {
 
 void AddMachine(ordered_json& json, const TMachineDocument& machine) {
   json["systemName"] = ToUtf8(machine.host.systemName);
+  if (!machine.collected.empty()) json["collected"] = machine.collected;
   json["systemCreationClassName"] = ToUtf8(machine.host.systemCreationClassName);
   json["systemType"] = machine.host.systemType;
   json["provider"] = machine.host.provider;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "command/base/unusable.h"
+#include "command/base/version.h"
 #include "command/collection/plugin_library.h"
 #include "command/machine/machine.h"
 #include "host/exception.h"
@@ -34,6 +35,7 @@ TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile
   ChooseVideoBios(machine.bios);
   TEmbeddedHost host(machine.host, std::move(logListener));
   TAnswer answer;
+  answer.identity = {machine.host.systemName, machine.collected, kCommandVersion};
   {
     TPluginLibrary plugin(pluginFile, host);
     plugin.GetCallbacks().Init();

@@ -30,8 +30,16 @@ struct TRequestAnswer {
   std::vector<TLogEntry> log;  // of this request
 };
 
+/// Whose answer it is, and who collected it.
+struct TAnswerIdentity {
+  std::string systemName;  // as the host presents it
+  std::string collected;   // when, as utc_time.h writes it; empty where a capture does not say
+  std::string version;     // of the command that answers
+};
+
 /// All that a collection found out, and what its machine says of its EDIDs. It outlives the plug-in and the host.
 struct TAnswer {
+  TAnswerIdentity identity;
   TPluginIdentity plugin;
   std::vector<TRequestAnswer> requests;
   std::vector<TLogEntry> log;  // of the whole run

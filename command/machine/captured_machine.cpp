@@ -137,6 +137,7 @@ TMachine MakeMachine(TMachineDocument document) {
   machine.getUnits = [bios = std::move(document.bios)] { return bios; };
   machine.getBiosFailure = [] { return std::string(); };
   machine.connectors = std::move(document.connectors);
+  machine.collected = std::move(document.collected);
   machine.edidOrigin.describe = [connectors = machine.connectors](std::size_t unit) {
     const auto connector = connectors.find(static_cast<unsigned int>(unit));
     return connector == connectors.end() ? std::string() : connector->second;

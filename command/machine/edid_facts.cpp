@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <numeric>
 
 #include "edid/layout.h"
@@ -24,15 +25,77 @@ bool HasValidChecksums(const TBytes& edid) {
   return true;
 }
 
-std::string ReadName(const TBytes& edid) {
+/// The first display descriptor with that tag, or null.
+const std::uint8_t* FindDescriptor(const TBytes& edid, int tag) {
   for (const std::size_t slot : edid::kDescriptors) {
-    if (ReadNumber(edid, slot, 3) != 0 || edid[slot + edid::kDescriptorTag] != edid::kTagName) continue;
-    const auto begin = edid.begin() + static_cast<std::ptrdiff_t>(slot + edid::kDescriptorText);
-    const auto isEnd = [](std::uint8_t byte) { return byte == '\n' || byte == 0; };
-    std::string name(begin, std::find_if(begin, begin + edid::kDescriptorTextSize, isEnd));
-    return name.erase(name.find_last_not_of(' ') + 1);
+    if (ReadNumber(edid, slot, 3) == 0 && edid[slot + edid::kDescriptorTag] == tag) return edid.data() + slot;
   }
-  return std::string();
+  return nullptr;
+}
+
+/// Without the blanks that fill it up.
+std::string ReadText(const TBytes& edid, int tag) {
+  const std::uint8_t* const descriptor = FindDescriptor(edid, tag);
+  if (descriptor == nullptr) return std::string();
+  const std::uint8_t* const begin = descriptor + edid::kDescriptorText;
+  const auto isEnd = [](std::uint8_t byte) { return byte == '\n' || byte == 0; };
+  std::string text(begin, std::find_if(begin, begin + edid::kDescriptorTextSize, isEnd));
+  return text.erase(text.find_last_not_of(' ') + 1);
+}
+
+std::string ReadMaker(const TBytes& edid) {
+  const unsigned int packed = edid[edid::kManufacturer] << 8U | edid[edid::kManufacturer + 1];
+  std::string letters;
+  for (const unsigned int shift : {10U, 5U, 0U}) {
+    const unsigned int letter = packed >> shift & 0x1FU;
+    if (letter < 1 || letter > 26) return std::string();
+    letters += static_cast<char>('A' + letter - 1);
+  }
+  return letters;
+}
+
+std::optional<TMade> ReadMade(const TBytes& edid) {
+  constexpr unsigned int firstYear = 1994;  // of the standard: an earlier one is a filler
+  constexpr unsigned int weeks = 54;
+  const unsigned int week = edid[edid::kManufacturingWeek];
+  const unsigned int year = edid[edid::kManufacturingYear] + edid::kFirstYear;
+  if (year < firstYear) return std::nullopt;
+  TMade made = {std::nullopt, year, week == edid::kModelYear};
+  if (week >= 1 && week <= weeks) made.week = week;
+  return made;
+}
+
+bool IsAtLeast14(const TBytes& edid) { return edid[edid::kRevision] >= 4; }
+
+TVideoInput ReadInput(const TBytes& edid) {
+  constexpr const char* interfaces[] = {"", "DVI", "HDMI", "HDMI", "MDDI", "DisplayPort"};  // HDMI-a and HDMI-b
+  constexpr unsigned int depths = 6;
+  const std::uint8_t byte = edid[edid::kVideoInput];
+  TVideoInput input;
+  input.isDigital = (byte & edid::kDigitalInput) != 0;
+  if (!input.isDigital || !IsAtLeast14(edid)) return input;
+  const std::size_t interface = byte & edid::kInterfaceBits;
+  if (interface < std::size(interfaces)) input.interface = interfaces[interface];
+  const unsigned int depth = byte >> edid::kColourDepthShift & edid::kColourDepthBits;
+  if (depth >= 1 && depth <= depths) input.colourBits = 4 + 2 * depth;
+  return input;
+}
+
+std::optional<TRangeLimits> ReadLimits(const TBytes& edid) {
+  constexpr unsigned int megahertz = 10;  // of the clock's unit
+  const std::uint8_t* const limits = FindDescriptor(edid, edid::kTagRangeLimits);
+  if (limits == nullptr) return std::nullopt;
+  const unsigned int offsets = IsAtLeast14(edid) ? limits[edid::kRateOffsets] : 0U;
+  const auto read = [&](std::size_t position, unsigned int offset) {
+    return limits[position] + ((offsets & offset) != 0 ? edid::kRateOffset : 0U);
+  };
+  TRangeLimits result = {
+      {read(edid::kMinHorizFreq, edid::kMinHorizOffset), read(edid::kMaxHorizFreq, edid::kMaxHorizOffset)},
+      {read(edid::kMinVertFreq, edid::kMinVertOffset), read(edid::kMaxVertFreq, edid::kMaxVertOffset)},
+      std::nullopt};
+  const std::uint8_t clock = limits[edid::kBandwidth];
+  if (clock != 0 && clock != edid::kNoBandwidth) result.pixelClock = clock * megahertz;
+  return result;
 }
 
 std::optional<std::uint32_t> ReadSerialNumber(const TBytes& edid) {
@@ -66,12 +129,15 @@ std::optional<TPreferredMode> ReadPreferredMode(const TBytes& edid) {
   return TPreferredMode{width, isInterlaced ? 2 * height : height, clock * hertzPerUnit / (columns * linesOfField)};
 }
 
-std::optional<double> ReadDiagonal(const TBytes& edid) {
+std::optional<TImageSize> ReadImageSize(const TBytes& edid) {
+  const TImageSize size = {edid[edid::kHorizontalImageSize], edid[edid::kVerticalImageSize]};
+  if (size.width == 0 || size.height == 0) return std::nullopt;  // one side only is an aspect ratio
+  return size;
+}
+
+double GetDiagonal(const TImageSize& size) {
   constexpr double centimetresPerInch = 2.54;
-  const std::uint8_t width = edid[edid::kHorizontalImageSize];
-  const std::uint8_t height = edid[edid::kVerticalImageSize];
-  if (width == 0 || height == 0) return std::nullopt;  // one side only is an aspect ratio
-  return std::hypot(width, height) / centimetresPerInch;
+  return std::hypot(size.width, size.height) / centimetresPerInch;
 }
 
 }  // namespace
@@ -81,11 +147,17 @@ TEdidFacts ReadEdidFacts(const TBytes& edid) {
   facts.hasValidChecksums = HasValidChecksums(edid);
   facts.isVersion1 = std::equal(edid::kHeader.begin(), edid::kHeader.end(), edid.begin()) && edid[edid::kVersion] == 1;
   if (!facts.isVersion1) return facts;
-  facts.name = ReadName(edid);
+  facts.name = ReadText(edid, edid::kTagName);
+  facts.serialText = ReadText(edid, edid::kTagSerialNumber);
+  facts.maker = ReadMaker(edid);
   facts.manufacturer = ReadNumber(edid, edid::kManufacturer, 2);
   facts.productCode = ReadNumber(edid, edid::kProductCode, 2);
   facts.serialNumber = ReadSerialNumber(edid);
   facts.preferredMode = ReadPreferredMode(edid);
-  facts.diagonalInches = ReadDiagonal(edid);
+  facts.made = ReadMade(edid);
+  facts.input = ReadInput(edid);
+  facts.limits = ReadLimits(edid);
+  facts.imageSize = ReadImageSize(edid);
+  if (facts.imageSize) facts.diagonalInches = GetDiagonal(*facts.imageSize);
   return facts;
 }

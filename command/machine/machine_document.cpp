@@ -13,6 +13,7 @@
 #include "command/base/base64.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
+#include "command/base/utc_time.h"
 
 using nlohmann::json;
 
@@ -172,6 +173,14 @@ class TMachineReader {
     return Value([this, &target](json& value) { target = TakeText(value); });
   }
 
+  /// As utc_time.h writes it.
+  TReader Time(std::string& target) {
+    return Value([this, &target](json& value) {
+      target = TakeText(value);
+      if (!IsUtcTime(target)) m_walk.Fail("must be a time in UTC, such as 2026-11-21T21:30:00Z");
+    });
+  }
+
   TReader Boolean(bool& target) {
     return Value([this, &target](json& value) {
       if (!value.is_boolean()) m_walk.Fail("must be true or false");
@@ -275,6 +284,7 @@ class TMachineReader {
       {"units", Names([this](const std::string& name) -> const TReader& { return BeginUnit(name); })}};
 
   TTable m_keys = {{"systemName", Text(m_machine.host.systemName)},
+                   {"collected", Time(m_machine.collected)},
                    {"systemCreationClassName", Text(m_machine.host.systemCreationClassName)},
                    {"systemType", Integer(m_machine.host.systemType)},
                    {"provider", Boolean(m_machine.host.provider)},

@@ -30,6 +30,7 @@ struct TMachineDocument {
   TVirtualBiosConfiguration bios;                  // with the EDIDs
   std::map<unsigned int, std::string> connectors;  // the output that a unit's EDID was read from, where it is known
   std::map<std::string, std::string> files;        // content by absolute path
+  std::string collected;                           // when, as utc_time.h writes it; empty where it is not known
 };
 
 /// Reads the text of a machine.json into `machine`, whose values are the defaults. `name`: of the file, for messages.

@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "command/base/utc_time.h"
 #include "command/machine/bios_recorder.h"
 #include "command/machine/drm_cards.h"
 #include "command/machine/drm_modes.h"
@@ -122,6 +123,7 @@ TMachine MakeThisMachine(EEdidSource edidSource, EXconfigSource xconfigSource, c
   kernel->graphics.units = OrderOutputs(kernel->graphics.cards);
   TMachine machine;
   machine.host.systemName = GetHostName();
+  machine.collected = WriteUtcTime(std::time(nullptr));
   UseXconfig(machine, xconfigSource, kernel);
   if (edidSource == EEdidSource::kDrm || (edidSource == EEdidSource::kAuto && !kernel->graphics.units.empty())) {
     UseDrm(machine, *kernel);

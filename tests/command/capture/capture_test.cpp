@@ -84,6 +84,19 @@ INSTANTIATE_TEST_SUITE_P(OfEach, CaptureOfAnExample,
                          testing::Values("both-configurations", "faulty-bios", "no-default-depth", "nothing", "office",
                                          "old", "one-for-all-units", "two-cards", "two-heads"));
 
+TEST_F(Capture, KeepsTheTimeOfTheMachine) {
+  live.Json(R"({"collected": "2026-11-21T21:30:00Z"})");
+  for (const fs::path& path : {target, document}) {
+    CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, path, false);
+    EXPECT_EQ(ReadCapturedMachine(path).collected, "2026-11-21T21:30:00Z");
+  }
+}
+
+TEST_F(Capture, SaysNothingOfATimeThatIsNotKnown) {
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
+  EXPECT_FALSE(json::parse(Read("machine.json")).contains("collected"));
+}
+
 TEST_F(Capture, IsAnsweredAsTheMachineWasWhateverItsBiosDoes) {
   const std::vector<std::uint8_t> edid = TEdidBuilder().Extension({0x40}).Extension({0x40}).Build();
   const char* const faults[] = {

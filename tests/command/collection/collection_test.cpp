@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "command/base/unusable.h"
+#include "command/base/version.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/xconfig_files.h"
 #include "realmode/choose_bios.h"
@@ -53,6 +54,16 @@ TEST_F(Collection, TellsWhichPluginAnswered) {
   EXPECT_EQ(plugin.interfaceVersion, "1.0");
   EXPECT_EQ(plugin.type, 0);
 }
+
+TEST_F(Collection, TellsWhoseAnswerItIs) {
+  machine.Json(R"({"systemName": "ws-17", "collected": "2026-11-21T21:30:00Z"})");
+  const TAnswerIdentity identity = Run({}).identity;
+  EXPECT_EQ(identity.systemName, "ws-17");
+  EXPECT_EQ(identity.collected, "2026-11-21T21:30:00Z");
+  EXPECT_EQ(identity.version, kCommandVersion);
+}
+
+TEST_F(Collection, TellsNoTimeThatACaptureDoesNotSay) { EXPECT_EQ(Run({}).identity.collected, ""); }
 
 /// Has no file, and notes which were asked for.
 class TAskedFiles : public IMachineFiles {

@@ -192,9 +192,10 @@ TEST_F(CapturedMachine, HasTwoHundredAndFiftySixUnitsAtMost) {
 }
 
 TEST_F(CapturedMachine, NamesAnUnknownKeyAndTheKnownOnes) {
-  EXPECT_EQ(GetJsonFailure(R"({"sytemName": "x"})"),
-            "machine.json: \"sytemName\" is not a known key; known here: bios, provider, systemCreationClassName, "
-            "systemName, systemType");
+  EXPECT_EQ(
+      GetJsonFailure(R"({"sytemName": "x"})"),
+      "machine.json: \"sytemName\" is not a known key; known here: bios, collected, provider, systemCreationClassName, "
+      "systemName, systemType");
   EXPECT_EQ(GetJsonFailure(R"({"bios": {"absent": true}})"),
             "machine.json: \"bios.absent\" is not a known key; known here: ignoresUnit, memory, present, units");
   EXPECT_EQ(
@@ -371,7 +372,8 @@ TEST_F(MachineInOneFile, MayHaveAnyName) {
 
 TEST_F(MachineInOneFile, NamesItselfForWhatIsWrongInIt) {
   folder.Write("ws-17.json", R"({"captured": 1, "nonsense": 1})");
-  EXPECT_THAT(GetFailure(), StartsWith("\"nonsense\" is not a known key; known here: bios, captured, edids, files, "));
+  EXPECT_THAT(GetFailure(),
+              StartsWith("\"nonsense\" is not a known key; known here: bios, captured, collected, edids, files, "));
 }
 
 TEST_F(MachineInOneFile, HasSixtyFourMebibytesAtMost) {

@@ -53,6 +53,20 @@ std::string MakeUnits(unsigned int first, unsigned int count, const std::string&
 
 }  // namespace
 
+TEST(MachineDocument, TellsWhenTheMachineWasCaptured) {
+  EXPECT_EQ(Read(Captured(R"("collected": "2026-11-21T21:30:00Z")")).collected, "2026-11-21T21:30:00Z");
+  EXPECT_EQ(Read(R"({"collected": "2026-11-21T21:30:00Z"})", ReadMachineJson).collected, "2026-11-21T21:30:00Z");
+  EXPECT_EQ(Read(Captured(R"("systemName": "ws-17")")).collected, "");
+}
+
+TEST(MachineDocument, HasATimeInItsOneForm) {
+  for (const char* const time : {R"("")", R"("yesterday")", R"("2026-11-21T22:30:00+01:00")"}) {
+    EXPECT_EQ(GetFailureOf(std::string(R"("collected": )") + time),
+              R"("collected" must be a time in UTC, such as 2026-11-21T21:30:00Z)");
+  }
+  EXPECT_EQ(GetFailureOf(R"("collected": 1795296600)"), R"("collected" must be a string)");
+}
+
 TEST(MachineDocument, TellsAllOfAMachine) {
   const TMachineDocument machine = Read(R"({
     "captured": 1,
@@ -234,7 +248,8 @@ TEST(MachineDocument, OfMachineJsonHasNoFilesEdidsOrVersion) {
   for (const char* const key : {"captured", "files", "edids"}) {
     EXPECT_EQ(GetFailure("{\"" + std::string(key) + "\": 1}", ReadMachineJson),
               "x.json: \"" + std::string(key) +
-                  "\" is not a known key; known here: bios, provider, systemCreationClassName, systemName, systemType");
+                  "\" is not a known key; known here: bios, collected, provider, systemCreationClassName, systemName, "
+                  "systemType");
   }
 }
 

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "command/base/utc_time.h"
 #include "command/machine/bios_recorder.h"
 #include "command/machine/host_name.h"
 #include "tests/support/edid_builder.h"
@@ -52,6 +53,13 @@ TEST_F(ThisMachine, ServesTheOutputsAsUnitsAndNamesThem) {
   EXPECT_THAT(machine.connectors, ElementsAre(Pair(0, "card0-DP-1"), Pair(1, "card0-DP-2")));
   EXPECT_EQ(machine.getUnits().units.at(1).edid, TEdidBuilder().Name(0, "B").Build());
   EXPECT_EQ(machine.getBiosFailure(), "");
+}
+
+TEST_F(ThisMachine, IsCollectedFromNow) {
+  const std::string before = WriteUtcTime(std::time(nullptr));
+  const std::string collected = Make(EEdidSource::kDrm).collected;
+  EXPECT_LE(before, collected);
+  EXPECT_LE(collected, WriteUtcTime(std::time(nullptr)));
 }
 
 TEST_F(ThisMachine, KeepsEqualEdidsApart) {

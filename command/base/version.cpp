@@ -1,0 +1,3 @@
+#include "command/base/version.h"
+
+const char* const kCommandVersion = DISPLAYINFO_VERSION;

@@ -1,0 +1,43 @@
+#include "command/machine/maker_names.h"
+
+#include <fcntl.h>
+
+#include <cstdlib>
+
+#include "command/base/descriptor.h"
+#include "command/base/text_encoding.h"
+#include "command/machine/rooted_folder.h"
+
+namespace {
+
+constexpr const char* kInstalled = "/usr/share/hwdata/pnp.ids";
+constexpr const char* kVariable = "DISPLAYINFO_PNP_IDS";
+constexpr std::size_t kLetters = 3;
+constexpr std::size_t kMaxSize = std::size_t{1} * 1024 * 1024;  // bytes; the list has less than a tenth
+constexpr std::size_t kMaxName = 100;                           // characters
+
+/// The list with a line end before its first line as well; empty when it cannot be read, or is no such list.
+std::string ReadList(const std::filesystem::path& path) {
+  const TDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!file.IsOpen() || !IsRegularFile(file)) return std::string();
+  const std::optional<std::string> content = ReadContent(file, kMaxSize);
+  return content && content->size() <= kMaxSize ? "\n" + *content : std::string();
+}
+
+}  // namespace
+
+std::string TMakerNames::Find(const std::string& letters) const {
+  if (letters.size() != kLetters) return std::string();
+  if (!m_text) m_text = ReadList(m_list);
+  const std::string begin = "\n" + letters + "\t";
+  const std::size_t found = m_text->find(begin);
+  if (found == std::string::npos) return std::string();
+  const std::size_t name = found + begin.size();
+  const std::string text = ToPrintable(m_text->substr(name, m_text->find_first_of("\r\n", name) - name));
+  return text.substr(0, GetLength(text, kMaxName));
+}
+
+std::filesystem::path FindMakerList() {
+  const char* const chosen = std::getenv(kVariable);
+  return chosen == nullptr ? kInstalled : chosen;
+}

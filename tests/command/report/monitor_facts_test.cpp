@@ -1,0 +1,167 @@
+#include "command/report/monitor_facts.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/answer_test.h"
+#include "tests/support/edid_builder.h"
+#include "tests/support/temporary_folder.h"
+
+using NQRXZELT20::TCIMDateTime;
+using NQRXZELT20::TCIMValue;
+
+namespace {
+
+class MonitorFacts : public TAnswerTest {
+ protected:
+  static TMonitorFacts Describe(const TEdidBuilder& edid) {
+    TOutput output = {0, "", "Monitor 1", "", ReadEdidFacts(edid.Build()), edid.Build()};
+    return DescribeMonitor(&output, nullptr, TMakerNames());
+  }
+
+  TInstanceView CommitMonitor(const TValues& values) {
+    Commit("QRXSG_DesktopMonitor", values);
+    EndRequest({"QRXSG_DesktopMonitor"});
+    return TInstanceView(*answer.requests.back().instances.back());
+  }
+
+  /// Every fact, to compare at once.
+  static std::vector<std::string> List(const TMonitorFacts& f) {
+    return {f.makerCode, f.makerName, f.model, f.serialNumber, f.productCode, f.made,       f.year,
+            f.size,      f.diagonal,  f.input, f.lineRate,     f.fieldRate,   f.pixelClock, f.preferredMode};
+  }
+};
+
+constexpr unsigned int kInput = edid::kVideoInput;
+
+}  // namespace
+
+TEST_F(MonitorFacts, AreReadFromTheEdid) {
+  const TEdidBuilder edid = TEdidBuilder()
+                                .Manufacturer("ACM")
+                                .Made(14, 2008)
+                                .ImageSize(38, 30)
+                                .Byte(edid::kProductCode, 0xEF)
+                                .Byte(edid::kProductCode + 1, 0xA0)
+                                .DetailedTiming(0, false)
+                                .Name(1, "Acme A190")
+                                .Serial(2, "A190-1")
+                                .RangeLimits(3, 56, 76, 30, 83, 14);
+  EXPECT_EQ(List(Describe(edid)),
+            (std::vector<std::string>{"ACM", "", "Acme A190", "A190-1", "41199 (0xA0EF)", "week 14 of 2008", "2008",
+                                      "38 x 30 cm", "19.1 inches", "analogue", "30 to 83 kHz", "56 to 76 Hz",
+                                      "140 MHz at most", "1280 x 1024 at 60.020 Hz"}));
+}
+
+TEST_F(MonitorFacts, AreEmptyWhereTheEdidSaysNothing) {
+  EXPECT_EQ(List(Describe(TEdidBuilder())),
+            (std::vector<std::string>{"", "", "", "", "0 (0x0000)", "", "", "", "", "analogue", "", "", "", ""}));
+}
+
+TEST_F(MonitorFacts, AreThoseOfTheInstanceWhereThereIsNoEdid) {
+  TCIMDateTime date;
+  date.Set(2008, 4, 1, 6, 0, 0, 0, 0);
+  const auto byte = [](unsigned int value) { return TCIMValue(static_cast<unsigned char>(value)); };
+  const TInstanceView monitor = CommitMonitor({{"DeviceID", TCIMValue("Monitor 1")},
+                                               {"Name", TCIMValue("Acme A190")},
+                                               {"MonitorManufacturer", TCIMValue("ACM")},
+                                               {"SerialNumber", TCIMValue("A190-1")},
+                                               {"ManufacturingDate", TCIMValue(date)},
+                                               {"HorizontalImageSize", byte(38)},
+                                               {"VerticalImageSize", byte(30)},
+                                               {"MinHorizFreq", byte(30)},
+                                               {"MaxHorizFreq", byte(83)},
+                                               {"MinVertFreq", byte(56)},
+                                               {"MaxVertFreq", byte(76)},
+                                               {"Bandwidth", TCIMValue(140U)}});
+  const std::vector<std::string> facts = {"ACM",
+                                          "",
+                                          "Acme A190",
+                                          "A190-1",
+                                          "",
+                                          "week of 2008-04-01",
+                                          "2008",
+                                          "38 x 30 cm",
+                                          "",
+                                          "",
+                                          "30 to 83 kHz",
+                                          "56 to 76 Hz",
+                                          "140 MHz at most",
+                                          ""};
+  EXPECT_EQ(List(DescribeMonitor(nullptr, &monitor, TMakerNames())), facts);
+  const TOutput other = {0, "", "Monitor 1", "", ReadEdidFacts(TEdidBuilder().Version(2, 0).Build()), {}};
+  EXPECT_EQ(List(DescribeMonitor(&other, &monitor, TMakerNames())), facts);
+}
+
+TEST_F(MonitorFacts, AreThoseOfTheEdidFirst) {
+  const TInstanceView monitor = CommitMonitor({{"Name", TCIMValue("B")}, {"SerialNumber", TCIMValue("1")}});
+  const std::vector<std::uint8_t> edid = TEdidBuilder().Name(0, "A").Build();
+  const TOutput output = {0, "", "Monitor 1", "", ReadEdidFacts(edid), edid};
+  const TMonitorFacts facts = DescribeMonitor(&output, &monitor, TMakerNames());
+  EXPECT_EQ(facts.model, "A");
+  EXPECT_EQ(facts.serialNumber, "1");
+}
+
+TEST_F(MonitorFacts, NameTheMakerWhereItsNameIsKnown) {
+  TTemporaryFolder folder;
+  folder.Write("pnp.ids", "ACM\tAcme Corporation\n");
+  const TMakerNames makers(folder.GetPath() / "pnp.ids");
+  const TInstanceView monitor = CommitMonitor({{"MonitorManufacturer", TCIMValue("ACM")}});
+  EXPECT_EQ(DescribeMonitor(nullptr, &monitor, makers).GetMaker(), "ACM (Acme Corporation)");
+  EXPECT_EQ(DescribeMonitor(nullptr, &monitor, TMakerNames()).GetMaker(), "ACM");
+}
+
+TEST_F(MonitorFacts, TakeTheSerialNumberOfTheHeaderWhereThereIsNoText) {
+  const TEdidBuilder edid = TEdidBuilder().Byte(edid::kSerialNumber, 5).Byte(edid::kSerialNumber + 1, 1);
+  EXPECT_EQ(Describe(edid).serialNumber, "261");
+}
+
+TEST_F(MonitorFacts, SayTheYearWithoutAWeekThatIsNone) {
+  for (const unsigned int week : {0U, 55U, 254U}) EXPECT_EQ(Describe(TEdidBuilder().Made(week, 2008)).made, "2008");
+  EXPECT_EQ(Describe(TEdidBuilder().Made(54, 2008)).made, "week 54 of 2008");
+}
+
+TEST_F(MonitorFacts, SayTheYearOfAModel) {
+  EXPECT_EQ(Describe(TEdidBuilder().Made(edid::kModelYear, 2019)).made, "model of 2019");
+  EXPECT_EQ(Describe(TEdidBuilder().Made(edid::kModelYear, 2019)).year, "2019");
+}
+
+TEST_F(MonitorFacts, SayTheInputInWords) {
+  const auto input = [](unsigned int revision, unsigned int byte) {
+    return Describe(TEdidBuilder().Version(1, revision).Byte(kInput, byte)).input;
+  };
+  EXPECT_EQ(input(3, 0x68), "analogue");
+  EXPECT_EQ(input(4, 0x05), "analogue");
+  EXPECT_EQ(input(3, 0x81), "digital");
+  EXPECT_EQ(input(4, 0x80), "digital");
+  EXPECT_EQ(input(4, 0x81), "digital: DVI");
+  EXPECT_EQ(input(4, 0xA3), "digital: HDMI, 8 bits per colour");
+  EXPECT_EQ(input(4, 0xB5), "digital: DisplayPort, 10 bits per colour");
+  EXPECT_EQ(input(4, 0xF6), "digital");
+  EXPECT_EQ(input(4, 0xEF), "digital: 16 bits per colour");
+}
+
+TEST_F(MonitorFacts, SayRatesBeyond255SinceVersion14) {
+  const auto edid = [](unsigned int revision, unsigned int offsets) {
+    return TEdidBuilder()
+        .Version(1, revision)
+        .RangeLimits(0, 1, 105, 2, 85, 60)
+        .Byte(edid::kDescriptors[0] + edid::kRateOffsets, offsets);
+  };
+  EXPECT_EQ(Describe(edid(4, 0x0A)).fieldRate, "1 to 360 Hz");
+  EXPECT_EQ(Describe(edid(4, 0x0A)).lineRate, "2 to 340 kHz");
+  EXPECT_EQ(Describe(edid(4, 0x0F)).fieldRate, "256 to 360 Hz");
+  EXPECT_EQ(Describe(edid(4, 0x0F)).lineRate, "257 to 340 kHz");
+  EXPECT_EQ(Describe(edid(3, 0x0F)).fieldRate, "1 to 105 Hz");
+}
+
+TEST_F(MonitorFacts, SayNoPixelClockThatIsNotGiven) {
+  for (const unsigned int clock : {0U, 0xFFU}) {
+    EXPECT_EQ(Describe(TEdidBuilder().RangeLimits(0, 56, 76, 30, 83, clock)).pixelClock, "");
+  }
+}
+
+TEST_F(MonitorFacts, ArePrintable) {
+  const TMonitorFacts facts = Describe(TEdidBuilder().Name(0, "A\x1B[2J").Serial(1, "\xFF"));
+  EXPECT_EQ(facts.model, "A\\x1b[2J");
+  EXPECT_EQ(facts.serialNumber, "\xEF\xBF\xBD");
+}
