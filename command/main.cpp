@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <csignal>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "command/base/privileges.h"
+#include "command/base/remark.h"
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/capture/capture.h"
@@ -39,23 +41,22 @@ TMachine ChooseMachine(const TOptions& options) {
   return MakeThisMachine(options.edidSource, options.xconfigSource);
 }
 
-void ShowRemark(const std::string& remark) {
-  if (!remark.empty()) std::cerr << "displayinfo: " << ToMessage(remark) << '\n';
-}
-
 bool AsksForMonitors(const TRequest& request) {
   return std::any_of(request.begin(), request.end(),
                      [](const std::string& name) { return FindClass(name)->part == EPart::kMonitors; });
 }
 
 /// What the command could not learn, and which outputs are not among the answer's monitors.
-void ShowRemarks(const TAnswer& answer) {
+void ShowRemarks(const TAnswer& answer, const std::map<unsigned int, TDamagedEdid>& damagedEdids) {
   for (const std::string& note : answer.notes) ShowRemark(note);
   if (!std::any_of(answer.requests.begin(), answer.requests.end(),
                    [](const TRequestAnswer& request) { return AsksForMonitors(request.classes); })) {
     return;
   }
-  for (const std::string& sentence : ExplainUnlisted(answer)) ShowRemark(sentence);
+  for (const TOutput& output : answer.outputs) {
+    // What is wrong with a damaged EDID is among the notes, with its file.
+    if (!output.deviceId && damagedEdids.count(output.unit) == 0) ShowRemark(ExplainUnlisted(output));
+  }
 }
 
 std::string MakeSchemaDocument(ESchemaFormat format) {
@@ -128,7 +129,7 @@ std::string Answer(const TOptions& options) {
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
   DropPrivileges(false);
   ShowRemark(machine.getBiosFailure());
-  ShowRemarks(answer);
+  ShowRemarks(answer, machine.damagedEdids);
   return MakeReport(options, machine, answer);
 }
 

@@ -68,6 +68,6 @@ inline TAnswer CollectHere(const TMachine& machine) {
   answer.requests = {{request, store->TakeCommits(), answer.log}};
   answer.fileQueries = host.GetFileQueries();
   answer.edidOrigin = machine.edidOrigin;
-  answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.host.systemType);
+  answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.damagedEdids, machine.host.systemType);
   return answer;
 }

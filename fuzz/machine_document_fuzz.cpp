@@ -31,15 +31,26 @@ void RequireFiles(const TMachineDocument& machine, const json& files) {
   }
 }
 
+/// As the command shows it.
+void RequireMessage(const std::string& message) {
+  Require(message.find(kName + ": ") == 0, "a message begins with the file");
+  Require(message.size() > kName.size() + 2, "a message says what is wrong");
+  Require(message.size() < 5000, "a message is short");
+  Require(message.find('\n') == std::string::npos, "a message is one line");
+}
+
 void RequireUnits(const TMachineDocument& machine, const json& units, const json& edids) {
   Require(machine.bios.units.size() <= 256, "there are 256 units at most");
   for (const auto& [number, unit] : machine.bios.units) {
     const std::string name = std::to_string(number);
     Require(units.contains(name) || edids.contains(name), "a unit is one of the document");
     Require(unit.edid.size() % 128 == 0 && unit.edid.size() <= 256 * 128, "an EDID is whole blocks, 256 at most");
-    Require(EncodeBase64(std::string(unit.edid.begin(), unit.edid.end())) == edids.value(name, ""),
+    const bool isDamaged = machine.damagedEdids.count(number) != 0;
+    Require(isDamaged == (edids.contains(name) && unit.edid.empty()), "an EDID is either used or damaged");
+    Require(isDamaged || EncodeBase64(std::string(unit.edid.begin(), unit.edid.end())) == edids.value(name, ""),
             "an EDID has the given bytes");
   }
+  for (const auto& [number, damage] : machine.damagedEdids) RequireMessage(ToPrintable(Describe(damage)));
   for (const auto& [number, connector] : machine.connectors) {
     Require(units.at(std::to_string(number)).at("connector") == connector, "a connector is the given one");
   }
@@ -53,14 +64,6 @@ void RequireRead(const TMachineDocument& machine, const std::string& text) {
   Require(machine.host.systemType == document.value("systemType", defaults.systemType), "so is its type");
   RequireFiles(machine, GetObject(document, "files"));
   RequireUnits(machine, GetObject(GetObject(document, "bios"), "units"), GetObject(document, "edids"));
-}
-
-/// As the command shows it.
-void RequireMessage(const std::string& message) {
-  Require(message.find(kName + ": ") == 0, "a message begins with the file");
-  Require(message.size() > kName.size() + 2, "a message says what is wrong");
-  Require(message.size() < 5000, "a message is short");
-  Require(message.find('\n') == std::string::npos, "a message is one line");
 }
 
 }  // namespace

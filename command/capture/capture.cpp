@@ -93,11 +93,13 @@ void RequireTarget(const fs::path& target) {
 
 }  // namespace
 
-void CaptureMachine(const TMachine& machine, const fs::path& plugin, const fs::path& target, bool isAnonymous) {
+void CaptureMachine(TMachine machine, const fs::path& plugin, const fs::path& target, bool isAnonymous) {
   RequireTarget(target);
+  machine.damagedEdids.clear();  // they are not written, so the capture knows nothing of them
   TAnswer answer = Ask(machine, plugin);
-  TMachineDocument document = {machine.host, machine.getUnits(), machine.connectors,
-                               ReadFiles(machine.host, answer.fileQueries), machine.collected};
+  TMachineDocument document = {machine.host,       machine.getUnits(),
+                               machine.connectors, ReadFiles(machine.host, answer.fileQueries),
+                               machine.collected,  {}};
   if (isAnonymous) {
     // What is to be blanked is never written, so the capture is checked in memory first, still with it. The check of
     // what was written then compares with the answer of the blanked one.

@@ -11,7 +11,9 @@
 /// written. Throws TUnusable when that answer differs, or when `target` exists or cannot be written, and then leaves
 /// nothing.
 ///
+/// A damaged EDID of `machine` is not written; who calls this has to say so.
+///
 /// `isAnonymous`: blanks the serial numbers in the EDIDs' base blocks, and the system's name. The files stay as they
 /// are.
-void CaptureMachine(const TMachine& machine, const std::filesystem::path& plugin, const std::filesystem::path& target,
+void CaptureMachine(TMachine machine, const std::filesystem::path& plugin, const std::filesystem::path& target,
                     bool isAnonymous);

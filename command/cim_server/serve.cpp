@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "command/base/privileges.h"
+#include "command/base/remark.h"
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
@@ -36,7 +37,9 @@ TRequest MakeRequest() {
 std::string MakeLine(const TServeOptions& options) {
   const TMachine machine = options.machine ? ReadCapturedMachine(*options.machine)
                                            : MakeThisMachine(options.edidSource, options.xconfigSource);
-  return MakeMachineLine("", Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {}));
+  const TAnswer answer = Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {});
+  for (const std::string& note : answer.notes) ShowRemark(note);
+  return MakeMachineLine("", answer);
 }
 
 /// What a collector does.

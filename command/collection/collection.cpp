@@ -46,9 +46,10 @@ TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile
   answer.log = host.TakeLog();
   answer.fileQueries = host.GetFileQueries();
   answer.edidOrigin = machine.edidOrigin;
-  answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.host.systemType);
+  answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.damagedEdids, machine.host.systemType);
   answer.xconfigOrigin = machine.getXconfigOrigin();
   answer.notes = machine.getNotes();
+  for (const auto& [unit, damage] : machine.damagedEdids) answer.notes.push_back(Describe(damage));
   return answer;
 } catch (const NQRXZELT20::TZELTException& exception) {
   throw TUnusable(std::string("the host failed during a request: ") + exception.what());

@@ -10,6 +10,7 @@
 #include <memory>
 #include <utility>
 
+#include "command/base/remark.h"
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
@@ -86,7 +87,9 @@ std::string MakeLine(const std::string& machine, const TFleet& fleet) {
   if (machine.size() == TMachineList::kMaxName) {
     throw TUnusable("its name is longer than any that the system takes; this is its beginning");
   }
-  return fleet.makeLines(machine, Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog));
+  const TAnswer answer = Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog);
+  for (const std::string& note : answer.notes) ShowRemark(note);
+  return fleet.makeLines(machine, answer);
 }
 
 long GetPeakMemory() {

@@ -41,6 +41,9 @@ std::string ReadWhole(const TDescriptor& file, const std::string& place, std::si
   throw TUnusable(place + ": is larger than " + std::to_string(maxSize) + " bytes, which no such file needs");
 }
 
+/// Whether that is how the look-up of a link fails that leads out of the folder, in a circle, or nowhere.
+bool LeadsToNothing(int error) { return error == EXDEV || error == ELOOP || error == ENOENT || error == ENOTDIR; }
+
 /// The folder of a captured machine.
 class TMachineFolder {
  public:
@@ -58,7 +61,7 @@ class TMachineFolder {
       throw TUnusable(m_path + ": is not a captured machine: it has neither machine.json nor edid/ nor root/");
     }
     if (hasJson) ReadMachineJson(ReadFile(kMachineJson, kMaxMachineJsonSize), At(kMachineJson), machine);
-    if (hasEdids) ReadEdids(machine.bios);
+    if (hasEdids) ReadEdids(machine);
     if (hasFiles) {
       TRootedFolder root = m_folder.OpenFolder(kRoot);
       if (!root.IsOpen()) FailAsFolder(kRoot);
@@ -85,7 +88,7 @@ class TMachineFolder {
     return ReadWhole(file, At(name), maxSize);
   }
 
-  void ReadEdids(TVirtualBiosConfiguration& bios) const {
+  void ReadEdids(TMachineDocument& machine) const {
     TDescriptor folder = m_folder.Open(kEdids, O_RDONLY | O_DIRECTORY);
     if (!folder.IsOpen()) FailAsFolder(kEdids);
     const TListing listing(fdopendir(folder.Get()), closedir);
@@ -93,17 +96,24 @@ class TMachineFolder {
     folder.Release();  // the listing closes it
     while (const dirent* const entry = readdir(listing.get())) {
       const std::string name = entry->d_name;
-      if (EndsWith(name, kEdidEnding) && name != kEdidEnding) ReadEdid(name, bios);
+      if (EndsWith(name, kEdidEnding) && name != kEdidEnding) ReadEdid(name, machine);
     }
   }
 
-  void ReadEdid(const std::string& fileName, TVirtualBiosConfiguration& bios) const {
+  void ReadEdid(const std::string& fileName, TMachineDocument& machine) const {
     const std::string name = std::string(kEdids) + "/" + fileName;
     const std::string place = At(name) + ":";
     const std::string stem = fileName.substr(0, fileName.size() - std::strlen(kEdidEnding));
     const std::optional<unsigned int> unit = ParseUnit(stem);
     if (!unit) throw TUnusable(place + " is not named after a unit; call it 0.bin, 1.bin, ...");
-    AddEdid(bios, *unit, ReadFile(name, kMaxEdidSize), place);
+    const TDescriptor file = m_folder.Open(name, O_RDONLY);
+    if (file.IsOpen() ? !IsRegularFile(file) : LeadsToNothing(errno)) {
+      return AddDamagedEdid(machine, *unit, {place, "is not a regular file inside the machine's folder"});
+    }
+    const std::optional<std::string> bytes = file.IsOpen() ? ReadContent(file, kMaxEdidSize) : std::nullopt;
+    if (bytes) return AddEdid(machine, *unit, *bytes, place);
+    AddDamagedEdid(machine, *unit,
+                   {place, std::string("cannot be read: ") + std::strerror(errno), "check its permissions"});
   }
 
   const std::string m_path;
@@ -138,6 +148,7 @@ TMachine MakeMachine(TMachineDocument document) {
   machine.getBiosFailure = [] { return std::string(); };
   machine.connectors = std::move(document.connectors);
   machine.collected = std::move(document.collected);
+  machine.damagedEdids = std::move(document.damagedEdids);
   machine.edidOrigin.describe = [connectors = machine.connectors](std::size_t unit) {
     const auto connector = connectors.find(static_cast<unsigned int>(unit));
     return connector == connectors.end() ? std::string() : connector->second;

@@ -14,7 +14,7 @@ constexpr const char* kRoot = "root";
 
 /// The machine that a folder or a file holds. Anybody may have made it: nothing outside it is read, and nothing is
 /// written or run. Throws TUnusable, naming file and key, when anything in it that the collection would use is not as
-/// it must be, or leads out of the folder.
+/// it must be, or leads out of the folder. A damaged EDID costs its unit only.
 TMachine ReadCapturedMachine(const std::filesystem::path& path);
 
 /// The machine of a document, with the document's files.

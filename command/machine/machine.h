@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "command/machine/damaged_edid.h"
 #include "embedded_host/embedded_host.h"
 #include "realmode/virtual_video_bios.h"
 
@@ -26,6 +27,8 @@ struct TMachine {
   /// The output that the EDID of a unit was read from, such as "card0-DP-1", where that is known. An output without an
   /// EDID is named too.
   std::map<unsigned int, std::string> connectors;
+  /// The units of a captured machine whose EDIDs cannot be used.
+  std::map<unsigned int, TDamagedEdid> damagedEdids;
   /// What is known of the units, asked after a collection: all of them, or those that the plug-in asked a real BIOS
   /// for.
   std::function<TVirtualBiosConfiguration()> getUnits;

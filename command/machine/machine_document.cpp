@@ -248,6 +248,12 @@ class TMachineReader {
     return std::move(*bytes);
   }
 
+  void TakeEdid(json& value) {
+    const std::optional<std::string> bytes = DecodeBase64(TakeText(value));
+    if (bytes) return AddEdid(m_machine, m_unit, *bytes, m_walk.GetPlace());
+    AddDamagedEdid(m_machine, m_unit, {m_walk.GetPlace(), "is not base64, padded and without line breaks"});
+  }
+
   template <typename T>
   T TakeNumber(const json& value, const char* otherwise) const {
     constexpr std::int64_t min = std::numeric_limits<T>::min();
@@ -268,8 +274,7 @@ class TMachineReader {
                              {"base64", Content(&TMachineReader::TakeBytes)}};
   const TReader m_fileReader = Object(m_fileKeys, [this] { EndFile(); });
 
-  const TReader m_edidReader =
-      Value([this](json& value) { AddEdid(m_machine.bios, m_unit, TakeBytes(value), m_walk.GetPlace()); });
+  const TReader m_edidReader = Value([this](json& value) { TakeEdid(value); });
 
   const TTable m_unitKeys = {
       {"connector", Value([this](json& value) { m_machine.connectors[m_unit] = TakeText(value); })},
@@ -362,6 +367,14 @@ void RequireVersion(const std::string& text, const std::string& name) {
                   ", a format that this command does not read; it reads " + known);
 }
 
+/// What is wrong with the size of an EDID; empty when nothing is.
+std::string FindFault(std::size_t size) {
+  if (size == 0) return "is empty";
+  if (size > kMaxEdidSize) return "has more than " + std::to_string(kMaxEdidSize) + " bytes, the most of an EDID";
+  if (size % edid::kBlockSize == 0) return std::string();
+  return "has " + std::to_string(size) + " bytes, which is not a multiple of " + std::to_string(edid::kBlockSize);
+}
+
 }  // namespace
 
 void ReadMachineJson(const std::string& text, const std::string& name, TMachineDocument& machine) {
@@ -390,15 +403,15 @@ TVirtualBiosConfiguration::TUnit& AddUnit(TVirtualBiosConfiguration& bios, unsig
   return bios.units[unit];
 }
 
-void AddEdid(TVirtualBiosConfiguration& bios, unsigned int unit, const std::string& bytes, const std::string& place) {
-  const std::string size = std::to_string(bytes.size()) + " bytes";
-  if (bytes.size() % edid::kBlockSize != 0) {
-    throw TUnusable(place + " has " + size + ", which is not a multiple of 128; an EDID is whole 128-byte blocks");
-  }
-  if (bytes.size() > kMaxEdidSize) {
-    throw TUnusable(place + " has " + size + "; an EDID has " + std::to_string(kMaxEdidSize) + " at most");
-  }
-  AddUnit(bios, unit, place).edid.assign(bytes.begin(), bytes.end());
+void AddEdid(TMachineDocument& machine, unsigned int unit, const std::string& bytes, const std::string& place) {
+  const std::string fault = FindFault(bytes.size());
+  if (!fault.empty()) return AddDamagedEdid(machine, unit, {place, fault});
+  AddUnit(machine.bios, unit, place).edid.assign(bytes.begin(), bytes.end());
+}
+
+void AddDamagedEdid(TMachineDocument& machine, unsigned int unit, const TDamagedEdid& damage) {
+  AddUnit(machine.bios, unit, damage.place);
+  machine.damagedEdids[unit] = damage;
 }
 
 bool IsPlainPath(std::string_view path) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "command/machine/damaged_edid.h"
 #include "edid/layout.h"
 #include "embedded_host/embedded_host.h"
 #include "realmode/virtual_video_bios.h"
@@ -26,11 +27,12 @@ constexpr int kDocumentVersion = 1;
 
 /// A captured machine before it is used, and after it was captured.
 struct TMachineDocument {
-  THostConfiguration host;                         // without files
-  TVirtualBiosConfiguration bios;                  // with the EDIDs
-  std::map<unsigned int, std::string> connectors;  // the output that a unit's EDID was read from, where it is known
-  std::map<std::string, std::string> files;        // content by absolute path
-  std::string collected;                           // when, as utc_time.h writes it; empty where it is not known
+  THostConfiguration host;                            // without files
+  TVirtualBiosConfiguration bios;                     // with the EDIDs
+  std::map<unsigned int, std::string> connectors;     // the output that a unit's EDID was read from, where it is known
+  std::map<std::string, std::string> files;           // content by absolute path
+  std::string collected;                              // when, as utc_time.h writes it; empty where it is not known
+  std::map<unsigned int, TDamagedEdid> damagedEdids;  // of units that have none in `bios` for this reason
 };
 
 /// Reads the text of a machine.json into `machine`, whose values are the defaults. `name`: of the file, for messages.
@@ -47,8 +49,12 @@ std::optional<unsigned int> ParseUnit(std::string_view name);
 /// Adds a unit, or finds it. Throws TUnusable, beginning with `place`, for one more than kMaxUnits.
 TVirtualBiosConfiguration::TUnit& AddUnit(TVirtualBiosConfiguration& bios, unsigned int unit, const std::string& place);
 
-/// Gives a unit its EDID. Throws TUnusable, beginning with `place`, unless it is whole blocks, kMaxEdidSize at most.
-void AddEdid(TVirtualBiosConfiguration& bios, unsigned int unit, const std::string& bytes, const std::string& place);
+/// Adds a unit with its EDID, or with what is wrong with that: it must be whole blocks, one at least, kMaxEdidSize at
+/// most. Throws TUnusable, beginning with `place`, for one unit more than kMaxUnits.
+void AddEdid(TMachineDocument& machine, unsigned int unit, const std::string& bytes, const std::string& place);
+
+/// Adds a unit whose EDID cannot be used. The unit is then like one without an EDID.
+void AddDamagedEdid(TMachineDocument& machine, unsigned int unit, const TDamagedEdid& damage);
 
 /// Whether a machine in one file can have a file of that path: absolute, and in the one way to write it.
 bool IsPlainPath(std::string_view path);

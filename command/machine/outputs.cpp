@@ -7,6 +7,7 @@
 namespace {
 
 typedef TVirtualBiosConfiguration::TUnit TUnit;
+typedef std::map<unsigned int, TDamagedEdid> TDamages;
 
 constexpr int kNativeSystem = 2;  // the only kind of system whose BIOS the plug-in calls
 
@@ -28,26 +29,31 @@ std::string ExplainNone(const TVirtualBiosConfiguration& bios, int systemType) {
 /// Goes through the units as the plug-in does, which stops at the first that is no monitor.
 class TUnitWalk {
  public:
-  TUnitWalk(const TVirtualBiosConfiguration& bios, int systemType)
-      : m_bios(bios), m_end(ExplainNone(bios, systemType)) {}
+  TUnitWalk(const TVirtualBiosConfiguration& bios, const TDamages& damages, int systemType)
+      : m_bios(bios), m_damages(damages), m_end(ExplainNone(bios, systemType)) {}
 
   /// The units come in ascending order.
   void Enter(TOutput& output, const TUnit& unit) {
     if (m_end.empty() && output.unit != m_next) Stop(m_next, "is missing");
-    const std::string fault = m_end.empty() ? FindFault(output, unit) : std::string();
-    if (m_end.empty() && fault.empty()) {
+    const bool isAsked = m_end.empty();
+    // Of a damaged EDID this is said wherever the walk ended, since it is what people can mend.
+    const std::string fault = isAsked || IsDamaged(output) ? FindFault(output, unit) : std::string();
+    if (isAsked && fault.empty()) {
       output.deviceId = "Monitor " + std::to_string(output.unit + 1);
     } else {
       output.reason = fault.empty() ? m_end : "its EDID " + fault;
-      if (!fault.empty()) Stop(output.unit, fault);
+      if (isAsked) Stop(output.unit, fault);
     }
     m_next = output.unit + 1;
     m_previous = &unit;
   }
 
  private:
+  bool IsDamaged(const TOutput& output) const { return m_damages.count(output.unit) != 0; }
+
   /// What is wrong with the unit's EDID; empty when the plug-in takes it.
   std::string FindFault(const TOutput& output, const TUnit& unit) const {
+    if (IsDamaged(output)) return m_damages.at(output.unit).fault;
     if (m_bios.ignoresUnit && output.unit > 0)
       return "is not asked for: the video BIOS answers as unit 0 for every unit";
     if (unit.edid.empty()) return "is missing";
@@ -63,6 +69,7 @@ class TUnitWalk {
   }
 
   const TVirtualBiosConfiguration& m_bios;
+  const TDamages& m_damages;
   std::string m_end;  // why no further unit is reported
   unsigned int m_next = 0;
   const TUnit* m_previous = nullptr;
@@ -71,14 +78,16 @@ class TUnitWalk {
 }  // namespace
 
 std::vector<TOutput> MakeOutputs(const TVirtualBiosConfiguration& bios,
-                                 const std::map<unsigned int, std::string>& connectors, int systemType) {
+                                 const std::map<unsigned int, std::string>& connectors, const TDamages& damagedEdids,
+                                 int systemType) {
   std::map<unsigned int, TUnit> units = bios.units;
   for (const auto& [number, connector] : connectors) units[number];
+  for (const auto& [number, damage] : damagedEdids) units[number];
   std::vector<TOutput> outputs;
-  TUnitWalk walk(bios, systemType);
+  TUnitWalk walk(bios, damagedEdids, systemType);
   for (const auto& [number, unit] : units) {
     const auto connector = connectors.find(number);
-    if (unit.edid.empty() && connector == connectors.end()) continue;
+    if (unit.edid.empty() && connector == connectors.end() && damagedEdids.count(number) == 0) continue;
     TOutput output = {number, connector == connectors.end() ? "" : connector->second, {}, "", {}, unit.edid};
     if (!unit.edid.empty()) output.facts = ReadEdidFacts(unit.edid);
     walk.Enter(output, unit);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "command/machine/damaged_edid.h"
 #include "command/machine/edid_facts.h"
 #include "realmode/virtual_video_bios.h"
 
@@ -19,7 +20,9 @@ struct TOutput {
   std::vector<std::uint8_t> edid;       // whole 128-byte blocks
 };
 
-/// Every unit that has an EDID or a connector, in the order of the units. `connectors`: of the units, as far as they
-/// are known. `systemType`: the kind of system that the host gives the plug-in.
+/// Every unit that has an EDID, even a damaged one, or a connector, in the order of the units. `connectors` and
+/// `damagedEdids`: of the units, as far as they are known. `systemType`: the kind of system that the host gives the
+/// plug-in.
 std::vector<TOutput> MakeOutputs(const TVirtualBiosConfiguration& bios,
-                                 const std::map<unsigned int, std::string>& connectors, int systemType);
+                                 const std::map<unsigned int, std::string>& connectors,
+                                 const std::map<unsigned int, TDamagedEdid>& damagedEdids, int systemType);

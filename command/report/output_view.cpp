@@ -67,10 +67,12 @@ std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& out
   return rows;
 }
 
+std::string ExplainUnlisted(const TOutput& output) { return GetName(output) + " is not listed: " + output.reason; }
+
 std::vector<std::string> ExplainUnlisted(const TAnswer& answer) {
   std::vector<std::string> sentences;
   for (const TOutput& output : answer.outputs) {
-    if (!output.deviceId) sentences.push_back(GetName(output) + " is not listed: " + output.reason);
+    if (!output.deviceId) sentences.push_back(ExplainUnlisted(output));
   }
   return sentences;
 }

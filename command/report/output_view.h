@@ -18,6 +18,9 @@ const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId);
 /// What the EDID says beyond the plug-in's classes; rows without a text are left out.
 std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& output);
 
+/// A sentence that names an output that the plug-in does not report, and says why.
+std::string ExplainUnlisted(const TOutput& output);
+
 /// A sentence for each output that the plug-in does not report, which names it and says why.
 std::vector<std::string> ExplainUnlisted(const TAnswer& answer);
 

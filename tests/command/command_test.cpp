@@ -179,6 +179,21 @@ TEST_F(Command, ChecksTheMachineBeforeItLoadsThePlugin) {
                  machine.GetPath().string() + "/machine.json: \"bios\" must be an object");
 }
 
+TEST_F(Command, AnswersForAMachineWithADamagedEdidAndNamesItOnce) {
+  machine.Edid(0, TEdidBuilder().Name(0, "A").Build()).Edid(1, std::vector<std::uint8_t>(129));
+  const TProcessResult result = Run("QRXSG_DesktopMonitor");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, AllOf(HasSubstr("  Monitor 1: A\n"),
+                                   HasSubstr("unit 1 is not listed: its EDID has 129 bytes, which is not a multiple")));
+  EXPECT_EQ(result.errors, "displayinfo: " + machine.GetPath().string() +
+                               "/edid/1.bin: has 129 bytes, which is not a multiple of 128, so its unit counts as one "
+                               "without an EDID; capture the machine again\n");
+  EXPECT_THAT(Run("QRXSG_DesktopMonitor --format html").output, HasSubstr("its EDID has 129 bytes"));
+  const json answer = json::parse(Run("--format json").output);
+  EXPECT_EQ(answer["outputs"][1], json::parse(R"({"unit": 1, "deviceID": null,
+                                     "reason": "its EDID has 129 bytes, which is not a multiple of 128"})"));
+}
+
 TEST_F(Command, NamesAPluginThatIsNotThere) {
   ExpectUnusable(Run("--plugin /no/such/plugin.so"),
                  "/no/such/plugin.so: no such plug-in; build it, or name another with --plugin FILE");

@@ -219,6 +219,12 @@ TEST_F(Capture, NamesEveryOutput) {
   }
 }
 
+TEST_F(Capture, HoldsNoDamagedEdid) {
+  live.Edid(0, TEdidBuilder().Build()).Edid(1, std::vector<std::uint8_t>(129));
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
+  EXPECT_EQ(List(), "./edid/0.bin\n./machine.json\n");
+}
+
 TEST_F(Capture, IsNotPacked) {
   for (const char* const name : {"ws-17.tar.gz", "ws-17.tgz"}) {
     ExpectRefused(folder.GetPath() / name,

@@ -182,6 +182,15 @@ TEST_F(Fleet, GoesOnBehindABrokenMachine) {
   EXPECT_TRUE(json::parse(lines[3]).contains("requests"));
 }
 
+TEST_F(Fleet, LosesOnlyTheUnitOfADamagedEdid) {
+  folder.Write("m0/edid/1.bin", "short");
+  const TProcessResult result = Run("--machine m0 --machine m1");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(json::parse(SplitLines(result.output).front())["outputs"][1]["reason"],
+            "its EDID has 5 bytes, which is not a multiple of 128");
+  EXPECT_THAT(result.errors, HasSubstr("displayinfo: m0/edid/1.bin: has 5 bytes, "));
+}
+
 TEST_F(Fleet, LosesOneMachineWithAWorkerThatDies) {
   folder.Write("fatal/root/fatal", "");
   const TProcessResult result = RunList("m1\nfatal\nm2\n", "--jobs 1 --plugin " FATAL_PLUGIN_FILE);

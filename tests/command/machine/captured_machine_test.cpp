@@ -2,6 +2,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <functional>
+
 #include "command/base/base64.h"
 #include "command/base/unusable.h"
 #include "command/machine/captured_machine.h"
@@ -13,10 +15,24 @@
 #include "tests/support/edid_builder.h"
 
 namespace fs = std::filesystem;
+using testing::ElementsAre;
 using testing::EndsWith;
+using testing::Field;
+using testing::Pair;
 using testing::StartsWith;
 
 namespace {
+
+constexpr const char* kNoFile = "is not a regular file inside the machine's folder";
+
+/// What `call` gives when a user without privileges makes it, whom permissions stop.
+std::string AsNobody(const std::function<std::string()>& call) {
+  constexpr uid_t nobody = 65534;
+  const uid_t user = geteuid();
+  if (user == 0 && seteuid(nobody) != 0) return "root cannot become nobody";
+  const std::string result = call();
+  return seteuid(user) == 0 ? result : "nobody cannot become root again";
+}
 
 class CapturedMachine : public testing::Test {
  protected:
@@ -34,6 +50,15 @@ class CapturedMachine : public testing::Test {
       return text.compare(0, folder.size(), folder) == 0 ? text.substr(folder.size()) : text;
     }
     return "no failure";
+  }
+
+  /// A line for each damaged EDID, without the machine's folder.
+  std::string DescribeDamages() const {
+    std::string lines;
+    for (const auto& [unit, damage] : Read().damagedEdids) {
+      lines += Describe(damage).substr(machine.GetPath().string().size() + 1) + "\n";
+    }
+    return lines;
   }
 
   std::string GetJsonFailure(const std::string& json) const {
@@ -184,7 +209,7 @@ TEST_F(CapturedMachine, HasTwoHundredAndFiftySixUnitsAtMost) {
   std::string units;
   for (unsigned int unit = 0; unit < 128; ++unit) {
     units += (units.empty() ? "\"" : ", \"") + std::to_string(unit) + "\": {}";
-    machine.Edid(1000 + unit, {});
+    machine.Edid(1000 + unit, {});  // a damaged one counts too
   }
   EXPECT_EQ(GetJsonFailure("{\"bios\": {\"units\": {" + units + "}}}"), "no failure");
   machine.Edid(1000 + 128, {});
@@ -241,20 +266,32 @@ TEST_F(CapturedMachine, NamesTheFileOfANumberThatNoTypeHolds) {
   EXPECT_EQ(GetJsonFailure(R"({"systemType": 1e999})"), "machine.json: is not JSON: number overflow parsing '1e999'");
 }
 
-TEST_F(CapturedMachine, RefusesAnEdidThatIsNotWholeBlocks) {
-  machine.Edid(0, std::vector<std::uint8_t>(129));
-  EXPECT_EQ(GetFailure(),
-            "edid/0.bin: has 129 bytes, which is not a multiple of 128; an EDID is whole 128-byte blocks");
-}
-
-TEST_F(CapturedMachine, RefusesAnEdidOfMoreBlocksThanAnEdidCanHave) {
-  machine.Edid(0, std::vector<std::uint8_t>(257 * 128));
-  EXPECT_EQ(GetFailure(), "edid/0.bin: is larger than 32768 bytes, which no such file needs");
-}
-
-TEST_F(CapturedMachine, TakesAnEmptyEdidForNone) {
-  machine.Edid(0, {});
+TEST_F(CapturedMachine, LosesOnlyTheUnitOfAnEdidThatIsNotWholeBlocks) {
+  machine.Edid(0, std::vector<std::uint8_t>(129)).Edid(1, TEdidBuilder().Build());
+  EXPECT_EQ(DescribeDamages(),
+            "edid/0.bin: has 129 bytes, which is not a multiple of 128, so its unit counts as one without an EDID; "
+            "capture the machine again\n");
   EXPECT_EQ(CallBios(0, 0), "014F");
+  EXPECT_EQ(CallBios(1, 0), "004F");
+}
+
+TEST_F(CapturedMachine, TellsOfEveryDamagedEdidWhatIsWrongWithIt) {
+  machine.Edid(0, {}).Edid(1, std::vector<std::uint8_t>(257 * 128)).Edid(2, std::vector<std::uint8_t>(256 * 128));
+  machine.Edid(3, TEdidBuilder().Build()).Edid(4, std::vector<std::uint8_t>(127));
+  EXPECT_THAT(Read().damagedEdids,
+              ElementsAre(Pair(0, Field(&TDamagedEdid::fault, "is empty")),
+                          Pair(1, Field(&TDamagedEdid::fault, "has more than 32768 bytes, the most of an EDID")),
+                          Pair(4, Field(&TDamagedEdid::fault, "has 127 bytes, which is not a multiple of 128"))));
+}
+
+TEST_F(CapturedMachine, LosesOnlyTheUnitOfAnEdidThatMayNotBeRead) {
+  machine.Edid(0, TEdidBuilder().Build());
+  fs::permissions(machine.GetPath(), fs::perms::all);
+  fs::permissions(machine.GetPath() / "edid/0.bin", fs::perms::none);
+  const std::string damages = AsNobody([&] { return DescribeDamages(); });
+  EXPECT_EQ(damages,
+            "edid/0.bin: cannot be read: Permission denied, so its unit counts as one without an EDID; check its "
+            "permissions\n");
 }
 
 TEST_F(CapturedMachine, RefusesAnEdidThatIsNotNamedAfterAUnit) {
@@ -273,9 +310,13 @@ TEST_F(CapturedMachine, MayHaveNotesBesideTheEdids) {
   EXPECT_EQ(GetFailure(), "no failure");
 }
 
-TEST_F(CapturedMachine, RefusesAnythingButAFile) {
+TEST_F(CapturedMachine, TakesNothingButAFileForAnEdid) {
   fs::create_directories(machine.GetPath() / "edid/0.bin");
-  EXPECT_EQ(GetFailure(), "edid/0.bin: must be a regular file inside the machine's folder");
+  ASSERT_EQ(mkfifo((machine.GetPath() / "edid/1.bin").c_str(), 0600), 0);
+  fs::create_symlink("nothing", machine.GetPath() / "edid/2.bin");
+  fs::create_symlink("3.bin", machine.GetPath() / "edid/3.bin");
+  for (const auto& [unit, damage] : Read().damagedEdids) EXPECT_EQ(damage.fault, kNoFile);
+  EXPECT_EQ(Read().damagedEdids.size(), 4U);
 }
 
 TEST_F(CapturedMachine, DoesNotWaitForAFifo) {
@@ -317,7 +358,8 @@ TEST_F(CapturedMachine, RefusesEveryLinkThatLeadsOutOfIt) {
   }
   fs::create_directory(machine.GetPath() / "edid");
   fs::create_symlink(file, machine.GetPath() / "edid/0.bin");
-  EXPECT_EQ(GetFailure(), "edid/0.bin: must be a regular file inside the machine's folder");
+  EXPECT_THAT(Read().damagedEdids, ElementsAre(Pair(0, Field(&TDamagedEdid::fault, kNoFile))));
+  EXPECT_EQ(CallBios(0, 0), "014F");
 }
 
 TEST_F(CapturedMachine, RefusesALinkToNothing) {
@@ -401,17 +443,15 @@ TEST_F(MachineInOneFile, IsARegularFile) {
 
 TEST_F(CapturedMachine, CannotBeReadWithoutThePermissionToSearchItsFolder) {
   std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::owner_read);
-  constexpr uid_t nobody = 65534;
-  const uid_t user = geteuid();
-  ASSERT_EQ(user == 0 ? seteuid(nobody) : 0, 0);  // root may search everything
-  const std::string folder = GetFailure();
-  std::string file = "no failure";
-  try {
-    ReadCapturedMachine(machine.GetPath() / "inner");
-  } catch (const TUnusable& failure) {
-    file = failure.what();
-  }
-  ASSERT_EQ(seteuid(user), 0);
+  const std::string folder = AsNobody([&] { return GetFailure(); });
+  const std::string file = AsNobody([&]() -> std::string {
+    try {
+      ReadCapturedMachine(machine.GetPath() / "inner");
+    } catch (const TUnusable& failure) {
+      return failure.what();
+    }
+    return "no failure";
+  });
   std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::owner_all);
   EXPECT_EQ(folder, machine.GetPath().string() + ": cannot be read: Permission denied; check its permissions");
   EXPECT_EQ(file,

@@ -152,12 +152,29 @@ TEST(MachineDocument, HasEachFileAsTextOrAsBase64) {
   EXPECT_EQ(GetFailureOf(R"("files": [])"), "\"files\" must be an object");
 }
 
-TEST(MachineDocument, RefusesBytesThatAreNotBase64) {
+TEST(MachineDocument, RefusesFilesThatAreNotBase64) {
   for (const char* const value : {"1", "\"Zg\"", "\"Zg==\\n\"", "\"Zh==\"", "null"}) {
-    const std::string reason = "must be bytes in base64, padded and without line breaks";
     EXPECT_EQ(GetFailureOf(R"("files": {"/a": {"base64": )" + std::string(value) + "}}"),
-              "\"files./a.base64\" " + reason);
-    EXPECT_EQ(GetFailureOf(R"("edids": {"0": )" + std::string(value) + "}"), "\"edids.0\" " + reason);
+              "\"files./a.base64\" must be bytes in base64, padded and without line breaks");
+  }
+}
+
+TEST(MachineDocument, RefusesEdidsThatAreNoStrings) {
+  for (const char* const value : {"1", "null", "{}", "[]"}) {
+    EXPECT_EQ(GetFailureOf(R"("edids": {"0": )" + std::string(value) + "}"), "\"edids.0\" must be a string");
+  }
+}
+
+TEST(MachineDocument, LosesOnlyTheUnitOfAnEdidThatIsNotBase64) {
+  for (const char* const value : {"Zg", "Zg==\\n", "Zh==", "no"}) {
+    const TMachineDocument machine =
+        Read(Captured(R"("edids": {"0": ")" + std::string(value) + R"(", "1": ")" + Edid(128) + R"("})"));
+    ASSERT_THAT(machine.damagedEdids, ElementsAre(Pair(0, testing::_)));
+    EXPECT_EQ(Describe(machine.damagedEdids.at(0)),
+              "x.json: \"edids.0\" is not base64, padded and without line breaks, so its unit counts as one without "
+              "an EDID; capture the machine again");
+    EXPECT_THAT(machine.bios.units.at(0).edid, IsEmpty());
+    EXPECT_THAT(machine.bios.units.at(1).edid, SizeIs(128));
   }
 }
 
@@ -173,10 +190,12 @@ TEST(MachineDocument, HasAbsolutePathsInTheOneWayToWriteThem) {
 }
 
 TEST(MachineDocument, HasEdidsOfWholeBlocks) {
-  const auto getFailure = [](std::size_t bytes) { return GetFailureOf(R"("edids": {"3": ")" + Edid(bytes) + R"("})"); };
-  EXPECT_EQ(getFailure(127),
-            "\"edids.3\" has 127 bytes, which is not a multiple of 128; an EDID is whole 128-byte blocks");
-  EXPECT_EQ(getFailure(257 * 128), "\"edids.3\" has 32896 bytes; an EDID has 32768 at most");
+  const auto getDamage = [](std::size_t bytes) {
+    return Read(Captured(R"("edids": {"3": ")" + Edid(bytes) + R"("})")).damagedEdids.at(3).fault;
+  };
+  EXPECT_EQ(getDamage(0), "is empty");
+  EXPECT_EQ(getDamage(127), "has 127 bytes, which is not a multiple of 128");
+  EXPECT_EQ(getDamage(257 * 128), "has more than 32768 bytes, the most of an EDID");
   EXPECT_EQ(Read(Captured(R"("edids": {"3": ")" + Edid(256 * 128) + R"("})")).bios.units.at(3).edid.size(), 32768U);
 }
 

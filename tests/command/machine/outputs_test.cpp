@@ -10,6 +10,7 @@ using testing::IsEmpty;
 namespace {
 
 typedef std::map<unsigned int, std::string> TConnectors;
+typedef std::map<unsigned int, TDamagedEdid> TDamages;
 
 std::vector<std::uint8_t> MakeEdid(const std::string& name) { return TEdidBuilder().Name(0, name).Build(); }
 
@@ -21,9 +22,9 @@ TVirtualBiosConfiguration MakeBios(const std::vector<std::vector<std::uint8_t>>&
 
 /// Of each output its device id, or the reason why it has none.
 std::vector<std::string> Describe(const TVirtualBiosConfiguration& bios, const TConnectors& connectors = {},
-                                  int systemType = 2) {
+                                  int systemType = 2, const TDamages& damages = {}) {
   std::vector<std::string> texts;
-  for (const TOutput& output : MakeOutputs(bios, connectors, systemType)) {
+  for (const TOutput& output : MakeOutputs(bios, connectors, damages, systemType)) {
     EXPECT_NE(output.deviceId.has_value(), !output.reason.empty());
     texts.push_back(output.deviceId.value_or(output.reason));
   }
@@ -40,7 +41,7 @@ TEST(Outputs, OfMonitorsHaveTheirDeviceIds) {
 }
 
 TEST(Outputs, TellTheUnitAndTheConnectorAndKeepTheEdid) {
-  const std::vector<TOutput> outputs = MakeOutputs(MakeBios({kA}), {{0, "card0-DP-1"}}, 2);
+  const std::vector<TOutput> outputs = MakeOutputs(MakeBios({kA}), {{0, "card0-DP-1"}}, {}, 2);
   ASSERT_EQ(outputs.size(), 1U);
   EXPECT_EQ(outputs[0].unit, 0U);
   EXPECT_EQ(outputs[0].connector, "card0-DP-1");
@@ -67,7 +68,7 @@ TEST(Outputs, BeyondAMissingUnitSayIt) {
 }
 
 TEST(Outputs, WithoutAnEdidAreNamedWhenTheirConnectorIsKnown) {
-  const std::vector<TOutput> outputs = MakeOutputs(MakeBios({kA, {}}), {{2, "card0-Virtual-1"}}, 2);
+  const std::vector<TOutput> outputs = MakeOutputs(MakeBios({kA, {}}), {{2, "card0-Virtual-1"}}, {}, 2);
   ASSERT_EQ(outputs.size(), 2U);
   EXPECT_EQ(outputs[1].unit, 2U);
   EXPECT_FALSE(outputs[1].facts);
@@ -99,6 +100,24 @@ TEST(Outputs, OfABiosThatIgnoresTheUnitAreOne) {
   bios.ignoresUnit = true;
   EXPECT_THAT(Describe(bios),
               ElementsAre("Monitor 1", "its EDID is not asked for: the video BIOS answers as unit 0 for every unit"));
+}
+
+TEST(Outputs, OfDamagedEdidsSayWhatIsWrongEvenWhereThePlugInDoesNotGetTo) {
+  TVirtualBiosConfiguration bios = MakeBios({kA, {}, kB, {}});
+  const TDamages damages = {{1, {"", "is empty"}}, {3, {"", "has 1 byte"}}};
+  EXPECT_THAT(Describe(bios, {}, 2, damages),
+              ElementsAre("Monitor 1", "its EDID is empty", "the plug-in stopped at unit 1, whose EDID is empty",
+                          "its EDID has 1 byte"));
+  bios.present = false;
+  EXPECT_THAT(Describe(bios, {}, 2, damages), ElementsAre("there is no video BIOS", "its EDID is empty",
+                                                          "there is no video BIOS", "its EDID has 1 byte"));
+}
+
+TEST(Outputs, OfDamagedEdidsAreNamedByTheirConnectors) {
+  const std::vector<TOutput> outputs = MakeOutputs(MakeBios({{}}), {{0, "card0-DP-1"}}, {{0, {"", "is empty"}}}, 2);
+  ASSERT_EQ(outputs.size(), 1U);
+  EXPECT_EQ(outputs[0].connector, "card0-DP-1");
+  EXPECT_EQ(outputs[0].reason, "its EDID is empty");
 }
 
 TEST(Outputs, SayWhyThereIsNoMonitorAtAll) {
