@@ -66,7 +66,7 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
 
   void Start() {
     error_code ignored;
-    m_stream.socket().set_option(tcp::no_delay(true), ignored);
+    static_cast<void>(m_stream.socket().set_option(tcp::no_delay(true), ignored));
     if (m_shared->connections > m_shared->limits.connections) {
       return Refuse(TRefused(503, "", "too many connections at a time; try again later"));
     }
@@ -131,7 +131,7 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
 
   void Linger() {
     error_code ignored;
-    m_stream.socket().shutdown(tcp::socket::shutdown_send, ignored);
+    static_cast<void>(m_stream.socket().shutdown(tcp::socket::shutdown_send, ignored));
     m_stream.expires_after(kLingering);
     Discard();
   }
