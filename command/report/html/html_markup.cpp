@@ -2,14 +2,6 @@
 
 #include "command/base/text_encoding.h"
 
-namespace {
-
-std::string Shorten(const std::string& text, std::size_t columns) {
-  return CountColumns(text) <= columns ? text : text.substr(0, GetLength(text, columns - 1)) + "\u2026";
-}
-
-}  // namespace
-
 TMarkup::TMarkup(const std::string& text) : m_markup(EscapeHtml(text)) {}
 
 TMarkup::TMarkup(const char* text) : TMarkup(std::string(text)) {}
@@ -19,8 +11,8 @@ TMarkup TMarkup::Element(const char* name, const TAttributes& attributes, TMarku
   for (const auto& [attribute, value] : attributes) {
     if (!value.empty()) tag += std::string(" ") + attribute + "=\"" + EscapeHtml(value) + "\"";
   }
-  const bool isVoid = std::string_view(name) == "meta";  // HTML knows no end tag of it
-  content.m_markup.insert(0, tag + (isVoid ? "/>\n" : ">"));
+  const bool isVoid = std::string_view(name) == "meta" || std::string_view(name) == "wbr";  // without an end in HTML
+  content.m_markup.insert(0, tag + (isVoid ? "/>" : ">"));
   if (!isVoid) content.m_markup.append("</").append(name).append(">\n");
   return content;
 }
@@ -28,6 +20,25 @@ TMarkup TMarkup::Element(const char* name, const TAttributes& attributes, TMarku
 TMarkup& TMarkup::operator+=(const TMarkup& other) {
   m_markup += other.m_markup;
   return *this;
+}
+
+TMarkup MakeElement(const char* name, TMarkup content) { return TMarkup::Element(name, {}, std::move(content)); }
+
+TMarkup MakeElement(const char* name, const char* look, TMarkup content) {
+  return TMarkup::Element(name, {{"class", look}}, std::move(content));
+}
+
+TMarkup MakeLink(const std::string& id, TMarkup content) {
+  return TMarkup::Element("a", {{"href", "#" + id}}, std::move(content));
+}
+
+TMarkup MakeShortText(const std::string& text, std::size_t columns) {
+  const std::string shown = Shorten(text, columns);
+  return shown == text ? TMarkup(text) : TMarkup::Element("span", {{"title", text}}, shown);
+}
+
+std::string Shorten(const std::string& text, std::size_t columns) {
+  return CountColumns(text) <= columns ? text : text.substr(0, GetLength(text, columns - 1)) + "\u2026";
 }
 
 TMarkup MakeSvgText(TPoint point, const std::string& text, std::size_t columns, const char* look) {
@@ -69,6 +80,7 @@ TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& 
                            {"width", std::to_string(width)},
                            {"height", std::to_string(height)},
                            {"class", "picture"},
-                           {"role", "img"}},
-                          TMarkup::Element("title", {}, title) + content);
+                           {"role", title.empty() ? "" : "img"},
+                           {"aria-hidden", title.empty() ? "true" : ""}},
+                          (title.empty() ? TMarkup() : MakeElement("title", title)) + content);
 }

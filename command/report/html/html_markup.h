@@ -28,6 +28,19 @@ class TMarkup {
   std::string m_markup;
 };
 
+/// An element with no attribute, or with only a class: its look.
+TMarkup MakeElement(const char* name, TMarkup content);
+TMarkup MakeElement(const char* name, const char* look, TMarkup content);
+
+/// A link to the place of the page with that id.
+TMarkup MakeLink(const std::string& id, TMarkup content);
+
+/// The printable text, cut off with an ellipsis after `columns` characters; what is cut has the whole as its title.
+TMarkup MakeShortText(const std::string& text, std::size_t columns);
+
+/// The same as a text, for places that can have no title.
+std::string Shorten(const std::string& text, std::size_t columns);
+
 /// A place in a picture, in the picture's units: the upper left corner of what is drawn there.
 struct TPoint {
   int x, y;
@@ -44,5 +57,6 @@ TMarkup MakeSvgBox(TPoint corner, int width, int height, const char* look);
 /// The content, with its origin at the corner and cut off at that size.
 TMarkup MakeSvgClip(TPoint corner, int width, int height, const TMarkup& content);
 
-/// A picture of that size that shrinks with the page. `title`: the text alternative of the picture.
+/// A picture of that size that shrinks with the page. `title`: the text alternative of the picture; empty for one that
+/// the text beside it tells, which is left out when a page is read aloud.
 TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& content);

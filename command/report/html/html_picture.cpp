@@ -4,9 +4,10 @@
 
 namespace {
 
-constexpr int kWidth = 360;  // of a picture: what a phone shows without shrinking it
+constexpr int kWidth = 346;  // of a picture of controllers: what a phone shows without shrinking it
 constexpr int kLine = 16;    // from one line of text to the next
 constexpr int kGap = 12;
+constexpr int kTop = 1;  // room for the stroke of the first box
 
 // Boxes of controllers and heads.
 constexpr int kBoxWidth = 164;
@@ -14,11 +15,9 @@ constexpr int kPad = 8;  // between a box and its text
 constexpr int kHeadX = kWidth - kBoxWidth - 1;
 constexpr std::size_t kBoxColumns = 20;
 
-// Monitors are in rows.
-constexpr std::ptrdiff_t kPerRow = 2;
-constexpr int kCellWidth = kWidth / kPerRow;
 constexpr int kScreenSide = 150;  // of the largest monitor, its longer side
-constexpr std::size_t kCellColumns = 26;
+constexpr int kStroke = 2;        // of a monitor
+constexpr std::size_t kNameColumns = 40;
 constexpr unsigned int kNeutralWidth = 40;  // cm
 constexpr unsigned int kNeutralHeight = 30;
 
@@ -65,8 +64,9 @@ TLines DescribeHead(const TInstanceView& head) {
                     head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"), depth});
 }
 
-/// Draws the heads below each other from `top` on, and gives where they end. `from` is the side of their controller.
-int DrawHeads(TMarkup& picture, const TInstances& heads, int top, const TPoint* from) {
+/// Draws the heads below each other, and gives where they end. `from` is the side of their controller, or null.
+int DrawHeads(TMarkup& picture, const TInstances& heads, const TPoint* from) {
+  int top = kTop;
   for (const TInstanceView& head : heads) {
     const TLines lines = DescribeHead(head);
     const TPoint side = {kHeadX, top + GetBoxHeight(lines) / 2};
@@ -90,75 +90,66 @@ TSize GetPhysicalSize(const TMonitorView& view) {
   return {kNeutralWidth, kNeutralHeight, false};
 }
 
-TLines DescribeMonitor(const TMonitorView& view) {
-  const TSize size = GetPhysicalSize(view);
-  const std::string text = std::to_string(size.width) + " x " + std::to_string(size.height) + " cm";
-  TLines lines = DropEmpty({view.id, view.monitor ? GetOwnName(*view.monitor) : std::string()});
-  if (!size.isKnown) lines.emplace_back("size not known, drawn as");
-  lines.push_back(text);
-  return lines;
-}
-
-unsigned int GetLongestSide(const std::vector<TMonitorView>& monitors) {
-  unsigned int longest = 1;
-  for (const TMonitorView& monitor : monitors) {
-    const TSize size = GetPhysicalSize(monitor);
-    longest = std::max({longest, size.width, size.height});
-  }
-  return longest;
-}
-
 /// The picture's units for that number of cm.
 int Scale(unsigned int length, unsigned int longest) {
   return std::max(2, static_cast<int>(length * kScreenSide / longest));
 }
 
-/// Draws the monitors beside each other from `top` on, upon a common floor, and gives where they end.
-int DrawRow(TMarkup& picture, const std::vector<TMonitorView>& monitors, int top, unsigned int longest) {
-  int floor = top;
-  for (const TMonitorView& monitor : monitors) {
-    floor = std::max(floor, top + Scale(GetPhysicalSize(monitor).height, longest));
-  }
-  int left = 1;
-  int bottom = floor;
-  for (const TMonitorView& monitor : monitors) {
-    const TSize size = GetPhysicalSize(monitor);
-    const int height = Scale(size.height, longest);
-    const TLines lines = DescribeMonitor(monitor);
-    picture += MakeSvgBox({left, floor - height}, Scale(size.width, longest), height,
-                          size.isKnown ? "monitor" : "monitor unknown");
-    picture += MakeLines({left, floor + 2}, kCellWidth - kPad, lines, kCellColumns);
-    bottom = std::max(bottom, floor + 2 + kLine * static_cast<int>(lines.size()));
-    left += kCellWidth;
-  }
-  return bottom + kGap;
+/// The screen on the floor of a picture that is `height` high.
+TMarkup MakeScreen(const TSize& size, unsigned int longest, int height) {
+  const int screen = Scale(size.height, longest);
+  const char* const look = size.isKnown ? "monitor" : "monitor unknown";
+  const TMarkup box =
+      MakeSvgBox({kStroke / 2, height - screen - kStroke / 2}, Scale(size.width, longest), screen, look);
+  return MakeSvg(kScreenSide + kStroke, height, "", box);
+}
+
+TMarkup DescribeMonitor(const TMonitorView& view, const TSize& size, const std::string& id) {
+  const std::string name = view.monitor ? GetOwnName(*view.monitor) : std::string();
+  TMarkup lines = MakeElement("p", "name", MakeLink(id, Shorten(view.id, kNameColumns)));
+  if (!name.empty()) lines += MakeElement("p", MakeShortText(name, kNameColumns));
+  if (!size.isKnown) lines += MakeElement("p", "size not known, drawn as");
+  return lines + MakeElement("p", std::to_string(size.width) + " x " + std::to_string(size.height) + " cm");
+}
+
+TMarkup MakeVideoPicture(const TMarkup& picture, int bottom, const std::string& title) {
+  return MakeSvg(kWidth, bottom - kGap + 1, title, picture);
 }
 
 }  // namespace
 
-TMarkup MakeVideoPicture(const TRequestView& view) {
-  TMarkup picture;
-  int top = 1;
+TMarkup MakeVideoPictures(const TRequestView& view) {
+  TMarkup pictures;
   for (const auto& [controller, heads] : view.GetControllers()) {
     const TLines lines = DescribeController(controller);
-    const TPoint side = {1 + kBoxWidth, top + GetBoxHeight(lines) / 2};
-    const int bottom = DrawHeads(picture, heads, top, &side);
-    picture += MakeBox({1, top}, lines, "controller");
-    top = std::max(bottom, top + GetBoxHeight(lines) + kGap);
+    const int boxBottom = kTop + GetBoxHeight(lines) + kGap;
+    const TPoint side = {1 + kBoxWidth, kTop + GetBoxHeight(lines) / 2};
+    TMarkup picture;
+    const int headsBottom = DrawHeads(picture, heads, &side);
+    picture += MakeBox({1, kTop}, lines, "controller");
+    pictures += MakeVideoPicture(picture, std::max(boxBottom, headsBottom), "A video controller with its heads");
   }
-  top = DrawHeads(picture, view.GetLooseHeads(), top, nullptr);
-  return MakeSvg(kWidth, top - kGap + 1, "The video controllers with their heads", picture);
+  if (view.GetLooseHeads().empty()) return pictures;
+  TMarkup picture;
+  const int bottom = DrawHeads(picture, view.GetLooseHeads(), nullptr);
+  return pictures + MakeVideoPicture(picture, bottom, "Heads without a video controller");
 }
 
-TMarkup MakeMonitorsPicture(const TRequestView& view) {
-  const std::vector<TMonitorView>& monitors = view.GetMonitors();
-  const unsigned int longest = GetLongestSide(monitors);
-  TMarkup picture;
-  int top = 1;
-  for (auto first = monitors.begin(); first != monitors.end();) {
-    const auto end = first + std::min(kPerRow, monitors.end() - first);
-    top = DrawRow(picture, {first, end}, top, longest);
-    first = end;
+TMarkup MakeMonitorPictures(const TRequestView& view, const std::string& id) {
+  unsigned int longest = 1;
+  unsigned int highest = 1;
+  for (const TMonitorView& monitor : view.GetMonitors()) {
+    const TSize size = GetPhysicalSize(monitor);
+    longest = std::max({longest, size.width, size.height});
+    highest = std::max(highest, size.height);
   }
-  return MakeSvg(kWidth, top - kGap + 1, "The monitors, to the scale of their pictures", picture);
+  const int height = Scale(highest, longest) + kStroke;
+  TMarkup items;
+  std::size_t number = 0;
+  for (const TMonitorView& monitor : view.GetMonitors()) {
+    const TSize size = GetPhysicalSize(monitor);
+    items += MakeElement(
+        "li", MakeScreen(size, longest, height) + DescribeMonitor(monitor, size, id + std::to_string(++number)));
+  }
+  return MakeElement("ul", "monitors", std::move(items));
 }

@@ -4,9 +4,10 @@
 #include "command/report/html/html_markup.h"
 #include "command/report/request_view.h"
 
-/// Each controller as a box, joined to the boxes of its heads; heads without a controller are separate.
-TMarkup MakeVideoPicture(const TRequestView& view);
+/// Each controller in a picture of its own: a box, joined to the boxes of its heads; heads without a controller are in
+/// the last one.
+TMarkup MakeVideoPictures(const TRequestView& view);
 
-/// Each monitor as a box to the scale of its physical size; dashed, and of a size that the label states, when the
-/// monitor does not tell it.
-TMarkup MakeMonitorsPicture(const TRequestView& view);
+/// Each monitor as a box to the scale of its physical size, with its name below as a link to `id` and its number, from
+/// 1; dashed, and of a size that the label states, when the monitor does not tell it.
+TMarkup MakeMonitorPictures(const TRequestView& view, const std::string& id);

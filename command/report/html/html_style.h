@@ -1,4 +1,4 @@
-// How the page of html_report.h looks: light, dark, on a telephone and on paper. No character in it needs escaping.
+// How a page of html_page.h looks: light, dark, on a telephone and on paper. No character in it needs escaping.
 #pragma once
 
 constexpr const char* kHtmlStyle =
@@ -8,28 +8,39 @@ constexpr const char* kHtmlStyle =
     "--paper:#0d1117;--panel:#161b22;--line:#3d444d;--accent:#6cb0ff;--mark:#f0a050;--alarm:#ff8a80}}"
     "body{margin:0 auto;padding:1rem;max-width:76rem;background:var(--paper);color:var(--ink);"
     "font:1rem/1.45 system-ui,sans-serif}"
-    "h1{font-size:1.6rem;line-height:1.2;margin:.5rem 0}h2{font-size:1.3rem;margin:2rem 0 .5rem}"
-    "h3{font-size:1.05rem;margin:1.2rem 0 .4rem}.panel h3{margin-top:.8rem}p{margin:.4rem "
-    "0}.soft,caption,.unit{color:var(--soft)}"
-    "h1,h2,h3,p,td,caption{overflow-wrap:anywhere}"
-    ".row{margin:.8rem 0;display:flex;flex-wrap:wrap;gap:1rem;align-items:flex-start}"
-    ".panel{flex:1 1 20rem;min-width:0;max-width:37.5rem;background:var(--panel);border:1px solid var(--line);"
-    "border-radius:8px;padding:0 1rem .6rem;box-sizing:border-box}"
-    ".picture{display:block;width:100%;height:auto;max-width:34rem;font:12px system-ui,sans-serif}"
-    "text{fill:var(--ink);white-space:pre}.name{font-weight:600}.tick,.label{font-size:11px}.tick{fill:var(--soft)}"
-    ".middle{text-anchor:middle}.end{text-anchor:end}"
-    ".link{stroke:var(--soft)}.grid{stroke:var(--line)}.leader{stroke:var(--soft);stroke-width:.5}"
+    "h1{font-size:1.6rem;line-height:1.2;margin:.5rem 0}h2{font-size:1.3rem;margin:1rem 0 .5rem}"
+    "h3{font-size:1.1rem;margin:.9rem 0 .4rem}h4{font-size:1rem;margin:.9rem 0 .4rem}p{margin:.4rem 0}"
+    ".soft,caption,.unit,.properties thead th{color:var(--soft)}a{color:var(--accent)}"
+    "h1,h2,h3,h4,p,li,td,caption{overflow-wrap:anywhere}"
+    // Parts beside each other, as many as fit.
+    ".row{margin:1rem 0;display:grid;grid-template-columns:repeat(auto-fit,minmax(min(100%,20rem),1fr));gap:1rem}"
+    ".cards{grid-template-columns:repeat(auto-fill,minmax(min(100%,26rem),1fr))}"
+    ".panel{min-width:0;background:var(--panel);border:1px solid var(--line);border-radius:8px;padding:0 1rem .6rem}"
+    ".panel .row{margin:.6rem 0}"
+    // Pictures.
+    ".picture{display:block;width:100%;height:auto;max-width:27rem;font:12px system-ui,sans-serif}"
+    "text{fill:var(--ink);white-space:pre}.name{font-weight:600}.tick{font-size:11px;fill:var(--soft)}"
+    ".middle{text-anchor:middle}.end{text-anchor:end}.link{stroke:var(--soft)}.grid{stroke:var(--line)}"
     "rect{fill:var(--paper)}.head{stroke:var(--soft)}.controller{stroke:var(--accent);stroke-width:2}"
     ".monitor{stroke:var(--ink);stroke-width:2}.unknown{stroke-dasharray:6 4}"
     ".mode{fill:var(--accent)}.configured{fill:var(--mark);stroke:var(--ink)}"
+    ".monitors{display:grid;grid-template-columns:repeat(auto-fill,minmax(8rem,1fr));gap:1rem;padding:0;list-style:"
+    "none}"
+    ".monitors .picture{max-width:9.5rem}.monitors p{margin:0}"
+    // A monitor's modes: the plot, and the list in as many columns as fit.
+    ".plot{display:flex;flex-wrap:wrap;align-items:flex-start;gap:.5rem 1rem}.plot .picture{flex:none;width:11.9rem}"
+    ".modes{flex:1 1 12rem;columns:12rem;margin:0;padding:0;list-style:none;font-size:.9rem}.modes "
+    "li{break-inside:avoid}"
+    // Tables.
     ".wide{overflow-x:auto}table{border-collapse:collapse;width:100%;margin:.6rem 0;font-size:.9rem}"
     "caption{text-align:left;padding:.2rem 0;font-weight:600}"
     "th,td{text-align:left;vertical-align:top;padding:.25rem .6rem .25rem 0;border-bottom:1px solid var(--line)}"
-    "th{font-weight:600}td{unicode-bidi:isolate;white-space:pre-wrap}.unit{font-weight:400;font-size:.85em;white-space:"
-    "nowrap}"
-    ".properties{flex:1 1 20rem;min-width:0;max-width:37.5rem}.properties th{width:55%;overflow-wrap:anywhere}"
-    "@media (max-width:30rem){table{font-size:.74rem}}"
-    "ul{margin:.3rem 0;padding-left:1.2rem}details{margin:2rem 0}summary{cursor:pointer;font-weight:600}"
-    ".error,.warning{color:var(--alarm)}"
-    "@media print{:root{font-size:11px}body{max-width:none;padding:0}.panel,tr,.picture{break-inside:avoid}"
-    "h2,h3,caption{break-after:avoid}.wide{overflow:visible}}";
+    "th{font-weight:600}td{unicode-bidi:isolate;white-space:pre-wrap}"
+    ".unit{font-weight:400;font-size:.85em;white-space:nowrap}"
+    ".properties{min-width:0}.properties th{width:50%;overflow-wrap:anywhere}.panel th{width:32%}"
+    "@media (max-width:30rem){table{font-size:.74rem}.wide th,.wide td{padding-right:.4rem}}"
+    "ul{margin:.3rem 0;padding-left:1.2rem}.error,.warning{color:var(--alarm)}"
+    // Folded parts.
+    "summary{cursor:pointer}.paper{display:none}"
+    "@media print{:root{font-size:11px}body{max-width:none;padding:0}.panel,tr,li,.picture{break-inside:avoid}"
+    "h1,h2,h3,h4,caption,thead{break-after:avoid}.wide{overflow:visible}details:not([open])+.paper{display:block}}";

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <map>
 #include <regex>
 #include <set>
 
@@ -9,7 +11,9 @@
 #include "tests/support/answer_test.h"
 
 using NQRXZELT20::ILogger;
+using NQRXZELT20::TCIMReference;
 using NQRXZELT20::TCIMValue;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
@@ -44,32 +48,16 @@ class HtmlReport : public TAnswerTest {
            {{"DeviceID", TCIMValue(id)}, {"HorizontalImageSize", Byte(width)}, {"VerticalImageSize", Byte(height)}});
   }
 
+  void CommitSetting(const std::string& monitor) {
+    TCIMReference element("QRXSG_DesktopMonitor.DeviceID=\"" + monitor + "\"");
+    Commit("QRXSG_MonitorSetting", {{"Element", TCIMValue(element)}});
+  }
+
   void CommitMode(unsigned int width, unsigned int height, unsigned int rate) {
     Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue("Monitor 1\\ Setting 1")},
                                        {"HorizontalResolution", TCIMValue(width)},
                                        {"VerticalResolution", TCIMValue(height)},
                                        {"RefreshRate", TCIMValue(rate)}});
-  }
-
-  struct TBox {
-    int left, top, right, bottom;
-
-    bool Overlaps(const TBox& other) const {
-      return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
-    }
-  };
-
-  /// Where the page has the screens of monitors and their labels.
-  static std::vector<TBox> FindMonitorBoxes(const std::string& page) {
-    const std::string picture = page.substr(page.find("The monitors, to the scale"));
-    std::vector<std::string> numbers = FindAll(
-        picture, "<(?:rect|svg) x=\"([0-9]+)\" y=\"([0-9]+)\" width=\"([0-9]+)\" height=\"([0-9]+)\"", {1, 2, 3, 4});
-    std::vector<TBox> boxes;
-    for (auto number = numbers.begin(); number != numbers.end(); number += 4) {
-      const TBox corner = {std::stoi(number[0]), std::stoi(number[1]), std::stoi(number[2]), std::stoi(number[3])};
-      boxes.push_back({corner.left, corner.top, corner.left + corner.right, corner.top + corner.bottom});
-    }
-    return boxes;
   }
 
   /// What the pattern's first group, or these groups, take, from each place of the page that it matches.
@@ -79,6 +67,18 @@ class HtmlReport : public TAnswerTest {
     return {std::sregex_token_iterator(page.begin(), page.end(), regex, groups), std::sregex_token_iterator()};
   }
 };
+
+/// The relative luminance of a colour, "fff" or "d0d7de", as WCAG 2 defines it.
+double GetLuminance(std::string digits) {
+  if (digits.size() == 3) digits = {digits[0], digits[0], digits[1], digits[1], digits[2], digits[2]};
+  constexpr double weights[] = {0.2126, 0.7152, 0.0722};
+  double luminance = 0;
+  for (std::size_t channel = 0; channel < 3; ++channel) {
+    const double value = std::stoi(digits.substr(2 * channel, 2), nullptr, 16) / 255.0;
+    luminance += weights[channel] * (value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4));
+  }
+  return luminance;
+}
 
 }  // namespace
 
@@ -132,12 +132,13 @@ TEST_F(HtmlReport, LoadsNothing) {
   CommitController("a");
   CommitMonitor("Monitor 1", 40, 30);
   const std::string page = Make();
-  for (const char* loader : {"src=", "href", "url(", "@import", "<script", "<link"}) {
+  EXPECT_THAT(FindAll(page, "href=(.{2})"), Each("\"#"));
+  for (const char* loader : {"src=", "url(", "@import", "<script", "<link"}) {
     EXPECT_THAT(page, Not(HasSubstr(loader)));
   }
 }
 
-TEST_F(HtmlReport, JoinsAControllerToItsHeadsAlone) {
+TEST_F(HtmlReport, JoinsAControllerToItsHeadsOnly) {
   CommitController("a");
   CommitHead("a");
   CommitHead("a");
@@ -169,73 +170,69 @@ TEST_F(HtmlReport, TakesANullSizeForUnknown) {
   EXPECT_THAT(Make(), HasSubstr("class=\"monitor unknown\""));
 }
 
-TEST_F(HtmlReport, DrawsNoMonitorOverAnother) {
+TEST_F(HtmlReport, StandsAllScreensOnOneFloor) {
   CommitMonitor("Monitor 1", 40, 30);
   CommitMonitor("Monitor 2", 30, 40);
-  CommitMonitor("Monitor 3", 40, 40);
-  CommitMonitor("Monitor 4", 0, 0);
-  CommitMonitor("Monitor 5", 40, 30);
-  const std::vector<TBox> boxes = FindMonitorBoxes(Make());
-  ASSERT_EQ(boxes.size(), 10U);  // each has its screen and its label
-  for (std::size_t first = 0; first < boxes.size(); ++first) {
-    EXPECT_LE(boxes[first].right, 360);
-    for (std::size_t second = 0; second < first; ++second) {
-      EXPECT_FALSE(boxes[first].Overlaps(boxes[second])) << first << " and " << second;
-    }
-  }
+  CommitMonitor("Monitor 3", 10, 10);
+  const std::string page = Make();
+  EXPECT_THAT(FindAll(page, "viewBox=\"0 0 ([0-9]+ [0-9]+)\""), Each("152 152"));
+  EXPECT_THAT(FindAll(page, "<rect x=\"1\" y=\"([0-9]+\" width=\"[0-9]+\" height=\"[0-9]+)\""),
+              ElementsAre("39\" width=\"150\" height=\"112", "1\" width=\"112\" height=\"150",
+                          "114\" width=\"37\" height=\"37"));
 }
 
-TEST_F(HtmlReport, PlotsTheRatesOfAResolutionAtOnePoint) {
+TEST_F(HtmlReport, LinksThePictureOfEachMonitorToItsFacts) {
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitMonitor("Monitor 2", 40, 30);
+  const std::string page = Make();
+  EXPECT_THAT(FindAll(page, "href=\"#([^\"]+)\">(Monitor 2)<", {1, 2}), ElementsAre("request1-monitor-2", "Monitor 2"));
+  EXPECT_THAT(FindAll(page, "<h3 id=\"request1-monitor-2\">([^<]+)<"), ElementsAre("Monitor 2"));
+}
+
+TEST_F(HtmlReport, ListsTheRatesOfAResolutionTogether) {
   CommitMode(640, 480, 75);
   CommitMode(640, 480, 60);
   CommitMode(640, 480, 75);
   const std::string page = Make();
-  EXPECT_THAT(page, HasSubstr(">640 x 480: 60, 75 Hz<"));
+  EXPECT_THAT(page, HasSubstr("<li>640 x 480: 60, 75 Hz</li>"));
   EXPECT_EQ(FindAll(page, "(class=\"mode\")").size(), 1U);
+}
+
+TEST_F(HtmlReport, ListsTheModesThatAreHighestFirst) {
+  CommitMode(640, 480, 60);
+  CommitMode(1280, 1024, 60);
+  CommitMode(800, 480, 60);
+  EXPECT_THAT(FindAll(Make(), "<li>([0-9]+ x [0-9]+):"), ElementsAre("1280 x 1024", "800 x 480", "640 x 480"));
 }
 
 TEST_F(HtmlReport, PlotsNothingForAMonitorWithoutModes) {
   CommitMonitor("Monitor 1", 40, 30);
   CommitMonitor("Monitor 2", 40, 30);
-  EXPECT_THAT(Make(), Not(HasSubstr("<h2>Modes</h2>")));
-  CommitMonitor("Monitor 1", 40, 30);
-  CommitMonitor("Monitor 2", 40, 30);
-  CommitMode(640, 480, 60);
-  answer.requests.clear();
-  EXPECT_THAT(FindAll(Make(), "<h3>Modes of ([^<]+)</h3>"), ElementsAre("Monitor 1"));
+  EXPECT_THAT(Make(), Not(HasSubstr("class=\"plot\"")));
 }
 
 TEST_F(HtmlReport, PlotsToTheScaleOfTheLargestMode) {
   CommitMode(800, 600, 60);
   CommitMode(400, 300, 60);
   EXPECT_THAT(FindAll(Make(), "<circle (cx=\"[0-9]+\" cy=\"[0-9]+\")"),
-              ElementsAre("cx=\"160\" cy=\"22\"", "cx=\"100\" cy=\"112\""));
+              ElementsAre("cx=\"176\" cy=\"20\"", "cx=\"107\" cy=\"87\""));
 }
 
-TEST_F(HtmlReport, MarksTheConfiguredResolutionAndExplainsTheMark) {
+TEST_F(HtmlReport, KeepsThePlotSmallAndAllModesInTheListHoweverManyThereAre) {
+  for (unsigned int count = 0; count < 300; ++count) CommitMode(640 + count, 480, 60);
+  const std::string page = Make();
+  EXPECT_EQ(FindAll(page, "<li>([0-9]+ x 480: 60 Hz)</li>").size(), 300U);
+  EXPECT_THAT(page, HasSubstr("viewBox=\"0 0 190 190\""));
+}
+
+TEST_F(HtmlReport, MarksTheConfiguredResolutionInThePlotAndInWords) {
   CommitHead("a");
   CommitMode(640, 480, 60);
   CommitMode(800, 600, 60);
   const std::string page = Make();
-  EXPECT_EQ(FindAll(page, "class=\"configured\"></rect>\n(<text x=\"180\")").size(), 1U);
+  EXPECT_EQ(FindAll(page, "(class=\"configured\")").size(), 1U);
   EXPECT_EQ(FindAll(page, "(class=\"mode\")").size(), 1U);
-  EXPECT_THAT(page, HasSubstr(">the resolution that the configuration names<"));
-}
-
-TEST_F(HtmlReport, ExplainsNoMarkThatItDoesNotMake) {
-  CommitMode(640, 480, 60);
-  EXPECT_THAT(Make(), Not(HasSubstr("the resolution that the configuration names")));
-}
-
-TEST_F(HtmlReport, KeepsTheLabelsOfCrowdedModesApart) {
-  for (unsigned int count = 0; count < 30; ++count) CommitMode(640, 480 + count, 60);
-  CommitMode(640, 4000, 60);
-  const std::vector<std::string> places = FindAll(Make(), "<text x=\"180\" y=\"([0-9]+)\"");
-  ASSERT_EQ(places.size(), 31U);
-  for (std::size_t index = 1; index < places.size(); ++index) {
-    EXPECT_GE(std::stoi(places[index]) - std::stoi(places[index - 1]), 16);
-  }
-  EXPECT_LE(std::stoi(places.back()), 22 + 31 * 16);
+  EXPECT_THAT(page, HasSubstr(">640 x 480: 60 Hz (configured)<"));
 }
 
 TEST_F(HtmlReport, PlotsModesOfTheLargestNumbers) {
@@ -251,15 +248,112 @@ TEST_F(HtmlReport, CutsALongNameInThePictureAndKeepsItWholeAsItsTitle) {
 
 TEST_F(HtmlReport, TabulatesEveryPropertyWithItsKeyOrUnit) {
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Bandwidth", TCIMValue(140U)}});
-  EXPECT_THAT(FindAll(Make(), "<th title=\"[^\"]+\">([^<]+<span class=\"unit\">[^<]+</span>\n</th>\n<td>[^<]*)</td>"),
-              ElementsAre("DeviceID <span class=\"unit\">key</span>\n</th>\n<td>Monitor 1",
-                          "Bandwidth <span class=\"unit\">MHz</span>\n</th>\n<td>140"));
+  EXPECT_THAT(
+      FindAll(Make(),
+              "<th scope=\"row\" title=\"[^\"]+\">([^ ]+ <span class=\"unit\">[^<]+</span>\n</th>\n<td>[^<]*)</td>"),
+      ElementsAre("Device<wbr/>ID <span class=\"unit\">key</span>\n</th>\n<td>Monitor 1",
+                  "Bandwidth <span class=\"unit\">MHz</span>\n</th>\n<td>140"));
 }
 
 TEST_F(HtmlReport, TabulatesModesTogether) {
   CommitMode(640, 480, 60);
   CommitMode(800, 600, 75);
   EXPECT_THAT(FindAll(Make(), "<td>([0-9]+)</td>"), ElementsAre("640", "480", "60", "800", "600", "75"));
+}
+
+TEST_F(HtmlReport, LinksAReferenceToTheInstanceThatItNames) {
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitMonitor("Monitor 2", 40, 30);
+  CommitSetting("Monitor 2");
+  const std::string page = Make();
+  EXPECT_THAT(page, HasSubstr("<td><a href=\"#request1-QRXSG_DesktopMonitor-2\">QRXSG_DesktopMonitor Monitor 2</a>"));
+  EXPECT_THAT(FindAll(page, "id=\"request1-QRXSG_DesktopMonitor-2\"><table><caption>([^<]+)<"),
+              ElementsAre("Monitor 2"));
+}
+
+TEST_F(HtmlReport, ShowsTheWholeObjectPathOfAnInstanceThatTheAnswerLacks) {
+  CommitSetting("Monitor 9");
+  EXPECT_THAT(Make(), HasSubstr("<td>QRXSG_DesktopMonitor.DeviceID=&quot;Monitor 9&quot;</td>"));
+}
+
+TEST_F(HtmlReport, LinksToAnInstanceOfAnotherRequestWhenItsOwnHasNone) {
+  CommitMonitor("Monitor 1", 40, 30);
+  Make({"QRXSG_DesktopMonitor"});
+  CommitSetting("Monitor 1");
+  EXPECT_THAT(Make({"QRXSG_MonitorSetting"}), HasSubstr("href=\"#request1-QRXSG_DesktopMonitor-1\""));
+}
+
+TEST_F(HtmlReport, LinksToAnInstanceOfTheSameRequestWhenOthersHaveItToo) {
+  CommitMonitor("Monitor 1", 40, 30);
+  Make({"QRXSG_DesktopMonitor"});
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitSetting("Monitor 1");
+  const std::string page = Make({"QRXSG_DesktopMonitor", "QRXSG_MonitorSetting"});
+  EXPECT_THAT(page, HasSubstr("href=\"#request2-QRXSG_DesktopMonitor-1\""));
+  EXPECT_THAT(page, Not(HasSubstr("href=\"#request1-QRXSG_DesktopMonitor-1\"")));
+}
+
+TEST_F(HtmlReport, LinksToTheLastOfTheInstancesThatHaveOneObjectPath) {
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitMonitor("Monitor 1", 50, 30);
+  CommitSetting("Monitor 1");
+  EXPECT_THAT(Make(), HasSubstr("href=\"#request1-QRXSG_DesktopMonitor-2\""));
+}
+
+TEST_F(HtmlReport, CutsALongNameInALink) {
+  const std::string name(100, 'x');
+  CommitMonitor(name, 40, 30);
+  CommitSetting(name);
+  EXPECT_THAT(Make(), HasSubstr(">QRXSG_DesktopMonitor " + std::string(26, 'x') + "\u2026</a>"));
+}
+
+TEST_F(HtmlReport, GivesEachIdOnce) {
+  for (int request = 0; request < 2; ++request) {
+    for (int twice = 0; twice < 2; ++twice) {
+      CommitController("a");
+      CommitHead("a");
+      CommitMonitor("Monitor 1", 40, 30);
+      CommitMode(640, 480, 60);
+      CommitSetting("Monitor 1");
+    }
+    Make();
+  }
+  const std::vector<std::string> ids = FindAll(MakeHtmlReport(answer), " id=\"([^\"]+)\"");
+  EXPECT_EQ(ids.size(), 24U);
+  EXPECT_EQ(std::set<std::string>(ids.begin(), ids.end()).size(), ids.size());
+}
+
+TEST_F(HtmlReport, FoldsTheInstancesAwayAndSaysSoOnPaper) {
+  CommitMonitor("Monitor 1", 40, 30);
+  const std::string page = Make();
+  EXPECT_THAT(page, HasSubstr("<h2>Instances</h2>\n<details><summary>1 instance as CIM has them</summary>"));
+  EXPECT_THAT(FindAll(page, "</details>\n<p class=\"paper\">([^<]+)<"),
+              Each("Folded: to have this part on paper, open it before printing."));
+}
+
+TEST_F(HtmlReport, SkipsNoLevelOfHeadings) {
+  for (const int requests : {1, 2}) {
+    CommitController("a");
+    CommitMonitor("Monitor 1", 40, 30);
+    const std::string page = Make();
+    int before = 0;
+    for (const std::string& level : FindAll(page, "<h([1-6])")) {
+      EXPECT_LE(std::stoi(level), before + 1) << "with " << requests << " requests";
+      before = std::stoi(level);
+    }
+    EXPECT_EQ(FindAll(page, "<(h1)").size(), 1U);
+    EXPECT_EQ(FindAll(page, "<(h4)").empty(), requests == 1);
+  }
+}
+
+TEST_F(HtmlReport, SaysOfEachNameInATableWhetherItNamesARowOrAColumn) {
+  CommitMonitor("Monitor 1", 40, 30);
+  CommitMode(640, 480, 60);
+  answer.log = {{ILogger::kError, "broken"}};
+  const std::string page = Make();
+  EXPECT_EQ(FindAll(page, "(<th)[ >]").size(), FindAll(page, "(<th) scope=\"(?:row|col)\"").size());
+  EXPECT_EQ(FindAll(page, "(<table>)").size(), 3U);
+  EXPECT_EQ(FindAll(page, "(<thead>)").size(), 3U);
 }
 
 TEST_F(HtmlReport, SaysWhyNothingIsFound) {
@@ -276,19 +370,19 @@ TEST_F(HtmlReport, BlamesNoPartForWhatWasLoggedBeforeTheFirstClass) {
 
 TEST_F(HtmlReport, LeavesOutWhatWasNotAskedFor) {
   const std::string page = Make({"QRXSG_VideoHead"});
-  EXPECT_THAT(FindAll(page, "<h3>([^<]+)</h3>"), ElementsAre("Video controllers"));
+  EXPECT_THAT(FindAll(page, "<h2>([^<]+)</h2>"), ElementsAre("Video controllers", "Log"));
 }
 
 TEST_F(HtmlReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
   answer.edidOrigin.describe = [](std::size_t unit) { return "output " + std::to_string(unit); };
   CommitMonitor("Monitor 2", 40, 30);
-  EXPECT_THAT(Make(), HasSubstr(">Monitor 2: EDID read from output 1</p>"));
+  EXPECT_THAT(Make(), HasSubstr("<th scope=\"row\">EDID read from</th>\n<td>output 1</td>"));
 }
 
 TEST_F(HtmlReport, FoldsTheLogAtTheEnd) {
   answer.log = {{ILogger::kError, "broken"}};
-  EXPECT_THAT(Make(), HasSubstr("<details><summary>Log (1)</summary>\n<table><tbody><tr class=\"error\">"
-                                "<td>error</td>\n<td>broken</td>\n</tr>\n</tbody>\n</table>\n</details>\n</body>"));
+  EXPECT_THAT(Make(), HasSubstr("<h2>Log</h2>\n<details><summary>1 message</summary>\n<table>"));
+  EXPECT_THAT(Make(), HasSubstr("<tr class=\"error\"><td>error</td>\n<td>broken</td>\n</tr>\n</tbody>"));
 }
 
 TEST_F(HtmlReport, HeadsEachOfSeveralRequests) {
@@ -306,6 +400,25 @@ TEST_F(HtmlReport, SaysWhatTheOutputsAreAndWhichAreNotListed) {
   answer.outputs = {{0, "a<b", "Monitor 1", "", facts, {}},
                     {1, "a<b", std::nullopt, "its EDID repeats that of unit 0", facts, {}}};
   const std::string page = Make({"QRXSG_DesktopMonitor"});
-  EXPECT_THAT(page, HasSubstr(">Monitor 1: Product code: 7, Serial in header: none; a&lt;b (unit 1) is of the same"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Serial in header</th>\n<td>none; a&lt;b (unit 1) is of the same"));
   EXPECT_THAT(page, HasSubstr("<p>a&lt;b (unit 1) is not listed: its EDID repeats that of unit 0.</p>"));
+}
+
+TEST(HtmlStyle, HasEnoughContrastInBothSchemes) {
+  std::map<std::string, std::vector<double>> colours;  // the luminance of each, in the light and in the dark scheme
+  const std::string style = kHtmlStyle;
+  const std::regex pattern("--([a-z]+):#([0-9a-f]+)[;}]");
+  for (std::sregex_iterator match(style.begin(), style.end(), pattern), end; match != end; ++match) {
+    colours[(*match)[1]].push_back(GetLuminance((*match)[2]));
+  }
+  for (const std::size_t scheme : {0U, 1U}) {
+    for (const char* text : {"ink", "soft", "accent", "alarm"}) {
+      for (const char* ground : {"paper", "panel"}) {
+        const double first = colours.at(text).at(scheme);
+        const double second = colours.at(ground).at(scheme);
+        // What WCAG 2 asks at level AA of text that is not large.
+        EXPECT_GE((std::max(first, second) + 0.05) / (std::min(first, second) + 0.05), 4.5) << text << " on " << ground;
+      }
+    }
+  }
 }

@@ -1,0 +1,135 @@
+#include "command/report/html/html_modes.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace {
+
+// The plot's units are the screen's pixels; it is small, since the list beside it tells the numbers.
+constexpr int kWidth = 190;
+constexpr int kHeight = 190;
+constexpr int kLeft = 38;
+constexpr int kRight = 176;
+constexpr int kTop = 20;
+constexpr int kBottom = 154;
+constexpr std::size_t kTickColumns = 30;
+
+struct TResolution {
+  unsigned int width, height;
+  std::set<unsigned int> rates;  // Hz
+  bool isConfigured;
+};
+
+/// The modes of each resolution together, the highest first.
+std::vector<TResolution> GetResolutions(const TRequestView& view, const TInstances& modes) {
+  std::map<std::pair<unsigned int, unsigned int>, TResolution> points;
+  for (const TInstanceView& mode : modes) {
+    const unsigned int width = mode.Number("HorizontalResolution");
+    const unsigned int height = mode.Number("VerticalResolution");
+    TResolution& point = points[{height, width}];
+    if (point.rates.empty()) point = {width, height, {}, view.IsConfigured(mode)};
+    point.rates.insert(mode.Number("RefreshRate"));
+  }
+  std::vector<TResolution> descending;
+  for (auto point = points.rbegin(); point != points.rend(); ++point) descending.push_back(point->second);
+  return descending;
+}
+
+std::string GetRates(const TResolution& point) {
+  std::vector<std::string> rates;
+  rates.reserve(point.rates.size());
+  for (const unsigned int rate : point.rates) rates.push_back(std::to_string(rate));
+  return JoinTexts(rates) + " Hz";
+}
+
+/// A round number of which `limit` holds no more than three.
+unsigned int GetTickStep(unsigned int limit) {
+  for (unsigned int power = 1;; power *= 10) {
+    for (const unsigned int step : {power, 2 * power, 5 * power}) {
+      if (limit / step <= 3) return step;
+    }
+  }
+}
+
+/// One axis: pixels to the picture's units.
+class TAxis {
+ public:
+  TAxis(unsigned int limit, int origin, int end) : m_limit(std::max(1U, limit)), m_origin(origin), m_end(end) {}
+
+  int Place(unsigned int pixels) const {
+    return m_origin + static_cast<int>(static_cast<double>(pixels) / m_limit * (m_end - m_origin));
+  }
+  int GetOrigin() const { return m_origin; }
+  int GetEnd() const { return m_end; }
+
+  std::vector<unsigned int> GetTicks() const {
+    std::vector<unsigned int> ticks;
+    const unsigned int step = GetTickStep(m_limit);
+    for (unsigned int count = 0; count <= m_limit / step; ++count) ticks.push_back(count * step);
+    return ticks;
+  }
+
+ private:
+  unsigned int m_limit;
+  int m_origin, m_end;
+};
+
+TMarkup MakeGrid(const TAxis& across, const TAxis& up) {
+  TMarkup grid;
+  for (const unsigned int tick : across.GetTicks()) {
+    const int x = across.Place(tick);
+    grid += MakeSvgLine({x, up.GetOrigin()}, {x, up.GetEnd()}, "grid");
+    grid += MakeSvgText({x, up.GetOrigin() + 14}, std::to_string(tick), kTickColumns, "tick middle");
+  }
+  for (const unsigned int tick : up.GetTicks()) {
+    const int y = up.Place(tick);
+    grid += MakeSvgLine({across.GetOrigin(), y}, {across.GetEnd(), y}, "grid");
+    grid += MakeSvgText({across.GetOrigin() - 5, y + 4}, std::to_string(tick), kTickColumns, "tick end");
+  }
+  return grid + MakeSvgText({kRight, up.GetOrigin() + 30}, "width in pixels", kTickColumns, "tick end") +
+         MakeSvgText({2, 10}, "height in pixels", kTickColumns, "tick");
+}
+
+TMarkup MakeMark(TPoint at, bool isConfigured) {
+  if (isConfigured) return MakeSvgBox({at.x - 5, at.y - 5}, 10, 10, "configured");
+  return TMarkup::Element("circle",
+                          {{"cx", std::to_string(at.x)}, {"cy", std::to_string(at.y)}, {"r", "4"}, {"class", "mode"}});
+}
+
+std::string GetSize(const TResolution& resolution) {
+  return std::to_string(resolution.width) + " x " + std::to_string(resolution.height);
+}
+
+TMarkup MakePlot(const std::vector<TResolution>& resolutions) {
+  unsigned int width = 0;
+  unsigned int height = 0;
+  for (const TResolution& resolution : resolutions) {
+    width = std::max(width, resolution.width);
+    height = std::max(height, resolution.height);
+  }
+  const TAxis across(width, kLeft, kRight);
+  const TAxis up(height, kBottom, kTop);
+  TMarkup plot = MakeGrid(across, up);
+  for (const TResolution& resolution : resolutions) {
+    plot += MakeMark({across.Place(resolution.width), up.Place(resolution.height)}, resolution.isConfigured);
+  }
+  return MakeSvg(kWidth, kHeight, "", plot);
+}
+
+TMarkup MakeList(const std::vector<TResolution>& resolutions) {
+  TMarkup items;
+  for (const TResolution& resolution : resolutions) {
+    const std::string text = GetSize(resolution) + ": " + GetRates(resolution);
+    items += resolution.isConfigured ? MakeElement("li", "name", text + " (configured)") : MakeElement("li", text);
+  }
+  return MakeElement("ul", "modes", std::move(items));
+}
+
+}  // namespace
+
+TMarkup MakeModes(const TRequestView& view, const TMonitorView& monitor) {
+  if (monitor.modes.empty()) return {};
+  const std::vector<TResolution> resolutions = GetResolutions(view, monitor.modes);
+  return MakeElement("div", "plot", MakePlot(resolutions) + MakeList(resolutions));
+}

@@ -1,0 +1,25 @@
+// What every page is made of: its frame, its headings, its tables and its folded parts. All of it is styled by
+// html_style.h.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "command/report/html/html_markup.h"
+
+/// A whole page in one file. It loads nothing, runs nothing, and is well-formed XML as well.
+std::string MakeHtmlPage(const std::string& title, TMarkup content);
+
+/// A heading of level 1, 2, ... `id`: what a link may lead to; empty for none.
+TMarkup MakeHeading(int level, TMarkup content, const std::string& id = {});
+
+/// The cell that names a column, or a row.
+TMarkup MakeColumnName(TMarkup content, const std::string& title = {});
+TMarkup MakeRowName(TMarkup content, const std::string& title = {});
+
+/// A table with its heading row, which paper repeats on each sheet. `names`: cells, as are the rows' contents;
+/// `caption` may be empty.
+TMarkup MakeTable(const TMarkup& caption, const TMarkup& names, TMarkup rows);
+
+/// The content, folded away under the summary. Paper shows it only if it was opened, and says so.
+TMarkup MakeFolded(const std::string& summary, TMarkup content);
