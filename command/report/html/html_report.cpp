@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "command/report/answer_identity.h"
 #include "command/report/html/html_instances.h"
 #include "command/report/html/html_modes.h"
 #include "command/report/html/html_page.h"
@@ -126,14 +127,16 @@ class TRequestSection {
 }  // namespace
 
 std::string MakeHtmlReport(const TAnswer& answer) {
-  const std::string title = "Video controllers, heads and monitors";
+  const std::string name = ShowSystemName(answer.identity);
+  const std::string collection = DescribeCollection(answer.identity);
   TMarkup content =
-      MakeHeading(1, title) +
-      MakeElement("p", "soft", "As the plug-in " + answer.plugin.name + " " + answer.plugin.version + " tells.");
+      MakeHeading(1, MakeShortText(name, kNameColumns)) +
+      MakeElement("p", "soft",
+                  collection + ". As the plug-in " + answer.plugin.name + " " + answer.plugin.version + " tells.");
   const THtmlAnchors anchors(answer);
   for (std::size_t request = 0; request < answer.requests.size(); ++request) {
     content += TRequestSection(answer, anchors, request).Make();
   }
   content += MakeLog(answer.log);
-  return MakeHtmlPage(title, std::move(content));
+  return MakeHtmlPage(Shorten(name, kNameColumns) + " \u2013 " + collection, std::move(content));
 }

@@ -90,6 +90,7 @@ TEST_F(HtmlReport, MakesNothingButTextOfWhatTheMachineSays) {
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue(name)}, {"Name", TCIMValue(name + name)}});
   Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue(id)}, {"HorizontalResolution", TCIMValue(1U)}});
   answer.plugin.name = name;
+  answer.identity.systemName = name;
   answer.log = {{ILogger::kError, name}};
   answer.edidOrigin.describe = [&](std::size_t) { return name; };
   const std::string page =
@@ -98,6 +99,22 @@ TEST_F(HtmlReport, MakesNothingButTextOfWhatTheMachineSays) {
   EXPECT_THAT(page, Not(HasSubstr("<svg onload")));
   EXPECT_THAT(page, Not(HasSubstr("onload='")));
   EXPECT_THAT(page, HasSubstr("&quot;&gt;&lt;svg onload=&#39;x&#39;&gt;&amp;&lt;script&gt;"));
+}
+
+TEST_F(HtmlReport, BeginsWithTheMachineAndWhenItWasCollected) {
+  answer.identity = {"ws-17<", "2026-11-21T21:30:00Z", "1.4"};
+  const std::string page = Make();
+  const std::string collection = "Collected 2026-11-21 21:30:00 UTC, shown by displayinfo 1.4";
+  EXPECT_THAT(page, HasSubstr("<title>ws-17&lt; \u2013 " + collection + "</title>"));
+  EXPECT_THAT(page, HasSubstr("<main><h1>ws-17&lt;</h1>\n<p class=\"soft\">" + collection + "."));
+}
+
+TEST_F(HtmlReport, CutsALongNameOfTheMachine) {
+  answer.identity.systemName = std::string(100, 'x');
+  const std::string cut = std::string(63, 'x') + "\u2026";
+  const std::string page = Make();
+  EXPECT_THAT(page, HasSubstr("<title>" + cut));
+  EXPECT_THAT(page, HasSubstr("<h1><span title=\"" + answer.identity.systemName + "\">" + cut + "</span>"));
 }
 
 TEST_F(HtmlReport, SendsNoControlBytes) {
