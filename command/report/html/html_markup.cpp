@@ -41,11 +41,9 @@ std::string Shorten(const std::string& text, std::size_t columns) {
   return CountColumns(text) <= columns ? text : text.substr(0, GetLength(text, columns - 1)) + "\u2026";
 }
 
-TMarkup MakeSvgText(TPoint point, const std::string& text, std::size_t columns, const char* look) {
-  const std::string shown = Shorten(text, columns);
-  const TMarkup title = shown == text ? TMarkup() : TMarkup::Element("title", {}, text);
+TMarkup MakeSvgText(TPoint point, const std::string& text, const char* look) {
   return TMarkup::Element("text", {{"x", std::to_string(point.x)}, {"y", std::to_string(point.y)}, {"class", look}},
-                          title + shown);
+                          text);
 }
 
 TMarkup MakeSvgLine(TPoint from, TPoint to, const char* look) {
@@ -64,23 +62,13 @@ TMarkup MakeSvgBox(TPoint corner, int width, int height, const char* look) {
                                    {"class", look}});
 }
 
-TMarkup MakeSvgClip(TPoint corner, int width, int height, const TMarkup& content) {
-  return TMarkup::Element("svg",
-                          {{"x", std::to_string(corner.x)},
-                           {"y", std::to_string(corner.y)},
-                           {"width", std::to_string(width)},
-                           {"height", std::to_string(height)}},
-                          content);
-}
-
-TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& content) {
+TMarkup MakeSvg(int width, int height, const TMarkup& content) {
   return TMarkup::Element("svg",
                           {{"xmlns", "http://www.w3.org/2000/svg"},
                            {"viewBox", "0 0 " + std::to_string(width) + " " + std::to_string(height)},
                            {"width", std::to_string(width)},
                            {"height", std::to_string(height)},
                            {"class", "picture"},
-                           {"role", title.empty() ? "" : "img"},
-                           {"aria-hidden", title.empty() ? "true" : ""}},
-                          (title.empty() ? TMarkup() : MakeElement("title", title)) + content);
+                           {"aria-hidden", "true"}},
+                          content);
 }

@@ -46,17 +46,13 @@ struct TPoint {
   int x, y;
 };
 
-/// A line of text that begins at the point, cut off with an ellipsis after `columns` characters; the whole is its
-/// title.
-TMarkup MakeSvgText(TPoint point, const std::string& text, std::size_t columns, const char* look = "");
+/// A line of text that begins at the point.
+TMarkup MakeSvgText(TPoint point, const std::string& text, const char* look);
 
 TMarkup MakeSvgLine(TPoint from, TPoint to, const char* look);
 
 TMarkup MakeSvgBox(TPoint corner, int width, int height, const char* look);
 
-/// The content, with its origin at the corner and cut off at that size.
-TMarkup MakeSvgClip(TPoint corner, int width, int height, const TMarkup& content);
-
-/// A picture of that size that shrinks with the page. `title`: the text alternative of the picture; empty for one that
-/// the text beside it tells, which is left out when a page is read aloud.
-TMarkup MakeSvg(int width, int height, const std::string& title, const TMarkup& content);
+/// A picture of that size that shrinks with the page. The text beside it must tell the same: it is left out when a page
+/// is read aloud.
+TMarkup MakeSvg(int width, int height, const TMarkup& content);

@@ -13,7 +13,6 @@ constexpr int kLeft = 38;
 constexpr int kRight = 176;
 constexpr int kTop = 20;
 constexpr int kBottom = 154;
-constexpr std::size_t kTickColumns = 30;
 
 struct TResolution {
   unsigned int width, height;
@@ -80,15 +79,15 @@ TMarkup MakeGrid(const TAxis& across, const TAxis& up) {
   for (const unsigned int tick : across.GetTicks()) {
     const int x = across.Place(tick);
     grid += MakeSvgLine({x, up.GetOrigin()}, {x, up.GetEnd()}, "grid");
-    grid += MakeSvgText({x, up.GetOrigin() + 14}, std::to_string(tick), kTickColumns, "tick middle");
+    grid += MakeSvgText({x, up.GetOrigin() + 14}, std::to_string(tick), "middle");
   }
   for (const unsigned int tick : up.GetTicks()) {
     const int y = up.Place(tick);
     grid += MakeSvgLine({across.GetOrigin(), y}, {across.GetEnd(), y}, "grid");
-    grid += MakeSvgText({across.GetOrigin() - 5, y + 4}, std::to_string(tick), kTickColumns, "tick end");
+    grid += MakeSvgText({across.GetOrigin() - 5, y + 4}, std::to_string(tick), "end");
   }
-  return grid + MakeSvgText({kRight, up.GetOrigin() + 30}, "width in pixels", kTickColumns, "tick end") +
-         MakeSvgText({2, 10}, "height in pixels", kTickColumns, "tick");
+  return grid + MakeSvgText({kRight, up.GetOrigin() + 30}, "width in pixels", "end") +
+         MakeSvgText({2, 10}, "height in pixels", "");
 }
 
 TMarkup MakeMark(TPoint at, bool isConfigured) {
@@ -114,7 +113,7 @@ TMarkup MakePlot(const std::vector<TResolution>& resolutions) {
   for (const TResolution& resolution : resolutions) {
     plot += MakeMark({across.Place(resolution.width), up.Place(resolution.height)}, resolution.isConfigured);
   }
-  return MakeSvg(kWidth, kHeight, "", plot);
+  return MakeSvg(kWidth, kHeight, plot);
 }
 
 TMarkup MakeList(const std::vector<TResolution>& resolutions) {

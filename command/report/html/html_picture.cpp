@@ -4,47 +4,19 @@
 
 namespace {
 
-constexpr int kWidth = 346;  // of a picture of controllers: what a phone shows without shrinking it
-constexpr int kLine = 16;    // from one line of text to the next
-constexpr int kGap = 12;
-constexpr int kTop = 1;  // room for the stroke of the first box
-
-// Boxes of controllers and heads.
-constexpr int kBoxWidth = 164;
-constexpr int kPad = 8;  // between a box and its text
-constexpr int kHeadX = kWidth - kBoxWidth - 1;
-constexpr std::size_t kBoxColumns = 20;
-
 constexpr int kScreenSide = 150;  // of the largest monitor, its longer side
 constexpr int kStroke = 2;        // of a monitor
-constexpr std::size_t kNameColumns = 40;
+constexpr std::size_t kNameColumns = 64;
 constexpr unsigned int kNeutralWidth = 40;  // cm
 constexpr unsigned int kNeutralHeight = 30;
 
-typedef std::vector<std::string> TLines;
-
-int GetBoxHeight(const TLines& lines) { return 2 * kPad + kLine * static_cast<int>(lines.size()); }
-
-/// The lines below each other, the first in bold. A line of wide letters is cut off at the width.
-TMarkup MakeLines(TPoint corner, int width, const TLines& lines, std::size_t columns) {
+/// The lines below each other, the first in bold, without those that are empty.
+TMarkup MakeLines(const std::vector<std::string>& lines) {
   TMarkup markup;
-  int bottom = 0;
   for (const std::string& line : lines) {
-    const char* look = bottom == 0 ? "name" : "";
-    bottom += kLine;
-    markup += MakeSvgText({0, bottom - 4}, line, columns, look);
+    if (!line.empty()) markup += MakeElement("p", markup.IsEmpty() ? "name" : "", MakeShortText(line, kNameColumns));
   }
-  return MakeSvgClip(corner, width, bottom, markup);
-}
-
-TMarkup MakeBox(TPoint corner, const TLines& lines, const char* look) {
-  return MakeSvgBox(corner, kBoxWidth, GetBoxHeight(lines), look) +
-         MakeLines({corner.x + kPad, corner.y + kPad}, kBoxWidth - 2 * kPad, lines, kBoxColumns);
-}
-
-TLines DropEmpty(TLines lines) {
-  lines.erase(std::remove(lines.begin(), lines.end(), std::string()), lines.end());
-  return lines;
+  return markup;
 }
 
 /// The name of a device, unless it only repeats the id.
@@ -53,28 +25,22 @@ std::string GetOwnName(const TInstanceView& device) {
   return name == device.Text("DeviceID") ? std::string() : name;
 }
 
-TLines DescribeController(const TInstanceView& controller) {
-  return DropEmpty({controller.Text("DeviceID"), GetOwnName(controller), controller.Text("DisplayId")});
+TMarkup MakeController(const TInstanceView& controller) {
+  return MakeElement("div", "controller",
+                     MakeLines({controller.Text("DeviceID"), GetOwnName(controller), controller.Text("DisplayId")}));
 }
 
-TLines DescribeHead(const TInstanceView& head) {
+TMarkup MakeHead(const TInstanceView& head) {
   const std::string depth =
       head.Has("CurrentBitsPerPixel") ? head.TextWithUnit("CurrentBitsPerPixel") + " per pixel" : "";
-  return DropEmpty({"Head " + head.Text("HeadNumber"), head.Text("DeviceID"),
-                    head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"), depth});
+  return MakeElement("li", MakeLines({"Head " + head.Text("HeadNumber"), head.Text("DeviceID"),
+                                      head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"), depth}));
 }
 
-/// Draws the heads below each other, and gives where they end. `from` is the side of their controller, or null.
-int DrawHeads(TMarkup& picture, const TInstances& heads, const TPoint* from) {
-  int top = kTop;
-  for (const TInstanceView& head : heads) {
-    const TLines lines = DescribeHead(head);
-    const TPoint side = {kHeadX, top + GetBoxHeight(lines) / 2};
-    if (from != nullptr) picture += MakeSvgLine(*from, side, "link");
-    picture += MakeBox({kHeadX, top}, lines, "head");
-    top += GetBoxHeight(lines) + kGap;
-  }
-  return top;
+TMarkup MakeHeads(const TInstances& heads) {
+  TMarkup items;
+  for (const TInstanceView& head : heads) items += MakeHead(head);
+  return heads.empty() ? items : MakeElement("ul", "heads", std::move(items));
 }
 
 struct TSize {
@@ -101,7 +67,7 @@ TMarkup MakeScreen(const TSize& size, unsigned int longest, int height) {
   const char* const look = size.isKnown ? "monitor" : "monitor unknown";
   const TMarkup box =
       MakeSvgBox({kStroke / 2, height - screen - kStroke / 2}, Scale(size.width, longest), screen, look);
-  return MakeSvg(kScreenSide + kStroke, height, "", box);
+  return MakeSvg(kScreenSide + kStroke, height, box);
 }
 
 TMarkup DescribeMonitor(const TMonitorView& view, const TSize& size, const std::string& id) {
@@ -112,27 +78,14 @@ TMarkup DescribeMonitor(const TMonitorView& view, const TSize& size, const std::
   return lines + MakeElement("p", std::to_string(size.width) + " x " + std::to_string(size.height) + " cm");
 }
 
-TMarkup MakeVideoPicture(const TMarkup& picture, int bottom, const std::string& title) {
-  return MakeSvg(kWidth, bottom - kGap + 1, title, picture);
-}
-
 }  // namespace
 
 TMarkup MakeVideoPictures(const TRequestView& view) {
   TMarkup pictures;
   for (const auto& [controller, heads] : view.GetControllers()) {
-    const TLines lines = DescribeController(controller);
-    const int boxBottom = kTop + GetBoxHeight(lines) + kGap;
-    const TPoint side = {1 + kBoxWidth, kTop + GetBoxHeight(lines) / 2};
-    TMarkup picture;
-    const int headsBottom = DrawHeads(picture, heads, &side);
-    picture += MakeBox({1, kTop}, lines, "controller");
-    pictures += MakeVideoPicture(picture, std::max(boxBottom, headsBottom), "A video controller with its heads");
+    pictures += MakeElement("div", "card", MakeController(controller) + MakeHeads(heads));
   }
-  if (view.GetLooseHeads().empty()) return pictures;
-  TMarkup picture;
-  const int bottom = DrawHeads(picture, view.GetLooseHeads(), nullptr);
-  return pictures + MakeVideoPicture(picture, bottom, "Heads without a video controller");
+  return pictures + MakeHeads(view.GetLooseHeads());
 }
 
 TMarkup MakeMonitorPictures(const TRequestView& view, const std::string& id) {

@@ -1,11 +1,10 @@
-// Pictures of a machine, as SVG in the page: its controllers with their heads, and its monitors to scale.
+// Pictures of a machine in the page: its controllers with their heads, as boxes, and its monitors to scale, as SVG.
 #pragma once
 
 #include "command/report/html/html_markup.h"
 #include "command/report/request_view.h"
 
-/// Each controller in a picture of its own: a box, joined to the boxes of its heads; heads without a controller are in
-/// the last one.
+/// Each controller as a box, joined to the boxes of its heads; heads without a controller are separate.
 TMarkup MakeVideoPictures(const TRequestView& view);
 
 /// Each monitor as a box to the scale of its physical size, with its name below as a link to `id` and its number, from
