@@ -21,6 +21,7 @@
 #include "command/fleet/fleet.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
+#include "command/machine/maker_names.h"
 #include "command/machine/this_machine.h"
 #include "command/options.h"
 #include "command/report/html/html_report.h"
@@ -117,7 +118,7 @@ std::string MakeReport(const TOptions& options, const TMachine& machine, const T
     case EFormat::kText:
       break;
   }
-  return MakeTextReport(answer);
+  return MakeTextReport(answer, TMakerNames(FindMakerList()), ChooseTextWidth(GetTerminalWidth()));
 }
 
 std::string Answer(const TOptions& options) {

@@ -188,14 +188,17 @@ void WriteInstanceMembers(TJsonWriter& json, const TStoredInstance& instance) {
 /// The rows, as long as `maxSize` bytes at most; else throws std::length_error.
 class TRows {
  public:
-  TRows(const std::string& machine, std::size_t maxSize) : m_machine(machine), m_maxSize(maxSize) {}
+  TRows(const std::string& machine, const TAnswerIdentity& identity, std::size_t maxSize)
+      : m_machine(machine), m_identity(identity), m_maxSize(maxSize) {}
 
-  /// `write`: writes the members of one row after the machine's.
+  /// `write`: writes the members of one row after those that all rows have.
   template <typename TWrite>
   void Add(TWrite write) {
     TJsonWriter json(TJsonWriter::ELayout::kOneLine);
     json.BeginObject();
     WriteMember(json, "machine", m_machine);
+    if (!m_identity.collected.empty()) WriteMember(json, "collected", m_identity.collected);
+    WriteMember(json, "version", m_identity.version);
     write(json);
     json.EndObject();
     m_text += json.TakeText() + "\n";
@@ -206,12 +209,13 @@ class TRows {
 
  private:
   const std::string& m_machine;
+  const TAnswerIdentity& m_identity;
   const std::size_t m_maxSize;
   std::string m_text;
 };
 
 std::string MakeRows(const std::string& machine, const TAnswer& answer, std::size_t maxSize) {
-  TRows rows(machine, maxSize);
+  TRows rows(machine, answer.identity, maxSize);
   for (const TRequestAnswer& request : answer.requests) {
     for (const auto& instance : request.instances) {
       rows.Add([&](TJsonWriter& json) { WriteInstanceMembers(json, *instance); });

@@ -16,7 +16,8 @@ std::string MakeJsonReport(const TAnswer& answer, ELogPart log = ELogPart::kKept
 std::string MakeMachineLine(const std::string& machine, const TAnswer& answer, ELogPart log = ELogPart::kKept);
 
 /// The answer as rows for a table: a line for each instance, in commit order, with its class, its path and its
-/// properties as plain values, and a line for each output, of the class "output". `machine` is in each.
+/// properties as plain values, and a line for each output, of the class "output". Each begins with `machine`, the time
+/// of the collection, where it is known, and the version of the command.
 std::string MakeRows(const std::string& machine, const TAnswer& answer);
 
 /// The same for one of many machines: throws TUnusable when they would be longer than 64 MiB.

@@ -46,7 +46,9 @@ std::string WriteInput(const TEdidFacts& facts) {
   return text;
 }
 
+/// Some monitors give no rates but zeros.
 std::string WriteRates(const TRates& rates, const char* unit) {
+  if (rates.max == 0) return std::string();
   return std::to_string(rates.min) + " to " + std::to_string(rates.max) + unit;
 }
 
@@ -72,7 +74,7 @@ std::string WritePreferredMode(const TEdidFacts& facts) {
 }
 
 std::string Range(const TInstanceView& monitor, const char* min, const char* max) {
-  return monitor.Has(min) ? monitor.Text(min) + " to " + monitor.TextWithUnit(max) : std::string();
+  return monitor.Number(max) != 0 ? monitor.Text(min) + " to " + monitor.TextWithUnit(max) : std::string();
 }
 
 std::string ReadSize(const TInstanceView& monitor) {

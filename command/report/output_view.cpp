@@ -40,6 +40,12 @@ std::string DescribeSerialNumber(const TAnswer& answer, const TOutput& output) {
   return twin == nullptr ? "" : "none; " + GetName(*twin) + " is of the same model and has none either";
 }
 
+std::vector<TOutputRow> DropEmpty(std::vector<TOutputRow> rows) {
+  rows.erase(std::remove_if(rows.begin(), rows.end(), [](const TOutputRow& row) { return row.text.empty(); }),
+             rows.end());
+  return rows;
+}
+
 }  // namespace
 
 std::string WriteRefresh(const TPreferredMode& mode) { return WriteFixed(mode.refresh, 3); }
@@ -55,16 +61,21 @@ const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId) {
 std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& output) {
   if (!output.facts || !output.facts->isVersion1) return {};
   const TEdidFacts& facts = *output.facts;
-  std::vector<TOutputRow> rows = {
+  std::vector<TOutputRow> rows = DropEmpty({
       {"Preferred mode", facts.preferredMode ? WriteMode(*facts.preferredMode) : ""},
       {"Diagonal", facts.diagonalInches ? WriteDiagonal(*facts.diagonalInches) + " inches" : ""},
       {"Product code", std::to_string(facts.productCode)},
-      {"Serial in header", DescribeSerialNumber(answer, output)},
-      {"EDID checksums", facts.hasValidChecksums ? "" : "wrong: a byte is damaged"},
-  };
-  rows.erase(std::remove_if(rows.begin(), rows.end(), [](const TOutputRow& row) { return row.text.empty(); }),
-             rows.end());
+  });
+  for (const TOutputRow& row : DescribeHeader(answer, output)) rows.push_back(row);
   return rows;
+}
+
+std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& output) {
+  if (!output.facts || !output.facts->isVersion1) return {};
+  return DropEmpty({
+      {"Serial in header", DescribeSerialNumber(answer, output)},
+      {"EDID checksums", output.facts->hasValidChecksums ? "" : "wrong: a byte is damaged"},
+  });
 }
 
 std::string ExplainUnlisted(const TOutput& output) { return GetName(output) + " is not listed: " + output.reason; }

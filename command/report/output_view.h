@@ -18,6 +18,10 @@ const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId);
 /// What the EDID says beyond the plug-in's classes; rows without a text are left out.
 std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& output);
 
+/// Of these, what matters beside the facts of the monitor (monitor_facts.h): the header's serial number and the
+/// checksums.
+std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& output);
+
 /// A sentence that names an output that the plug-in does not report, and says why.
 std::string ExplainUnlisted(const TOutput& output);
 

@@ -1,45 +1,16 @@
 #include "command/report/text_report.h"
 
 #include <algorithm>
-#include <string_view>
+#include <cmath>
+#include <tuple>
 #include <vector>
 
+#include "command/report/answer_identity.h"
+#include "command/report/monitor_facts.h"
 #include "command/report/output_view.h"
 #include "command/report/request_view.h"
 
 namespace {
-
-constexpr std::size_t kWidth = 80;       // columns
-constexpr std::size_t kLabelWidth = 18;  // columns, with the blanks after the label
-
-/// The text in lines: the first after `head`, the others indented as far. Lines break at blanks where they can; all
-/// other blanks stay.
-std::string Wrap(const std::string& head, std::string_view text) {
-  const std::size_t indent = CountColumns(head);
-  const std::size_t room = kWidth - indent;
-  std::string wrapped = head;
-  for (std::size_t limit = 0; (limit = GetLength(text, room)) < text.size();) {
-    const std::size_t blank = text.rfind(' ', limit);
-    const bool canBreak = blank != std::string_view::npos && blank > 0;
-    wrapped.append(text.substr(0, canBreak ? blank : limit)).append("\n").append(indent, ' ');
-    text.remove_prefix(canBreak ? blank + 1 : limit);
-  }
-  return wrapped.append(text).append("\n");
-}
-
-std::string MakeRow(const std::string& indent, const std::string& label, const std::string& text) {
-  if (text.empty()) return std::string();
-  return Wrap(indent + label + std::string(kLabelWidth - std::min(kLabelWidth, label.size()), ' '), text);
-}
-
-std::string Range(const TInstanceView& instance, const char* min, const char* max) {
-  return instance.Has(min) ? instance.Text(min) + " to " + instance.TextWithUnit(max) : std::string();
-}
-
-std::string Date(const TInstanceView& monitor) {
-  const std::string text = monitor.Text("ManufacturingDate");
-  return text.empty() ? text : "week of " + text.substr(0, 4) + "-" + text.substr(4, 2) + "-" + text.substr(6, 2);
-}
 
 std::string PowerStates(const TInstanceView& monitor) {
   std::vector<std::string> states;
@@ -50,9 +21,12 @@ std::string PowerStates(const TInstanceView& monitor) {
   return states.empty() ? "none" : JoinTexts(states);
 }
 
-std::string PictureSize(const TInstanceView& monitor) {
-  const std::string size = monitor.Size("HorizontalImageSize", "VerticalImageSize");
-  return size.empty() ? size : size + " " + monitor.Unit("HorizontalImageSize");
+/// In MiB, or in bytes where these are not whole MiB.
+std::string VideoMemory(const TInstanceView& controller) {
+  constexpr unsigned int mebibyte = 1024 * 1024;  // bytes
+  const unsigned int bytes = controller.Number("VideoRamSize");
+  if (bytes == 0 || bytes % mebibyte != 0) return controller.TextWithUnit("VideoRamSize");
+  return std::to_string(bytes / mebibyte) + " MiB";
 }
 
 /// The text and the words after it, or nothing.
@@ -63,53 +37,90 @@ std::string ConfiguredMode(const TInstanceView& head) {
                     Extend(head.TextWithUnit("CurrentBitsPerPixel"), " per pixel")});
 }
 
-// The rows under a device: a label, and how its text comes out of the instance. Rows without text are left out.
-struct TRow {
-  const char* label;
-  std::string (*text)(const TInstanceView&);
+/// The plug-in's instance of a monitor, and the facts that people read.
+struct TMonitorParts {
+  TInstanceView instance;
+  TMonitorFacts facts;
 };
 
-const TRow kControllerRows[] = {
+// The rows under a device: a label, and how its text comes out of what is known of it. Rows without text are left out.
+template <typename T>
+struct TRow {
+  const char* label;
+  std::string (*text)(const T&);
+};
+
+const TRow<TInstanceView> kControllerRows[] = {
     {"Display id", [](const TInstanceView& i) { return i.Text("DisplayId"); }},
     {"Chip", [](const TInstanceView& i) { return i.Text("VideoProcessor"); }},
     {"DAC", [](const TInstanceView& i) { return i.Text("DACType"); }},
-    {"Video memory", [](const TInstanceView& i) { return i.TextWithUnit("VideoRamSize"); }},
+    {"Video memory", VideoMemory},
 };
 
-const TRow kHeadRows[] = {
+const TRow<TInstanceView> kHeadRows[] = {
     {"Configured mode", ConfiguredMode},
     {"Monitor model", [](const TInstanceView& i) { return i.Text("MonitorString"); }},
 };
 
-const TRow kMonitorRows[] = {
-    {"Manufacturer", [](const TInstanceView& i) { return i.Text("MonitorManufacturer"); }},
-    {"Serial number", [](const TInstanceView& i) { return i.Text("SerialNumber"); }},
-    {"Manufactured", Date},
-    {"Picture", PictureSize},
-    {"Gamma", [](const TInstanceView& i) { return i.Text("Gamma"); }},
-    {"Line rate", [](const TInstanceView& i) { return Range(i, "MinHorizFreq", "MaxHorizFreq"); }},
-    {"Field rate", [](const TInstanceView& i) { return Range(i, "MinVertFreq", "MaxVertFreq"); }},
-    {"Pixel clock", [](const TInstanceView& i) { return Extend(i.TextWithUnit("Bandwidth"), " at most"); }},
-    {"Power saving", PowerStates},
-    {"Digital interface", [](const TInstanceView& i) { return i.Text("SupportedDigitalInterface"); }},
-    {"EDID version", [](const TInstanceView& i) { return i.Text("EDIDVersion"); }},
+const TRow<TMonitorParts> kMonitorRows[] = {
+    {"Manufacturer", [](const TMonitorParts& m) { return m.facts.GetMaker(); }},
+    {"Serial number", [](const TMonitorParts& m) { return m.facts.serialNumber; }},
+    {"Product code", [](const TMonitorParts& m) { return m.facts.productCode; }},
+    {"Manufactured", [](const TMonitorParts& m) { return m.facts.made; }},
+    {"Picture",
+     [](const TMonitorParts& m) {
+       return JoinTexts({m.facts.size, m.facts.diagonal});
+     }},
+    {"Input", [](const TMonitorParts& m) { return m.facts.input; }},
+    {"Line rate", [](const TMonitorParts& m) { return m.facts.lineRate; }},
+    {"Field rate", [](const TMonitorParts& m) { return m.facts.fieldRate; }},
+    {"Pixel clock", [](const TMonitorParts& m) { return m.facts.pixelClock; }},
+    {"Gamma", [](const TMonitorParts& m) { return m.instance.Text("Gamma"); }},
+    {"Power saving", [](const TMonitorParts& m) { return PowerStates(m.instance); }},
+    {"Digital interface", [](const TMonitorParts& m) { return m.instance.Text("SupportedDigitalInterface"); }},
+    {"EDID version", [](const TMonitorParts& m) { return m.instance.Text("EDIDVersion"); }},
 };
 
-template <std::size_t count>
-std::string MakeRows(const std::string& indent, const TRow (&rows)[count], const TInstanceView& instance) {
-  std::string text;
-  for (const TRow& row : rows) text += MakeRow(indent, row.label, row.text(instance));
-  return text;
+/// Width, height and rate of a mode, which sort by the size of the picture.
+struct TModeOrder {
+  explicit TModeOrder(const TInstanceView& mode)
+      : width(mode.Number("HorizontalResolution")),
+        height(mode.Number("VerticalResolution")),
+        rate(mode.Number("RefreshRate")) {}
+
+  bool operator>(const TModeOrder& other) const {
+    const auto key = [](const TModeOrder& mode) {
+      return std::tuple(std::uint64_t{mode.width} * mode.height, mode.width, mode.rate);
+    };
+    return key(*this) > key(other);
+  }
+
+  unsigned int width;
+  unsigned int height;
+  unsigned int rate;
+};
+
+/// The plug-in has rates in whole Hz.
+bool IsPreferred(const TInstanceView& mode, const TOutput* output) {
+  if (output == nullptr || !output->facts || !output->facts->preferredMode) return false;
+  const TPreferredMode& preferred = *output->facts->preferredMode;
+  const TModeOrder order(mode);
+  return order.width == preferred.width && order.height == preferred.height &&
+         std::lround(preferred.refresh) == static_cast<long>(order.rate);
 }
 
-std::string MakeTitle(const std::string& indent, const std::string& id, const std::string& name) {
-  return Wrap(indent, name.empty() || name == id ? id : id + ": " + name);
-}
+// What marks a mode in the list of modes, and what the mark says.
+constexpr const char* kConfiguredMark = "*";
+constexpr const char* kConfiguredLegend = "* the resolution that the configuration names";
+constexpr const char* kPreferredMark = "+";
+constexpr const char* kPreferredLegend = "+ the mode that the monitor prefers";
 
 /// The text of one request.
 class TRequestReport {
  public:
-  TRequestReport(const TAnswer& answer, const TRequestAnswer& request) : m_answer(answer), m_view(request) {}
+  TRequestReport(const TAnswer& answer, const TRequestAnswer& request, const TMakerNames& makers,
+                 const TTextLines& lines)
+      : m_answer(answer), m_makers(makers), m_lines(lines), m_view(request) {}
 
   std::string Make() const {
     std::string text;
@@ -123,9 +134,9 @@ class TRequestReport {
  private:
   std::string MakeVideo() const {
     std::string text = "Video controllers\n";
-    if (!m_answer.xconfigOrigin.empty()) text += Wrap("  X configuration ", m_answer.xconfigOrigin);
+    if (!m_answer.xconfigOrigin.empty()) text += m_lines.Wrap("  X configuration ", m_answer.xconfigOrigin);
     if (m_view.GetControllers().empty() && m_view.GetLooseHeads().empty()) {
-      text += Wrap("  None: ", ExplainNoControllers(m_answer));
+      text += m_lines.Wrap("  None: ", ExplainNoControllers(m_answer));
     }
     for (const auto& [controller, heads] : m_view.GetControllers()) {
       text += MakeTitle("  ", controller.Text("DeviceID"), controller.Text("Name"));
@@ -143,57 +154,89 @@ class TRequestReport {
 
   std::string MakeMonitors() const {
     std::string text = "Monitors\n";
-    if (m_view.GetMonitors().empty()) text += Wrap("  None: ", m_answer.edidOrigin.none);
-    for (const auto& [id, monitor, modes] : m_view.GetMonitors()) {
-      text += MakeTitle("  ", id, monitor ? monitor->Text("Name") : "");
-      if (monitor) {
-        text += MakeRows("    ", kMonitorRows, *monitor);
-        text += MakeRow("    ", "EDID read from", GetEdidSource(*monitor, m_answer));
-      }
-      text += MakeOutput(id) + MakeModes(modes);
+    if (m_view.GetMonitors().empty()) text += m_lines.Wrap("  None: ", m_answer.edidOrigin.none);
+    for (const TMonitorView& monitor : m_view.GetMonitors()) text += MakeMonitor(monitor);
+    for (const std::string& sentence : ExplainUnlisted(m_answer)) text += m_lines.Wrap("  ", sentence + ".");
+    return text;
+  }
+
+  std::string MakeMonitor(const TMonitorView& view) const {
+    const TOutput* const output = FindOutput(m_answer, view.id);
+    std::string text = MakeTitle("  ", view.id, view.monitor ? view.monitor->Text("Name") : "");
+    const TMonitorFacts facts = DescribeMonitor(output, view.monitor ? &*view.monitor : nullptr, m_makers);
+    if (view.monitor) {
+      text += MakeRows("    ", kMonitorRows, TMonitorParts{*view.monitor, facts});
+      text += MakeRow("EDID read from", GetEdidSource(*view.monitor, m_answer));
+      if (output != nullptr) text += MakeHeader(*output, facts);
     }
-    for (const std::string& sentence : ExplainUnlisted(m_answer)) text += Wrap("  ", sentence + ".");
-    return text;
+    return text + MakeRow("Preferred mode", facts.preferredMode) + MakeModes(view.modes, output);
   }
 
-  std::string MakeOutput(const std::string& deviceId) const {
-    const TOutput* const output = FindOutput(m_answer, deviceId);
+  /// A serial number that the monitor's facts have already is not repeated.
+  std::string MakeHeader(const TOutput& output, const TMonitorFacts& facts) const {
     std::string text;
-    if (output == nullptr) return text;
-    for (const auto& [label, content] : DescribeOutput(m_answer, *output)) text += MakeRow("    ", label, content);
+    for (const auto& [label, content] : DescribeHeader(m_answer, output)) {
+      if (content != facts.serialNumber) text += MakeRow(label, content);
+    }
     return text;
   }
 
-  std::string MakeModes(const TInstances& modes) const {
+  std::string MakeModes(TInstances modes, const TOutput* output) const {
+    std::stable_sort(modes.begin(), modes.end(), [](const TInstanceView& left, const TInstanceView& right) {
+      return TModeOrder(left) > TModeOrder(right);
+    });
     std::vector<std::string> texts;
     bool hasConfigured = false;
+    bool hasPreferred = false;
     for (const TInstanceView& mode : modes) {
       const bool isConfigured = m_view.IsConfigured(mode);
+      const bool isPreferred = IsPreferred(mode, output);
       hasConfigured = hasConfigured || isConfigured;
+      hasPreferred = hasPreferred || isPreferred;
       texts.push_back(mode.Text("HorizontalResolution") + "x" + mode.Text("VerticalResolution") + "@" +
-                      mode.Text("RefreshRate") + mode.Unit("RefreshRate") + (isConfigured ? "*" : ""));
+                      mode.Text("RefreshRate") + mode.Unit("RefreshRate") + (isConfigured ? kConfiguredMark : "") +
+                      (isPreferred ? kPreferredMark : ""));
     }
-    return MakeRow("    ", "Modes", JoinTexts(texts)) +
-           (hasConfigured ? MakeRow("    ", "", "* the resolution that the configuration names") : "");
+    return MakeRow("Modes", JoinTexts(texts)) + MakeRow("", hasConfigured ? kConfiguredLegend : "") +
+           MakeRow("", hasPreferred ? kPreferredLegend : "");
   }
 
   std::string MakeComplaints(EPart part) const {
     std::string text;
-    for (const std::string& complaint : m_view.GetComplaints(part)) text += Wrap("    ", complaint);
+    for (const std::string& complaint : m_view.GetComplaints(part)) text += m_lines.Wrap("    ", complaint);
     return text.empty() ? text : "  The plug-in says:\n" + text;
   }
 
+  std::string MakeTitle(const std::string& indent, const std::string& id, const std::string& name) const {
+    return m_lines.Wrap(indent, name.empty() || name == id ? id : id + ": " + name);
+  }
+
+  template <typename T, std::size_t count>
+  std::string MakeRows(const std::string& indent, const TRow<T> (&rows)[count], const T& device) const {
+    std::string text;
+    for (const TRow<T>& row : rows) text += m_lines.MakeRow(indent, row.label, row.text(device));
+    return text;
+  }
+
+  /// Of a monitor.
+  std::string MakeRow(const char* label, const std::string& text) const { return m_lines.MakeRow("    ", label, text); }
+
   const TAnswer& m_answer;
+  const TMakerNames& m_makers;
+  const TTextLines& m_lines;
   const TRequestView m_view;
 };
 
 }  // namespace
 
-std::string MakeTextReport(const TAnswer& answer) {
-  std::string text;
+std::string MakeTextReport(const TAnswer& answer, const TMakerNames& makers, std::size_t width) {
+  const TTextLines lines(width);
+  std::string text =
+      lines.Wrap("", ShowSystemName(answer.identity)) + lines.Wrap("", DescribeCollection(answer.identity));
   for (const TRequestAnswer& request : answer.requests) {
-    if (answer.requests.size() > 1) text += (text.empty() ? "" : "\n") + Wrap("Request: ", JoinTexts(request.classes));
-    text += TRequestReport(answer, request).Make();
+    text += "\n";
+    if (answer.requests.size() > 1) text += lines.Wrap("Request: ", JoinTexts(request.classes));
+    text += TRequestReport(answer, request, makers, lines).Make();
   }
   return text;
 }

@@ -1,10 +1,15 @@
-// The answer for people: the instances joined into one picture of the machine, at most 80 columns wide.
+// The answer for people: whose it is, and the instances joined into one picture of the machine.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "command/collection/collection.h"
+#include "command/machine/maker_names.h"
+#include "command/report/text_lines.h"
 
-/// For each request, the video controllers with their heads, then the monitors with their modes, as far as the request
-/// asked for them. A part that is empty says why, and a monitor says where its EDID came from, if the answer knows.
-std::string MakeTextReport(const TAnswer& answer);
+/// The machine and when it was collected from; then, for each request, the video controllers with their heads, and the
+/// monitors with their modes, as far as the request asked for them. A part that is empty says why, and a monitor says
+/// where its EDID came from, if the answer knows. `width`: columns, as ChooseTextWidth chooses them.
+std::string MakeTextReport(const TAnswer& answer, const TMakerNames& makers = TMakerNames(),
+                           std::size_t width = kTextWidth);

@@ -11,6 +11,7 @@
 #include "tests/support/edid_builder.h"
 #include "tests/support/process.h"
 #include "tests/support/sanitizers.h"
+#include "tests/support/terminal.h"
 
 using nlohmann::json;
 using testing::AnyOf;
@@ -105,11 +106,40 @@ TEST_F(Command, ShowsOnlyErrorsWhenAskedTo) { EXPECT_EQ(Run("--log-level error")
 TEST_F(Command, WritesEachFormat) {
   machine.Edid(0, TEdidBuilder().Name(0, "A <b> \"c\"").Build());
   const std::string classAndFormat = "QRXSG_DesktopMonitor --format ";
-  EXPECT_THAT(Run(classAndFormat + "text").output, StartsWith("Monitors\n  Monitor 1: A <b> \"c\"\n"));
+  EXPECT_THAT(Run(classAndFormat + "text").output, HasSubstr("\nMonitors\n  Monitor 1: A <b> \"c\"\n"));
   EXPECT_TRUE(json::accept(Run(classAndFormat + "json").output));
   EXPECT_THAT(Run(classAndFormat + "mof").output, HasSubstr("    Name = \"A <b> \\\"c\\\"\";\n"));
   EXPECT_THAT(Run(classAndFormat + "html").output,
               AllOf(StartsWith("<!DOCTYPE html>\n<html"), HasSubstr("<td>A &lt;b&gt; &quot;c&quot;</td>")));
+}
+
+TEST_F(Command, BeginsTheReportWithTheMachineAndTheTimeOfItsCapture) {
+  machine.Json(R"({"systemName": "ws-17", "collected": "2026-11-21T21:30:00Z"})");
+  EXPECT_THAT(Run("QRXSG_DesktopMonitor").output,
+              StartsWith("ws-17\nCollected 2026-11-21 21:30:00 UTC, shown by displayinfo "));
+}
+
+TEST_F(Command, FillsTheWidthOfTheTerminal) {
+  machine.Edid(0, TEdidBuilder().Established(0xFF, 0xFF).Build());
+  for (const std::size_t width : {40U, 120U}) {
+    TTerminal terminal;
+    terminal.SetColumns(width);
+    EXPECT_EQ(Run("--log-level error >" + terminal.GetName()).status, 0);
+    std::istringstream lines(terminal.Read());
+    std::size_t longest = 0;
+    for (std::string line; std::getline(lines, line);) longest = std::max(longest, line.size() - 1);  // without its \r
+    EXPECT_LE(longest, width);
+    EXPECT_GT(longest, width - 15);  // one mode more would not fit
+  }
+}
+
+TEST_F(Command, NamesTheMakersThatTheListKnows) {
+  machine.Edid(0, TEdidBuilder().Manufacturer("ACM").Build()).File("pnp.ids", "ACM\tAcme Corporation\n");
+  const auto run = [&](const std::string& list) {
+    return RunShell("DISPLAYINFO_PNP_IDS=" + list + " " + kCommand + " --machine " + machine.GetPath().string()).output;
+  };
+  EXPECT_THAT(run(machine.GetPath() / "pnp.ids"), HasSubstr("    Manufacturer      ACM (Acme Corporation)\n"));
+  EXPECT_THAT(run(""), HasSubstr("    Manufacturer      ACM\n"));
 }
 
 TEST_F(Command, SucceedsWhenNothingIsFoundAndSaysWhy) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -20,6 +21,13 @@ class TTerminal {
   }
   TTerminal(const TTerminal&) = delete;
   TTerminal& operator=(const TTerminal&) = delete;
+
+  void SetColumns(std::size_t columns) const {
+    winsize size = {};
+    size.ws_row = 24;
+    size.ws_col = static_cast<unsigned short>(columns);
+    if (ioctl(m_keyboard, TIOCSWINSZ, &size) != 0) throw std::runtime_error("no width for the terminal");
+  }
 
   /// To be opened by a command that is to believe that it runs on the terminal.
   std::string GetName() const { return ptsname(m_screen); }

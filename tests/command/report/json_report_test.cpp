@@ -12,6 +12,7 @@ using nlohmann::json;
 using NQRXZELT20::ILogger;
 using NQRXZELT20::TCIMDateTime;
 using NQRXZELT20::TCIMValue;
+using testing::StartsWith;
 
 namespace {
 
@@ -162,16 +163,26 @@ TEST_F(JsonReport, WritesARowForEachInstanceAndEachOutput) {
        {"Gamma", TCIMValue(2.2F)},
        {"OperationalStatus", TCIMValue(TType(TType::kUint16), 1, {TCIMValue(static_cast<unsigned short>(2))})}});
   answer.outputs = {MakeOutput(0)};
+  answer.identity = {"seventeen", "2026-11-21T21:30:00Z", "1.4.0"};
   const std::string rows = MakeRows("ws-17", answer);
   const std::size_t end = rows.find('\n');
   EXPECT_EQ(json::parse(rows.substr(0, end)), json::parse(R"({
-    "machine": "ws-17", "class": "QRXSG_DesktopMonitor", "path": "QRXSG_DesktopMonitor.DeviceID=\"Monitor 1\"",
+    "machine": "ws-17", "collected": "2026-11-21T21:30:00Z", "version": "1.4.0", "class": "QRXSG_DesktopMonitor", "path": "QRXSG_DesktopMonitor.DeviceID=\"Monitor 1\"",
     "DeviceID": "Monitor 1", "Gamma": 2.2, "OperationalStatus": [2]})"));
   EXPECT_EQ(json::parse(rows.substr(end + 1)), json::parse(R"({
-    "machine": "ws-17", "class": "output", "unit": 0, "connector": "card0-DP-1", "deviceID": null, "reason": "",
+    "machine": "ws-17", "collected": "2026-11-21T21:30:00Z", "version": "1.4.0", "class": "output", "unit": 0, "connector": "card0-DP-1", "deviceID": null, "reason": "",
     "productCode": 4660, "serialNumber": 305419896, "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
     "diagonalInches": 27.2, "checksums": true, "edid": "AP8="})"));
   EXPECT_EQ(MakeMachineRows("ws-17", answer), rows);
+}
+
+TEST_F(JsonReport, BeginsRowsWithWhoseTheyAre) {
+  TAnswer answer = AnswerWith({{"DeviceID", TCIMValue("Monitor 1")}});
+  answer.identity = {"seventeen", "2026-11-21T21:30:00Z", "1.4.0"};
+  EXPECT_THAT(MakeRows("ws-17", answer),
+              StartsWith(R"({"machine":"ws-17","collected":"2026-11-21T21:30:00Z","version":"1.4.0","class":)"));
+  answer.identity.collected.clear();
+  EXPECT_THAT(MakeRows("ws-17", answer), StartsWith(R"({"machine":"ws-17","version":"1.4.0","class":)"));
 }
 
 TEST_F(JsonReport, WritesNoRowsOfAnEmptyAnswer) { EXPECT_EQ(MakeRows("ws-17", TAnswer()), ""); }

@@ -154,6 +154,15 @@ TEST_F(MonitorFacts, SayRatesBeyond255SinceVersion14) {
   EXPECT_EQ(Describe(edid(3, 0x0F)).fieldRate, "1 to 105 Hz");
 }
 
+TEST_F(MonitorFacts, SayNoRatesOfZero) {
+  const std::vector<std::uint8_t> edid = TEdidBuilder().RangeLimits(0, 48, 60, 0, 0, 33).Build();
+  const TOutput output = {0, "", "Monitor 1", "", ReadEdidFacts(edid), edid};
+  const TCIMValue zero(static_cast<unsigned char>(0));
+  const TInstanceView monitor = CommitMonitor({{"MinHorizFreq", zero}, {"MaxHorizFreq", zero}});
+  EXPECT_EQ(DescribeMonitor(&output, &monitor, TMakerNames()).lineRate, "");
+  EXPECT_EQ(DescribeMonitor(&output, &monitor, TMakerNames()).fieldRate, "48 to 60 Hz");
+}
+
 TEST_F(MonitorFacts, SayNoPixelClockThatIsNotGiven) {
   for (const unsigned int clock : {0U, 0xFFU}) {
     EXPECT_EQ(Describe(TEdidBuilder().RangeLimits(0, 56, 76, 30, 83, clock)).pixelClock, "");

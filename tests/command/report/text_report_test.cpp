@@ -5,6 +5,8 @@
 #include <sstream>
 
 #include "tests/support/answer_test.h"
+#include "tests/support/edid_builder.h"
+#include "tests/support/temporary_folder.h"
 
 using NQRXZELT20::ILogger;
 using NQRXZELT20::TCIMDateTime;
@@ -16,9 +18,42 @@ namespace {
 
 class TextReport : public TAnswerTest {
  protected:
+  TextReport() { answer.identity = {"ws-17", "2026-11-21T21:30:00Z", "1.4.0"}; }
+
+  /// What follows the lines that say whose report it is.
   std::string Make(const TRequest& classes, const std::vector<TLogEntry>& log = {}) {
     EndRequest(classes, log);
-    return MakeTextReport(answer);
+    return MakeBody();
+  }
+
+  std::string MakeBody(std::size_t width = kTextWidth) const {
+    const std::string text = MakeTextReport(answer, TMakerNames(), width);
+    return text.substr(text.find("\n\n") + 2);
+  }
+
+  void CommitMode(const char* settingId, unsigned int width, unsigned int height, unsigned int rate) {
+    Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue(settingId)},
+                                       {"HorizontalResolution", TCIMValue(width)},
+                                       {"VerticalResolution", TCIMValue(height)},
+                                       {"RefreshRate", TCIMValue(rate)}});
+  }
+
+  std::string ShowVideoMemory(unsigned int bytes) {
+    Commit("QRXSG_VideoController", {{"DeviceID", TCIMValue("Card0")}, {"VideoRamSize", TCIMValue(bytes)}});
+    const std::string text = Make({"QRXSG_VideoController"});
+    answer.requests.clear();
+    return text;
+  }
+
+  /// Gives the first monitor's output that EDID.
+  void SetOutput(const TEdidBuilder& edid) {
+    const std::vector<std::uint8_t> bytes = edid.Build();
+    answer.outputs = {{0, "card0-DP-1", "Monitor 1", "", ReadEdidFacts(bytes), bytes}};
+  }
+
+  void CommitMonitor(const TEdidBuilder& edid) {
+    Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
+    SetOutput(edid);
   }
 
   static std::size_t GetWidth(const std::string& text) {
@@ -30,6 +65,16 @@ class TextReport : public TAnswerTest {
 };
 
 }  // namespace
+
+TEST_F(TextReport, BeginsWithTheMachineTheTimeAndTheVersion) {
+  EndRequest({"QRXSG_DesktopMonitor"});
+  EXPECT_EQ(MakeTextReport(answer),
+            "ws-17\n"
+            "Collected 2026-11-21 21:30:00 UTC, shown by displayinfo 1.4.0\n"
+            "\n"
+            "Monitors\n"
+            "  None: no EDID from unit 0 of the video BIOS.\n");
+}
 
 TEST_F(TextReport, ShowsAMonitorWithAllItSays) {
   TCIMDateTime date;
@@ -60,10 +105,10 @@ TEST_F(TextReport, ShowsAMonitorWithAllItSays) {
             "    Serial number     A190-1\n"
             "    Manufactured      week of 2008-04-01\n"
             "    Picture           38 x 30 cm\n"
-            "    Gamma             2.2\n"
             "    Line rate         30 to 83 kHz\n"
             "    Field rate        56 to 76 Hz\n"
             "    Pixel clock       140 MHz at most\n"
+            "    Gamma             2.2\n"
             "    Power saving      standby, active off\n"
             "    Digital interface 2\n"
             "    EDID version      1.3\n");
@@ -117,20 +162,19 @@ TEST_F(TextReport, NamesTheConfigurationFileThatYieldsNothing) {
   EXPECT_THAT(Make({"QRXSG_VideoController"}), HasSubstr("None: /etc/X11/xorg.conf yields none.\n"));
 }
 
-TEST_F(TextReport, StaysWithinEightyColumns) {
+TEST_F(TextReport, StaysWithinItsWidth) {
   std::string words;
   for (int count = 0; count < 50; ++count) words += "word ";
+  answer.identity.systemName = words;
   Commit("QRXSG_DesktopMonitor",
          {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue(words)}, {"SerialNumber", TCIMValue(words)}});
-  const std::string text = Make({"QRXSG_DesktopMonitor"});
-  EXPECT_LE(GetWidth(text), 80U) << text;
-  EXPECT_GT(GetWidth(text), 70U) << text;
-}
-
-TEST_F(TextReport, BreaksAWordThatIsLongerThanALine) {
-  Commit("QRXSG_DesktopMonitor",
-         {{"DeviceID", TCIMValue("Monitor 1")}, {"SerialNumber", TCIMValue(std::string(200, 'x'))}});
-  EXPECT_EQ(GetWidth(Make({"QRXSG_DesktopMonitor"})), 80U);
+  EndRequest({"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"});
+  EndRequest({"QRXSG_VideoController"});
+  for (const std::size_t width : {kMinTextWidth, kTextWidth, kMaxTextWidth}) {
+    const std::string text = MakeTextReport(answer, TMakerNames(), width);
+    EXPECT_LE(GetWidth(text), width) << text;
+    EXPECT_GT(GetWidth(text), width - 6) << text;
+  }
 }
 
 TEST_F(TextReport, KeepsTheBlanksOfAName) {
@@ -193,19 +237,13 @@ TEST_F(TextReport, ShowsAControllerOnceHoweverOftenItWasMade) {
 }
 
 TEST_F(TextReport, GivesEachMonitorItsModesAndMarksTheConfiguredOne) {
-  const auto commitMode = [&](const char* settingId, unsigned int width, unsigned int height) {
-    Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue(settingId)},
-                                       {"HorizontalResolution", TCIMValue(width)},
-                                       {"VerticalResolution", TCIMValue(height)},
-                                       {"RefreshRate", TCIMValue(60U)}});
-  };
   Commit("QRXSG_VideoHead", {{"HeadNumber", TCIMValue(static_cast<unsigned char>(1))},
                              {"CurrentHorizontalResolution", TCIMValue(640U)},
                              {"CurrentVerticalResolution", TCIMValue(480U)}});
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
-  commitMode("Monitor 1\\ Setting 1", 800, 600);
-  commitMode("Monitor 1\\ Setting 2", 640, 480);
-  commitMode("Monitor 10\\ Setting 1", 800, 600);
+  CommitMode("Monitor 1\\ Setting 1", 800, 600, 60);
+  CommitMode("Monitor 1\\ Setting 2", 640, 480, 60);
+  CommitMode("Monitor 10\\ Setting 1", 800, 600, 60);
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"}),
             "Monitors\n"
             "  Monitor 1\n"
@@ -214,6 +252,61 @@ TEST_F(TextReport, GivesEachMonitorItsModesAndMarksTheConfiguredOne) {
             "                      * the resolution that the configuration names\n"
             "  Monitor 10\n"
             "    Modes             800x600@60Hz\n");
+}
+
+TEST_F(TextReport, SortsModesBySizeAndRate) {
+  CommitMode("Monitor 1\\ Setting 1", 640, 480, 75);
+  CommitMode("Monitor 1\\ Setting 2", 1280, 800, 60);
+  CommitMode("Monitor 1\\ Setting 3", 1152, 864, 75);
+  CommitMode("Monitor 1\\ Setting 4", 1280, 1024, 60);
+  CommitMode("Monitor 1\\ Setting 5", 1280, 1024, 75);
+  EXPECT_EQ(Make({"QRXSG_MonitorResolution"}),
+            "Monitors\n"
+            "  Monitor 1\n"
+            "    Modes             1280x1024@75Hz, 1280x1024@60Hz, 1280x800@60Hz,\n"
+            "                      1152x864@75Hz, 640x480@75Hz\n");
+}
+
+TEST_F(TextReport, MarksThePreferredMode) {
+  SetOutput(TEdidBuilder().DetailedTiming(0, false));
+  Commit("QRXSG_VideoHead",
+         {{"CurrentHorizontalResolution", TCIMValue(1280U)}, {"CurrentVerticalResolution", TCIMValue(1024U)}});
+  CommitMode("Monitor 1\\ Setting 1", 1280, 1024, 60);
+  CommitMode("Monitor 1\\ Setting 2", 1280, 1024, 75);
+  CommitMode("Monitor 1\\ Setting 3", 1280, 960, 60);
+  EXPECT_EQ(Make({"QRXSG_MonitorResolution"}),
+            "Monitors\n"
+            "  Monitor 1\n"
+            "    Preferred mode    1280 x 1024 at 60.020 Hz\n"
+            "    Modes             1280x1024@75Hz*, 1280x1024@60Hz*+, 1280x960@60Hz\n"
+            "                      * the resolution that the configuration names\n"
+            "                      + the mode that the monitor prefers\n");
+}
+
+TEST_F(TextReport, MarksNoOtherModeAsThePreferredOne) {
+  SetOutput(TEdidBuilder().DetailedTiming(0, false));
+  CommitMode("Monitor 1\\ Setting 1", 1280, 1024, 61);
+  CommitMode("Monitor 1\\ Setting 2", 1024, 1280, 60);
+  EXPECT_THAT(Make({"QRXSG_MonitorResolution"}), Not(HasSubstr("+")));
+}
+
+TEST_F(TextReport, SaysVideoMemoryInMebibytes) {
+  EXPECT_THAT(ShowVideoMemory(64U * 1024 * 1024), HasSubstr("Video memory      64 MiB\n"));
+  EXPECT_THAT(ShowVideoMemory(4095U * 1024 * 1024), HasSubstr("Video memory      4095 MiB\n"));
+}
+
+TEST_F(TextReport, SaysVideoMemoryInBytesWhereItIsNotWholeMebibytes) {
+  EXPECT_THAT(ShowVideoMemory(64U * 1024 * 1024 + 1), HasSubstr("Video memory      67108865 bytes\n"));
+  EXPECT_THAT(ShowVideoMemory(0), HasSubstr("Video memory      0 bytes\n"));
+}
+
+TEST_F(TextReport, NamesTheMakerAfterItsLetters) {
+  TTemporaryFolder folder;
+  folder.Write("pnp.ids", "ACM\tAcme Corporation\n");
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"MonitorManufacturer", TCIMValue("ACM")}});
+  EndRequest({"QRXSG_DesktopMonitor"});
+  EXPECT_THAT(MakeTextReport(answer, TMakerNames(folder.GetPath() / "pnp.ids")),
+              HasSubstr("    Manufacturer      ACM (Acme Corporation)\n"));
 }
 
 TEST_F(TextReport, SendsNoControlBytes) {
@@ -263,16 +356,34 @@ TEST_F(TextReport, TellsWhyThereIsNoMonitorByWhereEdidsComeFrom) {
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}), "Monitors\n  None: nothing is connected.\n");
 }
 
-TEST_F(TextReport, ShowsWhatTheOutputOfAMonitorSaysUnderIt) {
-  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
-  TEdidFacts facts;
-  facts.isVersion1 = true;
-  facts.productCode = 7;
-  facts.hasValidChecksums = true;
-  facts.preferredMode = {3840, 2160, 59.9966};
-  answer.outputs = {{0, "card0-DP-1", "Monitor 1", "", facts, {}}};
-  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("    Preferred mode    3840 x 2160 at 59.997 Hz\n"
-                                                        "    Product code      7\n"));
+TEST_F(TextReport, ShowsWhatTheEdidOfAMonitorSays) {
+  CommitMonitor(TEdidBuilder()
+                    .Version(1, 4)
+                    .Made(14, 2019)
+                    .ImageSize(60, 34)
+                    .DetailedTiming(0, false)
+                    .Byte(edid::kProductCode, 7)
+                    .Byte(edid::kSerialNumber, 9)
+                    .Byte(edid::kVideoInput, 0xB5)
+                    .Byte(edid::kChecksum, 0));
+  EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
+            "Monitors\n"
+            "  Monitor 1\n"
+            "    Serial number     9\n"
+            "    Product code      7 (0x0007)\n"
+            "    Manufactured      week 14 of 2019\n"
+            "    Picture           60 x 34 cm, 27.2 inches\n"
+            "    Input             digital: DisplayPort, 10 bits per colour\n"
+            "    Power saving      none\n"
+            "    EDID checksums    wrong: a byte is damaged\n"
+            "    Preferred mode    1280 x 1024 at 60.020 Hz\n");
+}
+
+TEST_F(TextReport, ShowsBothSerialNumbers) {
+  CommitMonitor(TEdidBuilder().Serial(0, "A190-1").Byte(edid::kSerialNumber, 9));
+  const std::string text = Make({"QRXSG_DesktopMonitor"});
+  EXPECT_THAT(text, HasSubstr("    Serial number     A190-1\n"));
+  EXPECT_THAT(text, HasSubstr("    Serial in header  9\n"));
 }
 
 TEST_F(TextReport, NamesTheOutputsThatAreNotListed) {
