@@ -1,5 +1,5 @@
-// displayinfo: shows what the plug-in says of a machine, or of many; captures this machine; answers CIM clients; prints
-// the classes.
+// displayinfo: shows what the plug-in says of a machine, or of many; captures this machine; compares machines; answers
+// CIM clients; prints the classes.
 #include <algorithm>
 #include <csignal>
 #include <iostream>
@@ -18,6 +18,7 @@
 #include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
 #include "command/collection/time_limit.h"
+#include "command/compare/compare.h"
 #include "command/fleet/fleet.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
@@ -36,6 +37,7 @@ namespace {
 
 constexpr int kDone = 0;
 constexpr int kUnusable = 1;
+constexpr int kNotCompared = 2;  // since 1 says that there are differences
 
 TMachine ChooseMachine(const TOptions& options) {
   if (!options.machines.empty()) return ReadCapturedMachine(options.machines.front());
@@ -81,6 +83,15 @@ int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   const std::string target = ToPrintable(capture.target.string());
   std::cerr << "displayinfo: captured; displayinfo --machine " << target << " answers as this machine does\n";
   return kDone;
+}
+
+int RunComparison(const TOptions& options, TCompareOptions compare) try {
+  compare.plugin = options.plugin.value_or(FindPlugin());
+  compare.timeout = options.timeout;
+  return Compare(compare);
+} catch (const std::exception& error) {
+  std::cerr << "displayinfo: " << ToMessage(error.what()) << '\n';
+  return kNotCompared;
 }
 
 int RunServer(const TOptions& options, TServeOptions serve) {
@@ -154,6 +165,7 @@ int main(int argumentCount, char** arguments) {
     const TCommandLine line = ParseCommandLine(argumentCount, arguments);
     if (line.exitStatus) return *line.exitStatus;
     if (line.serve) return RunServer(line.options, *line.serve);
+    if (line.compare) return RunComparison(line.options, *line.compare);
     if (line.capture) return RunCapture(line.options, *line.capture);
     if (!line.schemaFormat) return line.options.IsFleet() ? RunFleet(line.options) : Run(line.options);
     WriteStandardOutput(MakeSchemaDocument(*line.schemaFormat));

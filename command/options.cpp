@@ -35,6 +35,7 @@ const TNames<EFormat> kFormats = {{"text", EFormat::kText},
                                   {"html", EFormat::kHtml}};
 const TNames<ESchemaFormat> kSchemaFormats = {
     {"text", ESchemaFormat::kText}, {"mof", ESchemaFormat::kMof}, {"json-schema", ESchemaFormat::kJsonSchema}};
+const TNames<bool> kCompareFormats = {{"text", false}, {"json", true}};
 const TNames<ILogger::EZELTLogSeverity> kLogLevels = {{"error", ILogger::kError},
                                                       {"warning", ILogger::kWarning},
                                                       {"status", ILogger::kStatus},
@@ -162,6 +163,32 @@ void AddServe(CLI::App& app, TServeOptions& options, std::optional<std::filesyst
   serve->add_option("--plugin", plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
 }
 
+void AddTimeout(CLI::App& app, TOptions& options, const char* meaning) {
+  app.add_option_function<int>(
+         "--timeout", [&options](int seconds) { options.timeout = std::chrono::seconds(seconds); }, meaning)
+      ->option_text("SECONDS")
+      ->check(InRange(1, kMaxTimeout));
+}
+
+void AddCompare(CLI::App& app, TCompareOptions& compare, TOptions& options) {
+  CLI::App* const subcommand =
+      app.add_subcommand("compare", "What came, went or changed between OLD and NEW")->group("");
+  subcommand->add_option("OLD", compare.before, "A captured machine, or a file of JSON answers; - for stdin")
+      ->required()
+      ->option_text(" ");
+  subcommand->add_option("NEW", compare.after, "The same, later")->required()->option_text(" ");
+  AddChoice(*subcommand, "--format", compare.isJson, kCompareFormats, "text (default) or json");
+  AddTimeout(*subcommand, options, "For each captured machine (default: 60)");
+  subcommand->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")
+      ->option_text("FILE");
+}
+
+void CheckCompare(const TCompareOptions& options) {
+  if (options.before == "-" && options.after == "-") {
+    throw CLI::ValidationError("OLD and NEW cannot both be standard input; name a file for one of them");
+  }
+}
+
 }  // namespace
 
 TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
@@ -171,7 +198,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   TRequest classes;
   std::vector<std::string> requests;
 
-  CLI::App app("Shows a machine's video controllers and monitors. Also: schema, capture, serve.", "displayinfo");
+  CLI::App app("Shows video controllers and monitors. Also: capture, compare, serve, schema.", "displayinfo");
   app.set_version_flag("--version", std::string("displayinfo ") + kCommandVersion, "Print the version");
   CLI::Option* const classOption =
       app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
@@ -187,11 +214,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
       ->option_text("N")
       ->check(InRange(1, kMaxJobs));
   app.add_option("--resume", options.resume, "Skip machines already in FILE")->option_text("FILE");
-  app.add_option_function<int>(
-         "--timeout", [&options](int seconds) { options.timeout = std::chrono::seconds(seconds); },
-         "For each machine (default: 60)")
-      ->option_text("SECONDS")
-      ->check(InRange(1, kMaxTimeout));
+  AddTimeout(app, options, "For each machine (default: 60)");
   app.add_option("--request", requests, "One request of several; may be repeated")
       ->option_text("CLASS[,CLASS...]")
       ->excludes(classOption)
@@ -225,6 +248,9 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
             "Where its X server's configuration comes from");
   capture->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
 
+  TCompareOptions compareOptions;
+  AddCompare(app, compareOptions, options);
+
   TServeOptions serveOptions;
   AddServe(app, serveOptions, options.plugin);
 
@@ -239,6 +265,10 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
     CheckSubcommand(app);
     if (schema->parsed()) line.schemaFormat = schemaFormat;
     if (capture->parsed()) line.capture = captureOptions;
+    if (app.got_subcommand("compare")) {
+      CheckCompare(compareOptions);
+      line.compare = compareOptions;
+    }
     if (app.got_subcommand("serve")) {
       CheckListenAddress(serveOptions.address);
       line.serve = serveOptions;

@@ -9,6 +9,7 @@
 
 #include "command/cim_server/serve.h"
 #include "command/collection/collection.h"
+#include "command/compare/compare.h"
 #include "command/machine/this_machine.h"
 #include "host/logger.h"
 
@@ -39,13 +40,15 @@ struct TCaptureOptions {
   bool isAnonymous = false;
 };
 
-/// Either the options of a collection, of a capture or of a server, or the format in which to print the classes, or the
-/// exit status of a command that is done: after --help, --version or wrong usage, which standard error has explained.
+/// Either the options of a collection, of a capture, of a comparison or of a server, or the format in which to print
+/// the classes, or the exit status of a command that is done: after --help, --version or wrong usage, which standard
+/// error has explained.
 struct TCommandLine {
   TOptions options;
   std::optional<ESchemaFormat> schemaFormat;
   std::optional<TCaptureOptions> capture;
-  std::optional<TServeOptions> serve;  // without its plug-in
+  std::optional<TCompareOptions> compare;  // without its plug-in
+  std::optional<TServeOptions> serve;      // without its plug-in
   std::optional<int> exitStatus;
 };
 

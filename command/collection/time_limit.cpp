@@ -10,13 +10,14 @@
 namespace {
 
 std::string gLine;
+int gStatus = 1;
 
 /// A signal handler: it may call no more than poll, write and _exit.
 void End(int) {
   pollfd errors = {STDERR_FILENO, POLLOUT, 0};
   // A reader that takes nothing must not keep the process from ending.
   if (poll(&errors, 1, 0) == 1) static_cast<void>(!write(STDERR_FILENO, gLine.data(), gLine.size()));
-  _exit(1);
+  _exit(gStatus);
 }
 
 void SetTimer(std::chrono::milliseconds time) {
@@ -33,8 +34,9 @@ std::string DescribeTimeout(std::chrono::seconds limit) {
   return "took longer than " + std::to_string(limit.count()) + " s; --timeout SECONDS gives it longer";
 }
 
-TTimeLimit::TTimeLimit(std::chrono::milliseconds limit, std::string line) {
+TTimeLimit::TTimeLimit(std::chrono::milliseconds limit, std::string line, int status) {
   gLine = std::move(line);
+  gStatus = status;
   std::signal(SIGALRM, End);
   sigset_t alarm;  // the program that started the command may have blocked it
   sigemptyset(&alarm);

@@ -127,6 +127,12 @@ TMachineDocument MakeDefaults() {
   return machine;
 }
 
+TMachineDocument ReadText(const std::string& text, const std::string& name) {
+  TMachineDocument machine = MakeDefaults();
+  ReadMachineDocument(text, name, machine);
+  return machine;
+}
+
 TMachineDocument ReadFile(const fs::path& path) {
   if (IsPackedName(path)) {
     throw TUnusable(path.string() + ": is a packed folder, which is not read; unpack it (tar -xzf FILE) and name the " +
@@ -135,9 +141,7 @@ TMachineDocument ReadFile(const fs::path& path) {
   const TDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   if (!file.IsOpen()) FailToRead(path.string());
   if (!IsRegularFile(file)) throw TUnusable(path.string() + ": is no longer a file; try again");
-  TMachineDocument machine = MakeDefaults();
-  ReadMachineDocument(ReadWhole(file, path.string(), kMaxDocumentSize), path.string(), machine);
-  return machine;
+  return ReadText(ReadWhole(file, path.string(), kMaxDocumentSize), path.string());
 }
 
 TMachine MakeMachine(TMachineDocument document) {
@@ -168,6 +172,10 @@ TMachine ReadCapturedMachine(const fs::path& path) {
   if (S_ISDIR(status.st_mode)) return MakeMachine(TMachineFolder(path).Read(MakeDefaults()));
   if (S_ISREG(status.st_mode)) return MakeCapturedMachine(ReadFile(path));
   throw TUnusable(path.string() + ": is not a captured machine: it is neither a folder nor a regular file");
+}
+
+TMachine ReadCapturedText(const std::string& text, const std::string& name) {
+  return MakeCapturedMachine(ReadText(text, name));
 }
 
 TMachine MakeCapturedMachine(TMachineDocument document) {

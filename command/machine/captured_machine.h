@@ -17,6 +17,9 @@ constexpr const char* kRoot = "root";
 /// it must be, or leads out of the folder. A damaged EDID costs its unit only.
 TMachine ReadCapturedMachine(const std::filesystem::path& path);
 
+/// The machine in the text of such a file, which did not come from one. `name`: for messages.
+TMachine ReadCapturedText(const std::string& text, const std::string& name);
+
 /// The machine of a document, with the document's files.
 TMachine MakeCapturedMachine(TMachineDocument document);
 

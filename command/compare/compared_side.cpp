@@ -1,0 +1,86 @@
+#include "command/compare/compared_side.h"
+
+#include <nlohmann/json.hpp>
+#include <utility>
+
+#include "command/base/unusable.h"
+#include "command/compare/answer_reader.h"
+#include "command/machine/captured_machine.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool BeginsWith(const std::string& text, const std::string& beginning) {
+  return text.compare(0, beginning.size(), beginning) == 0;
+}
+
+/// Whether the first line of a file is one of many, and not the beginning of an indented document. A line that was cut
+/// off is one too.
+bool IsWholeLine(const std::string& line) { return BeginsWith(line, "{\"machine\":") || nlohmann::json::accept(line); }
+
+void RequirePlain(const std::string& line, const std::string& name) {
+  constexpr const char* packed[] = {"\x1F\x8B", "\xFD\x37zXZ", "BZh", "\x28\xB5\x2F\xFD"};
+  for (const char* const beginning : packed) {
+    if (!BeginsWith(line, beginning)) continue;
+    throw TUnusable(name +
+                    ": is compressed, and compare reads plain files; give it - and the unpacked text, as in "
+                    "zcat FILE | displayinfo compare OLD -");
+  }
+}
+
+}  // namespace
+
+TComparedSide::TComparedSide(const fs::path& path, const TAsk& ask) {
+  std::error_code ignored;
+  if (!fs::is_directory(path, ignored) && !IsPackedName(path)) {
+    ReadFile(path, ask);
+    return;
+  }
+  const std::string line = ask(path.string(), [&] { return ReadCapturedMachine(path); });
+  m_next = {path.string(), MakeFacts(ReadAnswer(line, path.string()))};
+}
+
+TComparedMachine TComparedSide::TakeNext() {
+  TComparedMachine machine = std::move(*m_next);
+  m_next.reset();
+  if (m_lines) TakeLine();
+  return machine;
+}
+
+void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
+  TLineFile file(path);
+  const std::string name = file.GetName();
+  std::optional<std::string> first = file.TakeLine();
+  if (!first) throw TUnusable(name + ": is empty, so there is nothing to compare");
+  RequirePlain(*first, name);
+  std::string text = std::move(*first);
+  const bool isLine = IsWholeLine(text);
+  // The lines before are empty, and they count in what the parser says of a place.
+  if (!isLine) text = std::string(file.GetNumber() - 1, '\n') + text + "\n" + file.TakeRest();
+  const std::string place = isLine ? name + ", line " + std::to_string(file.GetNumber()) : name;
+  TReadAnswer answer = ReadAnswer(text, place);
+  if (answer.isCapturedMachine) {
+    if (isLine && file.TakeLine()) {
+      throw TUnusable(place + ": is a captured machine, after which nothing may follow");
+    }
+    answer = ReadAnswer(ask(name, [&] { return ReadCapturedText(text, name); }), name);
+    answer.machine.reset();
+  }
+  m_hasNames = answer.machine.has_value();
+  m_next = {answer.machine.value_or(name), MakeFacts(answer)};
+  if (!isLine) return;
+  m_lines = std::move(file);
+  if (m_hasNames) return;
+  if (m_lines->TakeLine()) throw TUnusable(place + ": names no \"machine\", which each of several lines does");
+  m_lines.reset();
+}
+
+void TComparedSide::TakeLine() {
+  const std::optional<std::string> line = m_lines->TakeLine();
+  if (!line) return;
+  const std::string place = m_lines->GetName() + ", line " + std::to_string(m_lines->GetNumber());
+  const TReadAnswer answer = ReadAnswer(*line, place);
+  if (!answer.machine) throw TUnusable(place + ": names no \"machine\", which each of several lines does");
+  m_next = {*answer.machine, MakeFacts(answer)};
+}

@@ -1,0 +1,42 @@
+// One of the two sides of a comparison: a captured machine, which is asked, or a file of answers.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "command/compare/line_file.h"
+#include "command/compare/machine_facts.h"
+#include "command/machine/machine.h"
+
+struct TComparedMachine {
+  std::string name;
+  TMachineFacts facts;
+};
+
+class TComparedSide {
+ public:
+  /// Asks the plug-in over the machine that `read` gives, and returns the answer as a line of JSON.
+  typedef std::function<std::string(const std::string& name, const std::function<TMachine()>& read)> TAsk;
+
+  /// `path`: a captured machine, folder or file, or a file of answers; "-" for standard input. This and the others
+  /// throw TUnusable, naming the file and the line, when it is neither.
+  TComparedSide(const std::filesystem::path& path, const TAsk& ask);
+
+  /// True if TakeNext may be called.
+  bool HasNext() const { return m_next.has_value(); }
+  TComparedMachine TakeNext();
+
+  /// Whether the machines bear names of their own, as those in the lines of many do. Else there is one machine, which
+  /// has the name of the file.
+  bool HasNames() const { return m_hasNames; }
+
+ private:
+  void ReadFile(const std::filesystem::path& path, const TAsk& ask);
+  void TakeLine();
+
+  bool m_hasNames = false;
+  std::optional<TLineFile> m_lines;  // those that are left
+  std::optional<TComparedMachine> m_next;
+};

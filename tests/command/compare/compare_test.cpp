@@ -1,0 +1,239 @@
+// displayinfo compare as its users run it.
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/command/compare/compared_answer.h"
+#include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+const std::string kCommand = COMMAND_FILE;
+
+/// A configuration of one card whose screen is that many lines high.
+std::string MakeConfiguration(const std::string& board, const std::string& mode) {
+  return "Section \"Device\"\n  Identifier \"Card0\"\n  BoardName \"" + board +
+         "\"\n  BusID \"PCI:1:0:0\"\nEndSection\nSection \"Screen\"\n  Identifier \"Screen0\"\n  Device \"Card0\"\n"
+         "  DefaultDepth 24\n  SubSection \"Display\"\n    Depth 24\n    Modes \"" +
+         mode + "\"\n  EndSubSection\nEndSection\n";
+}
+
+class Comparison : public testing::Test {
+ protected:
+  Comparison() {
+    MakeMachine("old", {{"edid/0.bin", MakeEdid("A190", "S1")}, {"edid/1.bin", MakeEdid("Wide", "S2")}});
+    MakeMachine("new", {{"edid/0.bin", MakeEdid("Wide", "S2")}});
+  }
+
+  void MakeMachine(const std::string& name, const std::map<std::string, std::vector<std::uint8_t>>& edids,
+                   const std::string& board = "Card") const {
+    folder.Write(name + "/machine.json", R"({"systemName": ")" + name + "\"}");
+    folder.Write(name + "/root/etc/X11/xorg.conf", MakeConfiguration(board, "800x600"));
+    for (const auto& [file, bytes] : edids) folder.Write(name + "/" + file, std::string(bytes.begin(), bytes.end()));
+  }
+
+  TProcessResult RunIn(const std::string& line) const {
+    return RunShell("cd " + folder.GetPath().string() + "\n" + line);
+  }
+  TProcessResult Run(const std::string& arguments) const { return RunIn(kCommand + " compare " + arguments); }
+
+  void ExpectUnusable(const std::string& arguments, const std::string& message) const {
+    const TProcessResult result = Run(arguments);
+    EXPECT_EQ(result.status, 2) << arguments;
+    EXPECT_EQ(result.errors, "displayinfo: " + message + "\n");
+  }
+
+  TTemporaryFolder folder;
+};
+
+const std::string kComparable = "; compare takes captured machines, and what --format json or --machines has written";
+
+}  // namespace
+
+TEST_F(Comparison, TellsPeopleWhatIsDifferent) {
+  MakeMachine("new", {{"edid/0.bin", MakeEdid("Wide", "S2")}, {"edid/1.bin", MakeEdid("Tube", "", 7)}}, "Card 2");
+  const TProcessResult result = Run("old new");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(result.output,
+            "new\n"
+            "  Monitor came: Tube (ACM, product 0, serial 7, Monitor 2)\n"
+            "  Monitor gone: A190 (ACM, product 0, serial S1, Monitor 1)\n"
+            "  Controller changed: Card 2 (PCI:1:0:0)\n"
+            "    Name: Card -> Card 2\n"
+            "1 machine: 1 changed.\n");
+}
+
+TEST_F(Comparison, TellsProgramsWhatIsDifferent) {
+  const TProcessResult result = Run("--format json old new");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(json::parse(result.output), json::parse(R"({
+      "machines": [{"machine": "new", "state": "changed", "controllers": [], "monitors": [
+          {"state": "gone", "deviceID": "Monitor 1", "manufacturer": "ACM", "name": "A190", "productCode": 0,
+           "serial": "S1"}]}],
+      "counts": {"equal": 0, "came": 0, "gone": 0, "changed": 1, "unknown": 0}})"));
+}
+
+TEST_F(Comparison, TellsProgramsThatNothingIs) {
+  const TProcessResult result = Run("--format json new new");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output,
+            "{\n  \"machines\": [],\n"
+            "  \"counts\": {\"equal\":1,\"came\":0,\"gone\":0,\"changed\":0,\"unknown\":0}\n}\n");
+}
+
+TEST_F(Comparison, FindsACaptureEqualToItsAnswersOfEachKind) {
+  RunIn("printf 'old\\n' >list; " + kCommand + " --machine old --format json >answer.json; " + kCommand +
+        " --machines list >lines; " + kCommand +
+        " --machines list --no-log >small; sed 's/^{\"machine\":\"old\",/{/' " + "<small >one-line.json");
+  for (const char* const left : {"old", "answer.json", "lines", "small", "one-line.json"}) {
+    for (const char* const right : {"old", "answer.json", "lines", "small", "one-line.json"}) {
+      const TProcessResult result = Run(std::string(left) + " " + right);
+      EXPECT_EQ(result.status, 0) << left << ' ' << right << '\n' << result.output << result.errors;
+      EXPECT_EQ(result.output, "1 machine: 1 equal.\n");
+      EXPECT_EQ(result.errors, "");
+    }
+  }
+}
+
+TEST_F(Comparison, AsksACapturedMachineThatIsOneFile) {
+  folder.Write("old.json", R"({"captured": 1, "edids": {"0": ")" + EncodeBase64([] {
+                             const std::vector<std::uint8_t> edid = MakeEdid("Wide", "S2");
+                             return std::string(edid.begin(), edid.end());
+                           }()) +
+                               "\"}}\n");
+  EXPECT_EQ(Run("old.json old.json").status, 0);
+  EXPECT_EQ(Run("old.json - <old.json").status, 0);
+  EXPECT_THAT(Run("old.json new").output, HasSubstr("Controller came: Card (PCI:1:0:0)\n"));
+}
+
+TEST_F(Comparison, ReadsEitherFromStandardInput) {
+  RunIn(kCommand + " --machine old --format json >answer.json");
+  EXPECT_THAT(Run("- new <answer.json").output, HasSubstr("Monitor gone: A190"));
+  EXPECT_THAT(Run("new - <answer.json").output, HasSubstr("standard input\n  Monitor came: A190"));
+  EXPECT_EQ(RunIn("cat answer.json | " + kCommand + " compare old -").status, 0);
+}
+
+TEST_F(Comparison, FindsMachinesOfFleetsByTheirNamesInAnyOrder) {
+  MakeMachine("third", {});
+  RunIn("printf '%s\\n' old new third | " + kCommand + " --machines - >before; printf '%s\\n' third old new | " +
+        kCommand + " --machines - >after; printf '%s\\n' new fourth old | " + kCommand + " --machines - >later");
+  const TProcessResult same = Run("before after");
+  EXPECT_EQ(same.status, 0);
+  EXPECT_EQ(same.output, "3 machines: 3 equal.\n");
+  const TProcessResult result = Run("before later");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "fourth came\nthird gone\n4 machines: 2 equal, 1 came, 1 gone.\n");
+}
+
+TEST_F(Comparison, TellsOfMachinesOfTheSameNameInTheirOrder) {
+  folder.Write("before", R"({"machine": "a", "requests": [], "outputs": []})"
+                         "\n"
+                         R"({"machine": "a", "error": "x"})"
+                         "\n");
+  folder.Write("after", R"({"machine": "a", "requests": [], "outputs": []})"
+                        "\n");
+  EXPECT_EQ(Run("before after").output, "a gone\n2 machines: 1 equal, 1 gone.\n");
+}
+
+TEST_F(Comparison, SaysThatAMachineCouldNotBeAskedAndNotThatItsMonitorsAreGone) {
+  const std::string well = R"({"machine": "a", "requests": [], "outputs": []})"
+                           "\n";
+  folder.Write("well", well);
+  folder.Write("broken", R"({"machine": "a", "error": "took longer"})"
+                         "\n");
+  const TProcessResult result = Run("well broken");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "a could not be asked\n  NEW: took longer\n1 machine: 1 could not be asked.\n");
+  EXPECT_EQ(json::parse(Run("broken well --format json").output)["machines"],
+            json::parse(R"([{"machine": "a", "state": "unknown", "oldError": "took longer"}])"));
+  const TProcessResult neither = Run("broken broken");
+  EXPECT_EQ(neither.status, 0);
+  EXPECT_THAT(neither.output, StartsWith("a could not be asked\n  OLD: took longer\n  NEW: took longer\n"));
+}
+
+TEST_F(Comparison, TellsNamesOfFilesApartOnlyWhereLinesHaveNames) {
+  folder.Write("a", R"({"machine": "a", "requests": [], "outputs": []})"
+                    "\n");
+  folder.Write("b", R"({"machine": "b", "requests": [], "outputs": []})"
+                    "\n");
+  folder.Write("nameless", R"({"requests": [], "outputs": []})"
+                           "\n");
+  EXPECT_EQ(Run("a b").output, "b came\na gone\n2 machines: 1 came, 1 gone.\n");
+  EXPECT_EQ(Run("a nameless").status, 0);
+  EXPECT_EQ(Run("nameless b").status, 0);
+}
+
+TEST_F(Comparison, CannotCompareWhatItCannotRead) {
+  folder.Write("empty", "\n\n");
+  folder.Write("rows", R"({"machine": "a", "class": "output"})"
+                       "\n");
+  folder.Write("lines", R"({"machine": "a", "error": "x"})"
+                        "\n{\"machine\": \"b\"\n");
+  folder.Write("nameless", R"({"requests": [], "outputs": []})"
+                           "\n"
+                           R"({"requests": [], "outputs": []})"
+                           "\n");
+  folder.Write("packed.gz", "\x1F\x8B\x08");
+  folder.Write("empty-folder/file", "");
+  ExpectUnusable("nowhere old", "nowhere: cannot be read: No such file or directory" + kComparable);
+  ExpectUnusable("old empty", "empty: is empty, so there is nothing to compare");
+  ExpectUnusable("rows old", "rows, line 1: has no \"requests\", so it is no answer" + kComparable);
+  ExpectUnusable("lines old",
+                 "lines, line 2: is not JSON: parse error at line 1, column 16: syntax error while parsing object - "
+                 "unexpected end of input; expected '}'");
+  ExpectUnusable("old nameless", "nameless, line 1: names no \"machine\", which each of several lines does");
+  ExpectUnusable("old packed.gz",
+                 "packed.gz: is compressed, and compare reads plain files; give it - and the unpacked text, as in zcat "
+                 "FILE | displayinfo compare OLD -");
+  ExpectUnusable("old empty-folder",
+                 "empty-folder: is not a captured machine: it has neither machine.json nor edid/ nor root/");
+  ExpectUnusable("old new --plugin nowhere.so",
+                 "nowhere.so: no such plug-in; build it, or name another with --plugin FILE");
+  ExpectUnusable("old - <&-", "standard input is closed" + kComparable);
+  ExpectUnusable("old new >/dev/full", "standard output cannot be written: No space left on device");
+}
+
+TEST_F(Comparison, GivesUpAMachineThatTakesTooLong) {
+  folder.Write("late/root/never-returns", "");
+  ExpectUnusable("old late --timeout 1 --plugin " TROUBLE_PLUGIN_FILE,
+                 "late: took longer than 1 s; --timeout SECONDS gives it longer");
+}
+
+TEST_F(Comparison, CannotCompareWithAPluginThatThrows) {
+  folder.Write("late/root/throws", "");
+  const TProcessResult result = Run("old late --plugin " TROUBLE_PLUGIN_FILE);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.errors, HasSubstr("the plug-in failed while it was loaded"));
+}
+
+TEST_F(Comparison, EndsQuietlyWhenItsReaderHasGoneAndStillTellsByItsStatus) {
+  const TProcessResult result = RunIn("{ " + kCommand + " compare old new; echo $? >&2; } | true");
+  EXPECT_EQ(result.errors, "1\n");
+}
+
+TEST_F(Comparison, ObeysNothingThatAMonitorOrAMachineIsCalled) {
+  MakeMachine("new", {{"edid/0.bin", MakeEdid("\x1B[31mred", "S9")}});
+  folder.Write("named", R"({"machine": "\u001b[2J", "error": "\u001b[3J"})"
+                        "\n");
+  EXPECT_THAT(Run("old new").output, HasSubstr("Monitor came: \\x1b[31mred (ACM"));
+  EXPECT_THAT(Run("named named").output, StartsWith("\\x1b[2J could not be asked\n  OLD: \\x1b[3J\n"));
+}
+
+TEST_F(Comparison, TakesTwoAndNotStandardInputTwice) {
+  const auto expectWrongUsage = [&](const std::string& arguments, const std::string& message) {
+    const TProcessResult result = Run(arguments);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, StartsWith("displayinfo: " + message));
+  };
+  expectWrongUsage("old", "NEW is required");
+  expectWrongUsage("", "OLD is required");
+  expectWrongUsage("old new more", "The following argument was not expected: more");
+  expectWrongUsage("- -", "OLD and NEW cannot both be standard input; name a file for one of them");
+  expectWrongUsage("old new --format rows", "--format: rows not in {text,json}");
+}

@@ -1,0 +1,155 @@
+#include "command/compare/difference.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/command/compare/compared_answer.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+const std::vector<std::uint8_t> kLeft = MakeEdid("A190", "S1");
+const std::vector<std::uint8_t> kRight = MakeEdid("A190", "S2");
+const std::vector<std::uint8_t> kNameless = MakeEdid("", "");
+
+/// "changed Gamma 2.2 2.4", a line each.
+std::vector<std::string> List(const std::vector<TDeviceDifference>& differences) {
+  std::vector<std::string> lines;
+  for (const TDeviceDifference& difference : differences) {
+    const char* const states[] = {"came", "gone", "changed"};
+    std::string line = states[static_cast<int>(difference.state)];
+    for (const TChange& change : difference.changes) {
+      line += " " + change.name + " " + change.before.value_or("-") + " " + change.after.value_or("-");
+    }
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+std::vector<std::string> CompareMonitors(const TAnswerBuilder& before, const TAnswerBuilder& after) {
+  const TMachineDifference difference = Compare(before.Build(), after.Build());
+  EXPECT_THAT(difference.controllers, IsEmpty());
+  return List(difference.monitors);
+}
+
+std::vector<std::string> CompareControllers(const TAnswerBuilder& before, const TAnswerBuilder& after) {
+  return List(Compare(before.Build(), after.Build()).controllers);
+}
+
+/// A machine whose configuration was made from what the kernel knows, with a monitor on the connector or without.
+TAnswerBuilder MakeKernelMachine(bool isConnected) {
+  TAnswerBuilder answer;
+  answer.Controller("PCI:0:2:0",
+                    {{"Name", "\"Card\""}, {"DeviceID", isConnected ? "\"card0-DP-1\"" : "\"card0-DP-2\""}});
+  if (!isConnected) return answer.Head("PCI:0:2:0", "card0-DP-1", {});
+  return answer.Monitor(kLeft, "card0-DP-1")
+      .Head("PCI:0:2:0", "card0-DP-1", {{"CurrentVerticalResolution", "600"}, {"MonitorString", R"(["A190"])"}});
+}
+
+}  // namespace
+
+TEST(MonitorDifference, IsNoneBetweenEqualOnes) {
+  EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kLeft), TAnswerBuilder().Monitor(kLeft)), IsEmpty());
+}
+
+TEST(MonitorDifference, TellsWhatCameAndWhatIsGone) {
+  EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kLeft), TAnswerBuilder().Monitor(kRight)),
+              ElementsAre("came", "gone"));
+}
+
+TEST(MonitorDifference, IsNoneForOneAtAnotherPlace) {
+  EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kLeft, "card0-DP-1").Monitor(kRight, "card0-DP-2"),
+                              TAnswerBuilder().Monitor(kRight, "card0-DP-1").Monitor(kLeft, "card0-HDMI-A-1")),
+              IsEmpty());
+}
+
+TEST(MonitorDifference, TellsThatADockedMonitorIsGoneAndNotThatTheOtherHasChanged) {
+  EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kLeft).Monitor(kRight), TAnswerBuilder().Monitor(kRight)),
+              ElementsAre("gone"));
+}
+
+TEST(MonitorDifference, TellsTheChangedProperties) {
+  EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kLeft, "", {{"Gamma", "2.2"}, {"Name", "\"a\""}, {"Old", "1"}}),
+                              TAnswerBuilder().Monitor(kLeft, "", {{"Gamma", "2.4"}, {"Name", "\"a\""}, {"New", "2"}})),
+              ElementsAre("changed Gamma 2.2 2.4 New - 2 Old 1 -"));
+}
+
+TEST(MonitorDifference, TellsAnotherEdidOfTheSameMonitor) {
+  const std::vector<std::uint8_t> edid =
+      TEdidBuilder().Manufacturer("ACM").Name(0, "A190").Serial(1, "S1").Gamma(9).Build();
+  const auto differences =
+      Compare(TAnswerBuilder().Monitor(kLeft).Build(), TAnswerBuilder().Monitor(edid).Build()).monitors;
+  ASSERT_THAT(differences, SizeIs(1));
+  ASSERT_THAT(differences[0].changes, SizeIs(1));
+  EXPECT_EQ(differences[0].changes[0].name, "EDID");
+}
+
+TEST(MonitorDifference, CountsMonitorsThatNothingTellsApart) {
+  EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kNameless).Monitor(kLeft).Monitor(kNameless),
+                              TAnswerBuilder().Monitor(kNameless).Monitor(kLeft)),
+              ElementsAre("gone"));
+  EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kNameless),
+                              TAnswerBuilder().Monitor(kNameless).Monitor(kNameless).Monitor(kNameless)),
+              ElementsAre("came", "came"));
+}
+
+TEST(MonitorDifference, IsTheSmallestBetweenMonitorsThatNothingTellsApart) {
+  EXPECT_THAT(
+      CompareMonitors(TAnswerBuilder().Monitor(kLeft, "", {{"Gamma", "1"}}).Monitor(kLeft, "", {{"Gamma", "2"}}),
+                      TAnswerBuilder().Monitor(kLeft, "", {{"Gamma", "2"}}).Monitor(kLeft, "", {{"Gamma", "3"}})),
+      ElementsAre("changed Gamma 1 3"));
+}
+
+TEST(MonitorDifference, SaysOnlyThatAMonitorIsNoLongerReported) {
+  EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kLeft, "", {{"Gamma", "1"}}), TAnswerBuilder().Unlisted(kLeft)),
+              ElementsAre("changed Listed true false"));
+}
+
+TEST(MonitorDifference, LeavesOutWhatOneSideWasNotAskedFor) {
+  const TAnswerBuilder all = TAnswerBuilder().Monitor(kLeft).Instance(
+      "QRXSG_MonitorResolution", "m",
+      {{"SettingID", R"("Monitor 1\\ Setting 1")"}, {"HorizontalResolution", "800"}, {"VerticalResolution", "600"}});
+  EXPECT_THAT(CompareMonitors(all, TAnswerBuilder().Classes({"QRXSG_DesktopMonitor"}).Monitor(kLeft)), IsEmpty());
+  EXPECT_THAT(CompareMonitors(all, TAnswerBuilder().Classes({"QRXSG_VideoHead"})), IsEmpty());
+  EXPECT_THAT(CompareMonitors(all, TAnswerBuilder().Monitor(kLeft)), SizeIs(1));
+}
+
+TEST(ControllerDifference, TellsWhatCameIsGoneAndHasChanged) {
+  EXPECT_THAT(
+      CompareControllers(TAnswerBuilder().Controller("PCI:1:0:0", {{"Name", "\"a\""}}).Controller("PCI:2:0:0", {}),
+                         TAnswerBuilder().Controller("PCI:3:0:0", {}).Controller("PCI:1:0:0", {{"Name", "\"b\""}})),
+      ElementsAre("came", "changed Name \"a\" \"b\"", "gone"));
+}
+
+TEST(ControllerDifference, TellsTheModeOfEachHeadOnce) {
+  const auto make = [](const char* height) {
+    return TAnswerBuilder()
+        .Controller("PCI:1:0:0", {{"CurrentVerticalResolution", height}})
+        .Head("PCI:1:0:0", "Left", {{"CurrentVerticalResolution", height}});
+  };
+  EXPECT_THAT(CompareControllers(make("600"), make("768")),
+              ElementsAre("changed Head Left: CurrentVerticalResolution 600 768"));
+}
+
+TEST(ControllerDifference, TellsTheModeOfTheControllerWhereHeadsWereNotAskedFor) {
+  const auto make = [](const char* height) {
+    return TAnswerBuilder()
+        .Classes({"QRXSG_VideoController"})
+        .Controller("PCI:1:0:0", {{"CurrentVerticalResolution", height}});
+  };
+  EXPECT_THAT(CompareControllers(make("600"), make("768")), ElementsAre("changed CurrentVerticalResolution 600 768"));
+  EXPECT_THAT(CompareControllers(make("600").Head("PCI:1:0:0", "Left", {}), make("600")), IsEmpty());
+}
+
+TEST(ControllerDifference, TellsAHeadThatWasTakenAway) {
+  const TAnswerBuilder one = TAnswerBuilder().Controller("PCI:1:0:0", {}).Head("PCI:1:0:0", "Left", {});
+  EXPECT_THAT(CompareControllers(TAnswerBuilder(one).Head("PCI:1:0:0", "Right", {}), one),
+              ElementsAre(R"(changed Heads ["Left","Right"] ["Left"])"));
+}
+
+TEST(ControllerDifference, IsNoneWhenAMonitorIsUnplugged) {
+  EXPECT_THAT(CompareControllers(MakeKernelMachine(true), MakeKernelMachine(false)), IsEmpty());
+  EXPECT_THAT(CompareControllers(MakeKernelMachine(false), MakeKernelMachine(true)), IsEmpty());
+}
