@@ -1,24 +1,41 @@
+# shellcheck shell=bash
 # Sourced by the scripts that run long commands.
 
-# with_progress WHAT LOG COMMAND...: runs the command, keeps all it writes in LOG, and shows on standard error how far it is, by
-# lines that begin "[n/m]" or "n/m": on a terminal one line that grows, in a log one line for each tenth.
+# with_progress WHAT LOG COMMAND...: runs the command, keeps all it writes in LOG, and shows on standard error how far it is: on a
+# terminal one line that changes, in a log one line for each tenth.
 with_progress() {
   local what=$1 log=$2
   shift 2
-  # Ninja and CTest both write a line for each step that ended; what a terminal would be shown differs.
   NINJA_STATUS='[%f/%t] ' "$@" 2>&1 | tee "$log" | show_progress "$what"
   return "${PIPESTATUS[0]}"
 }
 
+# Ninja and CTest write a line "[N/M] ..." or "N/M ..." for each step that ended, apt one with the percentage of what it has
+# downloaded (dlstatus) or installed (pmstatus).
 show_progress() {
-  local line shown=-1 end=$'\n'
-  if [ -t 2 ]; then end=$'\r'; fi
+  local line text tenth shown=
   while IFS= read -r line; do
-    [[ $line =~ ^\ *\[?\ *([0-9]+)/([0-9]+) ]] || continue
-    local done=${BASH_REMATCH[1]} all=${BASH_REMATCH[2]}
-    if [ ! -t 2 ] && [ $((done * 10 / all)) -eq "$shown" ]; then continue; fi
-    shown=$((done * 10 / all))
-    printf '%s: %d of %d%s' "$1" "$done" "$all" "$end" >&2
+    if [[ $line =~ ^\ *\[?\ *([0-9]+)/([0-9]+) ]]; then
+      text="[${BASH_REMATCH[1]}/${BASH_REMATCH[2]}]"
+      tenth=$((BASH_REMATCH[1] * 10 / BASH_REMATCH[2]))
+    elif [[ $line =~ ^(dl|pm)status:[^:]*:([0-9]+) ]]; then
+      text="${BASH_REMATCH[2]} %"
+      if [ "${BASH_REMATCH[1]}" = dl ]; then text+=" downloaded"; else text+=" installed"; fi
+      tenth=${BASH_REMATCH[1]}$((BASH_REMATCH[2] / 10))
+    else
+      continue
+    fi
+    if [ -t 2 ]; then
+      printf '\r\033[K%s: %s' "$1" "$text" >&2
+    elif [ "$tenth" != "$shown" ]; then
+      printf '%s: %s\n' "$1" "$text" >&2
+    fi
+    shown=$tenth
   done
-  if [ -t 2 ] && [ "$shown" -ge 0 ]; then echo >&2; fi
+  if [ -t 2 ] && [ -n "$shown" ]; then echo >&2; fi
+}
+
+# Prints a log of with_progress without the lines that were progress only.
+show_log() {
+  sed -E '/^(dl|pm)status:/d' "$@" >&2
 }
