@@ -21,8 +21,9 @@ need_packages() {
   leave_root
 }
 
+# as_root COMMAND...: asks for no password: install-packages does, once, where a person sees why.
 as_root() {
-  if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+  if [ "$(id -u)" = 0 ]; then "$@"; else sudo -n "$@"; fi
 }
 
 # run_apt ARGUMENT...: apt-get, which asks nothing and writes how far it is, for with_progress.
