@@ -5,6 +5,7 @@
 #include <iostream>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -134,8 +135,11 @@ std::string MakeReport(const TOptions& options, const TMachine& machine, const T
 
 std::string Answer(const TOptions& options) {
   const TMachine machine = ChooseMachine(options);
+  std::set<std::string> shown;
   const auto showLog = [&](const TLogEntry& entry) {
     if (entry.severity > options.logLevel.value_or(NQRXZELT20::ILogger::kStatus)) return;
+    // The plug-in says the same again for each class. Who asks for the log gets all of it.
+    if (!options.logLevel && !shown.insert(entry.message).second) return;
     std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
   };
   const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);

@@ -69,5 +69,6 @@ inline TAnswer CollectHere(const TMachine& machine) {
   answer.fileQueries = host.GetFileQueries();
   answer.edidOrigin = machine.edidOrigin;
   answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.damagedEdids, machine.host.systemType);
+  answer.reasons = FindReasons(machine, answer.fileQueries, answer.outputs);
   return answer;
 }

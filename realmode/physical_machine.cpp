@@ -11,7 +11,14 @@
 namespace {
 
 constexpr int kFullPrivilege = 3;
-constexpr const char* kCure = "run as root (CAP_SYS_RAWIO), on a kernel that is not locked down";
+/// What helps against that error. Root is not told to become root.
+std::string GetCure(int error) {
+  if (error == ENOENT) return "this system has no such device, as in a container; run outside of it";
+  if (error == ENXIO || error == ENODEV) return "this kernel was built without it";
+  if (error != EPERM && error != EACCES) return "see what the kernel says of it (dmesg)";
+  if (geteuid() != 0) return "run as root (CAP_SYS_RAWIO), on a kernel that is not locked down";
+  return "root needs CAP_SYS_RAWIO for it, and a kernel that is not locked down";
+}
 
 }  // namespace
 
@@ -26,13 +33,14 @@ std::string TThisPhysicalMachine::Open() {
   Close();
   m_memory = open(m_memoryDevice.c_str(), O_RDONLY | O_CLOEXEC);
   if (m_memory < 0) {
-    return "the video BIOS cannot be read from " + m_memoryDevice + ": " + std::strerror(errno) + "; " + kCure;
+    const int error = errno;
+    return "the video BIOS cannot be read from " + m_memoryDevice + ": " + std::strerror(error) + "; " + GetCure(error);
   }
   // Without it, the first IN or OUT of the BIOS would end the process.
   if (m_raisePrivilege(kFullPrivilege) != 0) {
-    const std::string reason = std::strerror(errno);
+    const int error = errno;
     Close();
-    return "the video BIOS cannot use the I/O ports: " + reason + "; " + kCure;
+    return std::string("the video BIOS cannot use the I/O ports: ") + std::strerror(error) + "; " + GetCure(error);
   }
   return std::string();
 }

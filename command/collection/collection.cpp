@@ -1,5 +1,6 @@
 #include "command/collection/collection.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "command/base/unusable.h"
@@ -28,6 +29,17 @@ TRequestAnswer Ask(TPluginLibrary& plugin, TEmbeddedHost& host, const TRequest& 
   return {request, store->TakeCommits(), host.GetLog().GetEntriesSince(begin)};
 }
 
+/// Whether the answer has no instance of a class that it was asked for: only then its reasons are worth their time.
+bool HasGap(const TAnswer& answer) {
+  for (const TRequestAnswer& request : answer.requests) {
+    for (const std::string& name : request.classes) {
+      const auto isOfIt = [&](const auto& instance) { return instance->GetDeclaration().name == name; };
+      if (std::none_of(request.instances.begin(), request.instances.end(), isOfIt)) return true;
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile, const std::vector<TRequest>& requests,
@@ -48,7 +60,10 @@ TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile
   answer.edidOrigin = machine.edidOrigin;
   answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.damagedEdids, machine.host.systemType);
   answer.xconfigOrigin = machine.getXconfigOrigin();
+  if (HasGap(answer)) answer.reasons = FindReasons(machine, answer.fileQueries, answer.outputs);
   answer.notes = machine.getNotes();
+  const std::string unreadable = ExplainUnreadableFiles(machine, answer.fileQueries);
+  if (!unreadable.empty()) answer.notes.push_back(unreadable);
   for (const auto& [unit, damage] : machine.damagedEdids) answer.notes.push_back(Describe(damage));
   return answer;
 } catch (const NQRXZELT20::TZELTException& exception) {

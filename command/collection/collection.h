@@ -10,6 +10,7 @@
 
 #include "command/machine/machine.h"
 #include "command/machine/outputs.h"
+#include "command/machine/reasons.h"
 #include "embedded_host/cim_store.h"
 #include "embedded_host/log.h"
 
@@ -46,6 +47,7 @@ struct TAnswer {
   std::vector<TFileQuery> fileQueries;
   TEdidOrigin edidOrigin;
   std::vector<TOutput> outputs;    // what the command knows of each, in the order of the units
+  TReasons reasons;                // why parts of it are empty, where they are
   std::string xconfigOrigin;       // of a configuration that is no file of the machine; else empty
   std::vector<std::string> notes;  // what the command did without, a sentence each
 };

@@ -51,7 +51,7 @@ class TMachineFolder {
     if (!m_folder.IsOpen()) FailToRead(m_path);
   }
 
-  TMachineDocument Read(TMachineDocument machine) const {
+  TMachineDocument Read(TMachineDocument machine) {
     const bool hasJson = m_folder.Has(kMachineJson);
     const bool hasEdids = m_folder.Has(kEdids);
     const bool hasFiles = m_folder.Has(kRoot);
@@ -65,9 +65,17 @@ class TMachineFolder {
     if (hasFiles) {
       TRootedFolder root = m_folder.OpenFolder(kRoot);
       if (!root.IsOpen()) FailAsFolder(kRoot);
-      machine.host.files = std::make_shared<TFolderFiles>(std::move(root));
+      m_files = std::make_shared<TFolderFiles>(std::move(root));
+      machine.host.files = m_files;
     }
     return machine;
+  }
+
+  /// What is known of the files, after Read.
+  void DescribeFiles(TMachine& machine) const {
+    if (m_files == nullptr) return;
+    machine.getFileFailures = [files = m_files] { return files->GetFailures(); };
+    machine.filesPlace = At(kRoot);
   }
 
  private:
@@ -118,6 +126,7 @@ class TMachineFolder {
 
   const std::string m_path;
   const TRootedFolder m_folder;
+  std::shared_ptr<TFolderFiles> m_files;  // null for a machine without files
 };
 
 /// What a captured machine is as far as it does not say otherwise.
@@ -160,6 +169,13 @@ TMachine MakeMachine(TMachineDocument document) {
   return machine;
 }
 
+TMachine ReadFolder(const fs::path& path) {
+  TMachineFolder folder(path);
+  TMachine machine = MakeMachine(folder.Read(MakeDefaults()));
+  folder.DescribeFiles(machine);
+  return machine;
+}
+
 }  // namespace
 
 TMachine ReadCapturedMachine(const fs::path& path) {
@@ -169,7 +185,7 @@ TMachine ReadCapturedMachine(const fs::path& path) {
     throw TUnusable(path.string() + ": is not a captured machine: " + std::strerror(errno) +
                     "; --machine takes a folder or a file that exists");
   }
-  if (S_ISDIR(status.st_mode)) return MakeMachine(TMachineFolder(path).Read(MakeDefaults()));
+  if (S_ISDIR(status.st_mode)) return ReadFolder(path);
   if (S_ISREG(status.st_mode)) return MakeCapturedMachine(ReadFile(path));
   throw TUnusable(path.string() + ": is not a captured machine: it is neither a folder nor a regular file");
 }

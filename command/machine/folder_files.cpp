@@ -11,21 +11,51 @@
 
 using NQRXZELT20::TZELTException;
 
+namespace {
+
+/// Whether that is how a look-up ends when there is nothing. A link that leads nowhere is nothing, too.
+bool MeansNothing(int error) { return error == ENOENT || error == ENOTDIR; }
+
+std::string DescribeLookUp(int error) {
+  if (error == EXDEV || error == ELOOP) return "a link leads out of the folder";
+  return std::strerror(error);
+}
+
+}  // namespace
+
 TFolderFiles::TFolderFiles(TRootedFolder root) : m_root(std::move(root)) {}
 
 /// A file that may not be read exists, too.
-bool TFolderFiles::Exists(const std::string& path) const { return IsRegularFile(m_root.Open(path, O_PATH)); }
+bool TFolderFiles::Exists(const std::string& path) const {
+  const TDescriptor file = m_root.Open(path, O_PATH);
+  const int error = errno;
+  if (IsRegularFile(file)) return true;
+  if (!file.IsOpen() && m_root.IsOpen() && !MeansNothing(error)) {
+    m_failures[path] = {path, DescribeLookUp(error), true};
+  }
+  return false;
+}
 
 std::string TFolderFiles::Read(const std::string& path) const {
   const TDescriptor file = m_root.Open(path, O_RDONLY);
   const int error = errno;
   if (!IsRegularFile(file) && (file.IsOpen() || !Exists(path))) throw TZELTException(path + ": no such file");
-  if (!file.IsOpen()) throw TZELTException(path + ": cannot be read: " + std::strerror(error));
+  if (!file.IsOpen()) FailToRead(path, std::string("cannot be read: ") + std::strerror(error));
   std::optional<std::string> content = ReadContent(file, kMaxMachineFileSize);
-  if (!content) throw TZELTException(path + ": cannot be read: " + std::strerror(errno));
+  if (!content) FailToRead(path, std::string("cannot be read: ") + std::strerror(errno));
   if (content->size() > kMaxMachineFileSize) {
-    throw TZELTException(path + ": is larger than " + std::to_string(kMaxMachineFileSize) +
-                         " bytes, which no such file needs");
+    FailToRead(path, "is larger than " + std::to_string(kMaxMachineFileSize) + " bytes, which no such file needs");
   }
   return std::move(*content);
+}
+
+std::vector<TFileFailure> TFolderFiles::GetFailures() const {
+  std::vector<TFileFailure> failures;
+  for (const auto& [path, failure] : m_failures) failures.push_back(failure);
+  return failures;
+}
+
+void TFolderFiles::FailToRead(const std::string& path, const std::string& reason) const {
+  m_failures[path] = {path, reason, false};
+  throw TZELTException(path + ": " + reason);
 }

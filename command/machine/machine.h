@@ -8,12 +8,13 @@
 #include <vector>
 
 #include "command/machine/damaged_edid.h"
+#include "command/machine/folder_files.h"
 #include "embedded_host/embedded_host.h"
 #include "realmode/virtual_video_bios.h"
 
 /// What a report can say of where the EDIDs came from.
 struct TEdidOrigin {
-  std::string none = "no EDID from unit 0 of the video BIOS.";  // why there is no monitor
+  std::string none = "no EDID from unit 0 of the video BIOS";  // why there is none of unit 0
   /// Where the EDID of a unit was read from; an empty text where that is not known.
   std::function<std::string(std::size_t unit)> describe;
 };
@@ -32,6 +33,13 @@ struct TMachine {
   /// What is known of the units, asked after a collection: all of them, or those that the plug-in asked a real BIOS
   /// for.
   std::function<TVirtualBiosConfiguration()> getUnits;
+  /// Which of its files could not be looked for or read, asked after a collection.
+  std::function<std::vector<TFileFailure>()> getFileFailures = [] { return std::vector<TFileFailure>(); };
+  std::string filesPlace;  // the folder that stands for "/"; empty for this machine and for one without a folder
+  /// Why there is no X server's configuration, of which the plug-in looked for so many files.
+  std::function<std::string(std::size_t count)> explainNoXconfig = [](std::size_t count) {
+    return "none of the " + std::to_string(count) + " X server configuration files that were looked for is there";
+  };
   /// Where the X server's configuration comes from when it is no file of the machine, asked after a collection; empty
   /// when it is one, or does not exist.
   std::function<std::string()> getXconfigOrigin = [] { return std::string(); };

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
+#include "command/base/text_encoding.h"
 #include "edid/layout.h"
 
 namespace {
 
 typedef TVirtualBiosConfiguration::TUnit TUnit;
 typedef std::map<unsigned int, TDamagedEdid> TDamages;
-
-constexpr int kNativeSystem = 2;  // the only kind of system whose BIOS the plug-in calls
 
 bool HasSameBaseBlock(const TUnit& left, const TUnit& right) {
   return std::equal(left.edid.begin(), left.edid.begin() + edid::kBlockSize, right.edid.begin());
@@ -18,19 +17,11 @@ bool HasSameBaseBlock(const TUnit& left, const TUnit& right) {
 /// Whether the BIOS hands out the first block of the unit's EDID. Later ones do not decide about a monitor.
 bool FailsAtOnce(const TUnit& unit) { return unit.failAtBlock == 0U || unit.errorAtBlock == 0U; }
 
-/// Why the plug-in reports no monitor at all; empty when it does.
-std::string ExplainNone(const TVirtualBiosConfiguration& bios, int systemType) {
-  if (systemType != kNativeSystem) return "the plug-in calls the video BIOS of a system of type 2 only";
-  if (!bios.present) return "there is no video BIOS";
-  if (!bios.memory) return "the video BIOS has no memory for its answer";
-  return std::string();
-}
-
 /// Goes through the units as the plug-in does, which stops at the first that is no monitor.
 class TUnitWalk {
  public:
   TUnitWalk(const TVirtualBiosConfiguration& bios, const TDamages& damages, int systemType)
-      : m_bios(bios), m_damages(damages), m_end(ExplainNone(bios, systemType)) {}
+      : m_bios(bios), m_damages(damages), m_end(ExplainNoMonitor(bios, systemType)) {}
 
   /// The units come in ascending order.
   void Enter(TOutput& output, const TUnit& unit) {
@@ -76,6 +67,20 @@ class TUnitWalk {
 };
 
 }  // namespace
+
+std::string ExplainNoMonitor(const TVirtualBiosConfiguration& bios, int systemType) {
+  if (systemType != kNativeSystem) return "the plug-in calls the video BIOS of a system of type 2 only";
+  if (!bios.present) return "there is no video BIOS";
+  if (!bios.memory) return "the video BIOS has no memory for its answer";
+  return std::string();
+}
+
+std::string ExplainUnlisted(const TOutput& output) { return GetName(output) + " is not listed: " + output.reason; }
+
+std::string GetName(const TOutput& output) {
+  const std::string unit = "unit " + std::to_string(output.unit);
+  return output.connector.empty() ? unit : ToPrintable(output.connector) + " (" + unit + ")";
+}
 
 std::vector<TOutput> MakeOutputs(const TVirtualBiosConfiguration& bios,
                                  const std::map<unsigned int, std::string>& connectors, const TDamages& damagedEdids,

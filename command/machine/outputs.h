@@ -20,6 +20,17 @@ struct TOutput {
   std::vector<std::uint8_t> edid;       // whole 128-byte blocks
 };
 
+constexpr int kNativeSystem = 2;  // the only kind of system whose BIOS the plug-in calls
+
+/// Why the plug-in reports no monitor, whatever the EDIDs are; empty when it may.
+std::string ExplainNoMonitor(const TVirtualBiosConfiguration& bios, int systemType);
+
+/// A sentence that names an output that the plug-in does not report, and says why.
+std::string ExplainUnlisted(const TOutput& output);
+
+/// How an output is called: by its connector where that is known, and by its unit.
+std::string GetName(const TOutput& output);
+
 /// Every unit that has an EDID, even a damaged one, or a connector, in the order of the units. `connectors` and
 /// `damagedEdids`: of the units, as far as they are known. `systemType`: the kind of system that the host gives the
 /// plug-in.

@@ -56,15 +56,40 @@ std::string MakeConfiguration(TKernel& kernel) {
   return MakeKernelConfiguration(kernel.graphics);
 }
 
+/// `folder`: where the kernel shows the graphics cards.
+std::string ExplainNoXconfig(EXconfigSource source, std::size_t count, const std::string& folder) {
+  const std::string noCard = "the kernel shows no graphics card in " + folder;
+  if (source == EXconfigSource::kKernel) return noCard + ", so no X server configuration could be made";
+  const std::string noFile = TMachine().explainNoXconfig(count);
+  if (source == EXconfigSource::kAuto) return noFile + ", and " + noCard + " to make one from";
+  return noFile + "; --xconfig-source kernel makes one from what the kernel knows";
+}
+
 void UseXconfig(TMachine& machine, EXconfigSource source, const std::shared_ptr<TKernel>& kernel) {
-  const auto files = std::make_shared<TXconfigFiles>(std::make_shared<TFolderFiles>(TRootedFolder("/", ELinks::kAll)),
-                                                     source, [kernel] { return MakeConfiguration(*kernel); });
+  const auto own = std::make_shared<TFolderFiles>(TRootedFolder("/", ELinks::kAll));
+  const auto files = std::make_shared<TXconfigFiles>(own, source, [kernel] { return MakeConfiguration(*kernel); });
   machine.host.files = files;
+  machine.getFileFailures = [own] { return own->GetFailures(); };
+  machine.explainNoXconfig = [source, folder = kernel->folders.cards.string()](std::size_t count) {
+    return ExplainNoXconfig(source, count, folder);
+  };
   machine.getXconfigOrigin = [files, kernel] {
     return files->HasServedMade() ? "made from what the kernel knows in " + kernel->folders.cards.string()
                                   : std::string();
   };
   machine.getNotes = [kernel] { return kernel->notes; };
+}
+
+/// Why no output of the graphics drivers has an EDID, where none has.
+std::string ExplainNoEdid(const TKernel& kernel) {
+  const std::string folder = kernel.folders.cards.string();
+  if (kernel.graphics.cards.empty()) return "the kernel shows no graphics card in " + folder;
+  std::string connected;
+  for (const TDrmCard& card : kernel.graphics.cards) {
+    for (const TDrmOutput& output : card.outputs) connected += (connected.empty() ? "" : ", ") + output.connector;
+  }
+  if (connected.empty()) return "no output in " + folder + " has a monitor connected";
+  return "no connected output in " + folder + " has an EDID (connected: " + connected + ")";
 }
 
 /// Serves the EDIDs of the graphics drivers as those of BIOS units 0, 1, ... The outputs without one follow.
@@ -84,7 +109,7 @@ void UseDrm(TMachine& machine, const TKernel& kernel) {
   machine.getUnits = [bios = std::move(bios)] { return bios; };
   machine.getBiosFailure = [] { return std::string(); };
   const std::string folder = kernel.folders.cards.string();
-  machine.edidOrigin.none = "no connected output in " + folder + " has an EDID.";
+  machine.edidOrigin.none = ExplainNoEdid(kernel);
   machine.edidOrigin.describe = [connectors = machine.connectors, folder](std::size_t asked) {
     const auto connector = connectors.find(static_cast<unsigned int>(asked));
     return connector == connectors.end() ? std::string() : connector->second + " in " + folder;
@@ -101,15 +126,16 @@ TVirtualBiosConfiguration DropRepeats(TVirtualBiosConfiguration bios) {
   return bios;
 }
 
-void UseBios(TMachine& machine, const std::string& failurePrefix) {
+/// `before`: what was looked at before the BIOS, and found wanting; may be empty.
+void UseBios(TMachine& machine, const std::string& before) {
   const auto bios = std::make_shared<TRealVideoBios>();
   const auto recorder = std::make_shared<TBiosRecorder>(bios);
   machine.bios = recorder;
   machine.getUnits = [recorder] { return DropRepeats(recorder->GetRecord()); };
-  machine.getBiosFailure = [bios, failurePrefix] {
+  machine.edidOrigin.none = before + "the video BIOS has no EDID of unit 0: it reaches no monitor that has one";
+  machine.getBiosFailure = [bios, before] {
     const std::string failure = bios->GetFailure();
-    return failure.empty() ? failure
-                           : failurePrefix + failure + "; a captured machine (--machine PATH) does without it";
+    return failure.empty() ? failure : before + failure + "; a captured machine (--machine PATH) does without it";
   };
   machine.edidOrigin.describe = [](std::size_t unit) { return "video BIOS, unit " + std::to_string(unit); };
 }
@@ -128,7 +154,7 @@ TMachine MakeThisMachine(EEdidSource edidSource, EXconfigSource xconfigSource, c
   if (edidSource == EEdidSource::kDrm || (edidSource == EEdidSource::kAuto && !kernel->graphics.units.empty())) {
     UseDrm(machine, *kernel);
   } else if (edidSource == EEdidSource::kAuto) {
-    UseBios(machine, "no connected output in " + folders.cards.string() + " has an EDID, and ");
+    UseBios(machine, ExplainNoEdid(*kernel) + ", and ");
   } else {
     UseBios(machine, "");
   }

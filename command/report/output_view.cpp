@@ -17,12 +17,6 @@ std::string WriteMode(const TPreferredMode& mode) {
   return std::to_string(mode.width) + " x " + std::to_string(mode.height) + " at " + WriteRefresh(mode) + " Hz";
 }
 
-/// How the output is called: by its connector where that is known, and by its unit.
-std::string GetName(const TOutput& output) {
-  const std::string unit = "unit " + std::to_string(output.unit);
-  return output.connector.empty() ? unit : ToPrintable(output.connector) + " (" + unit + ")";
-}
-
 /// Another output of the same model that has no serial number either.
 const TOutput* FindTwin(const TAnswer& answer, const TOutput& output) {
   const auto isTwin = [&](const TOutput& other) {
@@ -77,8 +71,6 @@ std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& out
       {"EDID checksums", output.facts->hasValidChecksums ? "" : "wrong: a byte is damaged"},
   });
 }
-
-std::string ExplainUnlisted(const TOutput& output) { return GetName(output) + " is not listed: " + output.reason; }
 
 std::vector<std::string> ExplainUnlisted(const TAnswer& answer) {
   std::vector<std::string> sentences;

@@ -22,9 +22,6 @@ std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& out
 /// checksums.
 std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& output);
 
-/// A sentence that names an output that the plug-in does not report, and says why.
-std::string ExplainUnlisted(const TOutput& output);
-
 /// A sentence for each output that the plug-in does not report, which names it and says why.
 std::vector<std::string> ExplainUnlisted(const TAnswer& answer);
 

@@ -112,12 +112,3 @@ std::string GetEdidSource(const TInstanceView& monitor, const TAnswer& answer) {
   const auto& describe = answer.edidOrigin.describe;
   return describe ? ToPrintable(describe(GetUnit(monitor))) : std::string();
 }
-
-std::string ExplainNoControllers(const TAnswer& answer) {
-  const auto found = std::find_if(answer.fileQueries.begin(), answer.fileQueries.end(),
-                                  [](const TFileQuery& query) { return query.exists; });
-  if (found != answer.fileQueries.end()) return ToPrintable(found->path) + " yields none.";
-  if (answer.fileQueries.empty()) return "no X server configuration was asked for.";
-  return "none of the " + std::to_string(answer.fileQueries.size()) +
-         " X server configuration files that were looked for is there.";
-}

@@ -60,6 +60,3 @@ std::string JoinTexts(const std::vector<std::string>& texts);
 
 /// Where the monitor's EDID was read from, as printable text; empty when that is not known.
 std::string GetEdidSource(const TInstanceView& monitor, const TAnswer& answer);
-
-/// A sentence that says why there are no controllers and heads.
-std::string ExplainNoControllers(const TAnswer& answer);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "command/report/answer_identity.h"
+#include "command/report/empty_classes.h"
 #include "command/report/monitor_facts.h"
 #include "command/report/output_view.h"
 #include "command/report/request_view.h"
@@ -120,7 +121,7 @@ class TRequestReport {
  public:
   TRequestReport(const TAnswer& answer, const TRequestAnswer& request, const TMakerNames& makers,
                  const TTextLines& lines)
-      : m_answer(answer), m_makers(makers), m_lines(lines), m_view(request) {}
+      : m_answer(answer), m_request(request), m_makers(makers), m_lines(lines), m_view(request) {}
 
   std::string Make() const {
     std::string text;
@@ -135,15 +136,32 @@ class TRequestReport {
   std::string MakeVideo() const {
     std::string text = "Video controllers\n";
     if (!m_answer.xconfigOrigin.empty()) text += m_lines.Wrap("  X configuration ", m_answer.xconfigOrigin);
-    if (m_view.GetControllers().empty() && m_view.GetLooseHeads().empty()) {
-      text += m_lines.Wrap("  None: ", ExplainNoControllers(m_answer));
-    }
     for (const auto& [controller, heads] : m_view.GetControllers()) {
       text += MakeTitle("  ", controller.Text("DeviceID"), controller.Text("Name"));
       text += MakeRows("    ", kControllerRows, controller);
       for (const TInstanceView& head : heads) text += MakeHead("    ", head);
     }
     for (const TInstanceView& head : m_view.GetLooseHeads()) text += MakeHead("  ", head);
+    if (m_view.GetControllers().empty() && m_view.GetLooseHeads().empty()) {
+      text += MakeLinks(kHeadOfVideoControllerClass, "Links of heads to controllers: ");
+    }
+    return text + MakeGaps(EPart::kVideo);
+  }
+
+  /// How many there are, for a request that asked for links only.
+  std::string MakeLinks(const char* className, const char* label) const {
+    const std::size_t count = m_view.Select(className).size();
+    return count == 0 ? "" : m_lines.Wrap("  ", label + std::to_string(count));
+  }
+
+  /// What is not among the answer, and why.
+  std::string MakeGaps(EPart part) const {
+    std::string text;
+    bool isEmpty = !HasInstances(m_request, part);
+    for (const std::string& sentence : ExplainGaps(m_answer, m_request, part)) {
+      text += m_lines.Wrap(isEmpty ? "  None: " : "  ", sentence + ".");
+      isEmpty = false;  // only the first sentence is the cause
+    }
     return text;
   }
 
@@ -154,10 +172,9 @@ class TRequestReport {
 
   std::string MakeMonitors() const {
     std::string text = "Monitors\n";
-    if (m_view.GetMonitors().empty()) text += m_lines.Wrap("  None: ", m_answer.edidOrigin.none);
     for (const TMonitorView& monitor : m_view.GetMonitors()) text += MakeMonitor(monitor);
-    for (const std::string& sentence : ExplainUnlisted(m_answer)) text += m_lines.Wrap("  ", sentence + ".");
-    return text;
+    if (m_view.GetMonitors().empty()) text += MakeLinks(kMonitorSettingClass, "Links of monitors to modes: ");
+    return text + MakeGaps(EPart::kMonitors);
   }
 
   std::string MakeMonitor(const TMonitorView& view) const {
@@ -222,6 +239,7 @@ class TRequestReport {
   std::string MakeRow(const char* label, const std::string& text) const { return m_lines.MakeRow("    ", label, text); }
 
   const TAnswer& m_answer;
+  const TRequestAnswer& m_request;
   const TMakerNames& m_makers;
   const TTextLines& m_lines;
   const TRequestView m_view;

@@ -101,6 +101,27 @@ TEST_F(Command, ShowsTheLogDownToTheStatusByDefault) {
   EXPECT_EQ(result.errors, "status: Lib call returned an error. Could not get Monitor info.\n");
 }
 
+TEST_F(Command, ShowsEachMessageOnceUnlessTheLogIsAskedFor) {
+  const std::string message = "status: Lib call returned an error. Could not get Monitor info.\n";
+  EXPECT_EQ(Run("").errors, message);
+  EXPECT_EQ(Run("--log-level status").errors, message + message);
+}
+
+TEST_F(Command, SaysOnceThatItMayNotLookForTheConfiguration) {
+  machine.File("root/etc/X11/xorg.conf", "");
+  std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::all);
+  std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::none);
+  const TProcessResult result =
+      RunShell((geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "") + kCommand +
+               " --machine " + machine.GetPath().string() + " QRXSG_VideoController");
+  std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::all);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, "displayinfo: 10 of the 10 X server configuration files could not be looked for in " +
+                               machine.GetPath().string() +
+                               "/root: Permission denied; make it readable, or run as a user who may read it\n");
+  EXPECT_THAT(result.output, HasSubstr("None: 10 of the 10 X server configuration files could not be looked for"));
+}
+
 TEST_F(Command, ShowsOnlyErrorsWhenAskedTo) { EXPECT_EQ(Run("--log-level error").errors, ""); }
 
 TEST_F(Command, WritesEachFormat) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "command/report/answer_identity.h"
+#include "command/report/empty_classes.h"
 #include "command/report/html/html_instances.h"
 #include "command/report/html/html_modes.h"
 #include "command/report/html/html_page.h"
@@ -73,15 +74,23 @@ class TRequestSection {
     const std::string& origin = m_answer.xconfigOrigin;
     const TMarkup remark = origin.empty() ? TMarkup() : MakeElement("p", "soft", "X configuration " + origin);
     const TMarkup pictures = MakeVideoPictures(m_view);
-    if (pictures.IsEmpty()) return MakeElement("p", "None: " + ExplainNoControllers(m_answer));
-    return MakeElement("div", "row", pictures) + remark;
+    return (pictures.IsEmpty() ? TMarkup() : MakeElement("div", "row", pictures) + remark) + MakeGaps(EPart::kVideo);
   }
 
   TMarkup MakeMonitors() const {
+    const TMarkup gaps = MakeGaps(EPart::kMonitors);
+    return m_view.GetMonitors().empty() ? gaps : MakeMonitorPictures(m_view, GetCardId()) + gaps;
+  }
+
+  /// What is not among the answer, and why.
+  TMarkup MakeGaps(EPart part) const {
     TMarkup sentences;
-    for (const std::string& sentence : ExplainUnlisted(m_answer)) sentences += MakeElement("p", sentence + ".");
-    if (m_view.GetMonitors().empty()) return MakeElement("p", "None: " + m_answer.edidOrigin.none) + sentences;
-    return MakeMonitorPictures(m_view, GetCardId()) + sentences;
+    bool isEmpty = !HasInstances(m_request, part);
+    for (const std::string& sentence : ExplainGaps(m_answer, m_request, part)) {
+      sentences += MakeElement("p", (isEmpty ? "None: " : "") + sentence + ".");
+      isEmpty = false;  // only the first sentence is the cause
+    }
+    return sentences;
   }
 
   TMarkup MakeCards() const {

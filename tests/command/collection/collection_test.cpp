@@ -137,9 +137,9 @@ TEST_F(Collection, ListsTheMonitorsThatTheOutputsSay) {
 
 TEST_F(Collection, TellsWhereTheEdidsCameFrom) {
   TMachine captured = ReadCapturedMachine(machine.GetPath());
-  captured.edidOrigin = {"none there.", [](std::size_t unit) { return "output " + std::to_string(unit); }};
+  captured.edidOrigin = {"none there", [](std::size_t unit) { return "output " + std::to_string(unit); }};
   const TAnswer answer = Collect(captured, PLUGIN_FILE, {}, {});
-  EXPECT_EQ(answer.edidOrigin.none, "none there.");
+  EXPECT_EQ(answer.edidOrigin.none, "none there");
   EXPECT_EQ(answer.edidOrigin.describe(1), "output 1");
 }
 

@@ -95,10 +95,36 @@ TEST_F(ThisMachine, AsksTheBiosWhenToldToAlthoughThereAreOutputs) {
   EXPECT_TRUE(HasRealBios(Make(EEdidSource::kBios)));
 }
 
-TEST_F(ThisMachine, SaysThatNoOutputHasAnEdidWhenToldToAskThem) {
-  const TMachine machine = Make(EEdidSource::kDrm);
-  EXPECT_FALSE(HasRealBios(machine));
-  EXPECT_EQ(machine.edidOrigin.none, "no connected output in " + drm.GetPath().string() + " has an EDID.");
+TEST_F(ThisMachine, SaysWhyNoOutputHasAnEdidWhenToldToAskThem) {
+  const std::string folder = drm.GetPath().string();
+  EXPECT_FALSE(HasRealBios(Make(EEdidSource::kDrm)));
+  EXPECT_EQ(Make(EEdidSource::kDrm).edidOrigin.none, "the kernel shows no graphics card in " + folder);
+  drm.Write("card0/dev", "226:0\n");
+  EXPECT_EQ(Make(EEdidSource::kDrm).edidOrigin.none, "no output in " + folder + " has a monitor connected");
+  AddOutputWithEdid("card0-DP-1", "");
+  AddOutputWithEdid("card0-VGA-1", "");
+  EXPECT_EQ(Make(EEdidSource::kDrm).edidOrigin.none,
+            "no connected output in " + folder + " has an EDID (connected: card0-DP-1, card0-VGA-1)");
+}
+
+TEST_F(ThisMachine, SaysThatTheOutputsHaveNoEdidBeforeItSaysThatTheBiosHasNone) {
+  EXPECT_EQ(Make(EEdidSource::kAuto).edidOrigin.none,
+            "the kernel shows no graphics card in " + drm.GetPath().string() +
+                ", and the video BIOS has no EDID of unit 0: it reaches no monitor that has one");
+  EXPECT_EQ(Make(EEdidSource::kBios).edidOrigin.none,
+            "the video BIOS has no EDID of unit 0: it reaches no monitor that has one");
+}
+
+TEST_F(ThisMachine, SaysWhyItHasNoConfigurationByWhereThatIsToComeFrom) {
+  const std::string noCard = "the kernel shows no graphics card in " + drm.GetPath().string();
+  EXPECT_EQ(
+      Make(EEdidSource::kDrm, EXconfigSource::kAuto).explainNoXconfig(10),
+      "none of the 10 X server configuration files that were looked for is there, and " + noCard + " to make one from");
+  EXPECT_EQ(Make(EEdidSource::kDrm, EXconfigSource::kKernel).explainNoXconfig(10),
+            noCard + ", so no X server configuration could be made");
+  EXPECT_EQ(Make(EEdidSource::kDrm, EXconfigSource::kFile).explainNoXconfig(10),
+            "none of the 10 X server configuration files that were looked for is there; --xconfig-source kernel makes "
+            "one from what the kernel knows");
 }
 
 TEST_F(ThisMachine, HasTheConfigurationOfTheKernelInTheOrderOfTheUnits) {

@@ -151,15 +151,22 @@ TEST_F(TextReport, BlamesNoPartForWhatWasLoggedBeforeTheFirstClass) {
               Not(HasSubstr("The plug-in says:")));
 }
 
-TEST_F(TextReport, SaysThatNoConfigurationFileIsThere) {
-  answer.fileQueries = {{"/etc/X11/XF86Config", false}, {"/etc/X11/xorg.conf", false}};
-  EXPECT_THAT(Make({"QRXSG_VideoController"}),
-              HasSubstr("None: none of the 2 X server configuration files that were looked for is\n        there.\n"));
+TEST_F(TextReport, SaysWhyThereAreNoControllers) {
+  answer.reasons.noControllers = "/etc/X11/xorg.conf is empty";
+  EXPECT_EQ(Make({"QRXSG_VideoController", "QRXSG_VideoHead"}),
+            "Video controllers\n  None: /etc/X11/xorg.conf is empty.\n");
 }
 
-TEST_F(TextReport, NamesTheConfigurationFileThatYieldsNothing) {
-  answer.fileQueries = {{"/etc/X11/XF86Config", false}, {"/etc/X11/xorg.conf", true}};
-  EXPECT_THAT(Make({"QRXSG_VideoController"}), HasSubstr("None: /etc/X11/xorg.conf yields none.\n"));
+TEST_F(TextReport, CountsTheLinksOfARequestThatAskedForNothingElse) {
+  Commit("QRXSG_HeadOfVideoController", {});
+  Commit("QRXSG_MonitorSetting", {});
+  Commit("QRXSG_MonitorSetting", {});
+  EXPECT_EQ(Make({"QRXSG_HeadOfVideoController", "QRXSG_MonitorSetting"}),
+            "Video controllers\n"
+            "  Links of heads to controllers: 1\n"
+            "\n"
+            "Monitors\n"
+            "  Links of monitors to modes: 2\n");
 }
 
 TEST_F(TextReport, StaysWithinItsWidth) {
@@ -352,7 +359,7 @@ TEST_F(TextReport, DoesNotObeyWhatAnOutputIsCalled) {
 }
 
 TEST_F(TextReport, TellsWhyThereIsNoMonitorByWhereEdidsComeFrom) {
-  answer.edidOrigin.none = "nothing is connected.";
+  answer.reasons.noMonitors = "nothing is connected";
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}), "Monitors\n  None: nothing is connected.\n");
 }
 

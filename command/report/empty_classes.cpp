@@ -1,0 +1,157 @@
+#include "command/report/empty_classes.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "command/base/text_encoding.h"
+#include "command/report/output_view.h"
+
+namespace {
+
+typedef std::vector<std::string> TSentences;
+
+/// What the host's model held when a class was asked for: an association links instances that are in it by then.
+class TModelBefore {
+ public:
+  /// Before the class at that position of the request.
+  TModelBefore(const TAnswer& answer, const TRequestAnswer& request, std::size_t position) {
+    for (const TRequestAnswer& earlier : answer.requests) {
+      if (&earlier == &request) break;
+      Add(earlier, earlier.classes.size());
+    }
+    Add(request, position);
+  }
+
+  bool WasAsked(const std::string& name) const { return Has(m_asked, name); }
+  bool IsHeld(const std::string& name) const { return Has(m_held, name); }
+
+ private:
+  static bool Has(const TSentences& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+  }
+
+  void Add(const TRequestAnswer& request, std::size_t classCount) {
+    const auto end = request.classes.begin() + static_cast<std::ptrdiff_t>(classCount);
+    for (auto name = request.classes.begin(); name != end; ++name) {
+      m_asked.push_back(*name);
+      const auto isOfIt = [&](const auto& instance) { return instance->GetDeclaration().name == *name; };
+      if (std::any_of(request.instances.begin(), request.instances.end(), isOfIt)) m_held.push_back(*name);
+    }
+  }
+
+  TSentences m_asked;
+  TSentences m_held;
+};
+
+/// Why a class can have no instances.
+struct TCause {
+  const char* className;
+  std::string TReasons::*reason;  // of the machine; null for an association
+  const char* linked[2];          // what an association links
+  const char* otherwise;          // why it links none of them although they exist
+};
+
+const TCause kCauses[] = {
+    {kVideoControllerClass, &TReasons::noControllers, {}, ""},
+    {kVideoHeadClass, &TReasons::noControllers, {}, ""},
+    {kHeadOfVideoControllerClass,
+     nullptr,
+     {kVideoControllerClass, kVideoHeadClass},
+     "no head has the display id of a controller, or their BusID is empty"},
+    {kDesktopMonitorClass, &TReasons::noMonitors, {}, ""},
+    {kMonitorResolutionClass, &TReasons::noModes, {}, ""},
+    {kMonitorSettingClass,
+     nullptr,
+     {kDesktopMonitorClass, kMonitorResolutionClass},
+     "no mode of a monitor is found for it: the plug-in takes the mode at the monitor's own position in the list of "
+     "all"},
+};
+
+const TCause& FindCause(const std::string& className) {
+  return *std::find_if(std::begin(kCauses), std::end(kCauses),
+                       [&](const TCause& cause) { return className == cause.className; });
+}
+
+std::string Explain(const TAnswer& answer, const TCause& cause, const TModelBefore& model) {
+  if (cause.reason != nullptr) return answer.reasons.*cause.reason;
+  const std::string both = cause.linked[0] + std::string(" and ") + cause.linked[1];
+  for (const char* const linked : cause.linked) {
+    if (model.WasAsked(linked) && !model.IsHeld(linked)) return answer.reasons.*FindCause(linked).reason;
+  }
+  for (const char* const linked : cause.linked) {
+    if (model.WasAsked(linked)) continue;
+    return std::string(cause.className) + " links what was collected before it, and " + linked + " was not; ask for " +
+           both + " first";
+  }
+  return cause.otherwise;
+}
+
+/// Messages of the plug-in about a text that it could not use, which it ends with. They are of no severity that people
+/// see, and a head is without a value for it.
+struct TUnusedValue {
+  const char* message;
+  const char* meaning;  // "%" stands for the text
+};
+
+constexpr TUnusedValue kUnusedValues[] = {
+    {"Could not convert to integer color quality from", "a head has no colour depth: its Depth \"%\" is no number"},
+    {"Could not convert to integer horizontal resolution from",
+     "a head has no configured mode: \"%\" in its Screen section is no number of pixels, nor a depth"},
+    {"Could not convert to integer vertical resolution from ",
+     "a head has no configured height: what follows \"%x\" in its Screen section is no number of lines"},
+};
+
+void Add(TSentences& sentences, const std::string& sentence) {
+  const std::string printable = ToPrintable(sentence);
+  if (std::find(sentences.begin(), sentences.end(), printable) == sentences.end()) sentences.push_back(printable);
+}
+
+void AddUnusedValues(const TRequestAnswer& request, TSentences& sentences) {
+  for (const TLogEntry& entry : request.log) {
+    for (const auto& [message, meaning] : kUnusedValues) {
+      const std::string beginning = message;
+      if (entry.message.compare(0, beginning.size(), beginning) != 0) continue;
+      const std::string text = meaning;
+      Add(sentences, std::string(text).replace(text.find('%'), 1, entry.message.substr(beginning.size())));
+    }
+  }
+}
+
+bool IsOf(const std::string& className, EPart part) {
+  const TClassDeclaration* const declaration = FindClass(className);
+  return declaration != nullptr && declaration->part == part;
+}
+
+/// Of the classes without instances.
+void AddCauses(const TAnswer& answer, const TRequestAnswer& request, EPart part, TSentences& sentences) {
+  const bool isPartEmpty = !HasInstances(request, part);
+  const TSentences known = sentences;
+  for (std::size_t position = 0; position < request.classes.size(); ++position) {
+    const std::string& name = request.classes[position];
+    const auto isOfIt = [&](const auto& instance) { return instance->GetDeclaration().name == name; };
+    if (!IsOf(name, part) || std::any_of(request.instances.begin(), request.instances.end(), isOfIt)) continue;
+    const std::string cause = Explain(answer, FindCause(name), TModelBefore(answer, request, position));
+    const bool isKnown = std::find(known.begin(), known.end(), ToPrintable(cause)) != known.end();
+    if (!isKnown) Add(sentences, isPartEmpty ? cause : "No " + name + ": " + cause);
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> ExplainGaps(const TAnswer& answer, const TRequestAnswer& request, EPart part) {
+  TSentences outputs;
+  if (part == EPart::kMonitors) {
+    for (const std::string& sentence : ExplainUnlisted(answer)) Add(outputs, sentence);
+  }
+  TSentences sentences;
+  if (HasInstances(request, part)) sentences = outputs;  // what they say of a class need not be said again
+  AddCauses(answer, request, part, sentences);
+  for (const std::string& sentence : outputs) Add(sentences, sentence);
+  if (part == EPart::kVideo) AddUnusedValues(request, sentences);
+  return sentences;
+}
+
+bool HasInstances(const TRequestAnswer& request, EPart part) {
+  return std::any_of(request.instances.begin(), request.instances.end(),
+                     [&](const auto& instance) { return instance->GetDeclaration().part == part; });
+}
