@@ -3,6 +3,7 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <utility>
 
 #include "host/exception.h"
 
@@ -29,13 +30,17 @@ class TStoredProperty : public ICIMProperty {
 
 bool IsSpecial(char character) { return character == '\\' || character == '"'; }
 
-std::string Escape(const std::string& value) {
-  std::string escaped;
-  auto rest = value.begin();
-  for (auto special = rest; (special = std::find_if(rest, value.end(), IsSpecial)) != value.end(); rest = special + 1) {
-    escaped.append(rest, special).append(1, '\\').append(1, *special);
+/// Appends the value with a backslash before each special character.
+void AppendEscaped(std::string& target, const std::string& value) {
+  const char* const end = value.data() + value.size();
+  for (const char* run = value.data();;) {
+    const char* const special = std::find_if(run, end, IsSpecial);
+    target.append(run, static_cast<std::size_t>(special - run));
+    if (special == end) return;
+    target += '\\';
+    target += *special;
+    run = special + 1;
   }
-  return escaped.append(rest, value.end());
 }
 
 template <typename T>
@@ -67,11 +72,11 @@ boost::shared_ptr<ICIMProperty> TStoredInstance::GetProperty(const std::string& 
 
 void TStoredInstance::SetProperty(const std::string& name, const TCIMValue& value, TCIMQueryContext) {
   const TPropertyDeclaration& declared = Declared(name);
-  const std::string wanted = GetTypeName(declared.type, declared.isArray);
-  const std::string given = GetTypeName(value.GetType(), value.IsArray());
-  if (!value.IsNull() && given != wanted) {
-    throw TZELTException(std::string(m_declaration.name) + "." + name + " is a " + wanted + " and was given a " +
-                         given);
+  const bool isOfType = value.GetType().GetCode() == declared.type && value.IsArray() == declared.isArray;
+  if (!isOfType && !value.IsNull()) {
+    throw TZELTException(std::string(m_declaration.name) + "." + name + " is a " +
+                         GetTypeName(declared.type, declared.isArray) + " and was given a " +
+                         GetTypeName(value.GetType(), value.IsArray()));
   }
   m_properties[name] = value;
   m_path.clear();
@@ -89,10 +94,13 @@ const std::string& TStoredInstance::GetPathText() const {
     if (!property.isKey) break;
     const auto found = m_properties.find(property.name);
     if (found == m_properties.end()) continue;
-    path.append(1, separator).append(property.name).append("=\"").append(Escape(found->second)).append(1, '"');
+    path += separator;
+    path.append(property.name).append("=\"");
+    AppendEscaped(path, found->second);
+    path += '"';
     separator = ',';
   }
-  return m_path = path;
+  return m_path = std::move(path);
 }
 
 const TPropertyDeclaration& TStoredInstance::Declared(const std::string& name) const {

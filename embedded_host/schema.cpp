@@ -85,8 +85,11 @@ TProperties MonitorProperties() {
 }  // namespace
 
 const TPropertyDeclaration* TClassDeclaration::Find(const std::string& propertyName) const {
-  const auto found = std::find_if(properties.begin(), properties.end(),
-                                  [&](const TPropertyDeclaration& property) { return propertyName == property.name; });
+  // Most names differ in their first letter, so that no more is compared.
+  const auto isNamed = [&](const TPropertyDeclaration& property) {
+    return property.name[0] == propertyName[0] && propertyName == property.name;
+  };
+  const auto found = std::find_if(properties.begin(), properties.end(), isNamed);
   return found == properties.end() ? nullptr : &*found;
 }
 

@@ -39,46 +39,53 @@ std::string EscapeCode(const char* format, TCode code) {
   return text;
 }
 
-// What is written for a character in each kind of text; empty for one that is written as it is.
+// What is written for a character in each kind of text. Each appends it, or returns false for a character that is
+// written as it is.
 
-std::string EscapeForPeople(TCode code) {
-  if (!IsHidden(code) || code == '\t') return std::string();
-  return EscapeCode(code < 0x80 ? "\\x%02x" : "\\u%04x", code);
+bool EscapeForPeople(std::string& target, TCode code) {
+  if (!IsHidden(code) || code == '\t') return false;
+  target += EscapeCode(code < 0x80 ? "\\x%02x" : "\\u%04x", code);
+  return true;
 }
 
-/// The escapes that JSON (RFC 8259, section 7) and MOF have in common.
-std::string EscapeShort(TCode code) {
+/// The escapes that JSON (RFC 8259, section 7) and MOF have in common: the letter after the backslash, or 0.
+char GetShortEscape(TCode code) {
   switch (code) {
     case '"':
-      return "\\\"";
     case '\\':
-      return "\\\\";
+      return static_cast<char>(code);
     case '\b':
-      return "\\b";
+      return 'b';
     case '\f':
-      return "\\f";
+      return 'f';
     case '\n':
-      return "\\n";
+      return 'n';
     case '\r':
-      return "\\r";
+      return 'r';
     case '\t':
-      return "\\t";
+      return 't';
     default:
-      return std::string();
+      return 0;
   }
 }
 
-std::string EscapeForJson(TCode code) {
-  const std::string escape = EscapeShort(code);
-  return escape.empty() && IsHidden(code) ? EscapeCode("\\u%04x", code) : escape;
+/// `format`: of printf, for a hidden character without a short escape.
+bool EscapeForLiteral(std::string& target, TCode code, const char* format) {
+  if (const char letter = GetShortEscape(code)) {
+    target.append(1, '\\').append(1, letter);
+    return true;
+  }
+  if (!IsHidden(code)) return false;
+  target += EscapeCode(format, code);
+  return true;
 }
 
-std::string EscapeForMof(TCode code) {
-  const std::string escape = EscapeShort(code);
-  return escape.empty() && IsHidden(code) ? EscapeCode("\\x%04X", code) : escape;
-}
+bool EscapeForJson(std::string& target, TCode code) { return EscapeForLiteral(target, code, "\\u%04x"); }
 
-std::string EscapeForHtml(TCode code) {
+bool EscapeForMof(std::string& target, TCode code) { return EscapeForLiteral(target, code, "\\x%04X"); }
+
+/// The entity of a character of HTML's markup; null for any other.
+const char* GetEntity(TCode code) {
   switch (code) {
     case '&':
       return "&amp;";
@@ -94,46 +101,93 @@ std::string EscapeForHtml(TCode code) {
     case 0xFFFF:
       return kReplacement;
     default:
-      return EscapeForPeople(code);
+      return nullptr;
   }
 }
 
-/// No kind of text escapes it; most texts are made of such characters.
-bool IsPlain(char byte) {
-  return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == ' ';
+bool EscapeForHtml(std::string& target, TCode code) {
+  const char* const entity = GetEntity(code);
+  if (entity == nullptr) return EscapeForPeople(target, code);
+  target += entity;
+  return true;
+}
+
+/// No kind of text escapes it; most texts are made of such characters only.
+constexpr bool IsPlain(char byte) {
+  return byte >= ' ' && byte < 0x7F && byte != '"' && byte != '\\' && byte != '&' && byte != '<' && byte != '>' &&
+         byte != '\'';
+}
+
+struct TPlainBytes {
+  bool isPlain[256] = {};
+
+  constexpr TPlainBytes() {
+    for (int byte = 0; byte < 256; ++byte) isPlain[byte] = IsPlain(static_cast<char>(byte));
+  }
+};
+constexpr TPlainBytes kPlain;  // a table, since every byte of every answer is looked at
+
+const char* FindSpecial(const char* begin, const char* end) {
+  return std::find_if_not(begin, end, [](char byte) { return kPlain.isPlain[static_cast<unsigned char>(byte)]; });
 }
 
 bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
-/// Goes through the text: `append` takes each run of well-formed characters, and U+FFFD for each byte between.
+/// Goes through the text: `append` takes each run of well-formed characters, and U+FFFD stands for each byte between.
 template <typename TAppend>
-std::string Convert(std::string_view text, TAppend append) {
-  std::string converted;
+void Convert(std::string& converted, std::string_view text, TAppend append) {
   while (true) {
     const char* const beyondAscii =
         std::find_if_not(text.data(), text.data() + text.size(), IsAscii);  // nearly always the end
     const char* const invalid = utf8::find_invalid(beyondAscii, text.data() + text.size());
     const auto length = static_cast<std::size_t>(invalid - text.data());
     append(converted, text.substr(0, length));
-    if (length == text.size()) return converted;
+    if (length == text.size()) return;
     converted += kReplacement;
     text.remove_prefix(length + 1);
   }
 }
 
-/// The text with what `escape` gives for its characters.
-std::string Escape(std::string_view text, std::string (*escape)(TCode)) {
-  return Convert(text, [&](std::string& converted, std::string_view run) {
-    const char* const end = run.data() + run.size();
-    for (const char* position = run.data(); position != end;) {
-      const char* const special = std::find_if_not(position, end, IsPlain);
-      converted.append(position, special);
-      if (special == end) break;
-      position = special;
-      const std::string shown = escape(utf8::unchecked::next(position));
-      shown.empty() ? converted.append(special, position) : converted.append(shown);
-    }
-  });
+/// Appends a text that is well-formed, with what `escape` writes for its characters.
+template <typename TEscape>
+void AppendWellFormed(std::string& target, std::string_view text, TEscape escape) {
+  const char* const end = text.data() + text.size();
+  for (const char* position = text.data(); position != end;) {
+    const char* const special = FindSpecial(position, end);
+    target.append(position, special);
+    if (special == end) break;
+    position = special;
+    if (!escape(target, utf8::unchecked::next(position))) target.append(special, position);
+  }
+}
+
+/// Appends the ASCII at the front of the text, with what `escape` writes for its characters; returns its length. It is
+/// nearly always the whole text.
+template <typename TEscape>
+std::size_t AppendAsciiFront(std::string& target, std::string_view text, TEscape escape) {
+  const char* const end = text.data() + text.size();
+  for (const char* position = text.data();;) {
+    const char* const special = FindSpecial(position, end);
+    target.append(position, static_cast<std::size_t>(special - position));
+    if (special == end || !IsAscii(*special)) return static_cast<std::size_t>(special - text.data());
+    if (!escape(target, static_cast<TCode>(*special))) target += *special;
+    position = special + 1;
+  }
+}
+
+template <typename TEscape>
+void AppendEscaped(std::string& target, std::string_view text, TEscape escape) {
+  text.remove_prefix(AppendAsciiFront(target, text, escape));
+  if (text.empty()) return;
+  Convert(target, text,
+          [&](std::string& converted, std::string_view run) { AppendWellFormed(converted, run, escape); });
+}
+
+template <typename TEscape>
+std::string Escape(std::string_view text, TEscape escape) {
+  std::string escaped;
+  AppendEscaped(escaped, text, escape);
+  return escaped;
 }
 
 bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }
@@ -141,7 +195,9 @@ bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC
 }  // namespace
 
 std::string ToUtf8(const std::string& text) {
-  return Convert(text, [](std::string& converted, std::string_view run) { converted += run; });
+  std::string converted;
+  Convert(converted, text, [](std::string& target, std::string_view run) { target += run; });
+  return converted;
 }
 
 std::string ToPrintable(const std::string& text) { return Escape(text, EscapeForPeople); }
@@ -154,7 +210,17 @@ std::string ToMessage(const std::string& text) {
          " characters) ... " + printable.substr(GetLength(printable, columns - kMessageEnd));
 }
 
-std::string QuoteJson(const std::string& text) { return '"' + Escape(text, EscapeForJson) + '"'; }
+std::string QuoteJson(const std::string& text) {
+  std::string quoted;
+  AppendJson(quoted, text);
+  return quoted;
+}
+
+void AppendJson(std::string& target, std::string_view text) {
+  target += '"';
+  AppendEscaped(target, text, EscapeForJson);
+  target += '"';
+}
 
 std::string QuoteMof(const std::string& text) { return '"' + Escape(text, EscapeForMof) + '"'; }
 

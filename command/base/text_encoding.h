@@ -25,6 +25,9 @@ std::string ToMessage(const std::string& text);
 /// The text as a JSON string, with its quotes: a parser reads the characters of ToUtf8.
 std::string QuoteJson(const std::string& text);
 
+/// Appends what QuoteJson makes of the text.
+void AppendJson(std::string& target, std::string_view text);
+
 /// The text as a MOF string literal, with its quotes.
 std::string QuoteMof(const std::string& text);
 

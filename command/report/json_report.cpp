@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "command/base/base64.h"
@@ -16,7 +17,7 @@ namespace {
 
 constexpr std::size_t kMaxLine = std::size_t{64} * 1024 * 1024;  // bytes
 
-void WriteMember(TJsonWriter& json, const char* name, const std::string& text) {
+void WriteMember(TJsonWriter& json, const char* name, std::string_view text) {
   json.Key(name);
   json.String(text);
 }
@@ -43,7 +44,7 @@ void WriteValue(TJsonWriter& json, const TCIMValue& value) {
     case TType::kUint8:
     case TType::kUint16:
     case TType::kUint32:
-      return json.Literal(value);
+      return json.Literal(static_cast<std::string>(value));
     case TType::kReal32:
       return json.Literal(MakeReal(value));
     case TType::kString:
@@ -51,7 +52,7 @@ void WriteValue(TJsonWriter& json, const TCIMValue& value) {
     case TType::kReference:
       break;
   }
-  json.String(value);
+  json.String(static_cast<std::string>(value));
 }
 
 void WriteInstance(TJsonWriter& json, const TStoredInstance& instance) {

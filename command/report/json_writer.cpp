@@ -18,20 +18,21 @@ void TJsonWriter::EndObject() { End('}'); }
 void TJsonWriter::BeginArray() { Begin('['); }
 void TJsonWriter::EndArray() { End(']'); }
 
-void TJsonWriter::Key(const std::string& name) {
+void TJsonWriter::Key(std::string_view name) {
   Separate();
-  m_text += QuoteJson(name);
-  m_text += m_layout == ELayout::kIndented ? ": " : ":";
+  AppendJson(m_text, name);
+  m_text += ':';
+  if (m_layout == ELayout::kIndented) m_text += ' ';
   m_followsKey = true;
 }
 
-void TJsonWriter::String(const std::string& text) {
+void TJsonWriter::String(std::string_view text) {
   Separate();
-  m_text += QuoteJson(text);
+  AppendJson(m_text, text);
   CheckSize();
 }
 
-void TJsonWriter::Literal(const std::string& text) {
+void TJsonWriter::Literal(std::string_view text) {
   Separate();
   m_text += text;
   CheckSize();

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <limits>
 #include <string>
+#include <string_view>
 
 class TJsonWriter {
  public:
@@ -19,13 +20,13 @@ class TJsonWriter {
   void EndArray();
 
   /// The name of the next value; only inside an object.
-  void Key(const std::string& name);
+  void Key(std::string_view name);
 
   /// A string, as QuoteJson makes it of any bytes.
-  void String(const std::string& text);
+  void String(std::string_view text);
 
   /// A value that is JSON already, such as a number or null.
-  void Literal(const std::string& text);
+  void Literal(std::string_view text);
 
   /// The text so far, without a line end. The writer is empty then.
   std::string TakeText();

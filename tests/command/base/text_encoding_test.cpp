@@ -138,6 +138,17 @@ TEST(JsonText, IsQuotedWithItsHiddenCharactersEscaped) {
                 kReplacement + "\"");
 }
 
+TEST(JsonText, MixesWhatIsEscapedWithWhatIsNot) {
+  EXPECT_EQ(QuoteJson("\"a\\b\" \xC3\xA9 \"c\" \xFF\\ \xC3\xA9\x7F"),
+            "\"\\\"a\\\\b\\\" \xC3\xA9 \\\"c\\\" \xEF\xBF\xBD\\\\ \xC3\xA9\\u007f\"");
+}
+
+TEST(JsonText, IsAppended) {
+  std::string text = "before ";
+  AppendJson(text, "a\"b");
+  EXPECT_EQ(text, "before \"a\\\"b\"");
+}
+
 TEST(MofText, IsQuotedWithItsQuotesAndControlCharactersEscaped) {
   EXPECT_EQ(QuoteMof("a\"\\\n\x1B\xC2\x9B\xC3\xA9\xFF"), "\"a\\\"\\\\\\n\\x001B\\x009B\xC3\xA9" + kReplacement + "\"");
 }
