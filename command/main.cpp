@@ -126,7 +126,7 @@ std::string MakeReport(const TOptions& options, const TMachine& machine, const T
     case EFormat::kMof:
       return MakeMofReport(answer);
     case EFormat::kHtml:
-      return MakeHtmlReport(answer);
+      return MakeHtmlReport(answer, TMakerNames(FindMakerList()));
     case EFormat::kText:
       break;
   }

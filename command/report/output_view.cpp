@@ -13,10 +13,6 @@ std::string WriteFixed(double number, int decimals) {
   return text;
 }
 
-std::string WriteMode(const TPreferredMode& mode) {
-  return std::to_string(mode.width) + " x " + std::to_string(mode.height) + " at " + WriteRefresh(mode) + " Hz";
-}
-
 /// Another output of the same model that has no serial number either.
 const TOutput* FindTwin(const TAnswer& answer, const TOutput& output) {
   const auto isTwin = [&](const TOutput& other) {
@@ -34,12 +30,6 @@ std::string DescribeSerialNumber(const TAnswer& answer, const TOutput& output) {
   return twin == nullptr ? "" : "none; " + GetName(*twin) + " is of the same model and has none either";
 }
 
-std::vector<TOutputRow> DropEmpty(std::vector<TOutputRow> rows) {
-  rows.erase(std::remove_if(rows.begin(), rows.end(), [](const TOutputRow& row) { return row.text.empty(); }),
-             rows.end());
-  return rows;
-}
-
 }  // namespace
 
 std::string WriteRefresh(const TPreferredMode& mode) { return WriteFixed(mode.refresh, 3); }
@@ -52,24 +42,13 @@ const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId) {
   return output == answer.outputs.end() ? nullptr : &*output;
 }
 
-std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& output) {
-  if (!output.facts || !output.facts->isVersion1) return {};
-  const TEdidFacts& facts = *output.facts;
-  std::vector<TOutputRow> rows = DropEmpty({
-      {"Preferred mode", facts.preferredMode ? WriteMode(*facts.preferredMode) : ""},
-      {"Diagonal", facts.diagonalInches ? WriteDiagonal(*facts.diagonalInches) + " inches" : ""},
-      {"Product code", std::to_string(facts.productCode)},
-  });
-  for (const TOutputRow& row : DescribeHeader(answer, output)) rows.push_back(row);
-  return rows;
-}
-
 std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& output) {
-  if (!output.facts || !output.facts->isVersion1) return {};
-  return DropEmpty({
-      {"Serial in header", DescribeSerialNumber(answer, output)},
-      {"EDID checksums", output.facts->hasValidChecksums ? "" : "wrong: a byte is damaged"},
-  });
+  std::vector<TOutputRow> rows;
+  if (!output.facts || !output.facts->isVersion1) return rows;
+  const std::string serialNumber = DescribeSerialNumber(answer, output);
+  if (!serialNumber.empty()) rows.push_back({"Serial in header", serialNumber});
+  if (!output.facts->hasValidChecksums) rows.push_back({"EDID checksums", "wrong: a byte is damaged"});
+  return rows;
 }
 
 std::vector<std::string> ExplainUnlisted(const TAnswer& answer) {

@@ -15,11 +15,8 @@ struct TOutputRow {
 /// The output that the plug-in reports under that id, or null.
 const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId);
 
-/// What the EDID says beyond the plug-in's classes; rows without a text are left out.
-std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& output);
-
-/// Of these, what matters beside the facts of the monitor (monitor_facts.h): the header's serial number and the
-/// checksums.
+/// What matters beside the facts of the monitor (monitor_facts.h): the header's serial number and the checksums. Rows
+/// without a text are left out.
 std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& output);
 
 /// A sentence for each output that the plug-in does not report, which names it and says why.

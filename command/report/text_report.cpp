@@ -1,114 +1,15 @@
 #include "command/report/text_report.h"
 
-#include <algorithm>
-#include <cmath>
-#include <tuple>
 #include <vector>
 
 #include "command/report/answer_identity.h"
+#include "command/report/device_rows.h"
 #include "command/report/empty_classes.h"
-#include "command/report/monitor_facts.h"
+#include "command/report/mode_order.h"
 #include "command/report/output_view.h"
 #include "command/report/request_view.h"
 
 namespace {
-
-std::string PowerStates(const TInstanceView& monitor) {
-  std::vector<std::string> states;
-  for (const auto& [property, state] : {std::pair{"DPMSStandby", "standby"}, std::pair{"DPMSSuspend", "suspend"},
-                                        std::pair{"DPMSActiveOff", "active off"}}) {
-    if (monitor.Text(property) == "true") states.emplace_back(state);
-  }
-  return states.empty() ? "none" : JoinTexts(states);
-}
-
-/// In MiB, or in bytes where these are not whole MiB.
-std::string VideoMemory(const TInstanceView& controller) {
-  constexpr unsigned int mebibyte = 1024 * 1024;  // bytes
-  const unsigned int bytes = controller.Number("VideoRamSize");
-  if (bytes == 0 || bytes % mebibyte != 0) return controller.TextWithUnit("VideoRamSize");
-  return std::to_string(bytes / mebibyte) + " MiB";
-}
-
-/// The text and the words after it, or nothing.
-std::string Extend(const std::string& text, const char* words) { return text.empty() ? text : text + words; }
-
-std::string ConfiguredMode(const TInstanceView& head) {
-  return JoinTexts({head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"),
-                    Extend(head.TextWithUnit("CurrentBitsPerPixel"), " per pixel")});
-}
-
-/// The plug-in's instance of a monitor, and the facts that people read.
-struct TMonitorParts {
-  TInstanceView instance;
-  TMonitorFacts facts;
-};
-
-// The rows under a device: a label, and how its text comes out of what is known of it. Rows without text are left out.
-template <typename T>
-struct TRow {
-  const char* label;
-  std::string (*text)(const T&);
-};
-
-const TRow<TInstanceView> kControllerRows[] = {
-    {"Display id", [](const TInstanceView& i) { return i.Text("DisplayId"); }},
-    {"Chip", [](const TInstanceView& i) { return i.Text("VideoProcessor"); }},
-    {"DAC", [](const TInstanceView& i) { return i.Text("DACType"); }},
-    {"Video memory", VideoMemory},
-};
-
-const TRow<TInstanceView> kHeadRows[] = {
-    {"Configured mode", ConfiguredMode},
-    {"Monitor model", [](const TInstanceView& i) { return i.Text("MonitorString"); }},
-};
-
-const TRow<TMonitorParts> kMonitorRows[] = {
-    {"Manufacturer", [](const TMonitorParts& m) { return m.facts.GetMaker(); }},
-    {"Serial number", [](const TMonitorParts& m) { return m.facts.serialNumber; }},
-    {"Product code", [](const TMonitorParts& m) { return m.facts.productCode; }},
-    {"Manufactured", [](const TMonitorParts& m) { return m.facts.made; }},
-    {"Picture",
-     [](const TMonitorParts& m) {
-       return JoinTexts({m.facts.size, m.facts.diagonal});
-     }},
-    {"Input", [](const TMonitorParts& m) { return m.facts.input; }},
-    {"Line rate", [](const TMonitorParts& m) { return m.facts.lineRate; }},
-    {"Field rate", [](const TMonitorParts& m) { return m.facts.fieldRate; }},
-    {"Pixel clock", [](const TMonitorParts& m) { return m.facts.pixelClock; }},
-    {"Gamma", [](const TMonitorParts& m) { return m.instance.Text("Gamma"); }},
-    {"Power saving", [](const TMonitorParts& m) { return PowerStates(m.instance); }},
-    {"Digital interface", [](const TMonitorParts& m) { return m.instance.Text("SupportedDigitalInterface"); }},
-    {"EDID version", [](const TMonitorParts& m) { return m.instance.Text("EDIDVersion"); }},
-};
-
-/// Width, height and rate of a mode, which sort by the size of the picture.
-struct TModeOrder {
-  explicit TModeOrder(const TInstanceView& mode)
-      : width(mode.Number("HorizontalResolution")),
-        height(mode.Number("VerticalResolution")),
-        rate(mode.Number("RefreshRate")) {}
-
-  bool operator>(const TModeOrder& other) const {
-    const auto key = [](const TModeOrder& mode) {
-      return std::tuple(std::uint64_t{mode.width} * mode.height, mode.width, mode.rate);
-    };
-    return key(*this) > key(other);
-  }
-
-  unsigned int width;
-  unsigned int height;
-  unsigned int rate;
-};
-
-/// The plug-in has rates in whole Hz.
-bool IsPreferred(const TInstanceView& mode, const TOutput* output) {
-  if (output == nullptr || !output->facts || !output->facts->preferredMode) return false;
-  const TPreferredMode& preferred = *output->facts->preferredMode;
-  const TModeOrder order(mode);
-  return order.width == preferred.width && order.height == preferred.height &&
-         std::lround(preferred.refresh) == static_cast<long>(order.rate);
-}
 
 // What marks a mode in the list of modes, and what the mark says.
 constexpr const char* kConfiguredMark = "*";
@@ -138,7 +39,7 @@ class TRequestReport {
     if (!m_answer.xconfigOrigin.empty()) text += m_lines.Wrap("  X configuration ", m_answer.xconfigOrigin);
     for (const auto& [controller, heads] : m_view.GetControllers()) {
       text += MakeTitle("  ", controller.Text("DeviceID"), controller.Text("Name"));
-      text += MakeRows("    ", kControllerRows, controller);
+      text += MakeRows("    ", DescribeController(controller));
       for (const TInstanceView& head : heads) text += MakeHead("    ", head);
     }
     for (const TInstanceView& head : m_view.GetLooseHeads()) text += MakeHead("  ", head);
@@ -167,7 +68,7 @@ class TRequestReport {
 
   std::string MakeHead(const std::string& indent, const TInstanceView& head) const {
     return MakeTitle(indent, "Head " + head.Text("HeadNumber"), head.Text("DeviceID")) +
-           MakeRows(indent + "  ", kHeadRows, head);
+           MakeRows(indent + "  ", DescribeHead(head));
   }
 
   std::string MakeMonitors() const {
@@ -178,34 +79,16 @@ class TRequestReport {
   }
 
   std::string MakeMonitor(const TMonitorView& view) const {
-    const TOutput* const output = FindOutput(m_answer, view.id);
-    std::string text = MakeTitle("  ", view.id, view.monitor ? view.monitor->Text("Name") : "");
-    const TMonitorFacts facts = DescribeMonitor(output, view.monitor ? &*view.monitor : nullptr, m_makers);
-    if (view.monitor) {
-      text += MakeRows("    ", kMonitorRows, TMonitorParts{*view.monitor, facts});
-      text += MakeRow("EDID read from", GetEdidSource(*view.monitor, m_answer));
-      if (output != nullptr) text += MakeHeader(*output, facts);
-    }
-    return text + MakeRow("Preferred mode", facts.preferredMode) + MakeModes(view.modes, output);
+    return MakeTitle("  ", view.id, view.monitor ? view.monitor->Text("Name") : "") +
+           MakeRows("    ", DescribeMonitor(m_answer, view, m_makers)) +
+           MakeModes(view.modes, FindOutput(m_answer, view.id));
   }
 
-  /// A serial number that the monitor's facts have already is not repeated.
-  std::string MakeHeader(const TOutput& output, const TMonitorFacts& facts) const {
-    std::string text;
-    for (const auto& [label, content] : DescribeHeader(m_answer, output)) {
-      if (content != facts.serialNumber) text += MakeRow(label, content);
-    }
-    return text;
-  }
-
-  std::string MakeModes(TInstances modes, const TOutput* output) const {
-    std::stable_sort(modes.begin(), modes.end(), [](const TInstanceView& left, const TInstanceView& right) {
-      return TModeOrder(left) > TModeOrder(right);
-    });
+  std::string MakeModes(const TInstances& modes, const TOutput* output) const {
     std::vector<std::string> texts;
     bool hasConfigured = false;
     bool hasPreferred = false;
-    for (const TInstanceView& mode : modes) {
+    for (const TInstanceView& mode : SortModes(modes)) {
       const bool isConfigured = m_view.IsConfigured(mode);
       const bool isPreferred = IsPreferred(mode, output);
       hasConfigured = hasConfigured || isConfigured;
@@ -228,10 +111,9 @@ class TRequestReport {
     return m_lines.Wrap(indent, name.empty() || name == id ? id : id + ": " + name);
   }
 
-  template <typename T, std::size_t count>
-  std::string MakeRows(const std::string& indent, const TRow<T> (&rows)[count], const T& device) const {
+  std::string MakeRows(const std::string& indent, const std::vector<TOutputRow>& rows) const {
     std::string text;
-    for (const TRow<T>& row : rows) text += m_lines.MakeRow(indent, row.label, row.text(device));
+    for (const auto& [label, content] : rows) text += m_lines.MakeRow(indent, label, content);
     return text;
   }
 

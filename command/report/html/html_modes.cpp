@@ -1,8 +1,9 @@
 #include "command/report/html/html_modes.h"
 
 #include <algorithm>
-#include <map>
-#include <set>
+#include <utility>
+
+#include "command/report/mode_order.h"
 
 namespace {
 
@@ -16,30 +17,27 @@ constexpr int kBottom = 154;
 
 struct TResolution {
   unsigned int width, height;
-  std::set<unsigned int> rates;  // Hz
+  std::vector<std::string> rates;
+  std::string unit;           // of the rates
+  std::string preferredRate;  // empty when the monitor prefers another resolution
   bool isConfigured;
 };
 
-/// The modes of each resolution together, the highest first.
-std::vector<TResolution> GetResolutions(const TRequestView& view, const TInstances& modes) {
-  std::map<std::pair<unsigned int, unsigned int>, TResolution> points;
-  for (const TInstanceView& mode : modes) {
+/// The modes of each resolution together, the largest first.
+std::vector<TResolution> GetResolutions(const TRequestView& view, const TInstances& modes, const TOutput* output) {
+  std::vector<TResolution> resolutions;
+  for (const TInstanceView& mode : SortModes(modes)) {
     const unsigned int width = mode.Number("HorizontalResolution");
     const unsigned int height = mode.Number("VerticalResolution");
-    TResolution& point = points[{height, width}];
-    if (point.rates.empty()) point = {width, height, {}, view.IsConfigured(mode)};
-    point.rates.insert(mode.Number("RefreshRate"));
+    if (resolutions.empty() || resolutions.back().width != width || resolutions.back().height != height) {
+      resolutions.push_back({width, height, {}, mode.Unit("RefreshRate"), "", view.IsConfigured(mode)});
+    }
+    TResolution& resolution = resolutions.back();
+    const std::string rate = mode.Text("RefreshRate");
+    if (resolution.rates.empty() || resolution.rates.back() != rate) resolution.rates.push_back(rate);
+    if (IsPreferred(mode, output)) resolution.preferredRate = mode.TextWithUnit("RefreshRate");
   }
-  std::vector<TResolution> descending;
-  for (auto point = points.rbegin(); point != points.rend(); ++point) descending.push_back(point->second);
-  return descending;
-}
-
-std::string GetRates(const TResolution& point) {
-  std::vector<std::string> rates;
-  rates.reserve(point.rates.size());
-  for (const unsigned int rate : point.rates) rates.push_back(std::to_string(rate));
-  return JoinTexts(rates) + " Hz";
+  return resolutions;
 }
 
 /// A round number of which `limit` holds no more than three.
@@ -96,10 +94,6 @@ TMarkup MakeMark(TPoint at, bool isConfigured) {
                           {{"cx", std::to_string(at.x)}, {"cy", std::to_string(at.y)}, {"r", "4"}, {"class", "mode"}});
 }
 
-std::string GetSize(const TResolution& resolution) {
-  return std::to_string(resolution.width) + " x " + std::to_string(resolution.height);
-}
-
 TMarkup MakePlot(const std::vector<TResolution>& resolutions) {
   unsigned int width = 0;
   unsigned int height = 0;
@@ -116,19 +110,27 @@ TMarkup MakePlot(const std::vector<TResolution>& resolutions) {
   return MakeSvg(kWidth, kHeight, plot);
 }
 
+/// "800 x 600: 75, 60 Hz (configured, preferred at 60 Hz)".
+std::string Describe(const TResolution& resolution) {
+  const std::string& preferred = resolution.preferredRate;
+  const std::string marks = JoinTexts({resolution.isConfigured ? "configured" : "",  //
+                                       preferred.empty() ? "" : "preferred at " + preferred});
+  return std::to_string(resolution.width) + " x " + std::to_string(resolution.height) + ": " +
+         JoinTexts(resolution.rates) + " " + resolution.unit + (marks.empty() ? "" : " (" + marks + ")");
+}
+
 TMarkup MakeList(const std::vector<TResolution>& resolutions) {
   TMarkup items;
   for (const TResolution& resolution : resolutions) {
-    const std::string text = GetSize(resolution) + ": " + GetRates(resolution);
-    items += resolution.isConfigured ? MakeElement("li", "name", text + " (configured)") : MakeElement("li", text);
+    items += MakeElement("li", resolution.isConfigured ? "name" : "", Describe(resolution));
   }
   return MakeElement("ul", "modes", std::move(items));
 }
 
 }  // namespace
 
-TMarkup MakeModes(const TRequestView& view, const TMonitorView& monitor) {
+TMarkup MakeModes(const TRequestView& view, const TMonitorView& monitor, const TOutput* output) {
   if (monitor.modes.empty()) return {};
-  const std::vector<TResolution> resolutions = GetResolutions(view, monitor.modes);
+  const std::vector<TResolution> resolutions = GetResolutions(view, monitor.modes, output);
   return MakeElement("div", "plot", MakePlot(resolutions) + MakeList(resolutions));
 }

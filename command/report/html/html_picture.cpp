@@ -1,6 +1,9 @@
 #include "command/report/html/html_picture.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "command/report/device_rows.h"
 
 namespace {
 
@@ -10,13 +13,17 @@ constexpr std::size_t kNameColumns = 64;
 constexpr unsigned int kNeutralWidth = 40;  // cm
 constexpr unsigned int kNeutralHeight = 30;
 
-/// The lines below each other, the first in bold, without those that are empty.
-TMarkup MakeLines(const std::vector<std::string>& lines) {
-  TMarkup markup;
-  for (const std::string& line : lines) {
-    if (!line.empty()) markup += MakeElement("p", markup.IsEmpty() ? "name" : "", MakeShortText(line, kNameColumns));
+/// The names below each other, the first in bold, without those that are empty; then the rows.
+TMarkup MakeLines(const std::vector<std::string>& names, const std::vector<TOutputRow>& rows) {
+  TMarkup lines;
+  for (const std::string& name : names) {
+    if (!name.empty()) lines += MakeElement("p", lines.IsEmpty() ? "name" : "", MakeShortText(name, kNameColumns));
   }
-  return markup;
+  for (const auto& [label, text] : rows) {
+    lines += MakeElement(
+        "p", MakeElement("span", "soft", label) + " " + MakeElement("span", MakeShortText(text, kNameColumns)));
+  }
+  return lines;
 }
 
 /// The name of a device, unless it only repeats the id.
@@ -27,14 +34,11 @@ std::string GetOwnName(const TInstanceView& device) {
 
 TMarkup MakeController(const TInstanceView& controller) {
   return MakeElement("div", "controller",
-                     MakeLines({controller.Text("DeviceID"), GetOwnName(controller), controller.Text("DisplayId")}));
+                     MakeLines({controller.Text("DeviceID"), GetOwnName(controller)}, DescribeController(controller)));
 }
 
 TMarkup MakeHead(const TInstanceView& head) {
-  const std::string depth =
-      head.Has("CurrentBitsPerPixel") ? head.TextWithUnit("CurrentBitsPerPixel") + " per pixel" : "";
-  return MakeElement("li", MakeLines({"Head " + head.Text("HeadNumber"), head.Text("DeviceID"),
-                                      head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"), depth}));
+  return MakeElement("li", MakeLines({"Head " + head.Text("HeadNumber"), head.Text("DeviceID")}, DescribeHead(head)));
 }
 
 TMarkup MakeHeads(const TInstances& heads) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "command/report/answer_identity.h"
+#include "command/report/device_rows.h"
 #include "command/report/empty_classes.h"
 #include "command/report/html/html_instances.h"
 #include "command/report/html/html_modes.h"
@@ -45,8 +46,9 @@ TMarkup MakeFacts(const std::vector<TOutputRow>& facts) {
 /// each under a heading of its own.
 class TRequestSection {
  public:
-  TRequestSection(const TAnswer& answer, const THtmlAnchors& anchors, std::size_t request)
+  TRequestSection(const TAnswer& answer, const TMakerNames& makers, const THtmlAnchors& anchors, std::size_t request)
       : m_answer(answer),
+        m_makers(makers),
         m_anchors(anchors),
         m_number(request),
         m_request(answer.requests[request]),
@@ -102,18 +104,10 @@ class TRequestSection {
       cards += MakeElement(
           "div", "panel",
           MakeHeading(m_level + 1, MakeShortText(title, kNameColumns), GetCardId() + std::to_string(++number)) +
-              MakeFacts(DescribeMonitor(monitor)) + MakeModes(m_view, monitor));
+              MakeFacts(DescribeMonitor(m_answer, monitor, m_makers)) +
+              MakeModes(m_view, monitor, FindOutput(m_answer, monitor.id)));
     }
     return cards.IsEmpty() ? cards : MakeElement("div", "row cards", std::move(cards));
-  }
-
-  std::vector<TOutputRow> DescribeMonitor(const TMonitorView& monitor) const {
-    std::vector<TOutputRow> facts;
-    const TOutput* const output = FindOutput(m_answer, monitor.id);
-    if (output != nullptr) facts = DescribeOutput(m_answer, *output);
-    const std::string source = monitor.monitor ? GetEdidSource(*monitor.monitor, m_answer) : std::string();
-    if (!source.empty()) facts.push_back({"EDID read from", source});
-    return facts;
   }
 
   TMarkup MakeFoldedInstances() const {
@@ -126,6 +120,7 @@ class TRequestSection {
   std::string GetCardId() const { return "request" + std::to_string(m_number + 1) + "-monitor-"; }
 
   const TAnswer& m_answer;
+  const TMakerNames& m_makers;
   const THtmlAnchors& m_anchors;
   const std::size_t m_number;
   const TRequestAnswer& m_request;
@@ -135,7 +130,7 @@ class TRequestSection {
 
 }  // namespace
 
-std::string MakeHtmlReport(const TAnswer& answer) {
+std::string MakeHtmlReport(const TAnswer& answer, const TMakerNames& makers) {
   const std::string name = ShowSystemName(answer.identity);
   const std::string collection = DescribeCollection(answer.identity);
   TMarkup content =
@@ -144,7 +139,7 @@ std::string MakeHtmlReport(const TAnswer& answer) {
                   collection + ". As the plug-in " + answer.plugin.name + " " + answer.plugin.version + " tells.");
   const THtmlAnchors anchors(answer);
   for (std::size_t request = 0; request < answer.requests.size(); ++request) {
-    content += TRequestSection(answer, anchors, request).Make();
+    content += TRequestSection(answer, makers, anchors, request).Make();
   }
   content += MakeLog(answer.log);
   return MakeHtmlPage(Shorten(name, kNameColumns) + " \u2013 " + collection, std::move(content));

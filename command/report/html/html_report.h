@@ -4,7 +4,9 @@
 #include <string>
 
 #include "command/collection/collection.h"
+#include "command/machine/maker_names.h"
 
-/// For each request, pictures of the controllers with their heads, of the monitors and of their modes, then every
-/// instance in tables; the log at the end. A part that is empty says why.
-std::string MakeHtmlReport(const TAnswer& answer);
+/// The machine and when it was collected from; then, for each request, pictures of the controllers with their heads and
+/// of the monitors, the facts and the modes of each monitor, and every instance in tables, folded away; the log at the
+/// end, folded too. A part that is empty says why.
+std::string MakeHtmlReport(const TAnswer& answer, const TMakerNames& makers = TMakerNames());

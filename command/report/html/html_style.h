@@ -19,11 +19,12 @@ constexpr const char* kHtmlStyle =
     ".panel .row{margin:.6rem 0}"
     // A controller and its heads, joined by lines: from the controller to the right, down, and to each head. An
     // attribute that is missing is the empty content that needs no quotes.
-    ".card{display:grid;grid-template-columns:1fr 1fr;column-gap:2rem;max-width:30rem;align-items:start}"
-    ".heads{list-style:none;padding:0;margin:0;max-width:14rem;display:grid;gap:.7rem}"
+    ".card{display:grid;grid-template-columns:2fr 3fr;column-gap:2rem;max-width:34rem;align-items:start}"
+    ".heads{list-style:none;padding:0;margin:0;max-width:20rem;display:grid;gap:.7rem}"
     ".controller,.heads li{position:relative;min-width:0;background:var(--paper);border:1px solid var(--soft);"
     "padding:.4rem .6rem}.controller{border:2px solid var(--accent)}"
     ".controller p,.heads p,.monitors p{margin:0;font-size:.85rem}.name{font-weight:600}"
+    ".controller span,.heads span{display:inline-block}"
     ".card .heads li::before{content:attr(none);position:absolute;right:100%;top:1.3rem;width:1rem;"
     "border-top:1px solid var(--soft)}"
     ".card .heads li:first-child::before{width:calc(2rem + 1px)}"
@@ -52,5 +53,7 @@ constexpr const char* kHtmlStyle =
     "ul{margin:.3rem 0;padding-left:1.2rem}.error,.warning{color:var(--alarm)}"
     // Folded parts.
     "summary{cursor:pointer}.paper{display:none}"
-    "@media print{:root{font-size:11px}body{max-width:none;padding:0}.panel,tr,li,.picture{break-inside:avoid}"
+    "@media print{:root{font-size:11px}body{max-width:none;padding:0;line-height:1.2}h2{margin:.7rem 0 "
+    ".3rem}details:not([open]){display:none}th,td{padding-top:.1rem;"
+    "padding-bottom:.1rem}.row{gap:.7rem;margin:.7rem 0}.panel,tr,li,.picture{break-inside:avoid}"
     "h1,h2,h3,h4,caption,thead{break-after:avoid}.wide{overflow:visible}details:not([open])+.paper{display:block}}";

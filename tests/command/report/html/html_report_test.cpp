@@ -174,6 +174,16 @@ TEST_F(HtmlReport, DrawsMonitorsToScale) {
               ElementsAre("150\" height=\"112", "75\" height=\"37"));
 }
 
+TEST_F(HtmlReport, TellsTheFactsOfControllersHeadsAndMonitors) {
+  Commit("QRXSG_VideoController", {{"VideoRamSize", TCIMValue(1U << 20U)}});
+  CommitHead("a");
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"MonitorManufacturer", TCIMValue("ACM")}});
+  const std::string page = Make();
+  EXPECT_THAT(page, HasSubstr("<p><span class=\"soft\">Video memory</span>\n <span>1 MiB</span>\n</p>"));
+  EXPECT_THAT(page, HasSubstr("<p><span class=\"soft\">Configured mode</span>\n <span>640 x 480</span>\n</p>"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Manufacturer</th>\n<td>ACM</td>"));
+}
+
 TEST_F(HtmlReport, DashesAMonitorOfUnknownSizeAndSaysHowItIsDrawn) {
   CommitMonitor("Monitor 1", 0, 30);
   const std::string page = Make();
@@ -211,11 +221,20 @@ TEST_F(HtmlReport, ListsTheRatesOfAResolutionTogether) {
   CommitMode(640, 480, 60);
   CommitMode(640, 480, 75);
   const std::string page = Make();
-  EXPECT_THAT(page, HasSubstr("<li>640 x 480: 60, 75 Hz</li>"));
+  EXPECT_THAT(page, HasSubstr("<li>640 x 480: 75, 60 Hz</li>"));
   EXPECT_EQ(FindAll(page, "(class=\"mode\")").size(), 1U);
 }
 
-TEST_F(HtmlReport, ListsTheModesThatAreHighestFirst) {
+TEST_F(HtmlReport, MarksThePreferredModeInWords) {
+  CommitMode(640, 480, 60);
+  CommitMode(640, 480, 75);
+  TEdidFacts facts;
+  facts.preferredMode = {640, 480, 59.94};
+  answer.outputs = {{0, "", "Monitor 1", "", facts, {}}};
+  EXPECT_THAT(Make(), HasSubstr("<li>640 x 480: 75, 60 Hz (preferred at 60 Hz)</li>"));
+}
+
+TEST_F(HtmlReport, ListsTheLargestModesFirst) {
   CommitMode(640, 480, 60);
   CommitMode(1280, 1024, 60);
   CommitMode(800, 480, 60);
@@ -369,7 +388,7 @@ TEST_F(HtmlReport, SaysOfEachNameInATableWhetherItNamesARowOrAColumn) {
   answer.log = {{ILogger::kError, "broken"}};
   const std::string page = Make();
   EXPECT_EQ(FindAll(page, "(<th)[ >]").size(), FindAll(page, "(<th) scope=\"(?:row|col)\"").size());
-  EXPECT_EQ(FindAll(page, "(<table>)").size(), 3U);
+  EXPECT_EQ(FindAll(page, "(<table>)").size(), 4U);  // one without a head: the facts of the monitor
   EXPECT_EQ(FindAll(page, "(<thead>)").size(), 3U);
 }
 

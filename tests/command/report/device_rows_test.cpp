@@ -1,0 +1,78 @@
+#include "command/report/device_rows.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/support/answer_test.h"
+
+using NQRXZELT20::TCIMValue;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+class DeviceRows : public TAnswerTest {
+ protected:
+  /// The only instance of a request.
+  TInstanceView Make(const std::string& className, const TValues& values) {
+    Commit(className, values);
+    EndRequest({className});
+    return TInstanceView(*answer.requests.back().instances.front());
+  }
+
+  /// An output of "Monitor 1".
+  TEdidFacts& AddOutput() {
+    TEdidFacts facts;
+    facts.isVersion1 = true;
+    facts.hasValidChecksums = true;
+    answer.outputs = {{0, "", "Monitor 1", "", facts, {}}};
+    return *answer.outputs[0].facts;
+  }
+};
+
+/// Label and text of each row.
+std::vector<std::string> Write(const std::vector<TOutputRow>& rows) {
+  std::vector<std::string> texts;
+  for (const auto& [label, text] : rows) texts.push_back(label + (": " + text));
+  return texts;
+}
+
+std::vector<std::string> WriteController(const TInstanceView& controller) {
+  return Write(DescribeController(controller));
+}
+
+}  // namespace
+
+TEST_F(DeviceRows, HaveNoneOfWhatIsNotKnown) {
+  EXPECT_THAT(WriteController(Make("QRXSG_VideoController", {})), IsEmpty());
+}
+
+TEST_F(DeviceRows, TellVideoMemoryInMebibytesWhereTheyAreWhole) {
+  EXPECT_THAT(WriteController(Make("QRXSG_VideoController", {{"VideoRamSize", TCIMValue(3U << 20U)}})),
+              ElementsAre("Video memory: 3 MiB"));
+  EXPECT_THAT(WriteController(Make("QRXSG_VideoController", {{"VideoRamSize", TCIMValue(1000U)}})),
+              ElementsAre("Video memory: 1000 bytes"));
+}
+
+TEST_F(DeviceRows, TellTheModeOfAHeadAsFarAsItIsKnown) {
+  EXPECT_THAT(Write(DescribeHead(Make("QRXSG_VideoHead", {{"CurrentHorizontalResolution", TCIMValue(640U)},
+                                                          {"CurrentBitsPerPixel", TCIMValue(24U)}}))),
+              ElementsAre("Configured mode: 640 x ?, 24 bits per pixel"));
+}
+
+TEST_F(DeviceRows, TellTheSerialNumberOfTheHeaderOnlyWhereItIsAnother) {
+  const TInstanceView monitor = Make("QRXSG_DesktopMonitor", {});
+  TEdidFacts& facts = AddOutput();
+  facts.serialNumber = 4711;
+  EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
+              ElementsAre("Serial number: 4711", "Product code: 0 (0x0000)", "Input: analogue", "Power saving: none"));
+  facts.serialText = "A-1";
+  EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
+              ElementsAre("Serial number: A-1", "Product code: 0 (0x0000)", "Input: analogue", "Power saving: none",
+                          "Serial in header: 4711"));
+}
+
+TEST_F(DeviceRows, TellOnlyThePreferredModeOfAMonitorThatWasNotAskedFor) {
+  AddOutput().preferredMode = {640, 480, 60};
+  EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", std::nullopt, {}}, TMakerNames())),
+              ElementsAre("Preferred mode: 640 x 480 at 60.000 Hz"));
+}
