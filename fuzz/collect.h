@@ -63,6 +63,7 @@ inline TAnswer CollectHere(const TMachine& machine) {
   TRequest request = {kVideoControllerClass, kVideoHeadClass};
   request.insert(request.end(), kThroughDispatch.begin(), kThroughDispatch.end());
   TAnswer answer;
+  answer.identity = {machine.host.systemName, machine.collected, "1"};
   answer.plugin = {plugin->GetName(), plugin->GetVersion(), plugin->GetInterfaceVersion(), plugin->GetType()};
   answer.log = host.GetLog().GetEntries();
   answer.requests = {{request, store->TakeCommits(), answer.log}};

@@ -55,11 +55,13 @@ std::string ReadMaker(const TBytes& edid) {
 }
 
 std::optional<TMade> ReadMade(const TBytes& edid) {
-  constexpr unsigned int firstYear = 1994;  // of the standard: an earlier one is a filler
   constexpr unsigned int weeks = 54;
+  // Before the standard's first year, and in 2245, it is a filler.
+  constexpr unsigned int firstYear = 1994;
+  constexpr unsigned int lastYear = edid::kFirstYear + 0xFE;
   const unsigned int week = edid[edid::kManufacturingWeek];
   const unsigned int year = edid[edid::kManufacturingYear] + edid::kFirstYear;
-  if (year < firstYear) return std::nullopt;
+  if (year < firstYear || year > lastYear) return std::nullopt;
   TMade made = {std::nullopt, year, week == edid::kModelYear};
   if (week >= 1 && week <= weeks) made.week = week;
   return made;

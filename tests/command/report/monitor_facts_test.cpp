@@ -125,6 +125,12 @@ TEST_F(MonitorFacts, SayTheYearOfAModel) {
   EXPECT_EQ(Describe(TEdidBuilder().Made(edid::kModelYear, 2019)).year, "2019");
 }
 
+TEST_F(MonitorFacts, SayNoYearThatIsAFiller) {
+  for (const unsigned int year : {1990U, 1993U, 2245U}) EXPECT_EQ(Describe(TEdidBuilder().Made(1, year)).made, "");
+  EXPECT_EQ(Describe(TEdidBuilder().Made(1, 1994)).made, "week 1 of 1994");
+  EXPECT_EQ(Describe(TEdidBuilder().Made(1, 2244)).made, "week 1 of 2244");
+}
+
 TEST_F(MonitorFacts, SayTheInputInWords) {
   const auto input = [](unsigned int revision, unsigned int byte) {
     return Describe(TEdidBuilder().Version(1, revision).Byte(kInput, byte)).input;
