@@ -78,11 +78,17 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
 ELogPart GetLogPart(const TOptions& options) { return options.hasLog ? ELogPart::kKept : ELogPart::kLeftOut; }
 
 int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
-  const TMachine machine = MakeThisMachine(options.edidSource, options.xconfigSource);
-  CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
+  if (capture.machine) DropPrivileges(true);
+  const TMachine machine = capture.machine ? ReadCapturedMachine(*capture.machine)
+                                           : MakeThisMachine(options.edidSource, options.xconfigSource);
+  const std::vector<std::string> remarks =
+      CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
   ShowRemark(machine.getBiosFailure());
-  const std::string target = ToPrintable(capture.target.string());
-  std::cerr << "displayinfo: captured; displayinfo --machine " << target << " answers as this machine does\n";
+  for (const auto& [unit, damage] : machine.damagedEdids) ShowRemark(Describe(damage) + "; it is not captured");
+  for (const std::string& remark : remarks) ShowRemark(remark);
+  const std::string source = capture.machine ? *capture.machine : "this machine";
+  ShowRemark("captured; displayinfo --machine " + capture.target.string() + " answers as " + source + " does" +
+             (capture.isAnonymous ? ", but for what was replaced" : ""));
   return kDone;
 }
 

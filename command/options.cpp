@@ -242,10 +242,15 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   TCaptureOptions captureOptions;
   CLI::App* const capture = app.add_subcommand("capture", "Write this machine down as a captured machine")->group("");
   capture->add_option("TARGET", captureOptions.target, "FILE.json, or a folder; must not exist")->required();
-  capture->add_flag("--anonymous", captureOptions.isAnonymous, "Blank serial numbers and the system's name");
-  AddChoice(*capture, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from");
+  capture->add_flag("--anonymous", captureOptions.isAnonymous, "Replace serial numbers and the system's name");
+  CLI::Option* const captured =
+      capture->add_option("--machine", captureOptions.machine, "Another captured machine instead of this one")
+          ->option_text("PATH");
+  AddChoice(*capture, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
+      ->excludes(captured);
   AddChoice(*capture, "--xconfig-source", options.xconfigSource, kXconfigSources,
-            "Where its X server's configuration comes from");
+            "Where its X server's configuration comes from")
+      ->excludes(captured);
   capture->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
 
   TCompareOptions compareOptions;

@@ -34,8 +34,9 @@ struct TOptions {
   bool IsFleet() const { return machineList || machines.size() > 1; }
 };
 
-/// What `displayinfo capture` writes, of the machine that the options name.
+/// What `displayinfo capture` writes, of this machine as the options name it, or of a captured one.
 struct TCaptureOptions {
+  std::optional<std::string> machine;
   std::filesystem::path target;
   bool isAnonymous = false;
 };

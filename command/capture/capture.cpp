@@ -1,7 +1,10 @@
 #include "command/capture/capture.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +20,7 @@
 #include "host/exception.h"
 
 namespace fs = std::filesystem;
+using nlohmann::json;
 
 namespace {
 
@@ -43,13 +47,62 @@ std::map<std::string, std::string> ReadFiles(const THostConfiguration& host,
   throw TUnusable(failure.what() + std::string("; capture as a user who may read it"));
 }
 
-void MakeAnonymous(TMachineDocument& machine) {
-  machine.host.systemName = "anonymous";
+constexpr const char* kAnonymous = "anonymous";
+
+TSerialFillers ReplaceSerials(TMachineDocument& machine) {
+  TSerialFillers fillers;
   for (auto& [number, unit] : machine.bios.units) {
     std::string bytes(unit.edid.begin(), unit.edid.end());
-    BlankSerials(bytes);
+    fillers.Replace(bytes);
     unit.edid.assign(bytes.begin(), bytes.end());
   }
+  return fillers;
+}
+
+/// The answer as JSON with nothing in the places of serial numbers.
+json BlankSerials(const TAnswer& answer) {
+  json blank = json::parse(MakeJsonReport(answer));
+  for (json& request : blank["requests"]) {
+    for (json& instance : request["instances"]) {
+      json& properties = instance["properties"];
+      if (properties.contains("SerialNumber")) properties["SerialNumber"]["value"] = "";
+    }
+  }
+  for (json& output : blank["outputs"]) {
+    output.erase("serialNumber");
+    output.erase("edid");
+  }
+  return blank;
+}
+
+/// What is said of a capture without serial numbers.
+std::vector<std::string> DescribeReplaced(const TMachineDocument& machine, const std::string& systemName,
+                                          const TSerialFillers& fillers) {
+  constexpr std::size_t minLength = 4;  // a shorter text is found by chance
+  const std::string serials = fillers.Describe();
+  std::vector<std::string> remarks = {
+      "replaced by fillers: the system's name" +
+      (serials.empty() ? "; no serial number was found in an EDID" : ", and serial numbers (" + serials + ")")};
+  std::set<std::string> secrets = fillers.GetTexts();
+  if (systemName != kAnonymous) secrets.insert(systemName);
+  for (const auto& [path, content] : machine.files) {
+    const bool holdsOne = std::any_of(secrets.begin(), secrets.end(), [&, &text = content](const std::string& secret) {
+      return secret.size() >= minLength && text.find(secret) != std::string::npos;
+    });
+    if (holdsOne) remarks.push_back(path + " holds the system's name or a serial number; it is captured as it is");
+  }
+  return remarks;
+}
+
+/// Replaces what identifies the machine, and sees that its answer differs in nothing else.
+std::vector<std::string> MakeAnonymous(TMachineDocument& machine, const fs::path& plugin) {
+  const std::string systemName = std::exchange(machine.host.systemName, kAnonymous);
+  const json before = BlankSerials(Ask(MakeCapturedMachine(machine), plugin));
+  const TSerialFillers fillers = ReplaceSerials(machine);
+  if (BlankSerials(Ask(MakeCapturedMachine(machine), plugin)) != before) {
+    throw TUnusable("the answer without serial numbers would differ in more than these; capture without --anonymous");
+  }
+  return DescribeReplaced(machine, systemName, fillers);
 }
 
 /// Collects from the captured machine to see that it answers the same.
@@ -93,21 +146,27 @@ void RequireTarget(const fs::path& target) {
 
 }  // namespace
 
-void CaptureMachine(TMachine machine, const fs::path& plugin, const fs::path& target, bool isAnonymous) {
+std::vector<std::string> CaptureMachine(TMachine machine, const fs::path& plugin, const fs::path& target,
+                                        bool isAnonymous) {
   RequireTarget(target);
   machine.damagedEdids.clear();  // they are not written, so the capture knows nothing of them
   TAnswer answer = Ask(machine, plugin);
   TMachineDocument document = {machine.host,       machine.getUnits(),
                                machine.connectors, ReadFiles(machine.host, answer.fileQueries),
                                machine.collected,  {}};
+  std::vector<std::string> remarks;
   if (isAnonymous) {
-    // What is to be blanked is never written, so the capture is checked in memory first, still with it. The check of
-    // what was written then compares with the answer of the blanked one.
+    // What is to be replaced is never written, so the capture is checked in memory first, still with it. The check of
+    // what was written then compares with the answer of the fillers.
     RequireAnswer(MakeCapturedMachine(document), answer, plugin);
-    MakeAnonymous(document);
+    remarks = MakeAnonymous(document, plugin);
     answer = Ask(MakeCapturedMachine(document), plugin);
   }
   const auto requireAnswer = [&] { RequireAnswer(ReadCapturedMachine(target), answer, plugin); };
-  if (target.extension() == kDocumentEnding) return WriteDocument(document, target, requireAnswer);
-  WriteFolder(document, target, requireAnswer);
+  if (target.extension() == kDocumentEnding) {
+    WriteDocument(document, target, requireAnswer);
+  } else {
+    WriteFolder(document, target, requireAnswer);
+  }
+  return remarks;
 }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "command/machine/machine.h"
 
@@ -13,7 +15,9 @@
 ///
 /// A damaged EDID of `machine` is not written; who calls this has to say so.
 ///
-/// `isAnonymous`: blanks the serial numbers in the EDIDs' base blocks, and the system's name. The files stay as they
-/// are.
-void CaptureMachine(TMachine machine, const std::filesystem::path& plugin, const std::filesystem::path& target,
-                    bool isAnonymous);
+/// `isAnonymous`: puts fillers in the place of the serial numbers in the EDIDs, and of the system's name. The files
+/// stay as they are. The answer must then be that of the machine but for these; else it throws TUnusable.
+///
+/// Returns remarks for people: what was replaced, and which files still hold some of it.
+std::vector<std::string> CaptureMachine(TMachine machine, const std::filesystem::path& plugin,
+                                        const std::filesystem::path& target, bool isAnonymous);

@@ -1,36 +1,211 @@
 #include "command/capture/edid_serials.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <array>
 
 #include "edid/layout.h"
 
 namespace {
 
-/// Overwrites a byte; the sum of the block's bytes stays what it was.
-void Overwrite(std::string& edid, std::size_t position, char value) {
-  edid[edid::kChecksum] = static_cast<char>(edid[edid::kChecksum] + edid[position] - value);
-  edid[position] = value;
-}
+// What is replaced, as people are told it.
+constexpr const char* kInHeader = "in a header";
+constexpr const char* kInDescriptor = "in a descriptor";
+constexpr const char* kInDisplayId = "in a DisplayID product identification";
+constexpr const char* kDisplayIdText = "as a DisplayID text";
+constexpr const char* kContainerId = "as a container id";
+constexpr const char* kUnknownExtension = "in an extension that was emptied";
 
-/// Whether a slot is a display descriptor, which begins with zeros, and one of a serial number.
-bool HoldsSerial(const std::string& edid, std::size_t slot) {
-  const auto begin = edid.begin() + static_cast<std::ptrdiff_t>(slot);
-  return std::all_of(begin, begin + edid::kDescriptorTag, [](char byte) { return byte == 0; }) &&
-         static_cast<unsigned char>(edid[slot + edid::kDescriptorTag]) == edid::kTagSerialNumber;
-}
+// Extension blocks [their tags are those of the Enhanced EDID standard].
+constexpr unsigned char kVideoTimingExtension = 0x10;
+constexpr unsigned char kLocalizedStrings = 0x50;  // the serial number in other scripts
+constexpr unsigned char kMakersOwn = 0xFF;         // anything
+constexpr unsigned char kCta = 0x02;
+constexpr unsigned char kDisplayId = 0x70;
+
+// CTA-861: data blocks from byte 4 to where byte 2 says, then slots of 18 bytes.
+constexpr std::size_t kCtaSlots = 2;
+constexpr std::size_t kCtaDataBlocks = 4;
+constexpr unsigned int kVendorSpecific = 3;
+// A display of Microsoft's own kind: its registration, a version, its use, and the container id.
+constexpr std::array<unsigned char, 3> kMicrosoft = {0x5C, 0x12, 0xCA};
+constexpr std::size_t kMicrosoftContainerId = 5;
+
+constexpr std::size_t kVideoTimingSlots = 5;  // of a video timing extension
+
+// DisplayID: a section from byte 1, whose size byte 2 says; data blocks of three bytes and their content.
+constexpr std::size_t kSectionSize = 2;
+constexpr std::size_t kSectionBlocks = 5;
+constexpr unsigned char kProductIdentification1 = 0x00;  // version 1
+constexpr unsigned char kSerialNumberText = 0x0A;
+constexpr unsigned char kProductIdentification2 = 0x20;  // version 2
+constexpr unsigned char kContainerIdBlock = 0x29;
+constexpr std::size_t kDisplayIdSerial = 5;  // in a product identification: after the maker and the product
+constexpr std::size_t kDisplayIdSerialSize = 4;
+constexpr std::size_t kContainerIdSize = 16;
 
 }  // namespace
 
-void BlankSerials(std::string& edid) {
-  if (edid.size() < edid::kBlockSize) return;
-  for (std::size_t byte = 0; byte < edid::kSerialNumberSize; ++byte) Overwrite(edid, edid::kSerialNumber + byte, '\0');
-  for (const std::size_t descriptor : edid::kDescriptors) {
-    if (!HoldsSerial(edid, descriptor)) continue;
-    for (std::size_t byte = 0; byte < edid::kDescriptorTextSize; ++byte) {
-      const std::size_t position = descriptor + edid::kDescriptorText + byte;
-      // The byte that ends a text stays, so that the text keeps its length.
-      if (edid[position] != '\n' && edid[position] != '\0') Overwrite(edid, position, ' ');
+/// Changes one block of an EDID.
+class TSerialFillers::TEditor {
+ public:
+  TEditor(TSerialFillers& fillers, std::string& edid, std::size_t block)
+      : m_fillers(fillers), m_edid(edid), m_block(block), m_checksum(edid::kChecksum) {}
+
+  void EditBaseBlock() {
+    EditNumber(kInHeader, edid::kSerialNumber, edid::kSerialNumberSize, std::string(4, '\1'));
+    for (const std::size_t slot : edid::kDescriptors) EditSlot(slot);
+  }
+
+  void EditExtension() {
+    switch (At(edid::kExtensionTag)) {
+      case kCta:
+        return EditCta();
+      case kVideoTimingExtension:
+        return EditSlots(kVideoTimingSlots);
+      case kDisplayId:
+        return EditDisplayId();
+      case kLocalizedStrings:
+      case kMakersOwn:
+        return Empty();
     }
   }
+
+ private:
+  unsigned char At(std::size_t position) const { return static_cast<unsigned char>(m_edid[m_block + position]); }
+
+  std::string Get(std::size_t position, std::size_t size) const { return m_edid.substr(m_block + position, size); }
+
+  /// The sum of the bytes with the checksum stays what it was.
+  void Set(std::size_t position, unsigned char value) {
+    char& checksum = m_edid[m_block + m_checksum];
+    checksum = static_cast<char>(checksum + m_edid[m_block + position] - static_cast<char>(value));
+    m_edid[m_block + position] = static_cast<char>(value);
+  }
+
+  void SetNumber(std::size_t position, std::size_t size, unsigned int number) {
+    for (std::size_t byte = 0; byte < size; ++byte) {
+      Set(position + byte, byte < sizeof number ? static_cast<unsigned char>(number >> (8 * byte)) : 0);
+    }
+  }
+
+  /// Of zeros, or of `none`, it is no serial number.
+  void EditNumber(const char* kind, std::size_t position, std::size_t size, const std::string& none = "") {
+    const std::string original = Get(position, size);
+    if (original == none || original == std::string(size, '\0')) return;
+    SetNumber(position, size, m_fillers.Number(kind, original));
+  }
+
+  /// A text of at most `size` bytes, ended as those of descriptors are.
+  void EditText(const char* kind, std::size_t position, std::size_t size) {
+    const std::string original = Get(position, size);
+    const std::string text = original.substr(0, original.find_first_of(std::string("\n\0", 2)));
+    std::string filler;
+    if (text.find_first_not_of(' ') == std::string::npos) {
+      filler = text;
+    } else {
+      filler = std::to_string(m_fillers.Number(kind, original)).substr(0, size);
+      const std::size_t begin = text.find_first_not_of(' ');
+      m_fillers.m_texts.insert(text.substr(begin, text.find_last_not_of(' ') + 1 - begin));
+    }
+    if (filler.size() < size) filler += '\n';
+    filler.resize(size, ' ');
+    // A text that ends in zeros keeps them when there is none.
+    if (text.empty() && original == std::string(size, '\0')) return;
+    for (std::size_t byte = 0; byte < size; ++byte) Set(position + byte, static_cast<unsigned char>(filler[byte]));
+  }
+
+  void EditSlot(std::size_t slot) {
+    const bool isDescriptor = At(slot) == 0 && At(slot + 1) == 0;
+    if (!isDescriptor || At(slot + edid::kDescriptorTag) != edid::kTagSerialNumber) return;
+    EditText(kInDescriptor, slot + edid::kDescriptorText, edid::kDescriptorTextSize);
+  }
+
+  void EditSlots(std::size_t begin) {
+    for (std::size_t slot = begin; slot + edid::kDescriptorSize <= edid::kChecksum; slot += edid::kDescriptorSize) {
+      EditSlot(slot);
+    }
+  }
+
+  void EditCta() {
+    const std::size_t slots = At(kCtaSlots);
+    if (slots < kCtaDataBlocks) return;
+    const std::size_t end = std::min(slots, edid::kChecksum);
+    for (std::size_t block = kCtaDataBlocks; block < end;) {
+      const std::size_t size = At(block) & 0x1FU;
+      if (block + 1 + size <= end && At(block) >> 5 == kVendorSpecific) EditVendorBlock(block + 1, size);
+      block += 1 + size;
+    }
+    EditSlots(slots);
+  }
+
+  void EditVendorBlock(std::size_t content, std::size_t size) {
+    const bool hasId = size >= kMicrosoftContainerId + kContainerIdSize &&
+                       std::equal(kMicrosoft.begin(), kMicrosoft.end(), m_edid.begin() + Offset(content), IsSame);
+    if (hasId) EditNumber(kContainerId, content + kMicrosoftContainerId, kContainerIdSize);
+  }
+
+  /// The section has a checksum of its own, and the block keeps its sum when that is adjusted.
+  void EditDisplayId() {
+    const std::size_t end = kSectionBlocks + At(kSectionSize);
+    if (end >= edid::kChecksum) return Empty();  // damaged: what is where is not known
+    m_checksum = end;
+    for (std::size_t block = kSectionBlocks; block + 3 <= end;) {
+      const std::size_t size = At(block + 2);
+      if (block + 3 + size > end) return;
+      EditDisplayIdBlock(At(block), block + 3, size);
+      block += 3 + size;
+    }
+  }
+
+  void EditDisplayIdBlock(unsigned char tag, std::size_t content, std::size_t size) {
+    const bool isProduct = tag == kProductIdentification1 || tag == kProductIdentification2;
+    if (isProduct && size >= kDisplayIdSerial + kDisplayIdSerialSize) {
+      EditNumber(kInDisplayId, content + kDisplayIdSerial, kDisplayIdSerialSize);
+    }
+    if (tag == kSerialNumberText && size > 0) EditText(kDisplayIdText, content, size);
+    if (tag == kContainerIdBlock && size >= kContainerIdSize) EditNumber(kContainerId, content, kContainerIdSize);
+  }
+
+  /// All after the tag and the version.
+  void Empty() {
+    constexpr std::size_t begin = 2;
+    const std::string content = Get(begin, edid::kChecksum - begin);
+    if (content == std::string(content.size(), '\0')) return;
+    EditNumber(kUnknownExtension, begin, content.size());
+  }
+
+  std::ptrdiff_t Offset(std::size_t position) const { return static_cast<std::ptrdiff_t>(m_block + position); }
+
+  static bool IsSame(unsigned char wanted, char byte) { return wanted == static_cast<unsigned char>(byte); }
+
+  TSerialFillers& m_fillers;
+  std::string& m_edid;
+  const std::size_t m_block;
+  std::size_t m_checksum;
+};
+
+void TSerialFillers::Replace(std::string& edid) {
+  for (std::size_t block = 0; block + edid::kBlockSize <= edid.size(); block += edid::kBlockSize) {
+    TEditor editor(*this, edid, block);
+    if (block == 0) {
+      editor.EditBaseBlock();
+    } else {
+      editor.EditExtension();
+    }
+  }
+}
+
+std::string TSerialFillers::Describe() const {
+  std::string text;
+  for (const auto& [name, kind] : m_kinds) {
+    text += (text.empty() ? "" : ", ") + std::to_string(kind.replaced) + " " + name;
+  }
+  return text;
+}
+
+unsigned int TSerialFillers::Number(const char* kind, const std::string& original) {
+  TKind& known = m_kinds[kind];
+  ++known.replaced;
+  const auto next = static_cast<unsigned int>(known.fillers.size() + 1);
+  return known.fillers.emplace(original, next).first->second;
 }

@@ -153,12 +153,15 @@ TEST_F(Capture, NamesTheSystem) {
   EXPECT_EQ(json::parse(Read("machine.json"))["systemName"], "ws-17");
 }
 
-TEST_F(Capture, IsWithoutSerialNumbersAndNameWhenItIsAnonymous) {
+TEST_F(Capture, HasFillersForSerialNumbersAndNameWhenItIsAnonymous) {
   live.Json(R"({"systemName": "ws-17"})").Edid(0, TEdidBuilder().Serial(3, "A190-004711").Byte(12, 7).Build());
-  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, true);
+  const std::vector<std::string> remarks =
+      CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, true);
+  EXPECT_THAT(remarks, ElementsAre("replaced by fillers: the system's name, and serial numbers (1 in a descriptor, 1 "
+                                   "in a header)"));
   EXPECT_EQ(json::parse(Read("machine.json"))["systemName"], "anonymous");
-  const std::vector<std::uint8_t> blank = TEdidBuilder().Serial(3, "           ").Build();
-  EXPECT_EQ(Read("edid/0.bin"), std::string(blank.begin(), blank.end()));
+  const std::vector<std::uint8_t> filled = TEdidBuilder().Serial(3, "1").Byte(12, 1).Build();
+  EXPECT_EQ(Read("edid/0.bin"), std::string(filled.begin(), filled.end()));
   EXPECT_EQ(RunShell("grep -r -e ws-17 -e 4711 " + target.string()).output, "");
 }
 
@@ -167,8 +170,49 @@ TEST_F(Capture, IsWithoutThemInOneFileToo) {
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, true);
   const json captured = json::parse(ReadFile(document));
   EXPECT_EQ(captured["systemName"], "anonymous");
-  const std::vector<std::uint8_t> blank = TEdidBuilder().Serial(3, "           ").Build();
-  EXPECT_EQ(captured["edids"]["0"], EncodeBase64(std::string(blank.begin(), blank.end())));
+  const std::vector<std::uint8_t> filled = TEdidBuilder().Serial(3, "1").Byte(12, 1).Build();
+  EXPECT_EQ(captured["edids"]["0"], EncodeBase64(std::string(filled.begin(), filled.end())));
+}
+
+TEST_F(Capture, KeepsMonitorsApartThatDifferInTheirSerialNumbersOnlyWhenItIsAnonymous) {
+  const auto make = [](const char* serial) { return TEdidBuilder().Name(0, "Twin").Serial(3, serial).Build(); };
+  live.Edid(0, make("4711")).Edid(1, make("4712")).Edid(2, make("4711")).Edid(3, make("4711"));
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, true);
+  const TAnswer answer = Collect(ReadCapturedMachine(target), PLUGIN_FILE, {{"QRXSG_DesktopMonitor"}}, {});
+  std::vector<std::string> serials;
+  for (const auto& monitor : answer.requests[0].instances) {
+    serials.push_back(monitor->GetProperties().at("SerialNumber"));
+  }
+  EXPECT_THAT(serials, ElementsAre("1", "2", "1"));
+  EXPECT_EQ(answer.outputs.at(3).reason, "its EDID repeats that of unit 2");
+}
+
+TEST_F(Capture, NamesTheFilesThatHoldWhatWasReplacedElsewhere) {
+  live.Json(R"({"systemName": "ws-17"})").File("root/etc/X11/xorg.conf", "# of monitor A190-004711\n");
+  live.Edid(0, TEdidBuilder().Serial(3, "A190-004711").Build());
+  EXPECT_THAT(CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, true),
+              ElementsAre("replaced by fillers: the system's name, and serial numbers (1 in a descriptor)",
+                          "/etc/X11/xorg.conf holds the system's name or a serial number; it is captured as it is"));
+}
+
+TEST_F(Capture, IsRefusedWhenFillersWouldChangeMoreThanSerialNumbers) {
+  // Bytes after the end of a blank serial number are all that tells these two apart.
+  const auto make = [](unsigned int byte) { return TEdidBuilder().Serial(3, " ").Byte(108 + 17, byte).Build(); };
+  live.Edid(0, make('a')).Edid(1, make('b'));
+  try {
+    CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, true);
+    FAIL() << "it was captured";
+  } catch (const TUnusable& error) {
+    EXPECT_STREQ(error.what(),
+                 "the answer without serial numbers would differ in more than these; capture without --anonymous");
+  }
+  EXPECT_FALSE(fs::exists(target));
+}
+
+TEST_F(Capture, OfACaptureKeepsItsDateEvenWhenItIsAnonymous) {
+  live.Json(R"({"collected": "2026-11-21T21:30:00Z"})");
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, true);
+  EXPECT_EQ(json::parse(Read("machine.json"))["collected"], "2026-11-21T21:30:00Z");
 }
 
 TEST_F(Capture, InOneFileIsALineForEachValue) {
