@@ -19,16 +19,17 @@ constexpr const char* kHtmlStyle =
     ".panel .row{margin:.6rem 0}"
     // A controller and its heads, joined by lines: from the controller to the right, down, and to each head. An
     // attribute that is missing is the empty content that needs no quotes.
-    ".card{display:grid;grid-template-columns:2fr 3fr;column-gap:2rem;max-width:34rem;align-items:start}"
+    ".card{display:grid;grid-template-columns:minmax(8.2rem,2fr) "
+    "3fr;column-gap:1.6rem;max-width:34rem;align-items:start}"
     ".heads{list-style:none;padding:0;margin:0;max-width:20rem;display:grid;gap:.7rem}"
     ".controller,.heads li{position:relative;min-width:0;background:var(--paper);border:1px solid var(--soft);"
     "padding:.4rem .6rem}.controller{border:2px solid var(--accent)}"
     ".controller p,.heads p,.monitors p{margin:0;font-size:.85rem}.name{font-weight:600}"
     ".controller span,.heads span{display:inline-block}"
-    ".card .heads li::before{content:attr(none);position:absolute;right:100%;top:1.3rem;width:1rem;"
+    ".card .heads li::before{content:attr(none);position:absolute;right:100%;top:1.3rem;width:.8rem;"
     "border-top:1px solid var(--soft)}"
-    ".card .heads li:first-child::before{width:calc(2rem + 1px)}"
-    ".card .heads li:not(:last-child)::after{content:attr(none);position:absolute;right:calc(100% + 1rem);top:1.3rem;"
+    ".card .heads li:first-child::before{width:calc(1.6rem + 1px)}"
+    ".card .heads li:not(:last-child)::after{content:attr(none);position:absolute;right:calc(100% + .8rem);top:1.3rem;"
     "bottom:calc(-2rem - 2px);border-left:1px solid var(--soft)}"
     // Pictures.
     ".picture{display:block;width:100%;height:auto;font:11px system-ui,sans-serif}text{fill:var(--soft)}"
