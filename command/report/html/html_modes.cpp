@@ -15,6 +15,8 @@ constexpr int kRight = 176;
 constexpr int kTop = 20;
 constexpr int kBottom = 154;
 
+constexpr std::size_t kMany = 40;  // resolutions: the list of more takes the width of the page
+
 struct TResolution {
   unsigned int width, height;
   std::vector<std::string> rates;
@@ -124,7 +126,7 @@ TMarkup MakeList(const std::vector<TResolution>& resolutions) {
   for (const TResolution& resolution : resolutions) {
     items += MakeElement("li", resolution.isConfigured ? "name" : "", Describe(resolution));
   }
-  return MakeElement("ul", "modes", std::move(items));
+  return MakeElement("ul", resolutions.size() > kMany ? "modes many" : "modes", std::move(items));
 }
 
 }  // namespace

@@ -19,8 +19,8 @@ constexpr const char* kHtmlStyle =
     ".panel .row{margin:.6rem 0}"
     // A controller and its heads, joined by lines: from the controller to the right, down, and to each head. An
     // attribute that is missing is the empty content that needs no quotes.
-    ".card{display:grid;grid-template-columns:minmax(8.2rem,2fr) "
-    "3fr;column-gap:1.6rem;max-width:34rem;align-items:start}"
+    ".card{display:grid;grid-template-columns:minmax(8.2rem,2fr) 3fr;column-gap:1.6rem;align-items:start;"
+    "max-width:34rem}"
     ".heads{list-style:none;padding:0;margin:0;max-width:20rem;display:grid;gap:.7rem}"
     ".controller,.heads li{position:relative;min-width:0;background:var(--paper);border:1px solid var(--soft);"
     "padding:.4rem .6rem}.controller{border:2px solid var(--accent)}"
@@ -36,13 +36,13 @@ constexpr const char* kHtmlStyle =
     ".middle{text-anchor:middle}.end{text-anchor:end}.grid{stroke:var(--line)}"
     "rect{fill:var(--paper)}.monitor{stroke:var(--ink);stroke-width:2}.unknown{stroke-dasharray:6 4}"
     ".mode{fill:var(--accent)}.configured{fill:var(--mark);stroke:var(--ink)}"
-    ".monitors{display:grid;grid-template-columns:repeat(auto-fill,minmax(8rem,1fr));gap:1rem;padding:0;list-style:"
-    "none}"
-    ".monitors .picture{max-width:9.5rem}"
+    ".monitors{display:grid;grid-template-columns:repeat(auto-fill,minmax(8rem,1fr));gap:1rem;padding:0;"
+    "list-style:none}.monitors .picture{max-width:9.5rem}"
     // A monitor's modes: the plot, and the list in as many columns as fit.
     ".plot{display:flex;flex-wrap:wrap;align-items:flex-start;gap:.5rem 1rem}.plot .picture{flex:none;width:11.9rem}"
-    ".modes{flex:1 1 12rem;columns:12rem;margin:0;padding:0;list-style:none;font-size:.9rem}.modes "
-    "li{break-inside:avoid}"
+    ".modes{flex:1 1 12rem;columns:12rem;margin:0;padding:0;list-style:none;font-size:.9rem}"
+    ".modes li{break-inside:avoid;padding-left:1rem;text-indent:-1rem}"
+    ".panel:has(.many){grid-column:1/-1}"
     // Tables.
     ".wide{overflow-x:auto}table{border-collapse:collapse;width:100%;margin:.6rem 0;font-size:.9rem}"
     "caption{text-align:left;padding:.2rem 0;font-weight:600}"
@@ -52,9 +52,9 @@ constexpr const char* kHtmlStyle =
     ".properties{min-width:0}.properties th{width:50%;overflow-wrap:anywhere}.panel th{width:32%}"
     "@media (max-width:30rem){table{font-size:.74rem}.wide th,.wide td{padding-right:.4rem}}"
     "ul{margin:.3rem 0;padding-left:1.2rem}.error,.warning{color:var(--alarm)}"
-    // Folded parts.
+    // Folded parts: paper has a sentence instead of one that is not open.
     "summary{cursor:pointer}.paper{display:none}"
-    "@media print{:root{font-size:11px}body{max-width:none;padding:0;line-height:1.2}h2{margin:.7rem 0 "
-    ".3rem}details:not([open]){display:none}th,td{padding-top:.1rem;"
-    "padding-bottom:.1rem}.row{gap:.7rem;margin:.7rem 0}.panel,tr,li,.picture{break-inside:avoid}"
-    "h1,h2,h3,h4,caption,thead{break-after:avoid}.wide{overflow:visible}details:not([open])+.paper{display:block}}";
+    "@media print{:root{font-size:11px}body{max-width:none;padding:0;line-height:1.2}h2{margin:.7rem 0 .3rem}"
+    "th,td{padding-top:.1rem;padding-bottom:.1rem}.row{gap:.7rem;margin:.7rem 0}.wide{overflow:visible}"
+    ".panel,tr,li,.picture{break-inside:avoid}h1,h2,h3,h4,caption,thead{break-after:avoid}"
+    "details:not([open]){display:none}details:not([open])+.paper{display:block}}";

@@ -132,8 +132,7 @@ TEST_F(HtmlReport, HasAStyleForEachOfItsClassesAndForNoOther) {
   CommitHead("a");
   CommitMonitor("Monitor 1", 40, 30);
   CommitMonitor("Monitor 2", 0, 0);
-  CommitMode(640, 480, 60);
-  CommitMode(800, 600, 60);
+  for (unsigned int width = 640; width < 700; ++width) CommitMode(width, 480, 60);
   for (int severity = ILogger::kError; severity <= ILogger::kVerbose; ++severity) {
     answer.log.push_back({static_cast<ILogger::EZELTLogSeverity>(severity), "said"});
   }
@@ -259,6 +258,13 @@ TEST_F(HtmlReport, KeepsThePlotSmallAndAllModesInTheListHoweverManyThereAre) {
   const std::string page = Make();
   EXPECT_EQ(FindAll(page, "<li>([0-9]+ x 480: 60 Hz)</li>").size(), 300U);
   EXPECT_THAT(page, HasSubstr("viewBox=\"0 0 190 190\""));
+}
+
+TEST_F(HtmlReport, GivesTheWidthOfThePageOnlyToALongList) {
+  for (unsigned int count = 0; count < 40; ++count) CommitMode(640 + count, 480, 60);
+  EXPECT_THAT(Make(), HasSubstr("<ul class=\"modes\">"));
+  for (unsigned int count = 0; count < 41; ++count) CommitMode(640 + count, 480, 60);
+  EXPECT_THAT(Make(), HasSubstr("<ul class=\"modes many\">"));
 }
 
 TEST_F(HtmlReport, MarksTheConfiguredResolutionInThePlotAndInWords) {
