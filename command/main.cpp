@@ -13,6 +13,7 @@
 #include "command/base/remark.h"
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
+#include "command/base/unusable.h"
 #include "command/capture/capture.h"
 #include "command/cim_server/serve.h"
 #include "command/collection/collection.h"
@@ -77,18 +78,30 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
 
 ELogPart GetLogPart(const TOptions& options) { return options.hasLog ? ELogPart::kKept : ELogPart::kLeftOut; }
 
+/// What to do with what was captured.
+std::string DescribeCapture(const TCaptureOptions& capture) {
+  const std::string asked = capture.machine ? *capture.machine : "this machine";
+  const std::string target = capture.target.string();
+  return (target == "-" ? "captured; saved as FILE.json, displayinfo --machine FILE.json"
+                        : "captured; displayinfo --machine " + target) +
+         " answers as " + asked + " does" + (capture.isAnonymous ? ", but for what was replaced" : "");
+}
+
 int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   if (capture.machine) DropPrivileges(true);
   const TMachine machine = capture.machine ? ReadCapturedMachine(*capture.machine)
                                            : MakeThisMachine(options.edidSource, options.xconfigSource);
-  const std::vector<std::string> remarks =
-      CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
+  std::vector<std::string> remarks;
+  try {
+    remarks = CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
+  } catch (const TUnusable&) {
+    ShowRemark(machine.getBiosFailure());  // it may be the reason
+    throw;
+  }
   ShowRemark(machine.getBiosFailure());
   for (const auto& [unit, damage] : machine.damagedEdids) ShowRemark(Describe(damage) + "; it is not captured");
   for (const std::string& remark : remarks) ShowRemark(remark);
-  const std::string source = capture.machine ? *capture.machine : "this machine";
-  ShowRemark("captured; displayinfo --machine " + capture.target.string() + " answers as " + source + " does" +
-             (capture.isAnonymous ? ", but for what was replaced" : ""));
+  ShowRemark(DescribeCapture(capture));
   return kDone;
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <thread>
 
@@ -77,6 +78,17 @@ CLI::Validator InRange(unsigned int min, unsigned int max) {
       "");
 }
 
+/// For the name of a file or a machine: an empty one is a variable of a script that was never set.
+CLI::Validator NotEmpty() {
+  return CLI::Validator([](const std::string& name) { return name.empty() ? "the name is empty" : std::string(); }, "");
+}
+
+void AddPlugin(CLI::App& app, std::optional<std::filesystem::path>& plugin) {
+  app.add_option("--plugin", plugin, "Which plug-in (default: beside the command)")
+      ->option_text("FILE")
+      ->check(NotEmpty());
+}
+
 void CheckClass(const std::string& name) {
   const std::vector<std::string> names = GetClassNames();
   if (std::find(names.begin(), names.end(), name) != names.end()) return;
@@ -137,19 +149,21 @@ void CheckListenAddress(const std::string& address) {
 }
 
 void AddServe(CLI::App& app, TServeOptions& options, std::optional<std::filesystem::path>& plugin) {
-  CLI::App* const serve = app.add_subcommand("serve", "Answer CIM clients on a loopback address")->group("");
+  CLI::App* const serve = app.add_subcommand("serve", "Answers CIM clients on a loopback address")->group("");
   constexpr unsigned int maxPort = 65535;
   constexpr unsigned int maxSeconds = 86400;
-  serve->add_option("--port", options.port, "The port (default: 5988); 0: a free one, which is printed")
+  serve->add_option("--port", options.port, "The port (default: 5988); 0: any, which is printed")
       ->option_text("N")
       ->check(InRange(0, maxPort));
   serve->add_option("--listen", options.address, "127.0.0.1 (default) or ::1")->option_text("ADDRESS");
-  CLI::Option* const machine =
-      serve->add_option("--machine", options.machine, "A captured machine instead of this one")->option_text("PATH");
+  CLI::Option* const machine = serve->add_option("--machine", options.machine, "A captured machine instead of this one")
+                                   ->option_text("PATH")
+                                   ->check(NotEmpty());
   AddChoice(*serve, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
       ->excludes(machine);
   AddChoice(*serve, "--xconfig-source", options.xconfigSource, kXconfigSources,
-            "Where this machine's X configuration comes from")
+            "auto (default)|file|kernel: its X configuration")
+      ->option_text("SOURCE")
       ->excludes(machine);
   const auto addSeconds = [&](const char* name, std::chrono::seconds& target, unsigned int min, const char* meaning) {
     serve
@@ -158,9 +172,45 @@ void AddServe(CLI::App& app, TServeOptions& options, std::optional<std::filesyst
         ->option_text("SECONDS")
         ->check(InRange(min, maxSeconds));
   };
-  addSeconds("--max-age", options.maxAge, 0, "How old an answer may be at a request (default: 60)");
+  addSeconds("--max-age", options.maxAge, 0, "How old an answer may be (default: 60)");
   addSeconds("--timeout", options.timeout, 1, "How long a collection may take (default: 60)");
-  serve->add_option("--plugin", plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
+  AddPlugin(*serve, plugin);
+}
+
+constexpr const char* kUsage =
+    "Usage: displayinfo [OPTION...] [CLASS...]  Show a machine's cards and monitors\n"
+    "       displayinfo capture TARGET          Write this machine down\n"
+    "       displayinfo compare OLD NEW         Tell what came, went or changed\n"
+    "       displayinfo serve                   Answer CIM clients\n"
+    "       displayinfo schema                  Explain the classes\n"
+    "       displayinfo SUBCOMMAND --help       Show the options of a subcommand\n";
+
+/// The help of the command itself fits on a screen of 24 lines, subcommands and classes included. Each subcommand has
+/// a page of its own.
+class THelp : public CLI::Formatter {
+ public:
+  std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override {
+    if (app->get_parent() != nullptr) return Formatter::make_help(app, name, mode);
+    return kUsage + make_groups(app, mode) + ListClasses();
+  }
+
+ private:
+  /// Whole names, to be copied, in lines of three.
+  static std::string ListClasses() {
+    constexpr std::size_t inLine = 3;
+    std::string text = "Classes (default: all six; displayinfo schema explains them):\n";
+    const std::vector<std::string> names = GetClassNames();
+    for (std::size_t index = 0; index < names.size(); ++index) {
+      text += (index % inLine == 0 ? "  " : " ") + names[index] + (index % inLine == inLine - 1 ? "\n" : "");
+    }
+    return text;
+  }
+};
+
+/// Which page of the help explains what was typed.
+std::string GetHelpCommand(const CLI::App& app) {
+  const std::vector<CLI::App*> subcommands = app.get_subcommands();
+  return "displayinfo " + (subcommands.empty() ? "" : subcommands.front()->get_name() + " ") + "--help";
 }
 
 void AddTimeout(CLI::App& app, TOptions& options, const char* meaning) {
@@ -170,17 +220,37 @@ void AddTimeout(CLI::App& app, TOptions& options, const char* meaning) {
       ->check(InRange(1, kMaxTimeout));
 }
 
+void AddCapture(CLI::App& app, TCaptureOptions& capture, TOptions& options) {
+  CLI::App* const subcommand =
+      app.add_subcommand("capture", "Writes a machine down, so that it can be asked elsewhere")->group("");
+  subcommand->add_option("TARGET", capture.target, "FILE.json or a new folder; - for standard output")
+      ->required()
+      ->check(NotEmpty())
+      ->option_text(" ");
+  CLI::Option* const machine = subcommand->add_option("--machine", capture.machine, "A captured machine, not this one")
+                                   ->option_text("PATH")
+                                   ->check(NotEmpty());
+  subcommand->add_flag("--anonymous", capture.isAnonymous, "Replace serial numbers and the system's name");
+  AddChoice(*subcommand, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
+      ->excludes(machine);
+  AddChoice(*subcommand, "--xconfig-source", options.xconfigSource, kXconfigSources,
+            "auto (default)|file|kernel: its X configuration")
+      ->option_text("SOURCE")
+      ->excludes(machine);
+  AddPlugin(*subcommand, options.plugin);
+}
+
 void AddCompare(CLI::App& app, TCompareOptions& compare, TOptions& options) {
   CLI::App* const subcommand =
-      app.add_subcommand("compare", "What came, went or changed between OLD and NEW")->group("");
-  subcommand->add_option("OLD", compare.before, "A captured machine, or a file of JSON answers; - for stdin")
+      app.add_subcommand("compare", "Tells which monitors and controllers came, went or changed")->group("");
+  subcommand->add_option("OLD", compare.before, "A captured machine, or a file of answers; or -")
       ->required()
+      ->check(NotEmpty())
       ->option_text(" ");
-  subcommand->add_option("NEW", compare.after, "The same, later")->required()->option_text(" ");
+  subcommand->add_option("NEW", compare.after, "The same, later")->required()->check(NotEmpty())->option_text(" ");
   AddChoice(*subcommand, "--format", compare.isJson, kCompareFormats, "text (default) or json");
   AddTimeout(*subcommand, options, "For each captured machine (default: 60)");
-  subcommand->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")
-      ->option_text("FILE");
+  AddPlugin(*subcommand, options.plugin);
 }
 
 void CheckCompare(const TCompareOptions& options) {
@@ -198,22 +268,25 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   TRequest classes;
   std::vector<std::string> requests;
 
-  CLI::App app("Shows video controllers and monitors. Also: capture, compare, serve, schema.", "displayinfo");
+  CLI::App app("", "displayinfo");
+  app.formatter(std::make_shared<THelp>());
   app.set_version_flag("--version", std::string("displayinfo ") + kCommandVersion, "Print the version");
   CLI::Option* const classOption =
       app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
   CLI::Option* const machineOption =
       app.add_option("--machine", options.machines, "A captured machine instead: folder or file")
           ->option_text("PATH")
+          ->check(NotEmpty())
           ->allow_extra_args(false);
   CLI::Option* const listOption =
       app.add_option("--machines", options.machineList, "Many: a file of their names, or - (stdin)")
           ->option_text("LIST")
+          ->check(NotEmpty())
           ->excludes(machineOption);
   app.add_option("--jobs", options.jobs, "N at a time (default: one per core)")
       ->option_text("N")
       ->check(InRange(1, kMaxJobs));
-  app.add_option("--resume", options.resume, "Skip machines already in FILE")->option_text("FILE");
+  app.add_option("--resume", options.resume, "Skip machines already in FILE")->option_text("FILE")->check(NotEmpty());
   AddTimeout(app, options, "For each machine (default: 60)");
   app.add_option("--request", requests, "One request of several; may be repeated")
       ->option_text("CLASS[,CLASS...]")
@@ -232,26 +305,16 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
       "--no-log", [&options] { options.hasLog = false; }, "Leave the log out of JSON");
   AddChoice(app, "--log-level", options.logLevel, kLogLevels, "error|warning|status (default)|debug|verbose")
       ->option_text("LEVEL");
-  app.add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
+  AddPlugin(app, options.plugin);
 
   app.require_subcommand(0, 1);
   ESchemaFormat schemaFormat = ESchemaFormat::kText;
-  CLI::App* const schema = app.add_subcommand("schema", "Print the classes with their properties")->group("");
-  AddChoice(*schema, "--format", schemaFormat, kSchemaFormats, "text (default), MOF, or a JSON Schema of the answer");
+  CLI::App* const schema = app.add_subcommand("schema", "Prints the classes with their properties")->group("");
+  AddChoice(*schema, "--format", schemaFormat, kSchemaFormats, "text (default), MOF, or a JSON Schema of all JSON")
+      ->option_text("FORMAT");
 
   TCaptureOptions captureOptions;
-  CLI::App* const capture = app.add_subcommand("capture", "Write this machine down as a captured machine")->group("");
-  capture->add_option("TARGET", captureOptions.target, "FILE.json, or a folder; must not exist")->required();
-  capture->add_flag("--anonymous", captureOptions.isAnonymous, "Replace serial numbers and the system's name");
-  CLI::Option* const captured =
-      capture->add_option("--machine", captureOptions.machine, "Another captured machine instead of this one")
-          ->option_text("PATH");
-  AddChoice(*capture, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
-      ->excludes(captured);
-  AddChoice(*capture, "--xconfig-source", options.xconfigSource, kXconfigSources,
-            "Where its X server's configuration comes from")
-      ->excludes(captured);
-  capture->add_option("--plugin", options.plugin, "Which plug-in (default: beside the command)")->option_text("FILE");
+  AddCapture(app, captureOptions, options);
 
   TCompareOptions compareOptions;
   AddCompare(app, compareOptions, options);
@@ -259,9 +322,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   TServeOptions serveOptions;
   AddServe(app, serveOptions, options.plugin);
 
-  app.footer(
-      "Classes (displayinfo schema explains them): QRXSG_VideoController, _VideoHead,\n"
-      "  _HeadOfVideoController, _DesktopMonitor, _MonitorResolution, _MonitorSetting");
+  app.get_help_ptr()->group("");  // whoever reads the help has found it; the subcommands have taken theirs over
 
   try {
     app.parse(argumentCount, arguments);
@@ -269,7 +330,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
     CheckFleet(options, app);
     CheckSubcommand(app);
     if (schema->parsed()) line.schemaFormat = schemaFormat;
-    if (capture->parsed()) line.capture = captureOptions;
+    if (app.got_subcommand("capture")) line.capture = captureOptions;
     if (app.got_subcommand("compare")) {
       CheckCompare(compareOptions);
       line.compare = compareOptions;
@@ -283,7 +344,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
     line.exitStatus = app.exit(done, text, text);
     WriteStandardOutput(text.str());
   } catch (const CLI::ParseError& error) {
-    std::cerr << "displayinfo: " << ToMessage(error.what()) << " (displayinfo --help shows the usage)\n";
+    std::cerr << "displayinfo: " << ToMessage(error.what()) << " (" << GetHelpCommand(app) << " shows the usage)\n";
     line.exitStatus = kWrongUsage;
   }
   return line;

@@ -34,10 +34,10 @@ struct TOptions {
   bool IsFleet() const { return machineList || machines.size() > 1; }
 };
 
-/// What `displayinfo capture` writes, of this machine as the options name it, or of a captured one.
+/// What `displayinfo capture` writes, and where to.
 struct TCaptureOptions {
-  std::optional<std::string> machine;
-  std::filesystem::path target;
+  std::filesystem::path target;        // "-" for standard output
+  std::optional<std::string> machine;  // a captured one; else this one, as the options say
   bool isAnonymous = false;
 };
 

@@ -1,6 +1,8 @@
 #include "command/capture/capture.h"
 
 #include <algorithm>
+#include <cctype>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -9,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "command/base/standard_output.h"
 #include "command/base/unusable.h"
 #include "command/capture/document_text.h"
 #include "command/capture/edid_serials.h"
@@ -25,6 +28,12 @@ using nlohmann::json;
 namespace {
 
 constexpr const char* kDocumentEnding = ".json";
+constexpr const char* kStandardOutput = "-";
+
+/// Endings, in small letters, by which people mean a file. Others are part of a folder's name: those of host names.
+constexpr const char* kFileEndings[] = {".json", ".jsonl", ".tar", ".tgz",  ".gz",   ".xz",  ".zst",  ".bz2", ".zip",
+                                        ".7z",   ".rar",   ".txt", ".text", ".log",  ".xml", ".html", ".htm", ".yaml",
+                                        ".yml",  ".csv",   ".mof", ".bin",  ".edid", ".img", ".iso",  ".cpio"};
 
 std::vector<TRequest> AskForAll() {
   TRequest all;
@@ -126,22 +135,41 @@ void WriteFolder(const TMachineDocument& machine, const fs::path& target, TCheck
   folder.Keep();
 }
 
+std::string MakeDocument(const TMachineDocument& machine, const fs::path& target) {
+  std::string text = MakeDocumentText(machine);
+  if (text.size() <= kMaxDocumentSize) return text;
+  throw TUnusable(target.string() + ": would have " + std::to_string(text.size()) + " bytes, and a captured machine " +
+                  "in one file has " + std::to_string(kMaxDocumentSize) + " at most; capture to a folder");
+}
+
 template <typename TCheck>
 void WriteDocument(const TMachineDocument& machine, const fs::path& target, TCheck isRight) {
-  const std::string text = MakeDocumentText(machine);
-  if (text.size() > kMaxDocumentSize) {
-    throw TUnusable(target.string() + ": would have " + std::to_string(text.size()) +
-                    " bytes, and a captured machine " + "in one file has " + std::to_string(kMaxDocumentSize) +
-                    " at most; capture to a folder");
-  }
-  TNewFile file(target, text);
+  TNewFile file(target, MakeDocument(machine, target));
   isRight();
   file.Keep();
 }
 
+bool HasFileEnding(const fs::path& path) {
+  std::string ending = path.extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char byte) { return std::tolower(byte); });
+  return std::find(std::begin(kFileEndings), std::end(kFileEndings), ending) != std::end(kFileEndings);
+}
+
 void RequireTarget(const fs::path& target) {
-  if (!IsPackedName(target)) return;
-  throw TUnusable(target.string() + ": packed folders are not written; capture to one file, FILE.json, or to a folder");
+  if (target.extension() == kDocumentEnding || !HasFileEnding(target)) return;
+  fs::path stem = target;
+  while (HasFileEnding(stem)) stem.replace_extension();  // .tar.gz are two
+  throw TUnusable(target.string() + ": has the ending of a file that is not written; capture to one file, " +
+                  stem.string() + kDocumentEnding + ", or to a folder: " + target.string() + "/");
+}
+
+void RequireContent(const TMachineDocument& machine) {
+  const auto& units = machine.bios.units;
+  const bool hasEdid =
+      std::any_of(units.begin(), units.end(), [](const auto& unit) { return !unit.second.edid.empty(); });
+  if (hasEdid || !machine.files.empty()) return;
+  throw TUnusable(
+      "there is nothing to capture: no X configuration and no EDID was found; displayinfo says where it looked");
 }
 
 }  // namespace
@@ -154,6 +182,7 @@ std::vector<std::string> CaptureMachine(TMachine machine, const fs::path& plugin
   TMachineDocument document = {machine.host,       machine.getUnits(),
                                machine.connectors, ReadFiles(machine.host, answer.fileQueries),
                                machine.collected,  {}};
+  RequireContent(document);
   std::vector<std::string> remarks;
   if (isAnonymous) {
     // What is to be replaced is never written, so the capture is checked in memory first, still with it. The check of
@@ -161,6 +190,12 @@ std::vector<std::string> CaptureMachine(TMachine machine, const fs::path& plugin
     RequireAnswer(MakeCapturedMachine(document), answer, plugin);
     remarks = MakeAnonymous(document, plugin);
     answer = Ask(MakeCapturedMachine(document), plugin);
+  }
+  if (target == kStandardOutput) {
+    const std::string text = MakeDocument(document, "standard output");
+    RequireAnswer(ReadCapturedText(text, "standard output"), answer, plugin);
+    WriteStandardOutput(text);
+    return remarks;
   }
   const auto requireAnswer = [&] { RequireAnswer(ReadCapturedMachine(target), answer, plugin); };
   if (target.extension() == kDocumentEnding) {

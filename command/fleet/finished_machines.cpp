@@ -1,6 +1,7 @@
 #include "command/fleet/finished_machines.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -59,6 +60,9 @@ class TLineReader {
   // cppcheck-suppress uninitMemberVar ; m_piece is written before it is read
   explicit TLineReader(const fs::path& file) : m_name(file.string()), m_file(open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
     if (!m_file.IsOpen()) Fail();
+    struct stat status = {};
+    if (fstat(m_file.Get(), &status) != 0) Fail();
+    if (!S_ISREG(status.st_mode)) throw TUnusable(m_name + ": is not a regular file" + kCure);
   }
 
   /// The next line as far as a name can reach into it; nothing at the end of the file.

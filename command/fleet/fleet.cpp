@@ -100,16 +100,23 @@ long GetPeakMemory() {
 /// Whether the machines so far have used much memory: what is left of it may be in pieces.
 bool HasUsedMuchMemory(long before) { return GetPeakMemory() > before + kFreshMemory; }
 
+/// The line of a machine that failed. Its name stands before the reason, unless that begins with it anyway, or unless
+/// it is so long that the reason would be lost.
+TMachineLine MakeFailedLine(const std::string& machine, const std::string& reason, bool isLast = false) {
+  constexpr std::size_t longName = 400;  // bytes
+  const std::string name = ToPrintable(machine);
+  const bool isNamed = name.size() > longName || reason.compare(0, name.size(), name) == 0;
+  return {MakeErrorLine(machine, ToMessage(isNamed ? reason : name + ": " + reason)), true, isLast};
+}
+
 /// What a worker does with a machine.
 TMachineLine CollectLine(const std::string& machine, const TFleet& fleet) {
   static const long before = GetPeakMemory();  // the coordinating process's, which this one is a copy of
-  OnThrowingPlugin([&](const std::string& reason) {
-    TWorker::EndWith({MakeErrorLine(machine, ToMessage(reason)), true});
-  });
+  OnThrowingPlugin([&](const std::string& reason) { TWorker::EndWith(MakeFailedLine(machine, reason)); });
   try {
     return {WithinMemory([&] { return MakeLine(machine, fleet); }), false, HasUsedMuchMemory(before)};
   } catch (const std::exception& error) {
-    return {MakeErrorLine(machine, ToMessage(error.what())), true, HasUsedMuchMemory(before) || HasMemoryRunOut()};
+    return MakeFailedLine(machine, error.what(), HasUsedMuchMemory(before) || HasMemoryRunOut());
   }
 }
 
@@ -243,7 +250,7 @@ class TFleetRun {
   void Replace(std::unique_ptr<TWorker>& worker, const std::optional<std::string>& reason) {
     std::deque<TTask> tasks = worker->GetTasks();
     if (reason && !tasks.empty()) {
-      Put(tasks.front().number, {MakeErrorLine(tasks.front().machine, *reason), true});
+      Put(tasks.front().number, MakeFailedLine(tasks.front().machine, *reason));
       tasks.pop_front();
     }
     bool isGiven = false;

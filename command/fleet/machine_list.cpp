@@ -75,6 +75,7 @@ void TMachineList::TakeLines(const char* piece, std::size_t size) {
 }
 
 void TMachineList::EndLine() {
+  if (!m_line.empty() && m_line.back() == '\r') m_line.pop_back();
   if (!m_line.empty()) m_names.push_back(std::exchange(m_line, {}));
 }
 
@@ -90,7 +91,7 @@ std::optional<std::size_t> TMachineList::CountAll() const {
   for (off_t place = begin; (size = pread(m_file.Get(), piece, sizeof piece, place)) > 0; place += size) {
     for (const char* byte = piece; byte != piece + size; ++byte) {
       count += isInLine && *byte == '\n' ? 1 : 0;
-      isInLine = *byte != '\n';
+      isInLine = *byte != '\n' && (isInLine || *byte != '\r');
     }
   }
   return count + (isInLine ? 1 : 0);

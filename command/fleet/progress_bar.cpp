@@ -1,5 +1,6 @@
 #include "command/fleet/progress_bar.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -7,12 +8,20 @@
 
 namespace {
 
-constexpr std::size_t kBarWidth = 30;  // columns between the brackets
+constexpr std::size_t kMaxBar = 30;  // columns between the brackets
+constexpr std::size_t kMinBar = 5;
 constexpr std::chrono::milliseconds kPause(100);
 
-std::string MakeBar(std::size_t done, std::size_t total) {
-  const std::size_t filled = total == 0 ? kBarWidth : std::min(kBarWidth, done * kBarWidth / total);
-  return "[" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "] ";
+std::string MakeBar(std::size_t done, std::size_t total, std::size_t width) {
+  const std::size_t filled = total == 0 ? width : std::min(width, done * width / total);
+  return "[" + std::string(filled, '#') + std::string(width - filled, ' ') + "] ";
+}
+
+/// Of the terminal on standard error; 80 when it does not say.
+std::size_t GetColumns() {
+  constexpr std::size_t usual = 80;
+  winsize size = {};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 }
 
 }  // namespace
@@ -37,10 +46,21 @@ void TProgressBar::Set(std::size_t done, std::size_t failed) {
 
 void TProgressBar::Show() {
   m_lastShown = std::chrono::steady_clock::now();
-  std::cerr << '\r' + MakeProgressText(m_done, m_failed, m_total) << std::flush;
+  std::cerr << '\r' + MakeProgressText(m_done, m_failed, m_total, GetColumns()) << std::flush;
 }
 
-std::string MakeProgressText(std::size_t done, std::size_t failed, std::optional<std::size_t> total) {
-  return (total ? MakeBar(done, *total) : "") + std::to_string(done) + (total ? " of " + std::to_string(*total) : "") +
-         " machines, " + std::to_string(failed) + " failed";
+std::string MakeProgressText(std::size_t done, std::size_t failed, std::optional<std::size_t> total,
+                             std::size_t columns) {
+  constexpr std::size_t frame = 3;  // the brackets and a blank
+  const std::size_t space = columns - 1;
+  const std::string count = std::to_string(done) + (total ? " of " + std::to_string(*total) : "");
+  const std::string failures = std::to_string(failed) + " failed";
+  const std::string text = count + " machines, " + failures;
+  if (total && text.size() + frame + kMinBar <= space) {
+    return MakeBar(done, *total, std::min(kMaxBar, space - frame - text.size())) + text;
+  }
+  const std::string shorter = count + ", " + failures;
+  const std::string shortest = std::to_string(done) + (total ? "/" + std::to_string(*total) : "");
+  if (text.size() <= space) return text;
+  return shorter.size() <= space ? shorter : shortest.substr(0, space);
 }

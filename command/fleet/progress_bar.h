@@ -31,5 +31,7 @@ class TProgressBar {
   std::chrono::steady_clock::time_point m_lastShown;
 };
 
-/// The bar's text, 79 columns wide at most: "[#####     ] 50 of 100 machines, 1 failed".
-std::string MakeProgressText(std::size_t done, std::size_t failed, std::optional<std::size_t> total);
+/// The bar's text, "[#####     ] 50 of 100 machines, 1 failed", for a terminal of that many columns: it leaves the last
+/// one free, and in a narrow one it is shorter: "50 of 100, 1 failed", or "50/100".
+std::string MakeProgressText(std::size_t done, std::size_t failed, std::optional<std::size_t> total,
+                             std::size_t columns = 80);

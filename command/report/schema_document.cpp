@@ -58,6 +58,15 @@ ordered_json MakeArray(const ordered_json& items) { return {{"type", "array"}, {
 
 ordered_json MakeUnsigned(std::uint32_t max) { return {{"type", "integer"}, {"minimum", 0}, {"maximum", max}}; }
 
+/// An object that may lack some of its properties.
+ordered_json MakeObject(const ordered_json& properties, const ordered_json& required) {
+  ordered_json schema = MakeObject(properties);
+  schema["required"] = required;
+  return schema;
+}
+
+ordered_json MakeReference(const std::string& name) { return {{"$ref", "#/$defs/" + name}}; }
+
 /// The JSON form of a value of a type.
 ordered_json MakeValue(NQRXZELT20::TCIMValue::TCIMType::ECIMType type) {
   typedef NQRXZELT20::TCIMValue::TCIMType TType;
@@ -79,10 +88,13 @@ ordered_json MakeValue(NQRXZELT20::TCIMValue::TCIMType::ECIMType type) {
   }
 }
 
-ordered_json MakePropertySchema(const TPropertyDeclaration& property) {
+ordered_json MakePropertyValue(const TPropertyDeclaration& property) {
   const ordered_json value = MakeValue(property.type);
-  ordered_json schema =
-      MakeObject({{"type", {{"const", GetType(property)}}}, {"value", property.isArray ? MakeArray(value) : value}});
+  return property.isArray ? MakeArray(value) : value;
+}
+
+ordered_json MakePropertySchema(const TPropertyDeclaration& property) {
+  ordered_json schema = MakeObject({{"type", {{"const", GetType(property)}}}, {"value", MakePropertyValue(property)}});
   schema["description"] = property.meaning;
   return schema;
 }
@@ -112,25 +124,118 @@ ordered_json MakeLogSchema() {
 }
 
 /// What the command itself reads from the EDIDs: next to the plug-in's instances, and never one of them.
-ordered_json MakeOutputSchema() {
+ordered_json MakeOutputMembers() {
   const ordered_json number = {{"type", "integer"}, {"minimum", 0}};
   const ordered_json real = {{"type", "number"}, {"exclusiveMinimum", 0}};
   const ordered_json text = {{"type", "string"}};
-  ordered_json schema =
-      MakeObject({{"unit", number},
-                  {"connector", text},
-                  {"deviceID", {{"type", {"string", "null"}}}},
-                  {"reason", text},
-                  {"productCode", number},
-                  {"serialNumber", number},
-                  {"preferredMode", MakeObject({{"width", number}, {"height", number}, {"refresh", real}})},
-                  {"diagonalInches", real},
-                  {"checksums", {{"type", "boolean"}}},
-                  {"edid", text}});
-  schema["required"] = {"unit", "deviceID"};
+  return {{"unit", number},
+          {"connector", text},
+          {"deviceID", {{"type", {"string", "null"}}}},
+          {"reason", text},
+          {"productCode", number},
+          {"serialNumber", number},
+          {"preferredMode", MakeObject({{"width", number}, {"height", number}, {"refresh", real}})},
+          {"diagonalInches", real},
+          {"checksums", {{"type", "boolean"}}},
+          {"edid", text}};
+}
+
+ordered_json MakeOutputSchema() {
+  ordered_json schema = MakeObject(MakeOutputMembers(), {"unit", "deviceID"});
   schema["description"] =
       "What the command itself knows of the output that a unit of the video BIOS stands for: not "
       "the plug-in's";
+  return schema;
+}
+
+/// `members`: those that come before the answer's own.
+ordered_json MakeAnswerSchema(ordered_json members) {
+  const ordered_json string = {{"type", "string"}};
+  ordered_json names = ordered_json::array();
+  for (const TClassDeclaration& declaration : GetSchema()) names.push_back(declaration.name);
+  ordered_json required = ordered_json::array();
+  for (const auto& [name, schema] : members.items()) required.push_back(name);
+  for (const char* const name : {"plugin", "requests", "outputs"}) required.push_back(name);
+  // The logs are left out with --no-log.
+  const ordered_json request = MakeObject({{"classes", MakeArray({{"enum", names}})},
+                                           {"instances", MakeArray(MakeReference("instance"))},
+                                           {"log", MakeReference("log")}},
+                                          {"classes", "instances"});
+  members.update(ordered_json(
+      {{"plugin",
+        MakeObject(
+            {{"name", string}, {"version", string}, {"interfaceVersion", string}, {"type", {{"type", "integer"}}}})},
+       {"requests", MakeArray(request)},
+       {"outputs", MakeArray(MakeReference("output"))},
+       {"log", MakeReference("log")}}));
+  return MakeObject(members, required);
+}
+
+/// Of --format rows: an instance with its properties as plain values, or an output. `required`: beside the members of
+/// every row.
+ordered_json MakeRowSchema(const std::string& className, const ordered_json& members, const ordered_json& required) {
+  const ordered_json string = {{"type", "string"}};
+  ordered_json all = {
+      {"machine", string}, {"collected", string}, {"version", string}, {"class", {{"const", className}}}};
+  all.update(members);
+  ordered_json names = {"machine", "version", "class"};
+  names.insert(names.end(), required.begin(), required.end());
+  return MakeObject(all, names);
+}
+
+ordered_json MakeRowsSchema() {
+  ordered_json rows = ordered_json::array();
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    ordered_json members = {{"path", {{"type", "string"}}}};
+    ordered_json required = {"path"};
+    for (const TPropertyDeclaration& property : declaration.properties) {
+      members[property.name] = MakePropertyValue(property);
+      if (property.isKey) required.push_back(property.name);
+    }
+    rows.push_back(MakeRowSchema(declaration.name, members, required));
+  }
+  rows.push_back(MakeRowSchema("output", MakeOutputMembers(), {"unit", "deviceID"}));
+  return {{"oneOf", rows}, {"description", "A line of --format rows"}};
+}
+
+/// `known`: what a device is known by.
+ordered_json MakeDifferencesSchema(const ordered_json& known) {
+  const ordered_json change = MakeObject(
+      {{"property", {{"type", "string"}}}, {"old", ordered_json::object()}, {"new", ordered_json::object()}});
+  ordered_json members = {{"state", {{"enum", {"came", "gone", "changed"}}}}};
+  members.update(known);
+  members["changes"] = MakeArray(change);
+  return MakeArray(MakeObject(members, {"state"}));
+}
+
+ordered_json MakeComparisonSchema() {
+  const ordered_json number = {{"type", "integer"}, {"minimum", 0}};
+  const ordered_json string = {{"type", "string"}};
+  const ordered_json monitors = MakeDifferencesSchema({{"manufacturer", string},
+                                                       {"productCode", number},
+                                                       {"serialNumber", number},
+                                                       {"serial", string},
+                                                       {"name", string},
+                                                       {"connector", string},
+                                                       {"deviceID", string}});
+  const ordered_json controllers =
+      MakeDifferencesSchema({{"DisplayId", string}, {"DeviceID", string}, {"Name", string}});
+  const ordered_json machine = MakeObject({{"machine", string},
+                                           {"state", {{"enum", {"came", "gone", "changed", "unknown"}}}},
+                                           {"monitors", monitors},
+                                           {"controllers", controllers},
+                                           {"oldError", string},
+                                           {"newError", string}},
+                                          {"machine", "state"});
+  const ordered_json counts =
+      MakeObject({{"equal", number}, {"came", number}, {"gone", number}, {"changed", number}, {"unknown", number}});
+  ordered_json schema = MakeObject({{"machines", MakeArray(machine)}, {"counts", counts}});
+  schema["description"] = "What displayinfo compare --format json writes";
+  return schema;
+}
+
+ordered_json Describe(ordered_json schema, const char* description) {
+  schema["description"] = description;
   return schema;
 }
 
@@ -162,25 +267,26 @@ std::string MakeSchemaMof() {
 }
 
 std::string MakeJsonSchema() {
-  ordered_json names = ordered_json::array();
   ordered_json instances = ordered_json::array();
-  for (const TClassDeclaration& declaration : GetSchema()) {
-    names.push_back(declaration.name);
-    instances.push_back(MakeInstanceSchema(declaration));
-  }
+  for (const TClassDeclaration& declaration : GetSchema()) instances.push_back(MakeInstanceSchema(declaration));
   const ordered_json string = {{"type", "string"}};
-  const ordered_json log = {{"$ref", "#/$defs/log"}};
-  ordered_json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
-                         {"title", "The answer of displayinfo --format json"}};
-  schema.update(MakeObject(
-      {{"plugin",
-        MakeObject(
-            {{"name", string}, {"version", string}, {"interfaceVersion", string}, {"type", {{"type", "integer"}}}})},
-       {"requests", MakeArray(MakeObject({{"classes", MakeArray({{"enum", names}})},
-                                          {"instances", MakeArray({{"oneOf", instances}})},
-                                          {"log", log}}))},
-       {"outputs", MakeArray(MakeOutputSchema())},
-       {"log", log}}));
-  schema["$defs"] = {{"log", MakeLogSchema()}};
+  const ordered_json definitions = {
+      {"answer", Describe(MakeAnswerSchema(ordered_json::object()), "What --format json writes of one machine")},
+      {"line", Describe(MakeAnswerSchema({{"machine", string}}), "A line of --machines")},
+      {"failure",
+       Describe(MakeObject({{"machine", string}, {"error", string}}), "The line of a machine that could not be asked")},
+      {"row", MakeRowsSchema()},
+      {"comparison", MakeComparisonSchema()},
+      {"instance", {{"oneOf", instances}}},
+      {"output", MakeOutputSchema()},
+      {"log", MakeLogSchema()}};
+  ordered_json documents = ordered_json::array();
+  for (const char* const name : {"answer", "line", "failure", "row", "comparison"}) {
+    documents.push_back(MakeReference(name));
+  }
+  const ordered_json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
+                               {"title", "What displayinfo writes as JSON: a document, or each line of many"},
+                               {"anyOf", documents},
+                               {"$defs", definitions}};
   return schema.dump(2) + "\n";
 }

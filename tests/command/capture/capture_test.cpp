@@ -35,6 +35,8 @@ std::string Answer(const TMachine& machine) {
 
 class Capture : public testing::Test {
  protected:
+  Capture() { live.Edid(0, TEdidBuilder().Build()); }
+
   /// What lies in the captured machine, by name.
   std::string List() const { return RunShell("cd " + target.string() + " && find . -type f | sort").output; }
 
@@ -53,7 +55,8 @@ class Capture : public testing::Test {
     }
   }
 
-  TCapturedMachineBuilder live;
+  TCapturedMachineBuilder live;     // with a monitor
+  TCapturedMachineBuilder nothing;  // without anything
   TTemporaryFolder folder;
   const fs::path target = folder.GetPath() / "ws-17";
   const fs::path document = folder.GetPath() / "ws-17.json";
@@ -81,8 +84,8 @@ TEST_P(CaptureOfAnExample, IsAnsweredAsTheMachineWas) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEach, CaptureOfAnExample,
-                         testing::Values("both-configurations", "faulty-bios", "no-default-depth", "nothing", "office",
-                                         "old", "one-for-all-units", "two-cards", "two-heads"));
+                         testing::Values("both-configurations", "faulty-bios", "no-default-depth", "office", "old",
+                                         "one-for-all-units", "two-cards", "two-heads"));
 
 TEST_F(Capture, KeepsTheTimeOfTheMachine) {
   live.Json(R"({"collected": "2026-11-21T21:30:00Z"})");
@@ -143,7 +146,7 @@ TEST_F(Capture, WritesNothingOutsideItsFolderWhateverPathAPluginAsksFor) {
   TMachine machine = ReadCapturedMachine(live.GetPath());
   machine.host.files = std::make_shared<TFolderFiles>(TRootedFolder("/", ELinks::kAll));
   CaptureMachine(machine, ASKING_PLUGIN_FILE, target, false);
-  EXPECT_EQ(List(), "./machine.json\n./root/etc/passwd\n");
+  EXPECT_EQ(List(), "./edid/0.bin\n./machine.json\n./root/etc/passwd\n");
   EXPECT_EQ(RunShell("ls " + folder.GetPath().string()).output, "ws-17\n");
 }
 
@@ -216,8 +219,9 @@ TEST_F(Capture, OfACaptureKeepsItsDateEvenWhenItIsAnonymous) {
 }
 
 TEST_F(Capture, InOneFileIsALineForEachValue) {
-  live.Json(R"({"systemName": "ws-17"})").File("root/etc/X11/xorg.conf", "Section \"Device\"\nEndSection\n\xC3\xA9\n");
-  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
+  nothing.Json(R"({"systemName": "ws-17"})")
+      .File("root/etc/X11/xorg.conf", "Section \"Device\"\nEndSection\n\xC3\xA9\n");
+  CaptureMachine(ReadCapturedMachine(nothing.GetPath()), PLUGIN_FILE, document, false);
   EXPECT_EQ(ReadFile(document), R"({
   "captured": 1,
   "systemName": "ws-17",
@@ -269,12 +273,40 @@ TEST_F(Capture, HoldsNoDamagedEdid) {
   EXPECT_EQ(List(), "./edid/0.bin\n./machine.json\n");
 }
 
-TEST_F(Capture, IsNotPacked) {
-  for (const char* const name : {"ws-17.tar.gz", "ws-17.tgz"}) {
-    ExpectRefused(folder.GetPath() / name,
-                  "packed folders are not written; capture to one file, FILE.json, or to a folder");
-    EXPECT_FALSE(fs::exists(folder.GetPath() / name));
+TEST_F(Capture, IsNoFolderWhereAnotherFileWasMeant) {
+  for (const char* const name : {"ws-17.tar.gz", "ws-17.tgz", "ws-17.JSON", "ws-17.xml", "ws-17.Zip", "ws-17.bin"}) {
+    const std::string path = (folder.GetPath() / name).string();
+    ExpectRefused(path, path + ": has the ending of a file that is not written; capture to one file, " +
+                            document.string() + ", or to a folder: " + path + "/");
+    EXPECT_FALSE(fs::exists(path));
   }
+}
+
+TEST_F(Capture, IsAFolderOfAnyNameThatLooksLikeOne) {
+  for (const char* const name : {"ws-17.example.org", "10.0.0.17", "ws-17.tar/", ".json", "v1.0"}) {
+    CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, folder.GetPath() / name, false);
+    EXPECT_TRUE(fs::is_directory(folder.GetPath() / name)) << name;
+  }
+}
+
+TEST_F(Capture, IsNotMadeOfNothing) {
+  for (const fs::path& path : {target, document, fs::path("-")}) {
+    try {
+      CaptureMachine(ReadCapturedMachine(nothing.GetPath()), PLUGIN_FILE, path, false);
+      FAIL() << "it was captured";
+    } catch (const TUnusable& error) {
+      EXPECT_STREQ(error.what(),
+                   "there is nothing to capture: no X configuration and no EDID was found; displayinfo says where it "
+                   "looked");
+    }
+    EXPECT_FALSE(fs::exists(path));
+  }
+}
+
+TEST_F(Capture, IsMadeOfAConfigurationOnlyToo) {
+  nothing.File("root/etc/X11/xorg.conf", "");
+  CaptureMachine(ReadCapturedMachine(nothing.GetPath()), PLUGIN_FILE, target, false);
+  EXPECT_EQ(List(), "./machine.json\n./root/etc/X11/xorg.conf\n");
 }
 
 TEST_F(Capture, SaysWhoMayReadAFileThatItCannotRead) {

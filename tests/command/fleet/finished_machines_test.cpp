@@ -72,6 +72,15 @@ TEST_F(FinishedMachines, AreRefusedWithoutTheFile) {
   EXPECT_THROW(TFinishedMachines(folder.GetPath()), TUnusable);
 }
 
+TEST_F(FinishedMachines, AreNotLookedForWhereNoLineEverEnds) {
+  try {
+    TFinishedMachines("/dev/zero");
+    FAIL() << "it was read";
+  } catch (const TUnusable& error) {
+    EXPECT_STREQ(error.what(), "/dev/zero: is not a regular file; --resume takes what an earlier run has written");
+  }
+}
+
 TEST_F(FinishedMachines, AreRefusedWhenTheFileCannotBeReadToItsEnd) {
   try {
     TFinishedMachines("/proc/self/mem");

@@ -198,10 +198,11 @@ TEST_F(Fleet, LosesOneMachineWithAWorkerThatDies) {
   const std::vector<std::string> lines = SplitLines(result.output);
   ASSERT_EQ(lines.size(), 3U);
   // That plug-in registers none, which the other machines' lines say.
-  EXPECT_THAT(lines[0], HasSubstr("{\"machine\":\"m1\",\"error\":\"" FATAL_PLUGIN_FILE ": registered 0"));
+  EXPECT_THAT(lines[0], HasSubstr("{\"machine\":\"m1\",\"error\":\"m1: " FATAL_PLUGIN_FILE ": registered 0"));
   EXPECT_EQ(lines[1],
-            "{\"machine\":\"fatal\",\"error\":\"the process that collected from it was ended by signal 6 (Aborted)\"}");
-  EXPECT_THAT(lines[2], HasSubstr("{\"machine\":\"m2\",\"error\":\"" FATAL_PLUGIN_FILE ": registered 0"));
+            "{\"machine\":\"fatal\",\"error\":\"fatal: the process that collected from it was ended by signal 6 "
+            "(Aborted)\"}");
+  EXPECT_THAT(lines[2], HasSubstr("{\"machine\":\"m2\",\"error\":\"m2: " FATAL_PLUGIN_FILE ": registered 0"));
 }
 
 TEST_F(Fleet, LosesNoOtherMachineWhenManyAreFatal) {
@@ -315,8 +316,8 @@ TEST_F(Fleet, FailsTheMachinesThatTakeTooLong) {
       RunList("m1\nnever-returns\nm2\nstops\nm3\n", "--jobs 3 --timeout 3 --plugin " TROUBLE_PLUGIN_FILE);
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "displayinfo: 2 of 5 machines failed; their lines say why\n");
-  const std::string reason = "took longer than 3 s; --timeout SECONDS gives it longer";
-  EXPECT_THAT(GetErrors(result.output), ElementsAre("", reason, "", reason, ""));
+  const std::string reason = ": took longer than 3 s; --timeout SECONDS gives it longer";
+  EXPECT_THAT(GetErrors(result.output), ElementsAre("", "never-returns" + reason, "", "stops" + reason, ""));
 }
 
 TEST_F(Fleet, FailsTheMachineThatTakesTooMuchMemory) {
@@ -325,7 +326,7 @@ TEST_F(Fleet, FailsTheMachineThatTakesTooMuchMemory) {
   const std::string list = "m1\ntakes-all-memory\ntakes-all-memory\nm2\n";
   const TProcessResult result = RunList(list, "--jobs 1 --plugin " TROUBLE_PLUGIN_FILE);
   EXPECT_EQ(result.status, 1);
-  const std::string reason = "needs more than 2 GiB of memory, the most that one machine may take";
+  const std::string reason = "takes-all-memory: needs more than 2 GiB of memory, the most that one machine may take";
   EXPECT_THAT(GetErrors(result.output), ElementsAre("", reason, reason, ""));
 }
 
@@ -333,7 +334,7 @@ TEST_F(Fleet, FailsTheMachineWhoseAnswerIsTooLarge) {
   MakeTrouble("logs-long");
   const TProcessResult result = RunList("m1\nlogs-long\nm2\n", "--jobs 1 --plugin " TROUBLE_PLUGIN_FILE);
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(GetErrors(result.output), ElementsAre("", "its answer is larger than 64 MiB", ""));
+  EXPECT_THAT(GetErrors(result.output), ElementsAre("", "logs-long: its answer is larger than 64 MiB", ""));
 }
 
 TEST_F(Fleet, FailsTheMachineOverWhichThePluginThrowsWhenItIsLoaded) {
@@ -341,7 +342,8 @@ TEST_F(Fleet, FailsTheMachineOverWhichThePluginThrowsWhenItIsLoaded) {
   const TProcessResult result = RunList("m1\nthrows\nthrows\nm2\n", "--jobs 1 --plugin " TROUBLE_PLUGIN_FILE);
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "displayinfo: 2 of 4 machines failed; their lines say why\n");
-  const std::string reason = TROUBLE_PLUGIN_FILE
+  const std::string reason =
+      "throws: " TROUBLE_PLUGIN_FILE
       ": the plug-in failed while it was loaded: no \\x1bwish to live; name another with --plugin FILE";
   EXPECT_THAT(GetErrors(result.output), ElementsAre("", reason, reason, ""));
 }
@@ -374,7 +376,7 @@ TEST_F(Fleet, TellsHowAWorkerDiedEvenWhenItWasStartedToIgnoreThat) {
   const TProcessResult result = RunShell("cd " + folder.GetPath().string() + "; env --ignore-signal=CHLD " + kCommand +
                                          " --machines list --plugin " FATAL_PLUGIN_FILE);
   EXPECT_THAT(GetErrors(result.output),
-              ElementsAre("the process that collected from it was ended by signal 6 (Aborted)"));
+              ElementsAre("fatal: the process that collected from it was ended by signal 6 (Aborted)"));
 }
 
 // Without a list, the first descriptor that the command opens is the socket to a worker.

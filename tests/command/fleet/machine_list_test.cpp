@@ -75,6 +75,12 @@ TEST_F(MachineList, TakesALastLineWithoutItsEnd) { EXPECT_EQ(Read("a\nb"), (TNam
 
 TEST_F(MachineList, TakesEmptyLinesForNone) { EXPECT_EQ(Read("\na\n\n\nb\n\n"), (TNames{"a", "b"})); }
 
+TEST_F(MachineList, TakesLinesThatEndAsThoseOfWindowsDo) {
+  EXPECT_EQ(Read("a\r\n\r\nb c\r\nd\re"), (TNames{"a", "b c", "d\re"}));
+}
+
+TEST_F(MachineList, CountsLinesThatEndAsThoseOfWindowsDo) { EXPECT_EQ(Open("a\r\n\r\nb\r\n\r").CountAll(), 2U); }
+
 TEST_F(MachineList, IsEmptyWithAnEmptyFile) { EXPECT_EQ(Read(""), TNames()); }
 
 TEST_F(MachineList, TakesNamesThatReachOverPiecesOfTheFile) {

@@ -20,6 +20,17 @@ TEST(ProgressBar, StaysFullWhenTheListHasGrown) {
   EXPECT_EQ(MakeProgressText(12, 0, 10), "[##############################] 12 of 10 machines, 0 failed");
 }
 
+TEST(ProgressBar, IsShorterInANarrowTerminal) {
+  EXPECT_EQ(MakeProgressText(50, 1, 100, 50), "[#########         ] 50 of 100 machines, 1 failed");
+  EXPECT_EQ(MakeProgressText(50, 1, 100, 30), "50 of 100 machines, 1 failed");
+  EXPECT_EQ(MakeProgressText(50000, 1, 100000, 30), "50000 of 100000, 1 failed");
+  EXPECT_EQ(MakeProgressText(50000, 1, 100000, 20), "50000/100000");
+  EXPECT_EQ(MakeProgressText(50000, 1, std::nullopt, 20), "50000, 1 failed");
+}
+
 TEST(ProgressBar, FitsALineWithTheLargestNumbers) {
-  EXPECT_LE(MakeProgressText(4294967295, 0, 4294967295).size(), 79U);
+  for (std::size_t columns = 1; columns <= 200; ++columns) {
+    EXPECT_LT(MakeProgressText(4294967295, 4294967295, 4294967295, columns).size(), columns);
+    EXPECT_LT(MakeProgressText(4294967295, 0, std::nullopt, columns).size(), columns);
+  }
 }

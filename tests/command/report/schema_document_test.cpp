@@ -71,11 +71,22 @@ TEST(SchemaMof, DeclaresItsQualifiersFirst) {
 }
 
 TEST(JsonSchema, KnowsEveryPropertyOfEveryClass) {
-  const json instances =
-      json::parse(MakeJsonSchema())["properties"]["requests"]["items"]["properties"]["instances"]["items"]["oneOf"];
+  const json instances = json::parse(MakeJsonSchema())["$defs"]["instance"]["oneOf"];
   ASSERT_EQ(instances.size(), GetSchema().size());
   for (std::size_t index = 0; index < instances.size(); ++index) {
     EXPECT_EQ(instances[index]["properties"]["class"]["const"], GetSchema()[index].name);
     EXPECT_EQ(instances[index]["properties"]["properties"]["properties"].size(), GetSchema()[index].properties.size());
   }
+}
+
+TEST(JsonSchema, KnowsEveryClassAndTheOutputsAsRows) {
+  const json rows = json::parse(MakeJsonSchema())["$defs"]["row"]["oneOf"];
+  ASSERT_EQ(rows.size(), GetSchema().size() + 1);
+  for (std::size_t index = 0; index < GetSchema().size(); ++index) {
+    EXPECT_EQ(rows[index]["properties"]["class"]["const"], GetSchema()[index].name);
+    for (const TPropertyDeclaration& property : GetSchema()[index].properties) {
+      EXPECT_TRUE(rows[index]["properties"].contains(property.name)) << property.name;
+    }
+  }
+  EXPECT_EQ(rows.back()["properties"]["class"]["const"], "output");
 }
