@@ -84,7 +84,7 @@ class TSerialFillers::TEditor {
 
   void SetNumber(std::size_t position, std::size_t size, unsigned int number) {
     for (std::size_t byte = 0; byte < size; ++byte) {
-      Set(position + byte, byte < sizeof number ? static_cast<unsigned char>(number >> (8 * byte)) : 0);
+      Set(position + byte, static_cast<unsigned char>(byte < sizeof number ? number >> (8 * byte) : 0U));
     }
   }
 
