@@ -2,8 +2,10 @@
 // CIM clients; prints the classes.
 #include <algorithm>
 #include <csignal>
+#include <ctime>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -14,6 +16,7 @@
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
+#include "command/base/utc_time.h"
 #include "command/capture/capture.h"
 #include "command/cim_server/serve.h"
 #include "command/collection/collection.h"
@@ -27,8 +30,11 @@
 #include "command/machine/maker_names.h"
 #include "command/machine/this_machine.h"
 #include "command/options.h"
+#include "command/report/csv_report.h"
+#include "command/report/html/fleet_page.h"
 #include "command/report/html/html_report.h"
 #include "command/report/json_report.h"
+#include "command/report/machine_summary.h"
 #include "command/report/mof_report.h"
 #include "command/report/output_view.h"
 #include "command/report/schema_document.h"
@@ -120,12 +126,54 @@ int RunServer(const TOptions& options, TServeOptions serve) {
   return kDone;
 }
 
-/// What a fleet writes of each machine.
-std::function<std::string(const std::string&, const TAnswer&)> ChooseLines(const TOptions& options) {
-  if (options.format == EFormat::kRows) return MakeMachineRows;
-  return [log = GetLogPart(options)](const std::string& machine, const TAnswer& answer) {
+/// Has each machine summarized, in its worker, and the summary written by that function.
+TFleetAnswer SummarizeEach(std::string (*write)(const TMachineSummary&)) {
+  TFleetAnswer answers;
+  answers.makeLines = [write, makers = TMakerNames(FindMakerList())](const std::string& machine,
+                                                                     const TAnswer& answer) {
+    return write(Summarize(machine, answer, makers));
+  };
+  answers.makeErrorLine = [write](const std::string& machine, const std::string& reason) {
+    return write(SummarizeFailure(machine, reason));
+  };
+  return answers;
+}
+
+TFleetAnswer MakeFleetCsv() {
+  TFleetAnswer answers = SummarizeEach(MakeCsvRows);
+  answers.head = MakeCsvHead();
+  return answers;
+}
+
+TFleetAnswer MakeFleetPage() {
+  TFleetAnswer answers = SummarizeEach(TFleetPage::MakeLine);
+  const auto page = std::make_shared<TFleetPage>();
+  answers.take = [page](const std::string& lines) {
+    page->Take(lines);
+    return true;
+  };
+  answers.finish = [page](bool isWhole) {
+    page->Write(WriteUtcTime(std::time(nullptr)), isWhole, WriteStandardOutput);
+  };
+  return answers;
+}
+
+/// What a fleet is answered with.
+TFleetAnswer ChooseFleetAnswer(const TOptions& options) {
+  switch (options.format.value_or(EFormat::kJson)) {
+    case EFormat::kRows:
+      return {MakeMachineRows, MakeErrorLine};
+    case EFormat::kCsv:
+      return MakeFleetCsv();
+    case EFormat::kHtml:
+      return MakeFleetPage();
+    default:
+      break;
+  }
+  const auto makeLine = [log = GetLogPart(options)](const std::string& machine, const TAnswer& answer) {
     return MakeMachineLine(machine, answer, log);
   };
+  return {makeLine, MakeErrorLine};
 }
 
 int RunFleet(const TOptions& options) {
@@ -133,7 +181,12 @@ int RunFleet(const TOptions& options) {
   return CollectFleet({options.machineList ? TMachineList::Open(*options.machineList) : TMachineList(options.machines),
                        options.resume ? TFinishedMachines(*options.resume) : TFinishedMachines(), options.requests,
                        options.plugin.value_or(FindPlugin()), options.jobs, options.timeout, options.logLevel,
-                       ChooseLines(options)});
+                       ChooseFleetAnswer(options)});
+}
+
+/// What rows and tables call the machine.
+std::string GetMachineName(const TOptions& options, const TMachine& machine) {
+  return options.machines.empty() ? machine.host.systemName : options.machines.front();
 }
 
 std::string MakeReport(const TOptions& options, const TMachine& machine, const TAnswer& answer) {
@@ -141,7 +194,10 @@ std::string MakeReport(const TOptions& options, const TMachine& machine, const T
     case EFormat::kJson:
       return MakeJsonReport(answer, GetLogPart(options));
     case EFormat::kRows:
-      return MakeRows(options.machines.empty() ? machine.host.systemName : options.machines.front(), answer);
+      return MakeRows(GetMachineName(options, machine), answer);
+    case EFormat::kCsv:
+      return MakeCsvHead() +
+             MakeCsvRows(Summarize(GetMachineName(options, machine), answer, TMakerNames(FindMakerList())));
     case EFormat::kMof:
       return MakeMofReport(answer);
     case EFormat::kHtml:

@@ -29,11 +29,8 @@ const TNames<EEdidSource> kEdidSources = {
     {"auto", EEdidSource::kAuto}, {"bios", EEdidSource::kBios}, {"drm", EEdidSource::kDrm}};
 const TNames<EXconfigSource> kXconfigSources = {
     {"auto", EXconfigSource::kAuto}, {"file", EXconfigSource::kFile}, {"kernel", EXconfigSource::kKernel}};
-const TNames<EFormat> kFormats = {{"text", EFormat::kText},
-                                  {"json", EFormat::kJson},
-                                  {"rows", EFormat::kRows},
-                                  {"mof", EFormat::kMof},
-                                  {"html", EFormat::kHtml}};
+const TNames<EFormat> kFormats = {{"text", EFormat::kText}, {"json", EFormat::kJson}, {"rows", EFormat::kRows},
+                                  {"csv", EFormat::kCsv},   {"mof", EFormat::kMof},   {"html", EFormat::kHtml}};
 const TNames<ESchemaFormat> kSchemaFormats = {
     {"text", ESchemaFormat::kText}, {"mof", ESchemaFormat::kMof}, {"json-schema", ESchemaFormat::kJsonSchema}};
 const TNames<bool> kCompareFormats = {{"text", false}, {"json", true}};
@@ -110,15 +107,24 @@ std::vector<TRequest> MakeRequests(const TRequest& classes, const std::vector<st
   return split;
 }
 
-/// Several machines are answered in lines of JSON, and only several can be spread and resumed.
+/// The table and the page of many machines show all that is known of each.
+void CheckOverview(EFormat format, bool isFleet, bool hasClasses) {
+  if (!hasClasses || (format != EFormat::kCsv && !(format == EFormat::kHtml && isFleet))) return;
+  throw CLI::ValidationError(std::string(format == EFormat::kCsv ? "--format csv" : "the page of several machines") +
+                             " is made from all classes; leave CLASS and --request out");
+}
+
+/// Several machines are answered in lines or in one page, and only lines can be resumed.
 void CheckFleet(const TOptions& options, const CLI::App& app) {
   const EFormat format = options.format.value_or(options.IsFleet() ? EFormat::kJson : EFormat::kText);
-  if (options.IsFleet() && format != EFormat::kJson && format != EFormat::kRows) {
+  if (options.IsFleet() && (format == EFormat::kText || format == EFormat::kMof)) {
     throw CLI::ValidationError(
-        "several machines are answered in JSON or rows; leave --format out, or name one machine");
+        "several machines are answered in json, rows, csv or html; leave --format out, or name one machine");
   }
-  if (options.resume && format == EFormat::kRows) {
-    throw CLI::ValidationError("--resume goes on with lines of JSON, which tell where a machine ends; not with rows");
+  CheckOverview(format, options.IsFleet(), app.count("CLASS") + app.count("--request") > 0);
+  if (options.IsFleet() && options.resume && format != EFormat::kJson) {
+    throw CLI::ValidationError(
+        "--resume goes on with lines of JSON, which tell where a machine ends; not with rows, csv or html");
   }
   if (!options.hasLog && format != EFormat::kJson) {
     throw CLI::ValidationError("--no-log is for --format json; no other format of answers but the page has a log");
@@ -300,7 +306,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
       ->option_text("SOURCE")
       ->excludes(machineOption)
       ->excludes(listOption);
-  AddChoice(app, "--format", options.format, kFormats, "text (default)|json|rows|mof|html")->option_text("FORMAT");
+  AddChoice(app, "--format", options.format, kFormats, "text (default)|json|rows|csv|mof|html")->option_text("FORMAT");
   app.add_flag_callback(
       "--no-log", [&options] { options.hasLog = false; }, "Leave the log out of JSON");
   AddChoice(app, "--log-level", options.logLevel, kLogLevels, "error|warning|status (default)|debug|verbose")

@@ -13,7 +13,7 @@
 #include "command/machine/this_machine.h"
 #include "host/logger.h"
 
-enum class EFormat { kText, kJson, kRows, kMof, kHtml };
+enum class EFormat { kText, kJson, kRows, kCsv, kMof, kHtml };
 enum class ESchemaFormat { kText, kMof, kJsonSchema };
 
 struct TOptions {
@@ -30,7 +30,7 @@ struct TOptions {
   std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
   std::optional<std::filesystem::path> plugin;  // looked for when absent
 
-  /// The answer is one line for each of many machines.
+  /// The answer is one for many machines.
   bool IsFleet() const { return machineList || machines.size() > 1; }
 };
 

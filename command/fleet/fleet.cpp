@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "command/base/remark.h"
-#include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
 #include "command/collection/memory_budget.h"
@@ -21,7 +20,6 @@
 #include "command/fleet/progress_bar.h"
 #include "command/fleet/worker.h"
 #include "command/machine/captured_machine.h"
-#include "command/report/json_report.h"
 
 namespace {
 
@@ -89,7 +87,7 @@ std::string MakeLine(const std::string& machine, const TFleet& fleet) {
   }
   const TAnswer answer = Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog);
   for (const std::string& note : answer.notes) ShowRemark(note);
-  return fleet.makeLines(machine, answer);
+  return fleet.answer.makeLines(machine, answer);
 }
 
 long GetPeakMemory() {
@@ -102,21 +100,22 @@ bool HasUsedMuchMemory(long before) { return GetPeakMemory() > before + kFreshMe
 
 /// The line of a machine that failed. Its name stands before the reason, unless that begins with it anyway, or unless
 /// it is so long that the reason would be lost.
-TMachineLine MakeFailedLine(const std::string& machine, const std::string& reason, bool isLast = false) {
+TMachineLine MakeFailedLine(const TFleet& fleet, const std::string& machine, const std::string& reason,
+                            bool isLast = false) {
   constexpr std::size_t longName = 400;  // bytes
   const std::string name = ToPrintable(machine);
   const bool isNamed = name.size() > longName || reason.compare(0, name.size(), name) == 0;
-  return {MakeErrorLine(machine, ToMessage(isNamed ? reason : name + ": " + reason)), true, isLast};
+  return {fleet.answer.makeErrorLine(machine, ToMessage(isNamed ? reason : name + ": " + reason)), true, isLast};
 }
 
 /// What a worker does with a machine.
 TMachineLine CollectLine(const std::string& machine, const TFleet& fleet) {
   static const long before = GetPeakMemory();  // the coordinating process's, which this one is a copy of
-  OnThrowingPlugin([&](const std::string& reason) { TWorker::EndWith(MakeFailedLine(machine, reason)); });
+  OnThrowingPlugin([&](const std::string& reason) { TWorker::EndWith(MakeFailedLine(fleet, machine, reason)); });
   try {
     return {WithinMemory([&] { return MakeLine(machine, fleet); }), false, HasUsedMuchMemory(before)};
   } catch (const std::exception& error) {
-    return MakeFailedLine(machine, error.what(), HasUsedMuchMemory(before) || HasMemoryRunOut());
+    return MakeFailedLine(fleet, machine, error.what(), HasUsedMuchMemory(before) || HasMemoryRunOut());
   }
 }
 
@@ -127,17 +126,18 @@ class TFleetRun {
   }
 
   int Run() {
-    bool isRead = true;
+    bool isRead = m_fleet.answer.take(m_fleet.answer.head);
     while (isRead && TSignals::Get() == 0) {
       SpreadMachines();
       if (IsDone()) break;
       WaitForSomething();
-      isRead = WriteStandardOutput(m_lines.TakeReady());
+      isRead = m_fleet.answer.take(m_lines.TakeReady());
       m_since = TClock::now();  // the time that its reader takes is no machine's
       m_bar.Set(m_skipped + m_done, m_failed);
     }
     m_bar.Finish();
     if (!isRead) return 0;
+    m_fleet.answer.finish(TSignals::Get() == 0);
     if (m_failed > 0) {
       std::cerr << "displayinfo: " << m_failed << " of " << m_done << " machines failed; their lines say why\n";
     }
@@ -250,7 +250,7 @@ class TFleetRun {
   void Replace(std::unique_ptr<TWorker>& worker, const std::optional<std::string>& reason) {
     std::deque<TTask> tasks = worker->GetTasks();
     if (reason && !tasks.empty()) {
-      Put(tasks.front().number, MakeFailedLine(tasks.front().machine, *reason));
+      Put(tasks.front().number, MakeFailedLine(m_fleet, tasks.front().machine, *reason));
       tasks.pop_front();
     }
     bool isGiven = false;

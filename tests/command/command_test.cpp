@@ -186,7 +186,7 @@ TEST_F(Command, AnswersAnUnknownClassWithTheSixNames) {
 
 TEST_F(Command, ExplainsWrongUsageInOneLine) {
   ExpectWrongUsage("--colour", "The following argument was not expected: --colour");
-  ExpectWrongUsage("--format yaml", "--format: yaml not in {text,json,rows,mof,html}");
+  ExpectWrongUsage("--format yaml", "--format: yaml not in {text,json,rows,csv,mof,html}");
   ExpectWrongUsage("--log-level loud", "--log-level: loud not in {error,warning,status,debug,verbose}");
   ExpectWrongUsage("--edid-source nvram", "--edid-source: nvram not in {auto,bios,drm}");
   ExpectWrongUsage("--machine", "--machine: 1 required TEXT missing");
@@ -207,10 +207,20 @@ TEST_F(Command, ExplainsWrongUsageInOneLine) {
   ExpectWrongUsage("--timeout 0", "--timeout: Value 0 not in range 1 to 86400");
   ExpectWrongUsage("--timeout 86401", "--timeout: Value 86401 not in range 1 to 86400");
   ExpectWrongUsage("--timeout 1.5", "--timeout: Value 1.5 not in range 1 to 86400");
-  ExpectWrongUsage("--machines x --format text",
-                   "several machines are answered in JSON or rows; leave --format out, or name one machine");
-  ExpectWrongUsage("--machines x --resume y --format rows",
-                   "--resume goes on with lines of JSON, which tell where a machine ends; not with rows");
+  for (const std::string format : {"text", "mof"}) {
+    ExpectWrongUsage("--machines x --format " + format,
+                     "several machines are answered in json, rows, csv or html; leave --format out, or name one "
+                     "machine");
+  }
+  for (const std::string format : {"rows", "csv", "html"}) {
+    ExpectWrongUsage("--machines x --resume y --format " + format,
+                     "--resume goes on with lines of JSON, which tell where a machine ends; not with rows, csv or "
+                     "html");
+  }
+  ExpectWrongUsage("--format csv QRXSG_VideoHead",
+                   "--format csv is made from all classes; leave CLASS and --request out");
+  ExpectWrongUsage("--machines x --format html --request QRXSG_VideoHead",
+                   "the page of several machines is made from all classes; leave CLASS and --request out");
   ExpectWrongUsage("--no-log", "--no-log is for --format json; no other format of answers but the page has a log");
   ExpectWrongUsage("schema capture x", "The following arguments were not expected: x capture", "schema ");
 }

@@ -10,21 +10,22 @@ TMarkup MakeName(const char* scope, TMarkup content, const std::string& title) {
   return TMarkup::Element("th", {{"scope", scope}, {"title", title}}, std::move(content));
 }
 
-TMarkup MakeHead(const std::string& title) {
+TMarkup MakeHead(const std::string& title, const char* style) {
   return MakeElement(
       "head", TMarkup::Element("meta", {{"charset", "utf-8"}}) +
                   TMarkup::Element("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}}) +
                   // Whatever the page might come to hold, it loads nothing and runs nothing.
                   TMarkup::Element("meta", {{"http-equiv", "Content-Security-Policy"},
                                             {"content", "default-src 'none'; style-src 'unsafe-inline'"}}) +
-                  MakeElement("title", title) + MakeElement("style", kHtmlStyle));
+                  MakeElement("title", title) + MakeElement("style", std::string(kHtmlStyle) + style));
 }
 
 }  // namespace
 
-std::string MakeHtmlPage(const std::string& title, TMarkup content) {
-  TMarkup page = TMarkup::Element("html", {{"xmlns", "http://www.w3.org/1999/xhtml"}, {"lang", "en"}},
-                                  MakeHead(title) + MakeElement("body", MakeElement("main", std::move(content))));
+std::string MakeHtmlPage(const std::string& title, TMarkup content, const char* style) {
+  TMarkup page =
+      TMarkup::Element("html", {{"xmlns", "http://www.w3.org/1999/xhtml"}, {"lang", "en"}},
+                       MakeHead(title, style) + MakeElement("body", MakeElement("main", std::move(content))));
   return "<!DOCTYPE html>\n" + page.Take();
 }
 

@@ -7,8 +7,9 @@
 
 #include "command/report/html/html_markup.h"
 
-/// A whole page in one file. It loads nothing, runs nothing, and is well-formed XML as well.
-std::string MakeHtmlPage(const std::string& title, TMarkup content);
+/// A whole page in one file. It loads nothing, runs nothing, and is well-formed XML as well. `style`: of its own, after
+/// what all pages have; no character in it needs escaping.
+std::string MakeHtmlPage(const std::string& title, TMarkup content, const char* style = "");
 
 /// A heading of level 1, 2, ... `id`: what a link may lead to; empty for none.
 TMarkup MakeHeading(int level, TMarkup content, const std::string& id = {});

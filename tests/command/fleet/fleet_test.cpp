@@ -23,6 +23,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
+using testing::StartsWith;
 
 namespace {
 
@@ -101,6 +102,9 @@ class Fleet : public testing::Test {
     return list;
   }
 
+  static std::string GetFirstLine(const std::string& text) { return text.substr(0, text.find('\n') + 1); }
+  static std::string GetRest(const std::string& text) { return text.substr(text.find('\n') + 1); }
+
   static std::vector<std::string> GetNames(const std::string& output) {
     std::vector<std::string> found;
     for (const std::string& line : SplitLines(output)) found.push_back(json::parse(line)["machine"]);
@@ -134,6 +138,66 @@ TEST_F(Fleet, IsAnsweredInTheRowsOfEachMachine) {
   std::string rows;
   for (const std::string& name : names) rows += Run("--format rows --machine " + name).output;
   EXPECT_EQ(RunList(ListAll(), "--format rows").output, rows);
+}
+
+TEST_F(Fleet, IsAnsweredInOneTableWithTheRowsOfEachMachine) {
+  std::string table = GetFirstLine(Run("--format csv --machine m1").output);
+  for (const std::string& name : names) table += GetRest(Run("--format csv --machine " + name).output);
+  EXPECT_EQ(RunList(ListAll(), "--format csv --jobs 7").output, table);
+}
+
+TEST_F(Fleet, HasARowInTheTableForAMachineThatFails) {
+  MakeTrouble("throws");
+  const TProcessResult result = RunList("nowhere\nthrows\n", "--format csv --timeout 60 --plugin " TROUBLE_PLUGIN_FILE);
+  EXPECT_EQ(result.status, 1);
+  const std::vector<std::string> lines = SplitLines(result.output);
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_EQ(
+      lines[1],
+      "nowhere,,,,,,,,,,,,,,,,,\"nowhere: is not a captured machine: No such file or directory; --machine takes a "
+      "folder or a file that exists\"\r");
+  EXPECT_THAT(lines[2], StartsWith("throws,,,,,,,,,,,,,,,,,"));
+}
+
+TEST_F(Fleet, IsATableWithItsHeadWhenItIsEmpty) {
+  const TProcessResult result = RunList("", "--format csv");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, GetFirstLine(Run("--format csv --machine m1").output));
+}
+
+TEST_F(Fleet, IsAnsweredInOnePageInTheOrderOfItsList) {
+  const TProcessResult result = RunList(ListAll() + "nowhere\n", "--format html --jobs 7");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.output, StartsWith("<!DOCTYPE html>"));
+  EXPECT_THAT(result.output, EndsWith("</html>\n"));
+  std::size_t place = 0;
+  for (std::size_t number = 0; number < names.size(); ++number) {
+    const std::string row =
+        "<tr id=\"machine-" + std::to_string(number + 1) + "\"><th scope=\"row\">" + names[number] + "</th>";
+    place = result.output.find(row, place);
+    ASSERT_NE(place, std::string::npos) << row;
+  }
+  EXPECT_THAT(result.output, HasSubstr("<b>1</b>\n could not be asked"));
+}
+
+TEST_F(Fleet, IsAPageWhenItIsEmpty) {
+  const TProcessResult result = RunList("", "--format html");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, HasSubstr("<p>None: the list names no machine.</p>"));
+}
+
+TEST_F(Fleet, IsAPageOfItsBeginningWhenItIsInterrupted) {
+  ASSERT_EQ(mkfifo(GetPath("list").c_str(), 0600), 0);
+  const TDescriptor list(open(GetPath("list").c_str(), O_RDWR | O_CLOEXEC));
+  ASSERT_EQ(write(list.Get(), "m1\n", 3), 3);
+  TRunningProcess run(Exec("--machines list --format html --log-level debug 2>errors >out"));
+  ASSERT_TRUE(WaitUntil([&] { return ReadFile("errors").find("DeInit") != std::string::npos; }));
+  run.Send(SIGINT);
+  const int status = run.Wait();
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 130);
+  EXPECT_THAT(ReadFile("out"), HasSubstr("The run was stopped: the rest of the list is missing."));
+  EXPECT_THAT(ReadFile("out"), EndsWith("</html>\n"));
 }
 
 TEST_F(Fleet, IsAnsweredWithoutTheLogWhenThatIsLeftOut) {

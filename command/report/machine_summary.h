@@ -1,0 +1,37 @@
+// What an overview of many machines shows of each: its controllers, its monitors, its problems. Short texts, and few,
+// however large the machine is.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "command/collection/collection.h"
+#include "command/report/monitor_facts.h"
+
+/// A monitor that the plug-in reports. Printable texts; empty where a fact is not known.
+struct TMonitorSummary {
+  std::string id;         // under which the plug-in reports it: "Monitor 1"
+  std::string connector;  // that its EDID was read from
+  TMonitorFacts facts;
+  std::string diagonal;   // inches, a number only
+  unsigned int year = 0;  // of the manufacture or of the model; 0 when that is not known
+  unsigned int week = 0;  // of the manufacture; 0 when that is not known
+};
+
+/// Printable texts, each of 200 characters at most but the machine's name and the reason why it did not answer.
+struct TMachineSummary {
+  std::string machine;     // its name in the list
+  std::string systemName;  // as the host presents it
+  std::string collected;   // as utc_time.h writes it; empty where a capture does not say
+  bool hasAnswered = true;
+  std::vector<std::string> controllers;
+  std::vector<TMonitorSummary> monitors;
+  std::vector<std::string> problems;  // a sentence each, without a full stop
+};
+
+/// Problems are outputs that the plug-in does not report, EDIDs with wrong checksums, and monitors that nothing tells
+/// apart. Of more than 16 controllers or problems, the last says how many were left out.
+TMachineSummary Summarize(const std::string& machine, const TAnswer& answer, const TMakerNames& makers);
+
+/// A machine that could not be asked.
+TMachineSummary SummarizeFailure(const std::string& machine, const std::string& reason);
