@@ -21,7 +21,7 @@ _displayinfo() {
       case $subcommand in
         schema) words='text mof json-schema' ;;
         compare) words='text json' ;;
-        *) words='text json rows mof html' ;;
+        *) words='text json rows csv mof html' ;;
       esac ;;
     --jobs | --timeout | --port | --listen | --max-age) words='' ;;
     *)
