@@ -18,8 +18,8 @@ TMarkup MakeHeading(int level, TMarkup content, const std::string& id = {});
 TMarkup MakeColumnName(TMarkup content, const std::string& title = {});
 TMarkup MakeRowName(TMarkup content, const std::string& title = {});
 
-/// A table with its heading row, which paper repeats on each sheet. `names`: cells, as are the rows' contents;
-/// `caption` may be empty.
+/// A table. `names`: the cells of its heading row, which paper repeats on each sheet. `rows`: whole rows. The caption
+/// and the names may be empty.
 TMarkup MakeTable(const TMarkup& caption, const TMarkup& names, TMarkup rows);
 
 /// The content, folded away under the summary. Paper shows it only if it was opened, and says so.
