@@ -360,10 +360,10 @@ class TFleetPage::TWriter {
     Put(begin);
     for (auto first = machines.begin(); first != machines.end();) {
       const auto last = std::find_if(first, machines.end(), [&](std::size_t machine) { return machine != *first; });
-      TMarkup link = first == machines.begin() ? TMarkup() : TMarkup(", ");
-      link += MakeMachineLink(*first);
+      std::string link = MakeMachineLink(*first).Take();
+      link.pop_back();  // its line end, which would show as a blank before the comma
       if (last - first > 1) link += " (" + std::to_string(last - first) + ")";
-      Put(std::move(link));
+      Put((first == machines.begin() ? "" : ", ") + link);
       first = last;
     }
     Put(end);

@@ -165,6 +165,7 @@ TEST_F(FleetPage, ListsTheMostFrequentModelsFirstWithTheirMachines) {
   Add("b", {MakeMonitor("GLX", "Wide"), MakeMonitor("GLX", "Wide")});
   Add("c", {MakeMonitor("GLX", "Wide"), MakeMonitor("ACM", "Wide")});
   EXPECT_THAT(GetRows(MakeSection("models")), ElementsAre("GLX|Wide|3|b (2), c", "ACM|Rare|1|a", "ACM|Wide|1|c"));
+  EXPECT_THAT(MakeSection("models"), HasSubstr("b</a> (2), <a href="));
 }
 
 TEST_F(FleetPage, HasAPlaceForEachLink) {
