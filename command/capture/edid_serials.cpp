@@ -12,15 +12,21 @@ constexpr const char* kInHeader = "in a header";
 constexpr const char* kInDescriptor = "in a descriptor";
 constexpr const char* kInDisplayId = "in a DisplayID product identification";
 constexpr const char* kDisplayIdText = "as a DisplayID text";
+constexpr const char* kInTopology = "in a DisplayID tiled display topology";
 constexpr const char* kContainerId = "as a container id";
-constexpr const char* kUnknownExtension = "in an extension that was emptied";
+constexpr const char* kUnknown = "in a block that was emptied";
 
-// Extension blocks [their tags are those of the Enhanced EDID standard].
-constexpr unsigned char kVideoTimingExtension = 0x10;
-constexpr unsigned char kLocalizedStrings = 0x50;  // the serial number in other scripts
-constexpr unsigned char kMakersOwn = 0xFF;         // anything
+// Extension blocks [their tags are those of the Enhanced EDID standard]. Others hold anything: localized strings
+// (0x50) the serial number in another script, a maker's own (0xFF) and repeated base blocks the serial number itself.
 constexpr unsigned char kCta = 0x02;
+constexpr unsigned char kVideoTimingExtension = 0x10;
+constexpr unsigned char kDisplayInformation = 0x40;
 constexpr unsigned char kDisplayId = 0x70;
+constexpr unsigned char kBlockMap = 0xF0;
+
+constexpr unsigned char kVersion1 = 1;
+constexpr std::size_t kAfterVersion = 20;      // of a base block; in other versions what follows is not known
+constexpr std::size_t kAfterExtensionTag = 2;  // and after its version
 
 // CTA-861: data blocks from byte 4 to where byte 2 says, then slots of 18 bytes.
 constexpr std::size_t kCtaSlots = 2;
@@ -39,7 +45,11 @@ constexpr unsigned char kProductIdentification1 = 0x00;  // version 1
 constexpr unsigned char kSerialNumberText = 0x0A;
 constexpr unsigned char kProductIdentification2 = 0x20;  // version 2
 constexpr unsigned char kContainerIdBlock = 0x29;
+constexpr unsigned char kTopology1 = 0x12;
+constexpr unsigned char kTopology2 = 0x28;
+constexpr unsigned char kCtaBlocks = 0x81;   // data blocks of CTA-861
 constexpr std::size_t kDisplayIdSerial = 5;  // in a product identification: after the maker and the product
+constexpr std::size_t kTopologySerial = 18;  // after the places of the tiles, the maker and the product
 constexpr std::size_t kDisplayIdSerialSize = 4;
 constexpr std::size_t kContainerIdSize = 16;
 
@@ -53,6 +63,7 @@ class TSerialFillers::TEditor {
 
   void EditBaseBlock() {
     EditNumber(kInHeader, edid::kSerialNumber, edid::kSerialNumberSize, std::string(4, '\1'));
+    if (At(edid::kVersion) != kVersion1) return EmptyFrom(kAfterVersion);
     for (const std::size_t slot : edid::kDescriptors) EditSlot(slot);
   }
 
@@ -64,9 +75,11 @@ class TSerialFillers::TEditor {
         return EditSlots(kVideoTimingSlots);
       case kDisplayId:
         return EditDisplayId();
-      case kLocalizedStrings:
-      case kMakersOwn:
-        return Empty();
+      case kDisplayInformation:
+      case kBlockMap:
+        return;  // what these hold is known, and is no serial number
+      default:
+        return EmptyFrom(kAfterExtensionTag);
     }
   }
 
@@ -129,13 +142,16 @@ class TSerialFillers::TEditor {
   void EditCta() {
     const std::size_t slots = At(kCtaSlots);
     if (slots < kCtaDataBlocks) return;
-    const std::size_t end = std::min(slots, edid::kChecksum);
-    for (std::size_t block = kCtaDataBlocks; block < end;) {
+    EditCtaBlocks(kCtaDataBlocks, std::min(slots, edid::kChecksum));
+    EditSlots(slots);
+  }
+
+  void EditCtaBlocks(std::size_t begin, std::size_t end) {
+    for (std::size_t block = begin; block < end;) {
       const std::size_t size = At(block) & 0x1FU;
       if (block + 1 + size <= end && At(block) >> 5 == kVendorSpecific) EditVendorBlock(block + 1, size);
       block += 1 + size;
     }
-    EditSlots(slots);
   }
 
   void EditVendorBlock(std::size_t content, std::size_t size) {
@@ -147,14 +163,18 @@ class TSerialFillers::TEditor {
   /// The section has a checksum of its own, and the block keeps its sum when that is adjusted.
   void EditDisplayId() {
     const std::size_t end = kSectionBlocks + At(kSectionSize);
-    if (end >= edid::kChecksum) return Empty();  // damaged: what is where is not known
+    if (end >= edid::kChecksum || !HasWholeBlocks(end)) return EmptyFrom(kAfterExtensionTag);
     m_checksum = end;
-    for (std::size_t block = kSectionBlocks; block + 3 <= end;) {
-      const std::size_t size = At(block + 2);
-      if (block + 3 + size > end) return;
-      EditDisplayIdBlock(At(block), block + 3, size);
-      block += 3 + size;
+    for (std::size_t block = kSectionBlocks; block + 3 <= end; block += 3 + At(block + 2)) {
+      EditDisplayIdBlock(At(block), block + 3, At(block + 2));
     }
+  }
+
+  /// Whether each data block of a DisplayID section ends in it. Else it is not known what is where.
+  bool HasWholeBlocks(std::size_t end) const {
+    std::size_t block = kSectionBlocks;
+    while (block + 3 <= end) block += 3 + At(block + 2);
+    return block <= end;
   }
 
   void EditDisplayIdBlock(unsigned char tag, std::size_t content, std::size_t size) {
@@ -162,17 +182,17 @@ class TSerialFillers::TEditor {
     if (isProduct && size >= kDisplayIdSerial + kDisplayIdSerialSize) {
       EditNumber(kInDisplayId, content + kDisplayIdSerial, kDisplayIdSerialSize);
     }
+    const bool isTopology = tag == kTopology1 || tag == kTopology2;
+    if (isTopology && size >= kTopologySerial + kDisplayIdSerialSize) {
+      EditNumber(kInTopology, content + kTopologySerial, kDisplayIdSerialSize);
+    }
+    if (tag == kCtaBlocks) EditCtaBlocks(content, content + size);
     if (tag == kSerialNumberText && size > 0) EditText(kDisplayIdText, content, size);
     if (tag == kContainerIdBlock && size >= kContainerIdSize) EditNumber(kContainerId, content, kContainerIdSize);
   }
 
-  /// All after the tag and the version.
-  void Empty() {
-    constexpr std::size_t begin = 2;
-    const std::string content = Get(begin, edid::kChecksum - begin);
-    if (content == std::string(content.size(), '\0')) return;
-    EditNumber(kUnknownExtension, begin, content.size());
-  }
+  /// Leaves nothing from there on but a number that stands for what was there.
+  void EmptyFrom(std::size_t begin) { EditNumber(kUnknown, begin, edid::kChecksum - begin); }
 
   std::ptrdiff_t Offset(std::size_t position) const { return static_cast<std::ptrdiff_t>(m_block + position); }
 

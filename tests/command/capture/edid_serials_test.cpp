@@ -93,7 +93,11 @@ TEST(EdidSerials, HaveOneFillerHoweverOftenTheyCome) {
 }
 
 TEST(EdidSerials, AreNoneInOtherDescriptorsAndExtensions) {
-  TEdidBuilder builder = Plain().DetailedTiming(0, false).RangeLimits(1, 56, 76, 30, 83, 14).Extension({0x40, 1, 2, 3});
+  TEdidBuilder builder = Plain()
+                             .DetailedTiming(0, false)
+                             .RangeLimits(1, 56, 76, 30, 83, 14)
+                             .Extension({0x40, 1, 2, 3})
+                             .Extension({0xF0, 2});
   EXPECT_EQ(Replace(Build(builder)), Build(builder));
 }
 
@@ -125,16 +129,42 @@ TEST(EdidSerials, AreTheContainerIdOfADisplayId) {
             Expected(MakeDisplayId(Join({0x29, 0, 16}, kFillerId))));
 }
 
+TEST(EdidSerials, AreInTheTiledDisplayTopologyOfADisplayId) {
+  for (const std::uint8_t tag : {std::uint8_t{0x12}, std::uint8_t{0x28}}) {
+    const TBytes before = {tag, 0, 22, 0x82, 1, 0, 0, 1, 2, 3, 4, 0, 0, 0, 0, 0, 'A', 'C', 'M', 1, 2};
+    EXPECT_EQ(ReplaceIn(MakeDisplayId(Join(before, {77, 66, 55, 44}))),
+              Expected(MakeDisplayId(Join(before, {1, 0, 0, 0}))));
+  }
+}
+
+TEST(EdidSerials, AreContainerIdsInTheCtaBlocksOfADisplayIdToo) {
+  const TBytes block = {0x81, 0, 22, 0x75, 0x5C, 0x12, 0xCA, 3, 7};
+  EXPECT_EQ(ReplaceIn(MakeDisplayId(Join(block, kContainerId))), Expected(MakeDisplayId(Join(block, kFillerId))));
+}
+
 TEST(EdidSerials, LeaveAWrongChecksumOfADisplayIdAsWrongAsItWas) {
   EXPECT_EQ(ReplaceIn(MakeDisplayId(Join({0x29, 0, 16}, kContainerId), 5)),
             Expected(MakeDisplayId(Join({0x29, 0, 16}, kFillerId), 5)));
 }
 
 TEST(EdidSerials, LeaveNothingInExtensionsOfUnknownContent) {
-  for (const std::uint8_t tag : {std::uint8_t{0x50}, std::uint8_t{0xFF}}) {
+  for (const std::uint8_t tag : {std::uint8_t{0x00}, std::uint8_t{0x20}, std::uint8_t{0x50}, std::uint8_t{0xFF}}) {
     EXPECT_EQ(ReplaceIn({tag, 1, 'S', 'e', 'r', 'i', 'a', 'l'}), Expected({tag, 1, 1}));
   }
+}
+
+TEST(EdidSerials, LeaveNothingInADisplayIdWhosePartsDoNotEndWhereTheyShould) {
   EXPECT_EQ(ReplaceIn({0x70, 0x12, 255, 9, 9}), Expected({0x70, 0x12, 1}));
+  EXPECT_EQ(ReplaceIn({0x70, 0x12, 8, 0, 0, 0x0A, 0, 6, 'S', 'e', 'r', 'i', 'a', 'l'}), Expected({0x70, 0x12, 1}));
+}
+
+TEST(EdidSerials, LeaveNothingAfterTheVersionOfABlockOfAnother) {
+  std::string edid = Build(Plain().Version(2, 0));
+  edid.replace(40, 6, "Serial");
+  const std::string replaced = Replace(edid);
+  EXPECT_EQ(replaced.substr(0, 20), edid.substr(0, 20));
+  EXPECT_EQ(replaced.substr(20, 107), '\1' + std::string(106, '\0'));
+  EXPECT_EQ(GetSums(replaced), GetSums(edid));
 }
 
 TEST(EdidSerials, LeaveAWrongChecksumAsWrongAsItWas) {
@@ -155,6 +185,7 @@ TEST(EdidSerials, ChangeNoSumAndNothingOutsideWhateverTheBlocksAre) {
       byte = static_cast<char>(random >> 24);
     }
     constexpr char tags[] = {0x02, 0x10, 0x70, 0x50, '\xFF', 0x40};
+    if (round % 2 == 0) edid[18] = 1;
     edid[128] = tags[round % 6];
     edid[256] = tags[round / 6 % 6];
     const std::string replaced = Replace(edid);
