@@ -44,7 +44,8 @@ std::string ReadText(const TBytes& edid, int tag) {
 }
 
 std::string ReadMaker(const TBytes& edid) {
-  const unsigned int packed = edid[edid::kManufacturer] << 8U | edid[edid::kManufacturer + 1];
+  const unsigned int packed =
+      static_cast<unsigned int>(edid[edid::kManufacturer]) << 8U | edid[edid::kManufacturer + 1];
   std::string letters;
   for (const unsigned int shift : {10U, 5U, 0U}) {
     const unsigned int letter = packed >> shift & 0x1FU;
