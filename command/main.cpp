@@ -97,15 +97,18 @@ int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   if (capture.machine) DropPrivileges(true);
   const TMachine machine = capture.machine ? ReadCapturedMachine(*capture.machine)
                                            : MakeThisMachine(options.edidSource, options.xconfigSource);
+  const auto showMissing = [&] {
+    ShowRemark(machine.getBiosFailure());
+    for (const auto& [unit, damage] : machine.damagedEdids) ShowRemark(Describe(damage, "it is not captured"));
+  };
   std::vector<std::string> remarks;
   try {
     remarks = CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
   } catch (const TUnusable&) {
-    ShowRemark(machine.getBiosFailure());  // it may be the reason
+    showMissing();  // it may be the reason
     throw;
   }
-  ShowRemark(machine.getBiosFailure());
-  for (const auto& [unit, damage] : machine.damagedEdids) ShowRemark(Describe(damage) + "; it is not captured");
+  showMissing();
   for (const std::string& remark : remarks) ShowRemark(remark);
   ShowRemark(DescribeCapture(capture));
   return kDone;

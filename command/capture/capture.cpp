@@ -19,6 +19,7 @@
 #include "command/collection/collection.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
+#include "command/machine/reasons.h"
 #include "command/report/json_report.h"
 #include "host/exception.h"
 
@@ -163,13 +164,19 @@ void RequireTarget(const fs::path& target) {
                   stem.string() + kDocumentEnding + ", or to a folder: " + target.string() + "/");
 }
 
+/// Else what could not be looked for would seem not to exist.
+void RequireReadable(const TMachine& machine, const TAnswer& answer) {
+  const std::string unreadable = ExplainUnreadableFiles(machine, answer.fileQueries);
+  if (!unreadable.empty()) throw TUnusable(unreadable);
+}
+
 void RequireContent(const TMachineDocument& machine) {
   const auto& units = machine.bios.units;
   const bool hasEdid =
       std::any_of(units.begin(), units.end(), [](const auto& unit) { return !unit.second.edid.empty(); });
   if (hasEdid || !machine.files.empty()) return;
   throw TUnusable(
-      "there is nothing to capture: no X configuration and no EDID was found; displayinfo says where it looked");
+      "there is nothing to capture: no X configuration and no usable EDID was found; displayinfo says where it looked");
 }
 
 }  // namespace
@@ -179,6 +186,7 @@ std::vector<std::string> CaptureMachine(TMachine machine, const fs::path& plugin
   RequireTarget(target);
   machine.damagedEdids.clear();  // they are not written, so the capture knows nothing of them
   TAnswer answer = Ask(machine, plugin);
+  RequireReadable(machine, answer);
   TMachineDocument document = {machine.host,       machine.getUnits(),
                                machine.connectors, ReadFiles(machine.host, answer.fileQueries),
                                machine.collected,  {}};

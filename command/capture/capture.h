@@ -11,8 +11,8 @@
 /// the plug-in looked for and found, what is known of the outputs, and how the host presents the machine; no more.
 /// `target`: a file that ends in .json, or a folder; it must not exist; or "-" for the file's text on standard output.
 /// A folder has no ending that is a file's (such as .tar), unless a slash follows it. At the end it collects from what
-/// it has written. Throws TUnusable when there is nothing to write, when that answer differs, or when `target` exists
-/// or cannot be written, and then leaves nothing.
+/// it has written. Throws TUnusable when there is nothing to write, when a configuration could not be looked for or
+/// read, when that answer differs, or when `target` exists or cannot be written, and then leaves nothing.
 ///
 /// A damaged EDID of `machine` is not written; who calls this has to say so.
 ///

@@ -14,9 +14,14 @@ namespace fs = std::filesystem;
 namespace {
 
 /// `kind`: of what could not be made.
-[[noreturn]] void FailToMake(const std::string& path, const char* kind) {
-  const std::string reason = errno == EEXIST ? "already exists" : std::strerror(errno);
-  throw TUnusable(path + ": cannot be made: " + reason + "; name a " + kind + " that can be");
+[[noreturn]] void FailToMake(const std::string& path, const std::string& kind) {
+  if (errno == EEXIST) throw TUnusable(path + ": already exists; name a " + kind + " that does not");
+  const bool isRoot = errno == EACCES && geteuid() == 0;
+  throw TUnusable(path + ": cannot be made: " + std::strerror(errno) + "; " +
+                  (isRoot ? "to read a captured machine, root gives up its rights in folders of others: capture into "
+                            "one of root's own, and move the " +
+                                kind
+                          : "name a " + kind + " where you may make one"));
 }
 
 /// Without the slashes that a folder's name may end in.

@@ -70,7 +70,7 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
     // The parser's text begins with its own error number, in brackets.
     const std::string text = error.what();
     const std::string reason = text.substr(std::min(text.find("] ") + 2, text.size()));
-    throw TUnusable(m_place + ": is not JSON: " + Shorten(reason, kMaxReason));
+    throw TUnusable(m_place + ": is not JSON: " + Shorten(reason, kMaxReason) + kCure);
   }
 
  private:

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "command/base/privileges.h"
+#include "command/base/remark.h"
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
@@ -20,6 +21,7 @@
 #include "command/collection/time_limit.h"
 #include "command/compare/compared_side.h"
 #include "command/compare/difference_report.h"
+#include "command/machine/reasons.h"
 #include "command/report/json_report.h"
 #include "embedded_host/schema.h"
 
@@ -38,8 +40,15 @@ std::string Ask(const std::string& name, const std::function<TMachine()>& read, 
   });
   const TTimeLimit limit(options.timeout,
                          "displayinfo: " + ToMessage(name) + ": " + DescribeTimeout(options.timeout) + "\n", kUnusable);
-  return WithinMemory(
-      [&] { return MakeMachineLine(name, Collect(read(), options.plugin, {all}, {}), ELogPart::kLeftOut); });
+  return WithinMemory([&] {
+    const TMachine machine = read();
+    const TAnswer answer = Collect(machine, options.plugin, {all}, {});
+    // Of files that may not be read it is not known whether their controllers are gone.
+    const std::string unreadable = ExplainUnreadableFiles(machine, answer.fileQueries);
+    if (!unreadable.empty()) throw TUnusable(unreadable);
+    for (const std::string& note : answer.notes) ShowRemark(note);
+    return MakeMachineLine(name, answer, ELogPart::kLeftOut);
+  });
 }
 
 /// The machines of the older side, kept until their counterpart comes.

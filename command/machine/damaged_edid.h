@@ -10,7 +10,8 @@ struct TDamagedEdid {
   std::string cure = "capture the machine again";
 };
 
-/// The line that people are told.
-inline std::string Describe(const TDamagedEdid& damage) {
-  return damage.place + " " + damage.fault + ", so its unit counts as one without an EDID; " + damage.cure;
+/// The line that people are told, with what follows from the damage.
+inline std::string Describe(const TDamagedEdid& damage,
+                            const std::string& consequence = "its unit counts as one without an EDID") {
+  return damage.place + " " + damage.fault + ", so " + consequence + "; " + damage.cure;
 }

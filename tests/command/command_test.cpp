@@ -22,6 +22,7 @@ using testing::StartsWith;
 namespace {
 
 const std::string kCommand = COMMAND_FILE;
+const std::string kAsNobody = geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
 const std::string kClassNames =
     "QRXSG_VideoController, QRXSG_VideoHead, QRXSG_HeadOfVideoController, QRXSG_DesktopMonitor, "
     "QRXSG_MonitorResolution, QRXSG_MonitorSetting";
@@ -116,8 +117,7 @@ TEST_F(Command, SaysOnceThatItMayNotLookForTheConfiguration) {
   std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::all);
   std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::none);
   const TProcessResult result =
-      RunShell((geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "") + kCommand +
-               " --machine " + machine.GetPath().string() + " QRXSG_VideoController");
+      RunShell(kAsNobody + kCommand + " --machine " + machine.GetPath().string() + " QRXSG_VideoController");
   std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::all);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.errors, "displayinfo: 10 of the 10 X server configuration files could not be looked for in " +
@@ -274,14 +274,12 @@ TEST_F(Command, CapturesACaptureAgainAndSaysWhatItLeftOut) {
   const TProcessResult result = RunShell(kCommand + " capture --machine " + path + " " + target + " --anonymous");
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output, "");
-  EXPECT_EQ(
-      result.errors,
-      "displayinfo: " + path +
-          "/edid/1.bin: is empty, so its unit counts as one without an EDID; capture the machine again; it is not "
-          "captured\n"
-          "displayinfo: replaced by fillers: the system's name, and serial numbers (1 in a descriptor)\n"
-          "displayinfo: captured; displayinfo --machine " +
-          target + " answers as " + path + " does, but for what was replaced\n");
+  EXPECT_EQ(result.errors,
+            "displayinfo: " + path +
+                "/edid/1.bin: is empty, so it is not captured; capture the machine again\n"
+                "displayinfo: replaced by fillers: the system's name, and serial numbers (1 in a descriptor)\n"
+                "displayinfo: captured; displayinfo --machine " +
+                target + " answers as " + path + " does, but for what was replaced\n");
   EXPECT_THAT(RunShell(kCommand + " --machine " + target + " QRXSG_DesktopMonitor --format json").output,
               AllOf(HasSubstr("\"value\": \"anonymous\""), testing::Not(HasSubstr("A190"))));
   ExpectWrongUsage("capture x --machine y --edid-source drm", "--machine excludes --edid-source", "capture ");
@@ -416,8 +414,7 @@ TEST_F(Command, CapturesAMachineOnceWithTheSameAnswer) {
                                  machine.GetPath().string() + " does\n");
     EXPECT_EQ(RunShell(kCommand + " --format json --machine " + target).output, Run("--format json").output);
     const std::string kind = name == std::string("ws-17") ? "folder" : "file";
-    ExpectUnusable(RunShell(capture + target),
-                   target + ": cannot be made: already exists; name a " + kind + " that can be");
+    ExpectUnusable(RunShell(capture + target), target + ": already exists; name a " + kind + " that does not");
   }
 }
 
@@ -434,12 +431,46 @@ TEST_F(Command, CapturesAMachineToStandardOutput) {
   ExpectUnusable(RunShell(capture + "/dev/full"), "standard output cannot be written: No space left on device");
 }
 
+TEST_F(Command, NamesTheDamagedEdidWhenItLeavesNothingToCapture) {
+  machine.Edid(0, {});
+  ExpectUnusable(RunShell(kCommand + " capture --machine " + machine.GetPath().string() + " -"),
+                 machine.GetPath().string() +
+                     "/edid/0.bin: is empty, so it is not captured; capture the machine again\ndisplayinfo: there is "
+                     "nothing to capture: no X configuration and no usable EDID was found; displayinfo says where it "
+                     "looked");
+}
+
+TEST_F(Command, CapturesNothingWhereItMayNotLookForTheConfiguration) {
+  machine.Edid(0, TEdidBuilder().Build()).File("root/etc/X11/xorg.conf", "");
+  std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::all);
+  std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::none);
+  const TProcessResult result =
+      RunShell(kAsNobody + kCommand + " capture --machine " + machine.GetPath().string() + " -");
+  std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::all);
+  ExpectUnusable(result, "10 of the 10 X server configuration files could not be looked for in " +
+                             machine.GetPath().string() +
+                             "/root: Permission denied; make it readable, or run as a user who may read it");
+}
+
+// Without that capability root is like anybody in a folder of somebody else.
+TEST_F(Command, TellsRootWhereItMayCaptureACapturedMachineTo) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root gives up rights";
+  machine.Edid(0, TEdidBuilder().Build());
+  const TTemporaryFolder folder;
+  const std::string of = folder.GetPath().string();
+  ExpectUnusable(RunShell("chown 65534 " + of + "; " + kCommand + " capture --machine " + machine.GetPath().string() +
+                          " " + of + "/ws-17.json"),
+                 of + "/ws-17.json: cannot be made: Permission denied; to read a captured machine, root gives up its "
+                      "rights in folders of others: capture into one of root's own, and move the file");
+}
+
 TEST_F(Command, CapturesThisMachineUnlessThereIsNothingToCapture) {
   const TTemporaryFolder folder;
   const std::string target = (folder.GetPath() / "ws-17").string();
   const TProcessResult result = RunShell(kCommand + " capture --edid-source drm " + target);
   if (result.status == 1) {
-    EXPECT_THAT(result.errors, HasSubstr("there is nothing to capture: no X configuration and no EDID was found"));
+    EXPECT_THAT(result.errors,
+                HasSubstr("there is nothing to capture: no X configuration and no usable EDID was found"));
     EXPECT_FALSE(std::filesystem::exists(target));
     return;
   }

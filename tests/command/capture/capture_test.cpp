@@ -296,8 +296,8 @@ TEST_F(Capture, IsNotMadeOfNothing) {
       FAIL() << "it was captured";
     } catch (const TUnusable& error) {
       EXPECT_STREQ(error.what(),
-                   "there is nothing to capture: no X configuration and no EDID was found; displayinfo says where it "
-                   "looked");
+                   "there is nothing to capture: no X configuration and no usable EDID was found; displayinfo says "
+                   "where it looked");
     }
     EXPECT_FALSE(fs::exists(path));
   }
@@ -324,7 +324,7 @@ TEST_F(Capture, SaysWhoMayReadAFileThatItCannotRead) {
 
 TEST_F(Capture, IsNotWrittenOverAnything) {
   folder.Write("ws-17/precious", "old");
-  ExpectRefused("ws-17: cannot be made: already exists");
+  ExpectRefused("ws-17: already exists; name a folder that does not");
   EXPECT_EQ(List(), "./precious\n");
   fs::remove_all(target);
   folder.Write("ws-17", "old");
@@ -337,7 +337,7 @@ TEST_F(Capture, IsNotWrittenOverAnything) {
 
 TEST_F(Capture, InOneFileIsNotWrittenOverAnything) {
   folder.Write("ws-17.json", "old");
-  ExpectRefused(document, "ws-17.json: cannot be made: already exists; name a file that can be");
+  ExpectRefused(document, "ws-17.json: already exists; name a file that does not");
   EXPECT_EQ(ReadFile(document), "old");
   fs::remove(document);
   fs::create_symlink("nowhere", document);

@@ -103,8 +103,8 @@ TEST_F(NewTarget, FollowsNoLinkThatIsThereBeforeIt) {
   TNewFolder made(target);
   fs::create_directory_symlink(victim, target / "a");
   fs::create_symlink(victim / "file", target / "file");
-  ExpectFailure([&] { made.Write("a/file", "new"); }, "target/a: cannot be made: already exists");
-  ExpectFailure([&] { made.Write("file", "new"); }, "target/file: cannot be made: already exists");
+  ExpectFailure([&] { made.Write("a/file", "new"); }, "target/a: already exists");
+  ExpectFailure([&] { made.Write("file", "new"); }, "target/file: already exists");
   EXPECT_EQ(Read(victim / "file"), "old");
 }
 
@@ -136,12 +136,10 @@ TEST_F(NewTarget, RemovesAFileFromTheFolderThatItWentInto) {
 
 TEST_F(NewTarget, SaysWhatCannotBeMade) {
   folder.Write("file", "old");
-  ExpectFailure([&] { TNewFolder(folder.GetPath() / "file"); },
-                "/file: cannot be made: already exists; name a folder that can be");
+  ExpectFailure([&] { TNewFolder(folder.GetPath() / "file"); }, "/file: already exists; name a folder that does not");
   ExpectFailure([&] { TNewFolder(folder.GetPath() / "no/folder"); },
-                "/no/folder: cannot be made: No such file or directory; name a folder that can be");
-  ExpectFailure([&] { TNewFile(folder.GetPath() / "file", ""); },
-                "/file: cannot be made: already exists; name a file that can be");
+                "/no/folder: cannot be made: No such file or directory; name a folder where you may make one");
+  ExpectFailure([&] { TNewFile(folder.GetPath() / "file", ""); }, "/file: already exists; name a file that does not");
   ExpectFailure([&] { TNewFile(folder.GetPath() / "file/x", ""); }, "/file/x: cannot be made: Not a directory");
   ExpectFailure([] { TNewFolder(""); }, ": cannot be made: No such file or directory");
   EXPECT_EQ(Read(folder.GetPath() / "file"), "old");

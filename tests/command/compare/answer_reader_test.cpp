@@ -80,9 +80,10 @@ TEST(AnswerReader, KnowsACapturedMachineByItsKeyAndReadsNoFurther) {
 TEST(AnswerReader, SaysWhatIsNoJson) {
   ExpectUnusable("{]",
                  "is not JSON: parse error at line 1, column 2: syntax error while parsing object key - unexpected "
-                 "']'; expected string literal");
+                 "']'; expected string literal" +
+                     kCure);
   ExpectUnusable(std::string("{}\0", 3), "is not JSON: it has a zero byte");
-  ExpectUnusable(WithProperty(R"({"value": 1e999})"), "is not JSON: number overflow parsing '1e999'");
+  ExpectUnusable(WithProperty(R"({"value": 1e999})"), "is not JSON: number overflow parsing '1e999'" + kCure);
 }
 
 TEST(AnswerReader, RefusesWhatIsNoAnswer) {

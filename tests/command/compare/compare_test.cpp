@@ -186,7 +186,8 @@ TEST_F(Comparison, CannotCompareWhatItCannotRead) {
   ExpectUnusable("rows old", "rows, line 1: has no \"requests\", so it is no answer" + kComparable);
   ExpectUnusable("lines old",
                  "lines, line 2: is not JSON: parse error at line 1, column 16: syntax error while parsing object - "
-                 "unexpected end of input; expected '}'");
+                 "unexpected end of input; expected '}'" +
+                     kComparable);
   ExpectUnusable("old nameless", "nameless, line 1: names no \"machine\", which each of several lines does");
   ExpectUnusable("old packed.gz",
                  "packed.gz: is compressed, and compare reads plain files; give it - and the unpacked text, as in zcat "
@@ -197,6 +198,27 @@ TEST_F(Comparison, CannotCompareWhatItCannotRead) {
                  "nowhere.so: no such plug-in; build it, or name another with --plugin FILE");
   ExpectUnusable("old - <&-", "standard input is closed" + kComparable);
   ExpectUnusable("old new >/dev/full", "standard output cannot be written: No space left on device");
+}
+
+TEST_F(Comparison, SaysWhichEdidIsDamaged) {
+  folder.Write("new/edid/1.bin", "cut off");
+  EXPECT_EQ(Run("old new").errors,
+            "displayinfo: new/edid/1.bin: has 7 bytes, which is not a multiple of 128, so its unit counts as one "
+            "without an EDID; capture the machine again\n");
+}
+
+TEST_F(Comparison, DoesNotTakeAControllerForGoneWhoseConfigurationMayNotBeRead) {
+  const std::filesystem::path root = folder.GetPath() / "new/root";
+  std::filesystem::permissions(folder.GetPath(), std::filesystem::perms::all);
+  std::filesystem::permissions(root, std::filesystem::perms::none);
+  const std::string asNobody = geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+  const TProcessResult result = RunIn(asNobody + kCommand + " compare old new");
+  std::filesystem::permissions(root, std::filesystem::perms::all);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors,
+            "displayinfo: 10 of the 10 X server configuration files could not be looked for in "
+            "new/root: Permission denied; make it readable, or run as a user who may read it\n");
 }
 
 TEST_F(Comparison, GivesUpAMachineThatTakesTooLong) {
