@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "command/base/base64.h"
 #include "tests/support/edid_builder.h"
 
 namespace fs = std::filesystem;
@@ -54,6 +55,26 @@ constexpr const char* kMachineDocuments[] = {
     R"({"a": [[[[{}]]]], "captured": 1})",
 };
 
+// Answers before and after a change, each with all that a comparison reads.
+constexpr const char* kAnswers[][2] = {
+    {R"({"machine": "a", "requests": [{"classes": ["QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"], "instances": [
+        {"class": "QRXSG_DesktopMonitor", "path": "p", "properties": {
+            "DeviceID": {"type": "string", "value": "Monitor 1"}, "OperationalStatus": {"value": [2]},
+            "ManufacturingDate": {"type": "datetime", "value": "20100101060000.000000+000"}}},
+        {"class": "QRXSG_MonitorResolution", "path": "q", "properties": {
+            "SettingID": {"value": "Monitor 1\\ Setting 1"}, "RefreshRate": {"value": 60}}}]}],
+        "outputs": [{"connector": "card0-DP-1", "deviceID": "Monitor 1"}, {"deviceID": null}]})",
+     R"({"requests": [], "outputs": []})"},
+    {R"({"requests": [{"classes": ["QRXSG_VideoController", "QRXSG_VideoHead"], "instances": [
+        {"class": "QRXSG_VideoController", "path": "p", "properties": {"DisplayId": {"value": "PCI:1:0:0"}}},
+        {"class": "QRXSG_VideoHead", "path": "q", "properties": {"DisplayId": {"value": "PCI:1:0:0"},
+            "DeviceID": {"value": "card0-DP-1"}, "CurrentHorizontalResolution": {"value": 1280}}}]}], "outputs": []})",
+     R"({"requests": [{"classes": ["QRXSG_VideoController", "QRXSG_VideoHead"], "instances": [
+        {"class": "QRXSG_VideoController", "path": "p", "properties": {"DisplayId": {"value": "PCI:1:0:0"},
+            "Gamma": {"value": 2.2}}}]}], "outputs": [{"deviceID": null, "log": [{}]}]})"},
+    {R"({"machine": "a", "error": "b"})", R"({"captured": 1})"},
+};
+
 // Operations of CIM clients: the name, and the parameters.
 constexpr const char* kCimOperations[][2] = {
     {"EnumerateInstances", R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="QRXSG_DesktopMonitor"/></IPARAMVALUE>)"},
@@ -89,6 +110,15 @@ std::string MakeUnit(const std::string& edid) { return static_cast<char>(edid.si
 std::string MakeUnit(const TEdidBuilder& builder) {
   const std::vector<std::uint8_t> bytes = builder.Build();
   return MakeUnit(std::string(bytes.begin(), bytes.end()));
+}
+
+/// The answer with an EDID at each output that says null of its monitor.
+std::string WithEdid(std::string answer) {
+  const std::vector<std::uint8_t> bytes = TEdidBuilder().Build();
+  const std::string edid = R"(, "edid": ")" + EncodeBase64(std::string(bytes.begin(), bytes.end())) + '"';
+  const std::string without = R"("deviceID": null)";
+  const std::size_t place = answer.find(without);
+  return place == std::string::npos ? answer : answer.insert(place + without.size(), edid);
 }
 
 std::vector<TEdidBuilder> MakeOddEdids() {
@@ -167,6 +197,10 @@ int main(int argumentCount, char** arguments) try {
   for (const char* text : kSections) seeds.Add("sections", text);
   for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
   for (const char* text : kMachineDocuments) seeds.Add("machine_document", text);
+  for (const auto& answer : kAnswers) {
+    seeds.Add("answer", answer[0] + kEnd + answer[1]);
+    seeds.Add("answer", answer[0] + kEnd + WithEdid(answer[0]));
+  }
   for (const auto& operation : kCimOperations) seeds.Add("cim_request", MakeCimRequest(operation));
   return 0;
 } catch (const std::exception& error) {
