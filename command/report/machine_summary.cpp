@@ -30,10 +30,11 @@ std::string NameController(const TInstanceView& controller) {
   return name.empty() ? controller.Text("DeviceID") : name;
 }
 
-std::vector<std::string> ListControllers(const TAnswer& answer) {
+typedef std::vector<TRequestView> TViews;
+
+std::vector<std::string> ListControllers(const TViews& views) {
   std::vector<std::string> names;
-  for (const TRequestAnswer& request : answer.requests) {
-    const TRequestView view(request);
+  for (const TRequestView& view : views) {
     for (const TControllerView& controller : view.GetControllers()) {
       names.push_back(NameController(controller.controller));
     }
@@ -41,11 +42,21 @@ std::vector<std::string> ListControllers(const TAnswer& answer) {
   return names;
 }
 
-TMonitorSummary SummarizeMonitor(const TOutput& output, const TMakerNames& makers) {
+/// The plug-in's instance of the monitor; null when no request asked for it.
+const TInstanceView* FindMonitor(const TViews& views, const std::string& id) {
+  for (const TRequestView& view : views) {
+    for (const TMonitorView& monitor : view.GetMonitors()) {
+      if (monitor.id == id && monitor.monitor) return &*monitor.monitor;
+    }
+  }
+  return nullptr;
+}
+
+TMonitorSummary SummarizeMonitor(const TOutput& output, const TViews& views, const TMakerNames& makers) {
   TMonitorSummary monitor;
   monitor.id = *output.deviceId;
   monitor.connector = ToPrintable(output.connector);
-  monitor.facts = DescribeMonitor(&output, nullptr, makers);
+  monitor.facts = DescribeMonitor(&output, FindMonitor(views, monitor.id), makers);
   if (!output.facts) return monitor;
   if (output.facts->diagonalInches) monitor.diagonal = WriteDiagonal(*output.facts->diagonalInches);
   if (output.facts->made) {
@@ -89,13 +100,14 @@ std::vector<std::string> ListProblems(const TAnswer& answer) {
 }  // namespace
 
 TMachineSummary Summarize(const std::string& machine, const TAnswer& answer, const TMakerNames& makers) {
+  const TViews views(answer.requests.begin(), answer.requests.end());
   TMachineSummary summary;
   summary.machine = ToPrintable(machine);
   summary.systemName = ToPrintable(answer.identity.systemName);
   summary.collected = answer.identity.collected;
-  summary.controllers = ListControllers(answer);
+  summary.controllers = ListControllers(views);
   for (const TOutput& output : answer.outputs) {
-    if (output.deviceId) summary.monitors.push_back(SummarizeMonitor(output, makers));
+    if (output.deviceId) summary.monitors.push_back(SummarizeMonitor(output, views, makers));
   }
   summary.problems = ListProblems(answer);
   Shorten(summary.systemName);

@@ -82,9 +82,17 @@ std::string ReadSize(const TInstanceView& monitor) {
   return size.empty() ? size : size + " " + monitor.Unit("HorizontalImageSize");
 }
 
+/// Of the filler that year 2245 is in an EDID, the plug-in makes a date all the same.
+std::string ReadYear(const TInstanceView& monitor) {
+  constexpr const char* filler = "2245";
+  const std::string year = monitor.Text("ManufacturingDate").substr(0, 4);
+  return year < filler ? year : std::string();
+}
+
 std::string ReadDate(const TInstanceView& monitor) {
   const std::string text = monitor.Text("ManufacturingDate");
-  return text.empty() ? text : "week of " + text.substr(0, 4) + "-" + text.substr(4, 2) + "-" + text.substr(6, 2);
+  return ReadYear(monitor).empty() ? std::string()
+                                   : "week of " + text.substr(0, 4) + "-" + text.substr(4, 2) + "-" + text.substr(6, 2);
 }
 
 /// A fact, and how its text comes out of an EDID and out of an instance; null where it is in one of them only.
@@ -102,7 +110,7 @@ const TSource kSources[] = {
     {&TMonitorFacts::serialNumber, WriteSerialNumber, [](const TInstanceView& i) { return i.Text("SerialNumber"); }},
     {&TMonitorFacts::productCode, WriteProductCode, nullptr},
     {&TMonitorFacts::made, WriteMade, ReadDate},
-    {&TMonitorFacts::year, WriteYear, [](const TInstanceView& i) { return i.Text("ManufacturingDate").substr(0, 4); }},
+    {&TMonitorFacts::year, WriteYear, ReadYear},
     {&TMonitorFacts::size, WriteSize, ReadSize},
     {&TMonitorFacts::diagonal, WriteInches, nullptr},
     {&TMonitorFacts::input, WriteInput, nullptr},

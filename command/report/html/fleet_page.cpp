@@ -6,6 +6,7 @@
 #include <tuple>
 #include <utility>
 
+#include "command/base/text_encoding.h"
 #include "command/base/utc_time.h"
 #include "command/base/version.h"
 #include "command/report/html/fleet_style.h"
@@ -67,6 +68,13 @@ std::pair<std::string, std::string> Part(TMarkup markup, const char* tag) {
 std::string GetFolder(const std::string& path) {
   const std::size_t slash = path.size() < 2 ? std::string::npos : path.find_last_of('/', path.size() - 2);
   return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+/// The printable text without its beginning where it has more than `columns` characters: the end of a path tells it
+/// from others.
+std::string KeepEnd(const std::string& text, std::size_t columns) {
+  const std::size_t length = CountColumns(text);
+  return length <= columns ? text : "\u2026" + text.substr(GetLength(text, length - columns + 1));
 }
 
 std::string MakeMachineId(std::size_t position) { return "machine-" + std::to_string(position + 1); }
@@ -225,7 +233,7 @@ class TFleetPage::TWriter {
 
   TMarkup MakeMachineLink(std::size_t position) const {
     const std::string name = GetName(m_machines[position]);
-    const std::string shown = Shorten(name, kLinkColumns);
+    const std::string shown = KeepEnd(name, kLinkColumns);
     return TMarkup::Element("a", {{"href", "#" + MakeMachineId(position)}, {"title", shown == name ? "" : name}},
                             shown);
   }

@@ -135,8 +135,7 @@ std::string MakeHtmlReport(const TAnswer& answer, const TMakerNames& makers) {
   const std::string collection = DescribeCollection(answer.identity);
   TMarkup content =
       MakeHeading(1, MakeShortText(name, kNameColumns)) +
-      MakeElement("p", "soft",
-                  collection + ". As the plug-in " + answer.plugin.name + " " + answer.plugin.version + " tells.");
+      MakeElement("p", "soft", collection + ". Plug-in: " + answer.plugin.name + " " + answer.plugin.version + ".");
   const THtmlAnchors anchors(answer);
   for (std::size_t request = 0; request < answer.requests.size(); ++request) {
     content += TRequestSection(answer, makers, anchors, request).Make();

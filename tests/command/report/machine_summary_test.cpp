@@ -63,6 +63,13 @@ TEST_F(MachineSummary, HasWhatIsKnownOfEachMonitor) {
   EXPECT_THAT(summary.problems, IsEmpty());
 }
 
+TEST_F(MachineSummary, HasWhatThePlugInTellsOfAMonitorWhereItsEdidTellsNothing) {
+  AddMonitor(TEdidBuilder().Byte(edid::kManufacturer, 0x7F).Build());
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"MonitorManufacturer", TCIMValue("__M")}});
+  EndRequest({"QRXSG_DesktopMonitor"});
+  EXPECT_EQ(Make().monitors.at(0).facts.makerCode, "__M");
+}
+
 TEST_F(MachineSummary, KnowsNoYearThatTheEdidDoesNotTell) {
   AddMonitor(TEdidBuilder().Build());
   EXPECT_EQ(Make().monitors.at(0).year, 0U);

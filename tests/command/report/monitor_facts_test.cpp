@@ -131,6 +131,19 @@ TEST_F(MonitorFacts, SayNoYearThatIsAFiller) {
   EXPECT_EQ(Describe(TEdidBuilder().Made(1, 2244)).made, "week 1 of 2244");
 }
 
+TEST_F(MonitorFacts, SayNoDateThatThePlugInMakesOfAFiller) {
+  const auto describe = [this](unsigned short year) {
+    TCIMDateTime date;
+    date.Set(year, 1, 1, 6, 0, 0, 0, 0);
+    const TInstanceView monitor = CommitMonitor({{"ManufacturingDate", TCIMValue(date)}});
+    const TMonitorFacts facts = DescribeMonitor(nullptr, &monitor, TMakerNames());
+    return facts.made + ", " + facts.year;
+  };
+  EXPECT_EQ(describe(2244), "week of 2244-01-01, 2244");
+  EXPECT_EQ(describe(2245), ", ");
+  EXPECT_EQ(describe(2246), ", ");  // week 54
+}
+
 TEST_F(MonitorFacts, SayTheInputInWords) {
   const auto input = [](unsigned int revision, unsigned int byte) {
     return Describe(TEdidBuilder().Version(1, revision).Byte(kInput, byte)).input;

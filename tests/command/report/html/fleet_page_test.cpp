@@ -202,7 +202,18 @@ TEST_F(FleetPage, ShortensLongNamesAndKeepsTheWholeAsATitle) {
   Add(name, {MakeMonitor("ACM", "A")});
   const std::string whole = "title=\"" + name + "\">";
   EXPECT_THAT(MakeSection("machines"), HasSubstr(whole + std::string(119, 'x') + "\u2026<"));
-  EXPECT_THAT(MakeSection("models"), HasSubstr(whole + std::string(39, 'x') + "\u2026<"));
+  EXPECT_THAT(MakeSection("models"), HasSubstr(whole + "\u2026" + std::string(39, 'x') + "<"));
+}
+
+TEST_F(FleetPage, KeepsTheEndsOfLongPathsInLinks) {
+  const std::string folder = "captures/of/a/building/with/a/long/name/";
+  Add(folder + "\u00E9-1", {MakeMonitor("ACM", "A")});
+  Add("ws-2", {});
+  EXPECT_THAT(MakeSection("models"), HasSubstr(">\u2026ures/of/a/building/with/a/long/name/\u00E9-1<"));
+}
+
+TEST_F(FleetPage, BreaksLongNamesOfMachinesWhereverTheyDoNotFit) {
+  EXPECT_THAT(kFleetStyle, HasSubstr("tbody th{overflow-wrap:anywhere}"));
 }
 
 TEST_F(FleetPage, HasAStyleForEachOfItsClassesAndNoStyleForAnother) {

@@ -101,6 +101,13 @@ TEST_F(HtmlReport, MakesNothingButTextOfWhatTheMachineSays) {
   EXPECT_THAT(page, HasSubstr("&quot;&gt;&lt;svg onload=&#39;x&#39;&gt;&amp;&lt;script&gt;"));
 }
 
+TEST_F(HtmlReport, NamesThePlugInBelowTheMachine) {
+  answer.identity.version = "1.4";
+  answer.plugin.name = "Collector <1>";
+  answer.plugin.version = "1.0";
+  EXPECT_THAT(Make(), HasSubstr("<p class=\"soft\">Shown by displayinfo 1.4. Plug-in: Collector &lt;1&gt; 1.0.</p>"));
+}
+
 TEST_F(HtmlReport, BeginsWithTheMachineAndWhenItWasCollected) {
   answer.identity = {"ws-17<", "2026-11-21T21:30:00Z", "1.4"};
   const std::string page = Make();
