@@ -10,7 +10,6 @@
 #include <memory>
 #include <utility>
 
-#include "command/base/remark.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
 #include "command/collection/memory_budget.h"
@@ -80,13 +79,13 @@ class TSignals {
 std::string MakeLine(const std::string& machine, const TFleet& fleet) {
   const auto showLog = [&](const TLogEntry& entry) {
     if (!fleet.logLevel || entry.severity > *fleet.logLevel) return;
-    std::cerr << ToPrintable(machine + ": " + GetSeverityName(entry.severity) + ": " + entry.message) + "\n";
+    ShowAboveProgress(ToPrintable(machine + ": " + GetSeverityName(entry.severity) + ": " + entry.message));
   };
   if (machine.size() == TMachineList::kMaxName) {
     throw TUnusable("its name is longer than any that the system takes; this is its beginning");
   }
   const TAnswer answer = Collect(ReadCapturedMachine(machine), fleet.plugin, fleet.requests, showLog);
-  for (const std::string& note : answer.notes) ShowRemark(note);
+  for (const std::string& note : answer.notes) ShowAboveProgress("displayinfo: " + ToMessage(note));
   return fleet.answer.makeLines(machine, answer);
 }
 

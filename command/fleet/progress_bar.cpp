@@ -64,3 +64,8 @@ std::string MakeProgressText(std::size_t done, std::size_t failed, std::optional
   if (text.size() <= space) return text;
   return shorter.size() <= space ? shorter : shortest.substr(0, space);
 }
+
+void ShowAboveProgress(const std::string& line) {
+  constexpr const char* eraseLine = "\r\x1B[K";
+  std::cerr << (isatty(STDERR_FILENO) == 1 ? eraseLine + line + "\n" : line + "\n");
+}

@@ -35,3 +35,7 @@ class TProgressBar {
 /// one free, and in a narrow one it is shorter: "50 of 100, 1 failed", or "50/100".
 std::string MakeProgressText(std::size_t done, std::size_t failed, std::optional<std::size_t> total,
                              std::size_t columns = 80);
+
+/// Writes a line to standard error, from any process of the run and at once: on a terminal in the place of the bar,
+/// which comes back below it.
+void ShowAboveProgress(const std::string& line);

@@ -3,7 +3,8 @@
 
 constexpr const char* kFleetStyle =
     ".counts,.contents{display:flex;flex-wrap:wrap;gap:.3rem 1.6rem;margin:1rem 0;padding:0;list-style:none}"
-    ".counts b{font-size:1.5rem}tbody th{overflow-wrap:anywhere}th .soft{font-weight:400}[colspan]{padding-top:.8rem}"
+    ".counts b{font-size:1.5rem}tbody th{overflow-wrap:anywhere;min-width:7rem}th "
+    ".soft{font-weight:400}[colspan]{padding-top:.8rem}"
     ".long{break-inside:auto}.listing{white-space:normal}.listing ul,.listing ol{margin:0;padding-left:1.3rem}"
     ".listing ol{padding-left:1.9rem}"
     ".machines thead th{width:26%}.machines thead th:nth-child(2){width:16%}.machines thead th:nth-child(3){width:34%}"

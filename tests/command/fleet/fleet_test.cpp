@@ -538,6 +538,16 @@ TEST_F(Fleet, OnlyCountsOnATerminalWhatHasNoKnownEnd) {
   EXPECT_THAT(shown, Not(HasSubstr(" of ")));
 }
 
+TEST_F(Fleet, PutsWhatItSaysOfAMachineInThePlaceOfTheBar) {
+  TTerminal terminal;
+  folder.Write("damaged/edid/0.bin", "short");
+  folder.Write("list", "damaged\n");
+  RunShell("cd " + folder.GetPath().string() + "; " + kCommand + " --machines list --log-level status 2>" +
+           terminal.GetName());
+  EXPECT_THAT(terminal.Read(), AllOf(HasSubstr("\r\x1B[Kdisplayinfo: damaged/edid/0.bin: has 5 bytes"),
+                                     HasSubstr("\r\x1B[Kdamaged: status: ")));
+}
+
 TEST_F(Fleet, LeavesItsBarBeforeItSaysMoreOnATerminal) {
   TTerminal terminal;
   folder.Write("list", "m1\nbroken\n");

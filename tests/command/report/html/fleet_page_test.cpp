@@ -213,7 +213,7 @@ TEST_F(FleetPage, KeepsTheEndsOfLongPathsInLinks) {
 }
 
 TEST_F(FleetPage, BreaksLongNamesOfMachinesWhereverTheyDoNotFit) {
-  EXPECT_THAT(kFleetStyle, HasSubstr("tbody th{overflow-wrap:anywhere}"));
+  EXPECT_THAT(kFleetStyle, HasSubstr("tbody th{overflow-wrap:anywhere;min-width:7rem}"));
 }
 
 TEST_F(FleetPage, HasAStyleForEachOfItsClassesAndNoStyleForAnother) {
