@@ -19,6 +19,10 @@ TInstances SortModes(TInstances modes) {
   std::stable_sort(modes.begin(), modes.end(), [](const TInstanceView& left, const TInstanceView& right) {
     return GetOrder(left) > GetOrder(right);
   });
+  const auto areSame = [](const TInstanceView& left, const TInstanceView& right) {
+    return GetOrder(left) == GetOrder(right);
+  };
+  modes.erase(std::unique(modes.begin(), modes.end(), areSame), modes.end());
   return modes;
 }
 

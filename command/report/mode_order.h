@@ -5,7 +5,7 @@
 #include "command/report/request_view.h"
 
 /// The modes by the size of the picture, the largest first; those of one resolution, which then follow each other, by
-/// their rate.
+/// their rate. A mode that an EDID declares twice comes once.
 TInstances SortModes(TInstances modes);
 
 /// True for the mode that the output's EDID prefers, whose rate the plug-in has in whole Hz. `output` may be null.

@@ -54,17 +54,19 @@ void TRequestView::JoinVideo() {
 }
 
 void TRequestView::JoinMonitors() {
-  std::map<std::string, TInstances> modes;  // by the device id that their setting ids begin with
-  for (const TInstanceView& mode : Select(kMonitorResolutionClass)) {
-    const std::string settingId = mode.Text("SettingID");
-    modes[settingId.substr(0, settingId.rfind("\\ Setting "))].push_back(mode);
-  }
+  std::map<std::string, std::size_t> positions;  // by the device id
   for (const TInstanceView& monitor : Select(kDesktopMonitorClass)) {
     const std::string id = monitor.Text("DeviceID");
-    m_monitors.push_back({id, monitor, std::move(modes[id])});
-    modes.erase(id);
+    positions.emplace(id, m_monitors.size());
+    m_monitors.push_back({id, monitor, {}});
   }
-  for (auto& [id, itsModes] : modes) m_monitors.push_back({id, std::nullopt, std::move(itsModes)});
+  for (const TInstanceView& mode : Select(kMonitorResolutionClass)) {
+    const std::string settingId = mode.Text("SettingID");
+    const std::string id = settingId.substr(0, settingId.rfind("\\ Setting "));
+    const auto [position, isNew] = positions.emplace(id, m_monitors.size());
+    if (isNew) m_monitors.push_back({id, std::nullopt, {}});
+    m_monitors[position->second].modes.push_back(mode);
+  }
 }
 
 bool TRequestView::Asks(EPart part) const {

@@ -35,8 +35,7 @@ std::vector<TResolution> GetResolutions(const TRequestView& view, const TInstanc
       resolutions.push_back({width, height, {}, mode.Unit("RefreshRate"), "", view.IsConfigured(mode)});
     }
     TResolution& resolution = resolutions.back();
-    const std::string rate = mode.Text("RefreshRate");
-    if (resolution.rates.empty() || resolution.rates.back() != rate) resolution.rates.push_back(rate);
+    resolution.rates.push_back(mode.Text("RefreshRate"));
     if (IsPreferred(mode, output)) resolution.preferredRate = mode.TextWithUnit("RefreshRate");
   }
   return resolutions;

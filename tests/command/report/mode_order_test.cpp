@@ -48,6 +48,11 @@ TEST_F(ModeOrder, KeepsTheModesOfAResolutionTogether) {
               ElementsAre("400 x 300 @ 75", "400 x 300 @ 60", "300 x 400 @ 90"));
 }
 
+TEST_F(ModeOrder, HasAModeOnceThatIsDeclaredTwice) {
+  EXPECT_THAT(Write(SortModes({MakeMode(640, 480, 75), MakeMode(640, 480, 60), MakeMode(640, 480, 75)})),
+              ElementsAre("640 x 480 @ 75", "640 x 480 @ 60"));
+}
+
 TEST_F(ModeOrder, KnowsThePreferredModeByItsRoundedRate) {
   const TOutput output = MakeOutput({640, 480, 59.94});
   EXPECT_TRUE(IsPreferred(MakeMode(640, 480, 60), &output));

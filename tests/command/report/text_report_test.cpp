@@ -243,6 +243,15 @@ TEST_F(TextReport, ShowsAControllerOnceHoweverOftenItWasMade) {
             "    Display id        PCI:1:0:0\n");
 }
 
+TEST_F(TextReport, ShowsMonitorsOfWhichOnlyTheModesWereAskedForInTheirOrder) {
+  CommitMode("Monitor 2\\ Setting 1", 640, 480, 60);
+  CommitMode("Monitor 10\\ Setting 1", 800, 600, 60);
+  EXPECT_THAT(Make({"QRXSG_MonitorResolution"}), HasSubstr("  Monitor 2\n"
+                                                           "    Modes             640x480@60Hz\n"
+                                                           "  Monitor 10\n"
+                                                           "    Modes             800x600@60Hz\n"));
+}
+
 TEST_F(TextReport, GivesEachMonitorItsModesAndMarksTheConfiguredOne) {
   Commit("QRXSG_VideoHead", {{"HeadNumber", TCIMValue(static_cast<unsigned char>(1))},
                              {"CurrentHorizontalResolution", TCIMValue(640U)},
