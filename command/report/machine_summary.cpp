@@ -56,6 +56,7 @@ TMonitorSummary SummarizeMonitor(const TOutput& output, const TViews& views, con
   TMonitorSummary monitor;
   monitor.id = *output.deviceId;
   monitor.connector = ToPrintable(output.connector);
+  Shorten(monitor.connector);
   monitor.facts = DescribeMonitor(&output, FindMonitor(views, monitor.id), makers);
   if (!output.facts) return monitor;
   if (output.facts->diagonalInches) monitor.diagonal = WriteDiagonal(*output.facts->diagonalInches);

@@ -120,9 +120,12 @@ TEST_F(MachineSummary, LeavesSixteenTextsAsTheyAre) {
 
 TEST_F(MachineSummary, CutsTextsOffAfterTwoHundredCharacters) {
   answer.identity.systemName = std::string(201, 's');
+  AddMonitor(TEdidBuilder().Build());
+  answer.outputs[0].connector = std::string(201, 'o');
   CommitController(std::string(200, 'c'));
   EndRequest({"QRXSG_VideoController"});
   EXPECT_EQ(Make().systemName, std::string(199, 's') + "\u2026");
+  EXPECT_EQ(Make().monitors.at(0).connector, std::string(199, 'o') + "\u2026");
   EXPECT_THAT(Make().controllers, ElementsAre(std::string(200, 'c')));
 }
 
