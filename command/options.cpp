@@ -127,7 +127,7 @@ void CheckFleet(const TOptions& options, const CLI::App& app) {
         "--resume goes on with lines of JSON, which tell where a machine ends; not with rows, csv or html");
   }
   if (!options.hasLog && format != EFormat::kJson) {
-    throw CLI::ValidationError("--no-log is for --format json; no other format of answers but the page has a log");
+    throw CLI::ValidationError("--no-log is for --format json; the page keeps its log, and no other format has one");
   }
   for (const char* const name : {"--jobs", "--resume"}) {
     if (options.IsFleet() || app.count(name) == 0) continue;

@@ -73,7 +73,7 @@ void PrepareProcess(pid_t parent) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  prctl(PR_SET_PDEATHSIG, SIGKILL);   // also while it is stopped
+  prctl(PR_SET_PDEATHSIG, SIGKILL);   // even while it is stopped
   if (getppid() != parent) _exit(0);  // it ended before that was said
 }
 

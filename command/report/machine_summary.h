@@ -18,7 +18,7 @@ struct TMonitorSummary {
   unsigned int week = 0;  // of the manufacture; 0 when that is not known
 };
 
-/// Printable texts, each of 200 characters at most but the machine's name and the reason why it did not answer.
+/// Printable texts, each of 200 characters at most, except the machine's name and the reason why it did not answer.
 struct TMachineSummary {
   std::string machine;     // its name in the list
   std::string systemName;  // as the host presents it

@@ -46,7 +46,7 @@ std::string WriteInput(const TEdidFacts& facts) {
   return text;
 }
 
-/// Some monitors give no rates but zeros.
+/// Nothing for the rates of monitors that give only zeros.
 std::string WriteRates(const TRates& rates, const char* unit) {
   if (rates.max == 0) return std::string();
   return std::to_string(rates.min) + " to " + std::to_string(rates.max) + unit;

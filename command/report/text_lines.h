@@ -7,11 +7,11 @@
 #include <string_view>
 
 // Columns of a report.
-constexpr std::size_t kMinTextWidth = 40;  // also in a narrower terminal, which then breaks the lines itself
+constexpr std::size_t kMinTextWidth = 40;  // even in a narrower terminal, which then breaks the lines itself
 constexpr std::size_t kTextWidth = 80;     // where there is no terminal
 constexpr std::size_t kMaxTextWidth = 120;
 
-/// The width of a report on a terminal of so many columns, or on none.
+/// The width of a report on a terminal of that many columns, or on none.
 std::size_t ChooseTextWidth(std::optional<std::size_t> columns);
 
 class TTextLines {

@@ -221,7 +221,7 @@ TEST_F(Command, ExplainsWrongUsageInOneLine) {
                    "--format csv is made from all classes; leave CLASS and --request out");
   ExpectWrongUsage("--machines x --format html --request QRXSG_VideoHead",
                    "the page of several machines is made from all classes; leave CLASS and --request out");
-  ExpectWrongUsage("--no-log", "--no-log is for --format json; no other format of answers but the page has a log");
+  ExpectWrongUsage("--no-log", "--no-log is for --format json; the page keeps its log, and no other format has one");
   ExpectWrongUsage("schema capture x", "The following arguments were not expected: x capture", "schema ");
 }
 
