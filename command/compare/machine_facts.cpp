@@ -111,10 +111,11 @@ std::vector<TDevice> MakeMonitors(const TReadAnswer& answer) {
     monitor.facts[kEdidFact] = Quote(EncodeEdid(output.edid));
     monitor.facts[kListedFact] = output.deviceId.empty() ? "false" : "true";
     if (!output.deviceId.empty()) {
-      for (const auto& [name, value] : properties[output.deviceId]) {
+      // Only the first of several outputs with one DeviceID, which no plug-in makes: copies for each could be endless.
+      for (const auto& [name, value] : std::exchange(properties[output.deviceId], {})) {
         if (!IsOneOf(kPlaces, name)) monitor.facts[name] = value;
       }
-      monitor.facts[kModesFact] = json(modes[output.deviceId]).dump();
+      monitor.facts[kModesFact] = json(std::exchange(modes[output.deviceId], {})).dump();
     }
     monitors.push_back(std::move(monitor));
   }

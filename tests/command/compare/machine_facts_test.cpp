@@ -85,6 +85,21 @@ TEST(MachineFacts, AreThoseOfTheMonitorWithItsModesAndWithoutItsPlace) {
                           Pair("Listed", "true"), Pair("Modes", R"(["1280x1024@75Hz","800x600@60Hz"])")));
 }
 
+TEST(MachineFacts, AreNotRepeatedForEveryOutputThatNamesTheSameMonitor) {
+  TReadAnswer answer;
+  const std::vector<std::uint8_t> edid = MakeEdid("A190", "S1");
+  answer.outputs = {{"Monitor 1", "", edid}, {"Monitor 1", "", edid}};
+  answer.instances = {
+      {"QRXSG_DesktopMonitor", "p", {{"DeviceID", "\"Monitor 1\""}, {"Gamma", "2.2"}}},
+      {"QRXSG_MonitorResolution", "m", {{"SettingID", R"("Monitor 1\\ Setting 1")"}, {"RefreshRate", "60"}}}};
+  const TMachineFacts facts = MakeFacts(answer);
+  ASSERT_THAT(facts.monitors, SizeIs(2));
+  EXPECT_EQ(facts.monitors[0].facts.at("Gamma"), "2.2");
+  EXPECT_EQ(facts.monitors[0].facts.at("Modes"), R"(["x@60Hz"])");
+  EXPECT_EQ(facts.monitors[1].facts.count("Gamma"), 0U);
+  EXPECT_EQ(facts.monitors[1].facts.at("Modes"), "[]");
+}
+
 TEST(MachineFacts, HaveAMonitorThatThePluginDoesNotReport) {
   const TMachineFacts facts = TAnswerBuilder().Unlisted(MakeEdid("A190", "S1")).Build();
   ASSERT_THAT(facts.monitors, SizeIs(1));
