@@ -16,9 +16,15 @@ namespace {
 /// Whether that is how a look-up ends when there is nothing. A link that leads nowhere is nothing, too.
 bool MeansNothing(int error) { return error == ENOENT || error == ENOTDIR; }
 
-std::string DescribeLookUp(int error) {
-  if (error == EXDEV || error == ELOOP) return "a link leads out of the folder";
-  return std::strerror(error);
+TFileFailure DescribeLookUp(const std::string& path, int error) {
+  if (error != EXDEV && error != ELOOP) return {path, std::strerror(error), true};
+  const std::string link = "a link on the way to " + path;
+  return {path, link + (error == EXDEV ? " leads out of the folder" : " cannot be followed"), true,
+          "put what it stands for in its place"};
+}
+
+TFileFailure DescribeRead(const std::string& path, int error) {
+  return {path, std::string("cannot be read: ") + std::strerror(error), false};
 }
 
 }  // namespace
@@ -31,7 +37,7 @@ bool TFolderFiles::Exists(const std::string& path) const {
   const int error = errno;
   if (IsRegularFile(file)) return true;
   if (!file.IsOpen() && m_root.IsOpen() && !MeansNothing(error)) {
-    m_failures[path] = {path, DescribeLookUp(error), true};
+    m_failures[path] = DescribeLookUp(path, error);
   }
   return false;
 }
@@ -40,11 +46,12 @@ std::string TFolderFiles::Read(const std::string& path) const {
   const TDescriptor file = m_root.Open(path, O_RDONLY);
   const int error = errno;
   if (!IsRegularFile(file) && (file.IsOpen() || !Exists(path))) throw TZELTException(path + ": no such file");
-  if (!file.IsOpen()) FailToRead(path, std::string("cannot be read: ") + std::strerror(error));
+  if (!file.IsOpen()) FailToRead(DescribeRead(path, error));
   std::optional<std::string> content = ReadContent(file, kMaxMachineFileSize);
-  if (!content) FailToRead(path, std::string("cannot be read: ") + std::strerror(errno));
+  if (!content) FailToRead(DescribeRead(path, errno));
   if (content->size() > kMaxMachineFileSize) {
-    FailToRead(path, "is larger than " + std::to_string(kMaxMachineFileSize) + " bytes, which no such file needs");
+    FailToRead({path, "is larger than " + std::to_string(kMaxMachineFileSize) + " bytes, which no such file needs",
+                false, "put the right file in its place"});
   }
   return std::move(*content);
 }
@@ -55,7 +62,8 @@ std::vector<TFileFailure> TFolderFiles::GetFailures() const {
   return failures;
 }
 
-void TFolderFiles::FailToRead(const std::string& path, const std::string& reason) const {
-  m_failures[path] = {path, reason, false};
-  throw TZELTException(path + ": " + reason);
+void TFolderFiles::FailToRead(TFileFailure failure) const {
+  const std::string message = failure.path + ": " + failure.reason;
+  m_failures[failure.path] = std::move(failure);
+  throw TZELTException(message);
 }

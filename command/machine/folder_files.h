@@ -13,6 +13,7 @@ struct TFileFailure {
   std::string path;
   std::string reason;  // such as "cannot be read: Permission denied", or of a look-up "Permission denied"
   bool isLookUp;
+  std::string cure = "make it readable, or run as a user who may read it";
 };
 
 /// A path that leads out of the folder, by ".." or through symbolic links, does not exist; neither does anything that
@@ -29,7 +30,7 @@ class TFolderFiles : public IMachineFiles {
   std::vector<TFileFailure> GetFailures() const;
 
  private:
-  [[noreturn]] void FailToRead(const std::string& path, const std::string& reason) const;
+  [[noreturn]] void FailToRead(TFileFailure failure) const;
 
   TRootedFolder m_root;
   mutable std::map<std::string, TFileFailure> m_failures;

@@ -158,7 +158,7 @@ std::string ExplainUnreadableFiles(const TMachine& machine, const std::vector<TF
     if (!first || (first->isLookUp && !failure->isLookUp)) first = *failure;  // the one that says most
   }
   if (!first) return std::string();
-  const std::string cure = "; make it readable, or run as a user who may read it";
+  const std::string cure = "; " + first->cure;
   if (!first->isLookUp) return machine.filesPlace + first->path + " " + first->reason + cure;
   return std::to_string(count) + " of the " + std::to_string(queries.size()) +
          " X server configuration files could not be looked for" +

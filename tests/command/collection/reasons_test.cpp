@@ -71,8 +71,25 @@ TEST_F(Reasons, OfNoControllerAreLinksThatLeadOut) {
   fs::create_symlink("/etc/passwd", machine.GetPath() / kConfiguration);
   EXPECT_EQ(WhyNoController(), "1 of the 10 X server configuration files could not be looked for in " +
                                    machine.GetPath().string() +
-                                   "/root: a link leads out of the folder; make it readable, or run as a user who may "
-                                   "read it");
+                                   "/root: a link on the way to /etc/X11/xorg.conf leads out of the folder; put what "
+                                   "it stands for in its place");
+}
+
+TEST_F(Reasons, OfNoControllerAreLinksInACircle) {
+  machine.File("root/etc/X11/other", "");
+  fs::create_symlink("xorg.conf", machine.GetPath() / kConfiguration);
+  EXPECT_EQ(WhyNoController(), "1 of the 10 X server configuration files could not be looked for in " +
+                                   machine.GetPath().string() +
+                                   "/root: a link on the way to /etc/X11/xorg.conf cannot be followed; put what it "
+                                   "stands for in its place");
+}
+
+TEST_F(Reasons, OfNoControllerAreFilesThatAreTooLarge) {
+  machine.File(kConfiguration, "");
+  fs::resize_file(machine.GetPath() / kConfiguration, kMaxMachineFileSize + 1);
+  EXPECT_EQ(WhyNoController(), machine.GetPath().string() +
+                                   "/root/etc/X11/xorg.conf is larger than 268435456 bytes, which no such file needs; "
+                                   "put the right file in its place");
 }
 
 TEST_F(Reasons, OfNoControllerAreMissingPermissionsWhichAreNotedToo) {
