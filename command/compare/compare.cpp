@@ -103,8 +103,15 @@ class TKnownMachines {
   std::size_t m_count = 0;
 };
 
+void RequireComparable(const std::string& name, const TMachineFacts& before, const TMachineFacts& after) {
+  if (AreComparable(before, after)) return;
+  throw TUnusable(name + ": there is nothing to compare, since OLD and NEW were not both asked for " +
+                  kDesktopMonitorClass + " or " + kVideoControllerClass + "; ask both for all classes");
+}
+
 TMachineReport CompareMachines(const std::string& name, const TMachineFacts& before, const TMachineFacts& after) {
   if (before.error || after.error) return {name, EMachineState::kUnknown, {}, before.error, after.error};
+  RequireComparable(name, before, after);
   TMachineDifference difference = Compare(before, after);
   const EMachineState state = difference.IsEmpty() ? EMachineState::kEqual : EMachineState::kChanged;
   return {name, state, std::move(difference)};
@@ -145,7 +152,10 @@ class TComparison {
     const std::string packed = Pack(machine.facts);
     const std::optional<std::string> before = known.Take(oldName);
     if (!before) return Add({machine.name, EMachineState::kCame, {}});
-    if (*before == packed && !machine.facts.error) return Add({machine.name, EMachineState::kEqual, {}});
+    if (*before == packed && !machine.facts.error) {
+      RequireComparable(machine.name, machine.facts, machine.facts);
+      return Add({machine.name, EMachineState::kEqual, {}});
+    }
     Add(CompareMachines(machine.name, Unpack(*before), machine.facts));
   }
 

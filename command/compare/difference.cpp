@@ -118,6 +118,11 @@ std::vector<TDeviceDifference> ComparePairs(const std::vector<TDevice>& before, 
 
 }  // namespace
 
+bool AreComparable(const TMachineFacts& before, const TMachineFacts& after) {
+  const TComparableFacts comparable(before, after);
+  return comparable.AreAsked(kDesktopMonitorClass) || comparable.AreAsked(kVideoControllerClass);
+}
+
 TMachineDifference Compare(const TMachineFacts& before, const TMachineFacts& after) {
   const TComparableFacts comparable(before, after);
   TMachineDifference difference;

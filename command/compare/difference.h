@@ -29,5 +29,8 @@ struct TMachineDifference {
   bool IsEmpty() const { return monitors.empty() && controllers.empty(); }
 };
 
+/// Whether both were asked for monitors, or both for controllers. Else no difference can be found.
+bool AreComparable(const TMachineFacts& before, const TMachineFacts& after);
+
 /// Where devices stand in their lists is no difference. What one of the two was not asked for is not compared.
 TMachineDifference Compare(const TMachineFacts& before, const TMachineFacts& after);

@@ -132,11 +132,11 @@ TEST_F(Comparison, FindsMachinesOfFleetsByTheirNamesInAnyOrder) {
 }
 
 TEST_F(Comparison, TellsOfMachinesOfTheSameNameInTheirOrder) {
-  folder.Write("before", R"({"machine": "a", "requests": [], "outputs": []})"
+  folder.Write("before", R"({"machine": "a", "requests": [{"classes": ["QRXSG_DesktopMonitor"]}], "outputs": []})"
                          "\n"
                          R"({"machine": "a", "error": "x"})"
                          "\n");
-  folder.Write("after", R"({"machine": "a", "requests": [], "outputs": []})"
+  folder.Write("after", R"({"machine": "a", "requests": [{"classes": ["QRXSG_DesktopMonitor"]}], "outputs": []})"
                         "\n");
   EXPECT_EQ(Run("before after").output, "a gone\n2 machines: 1 equal, 1 gone.\n");
 }
@@ -158,11 +158,11 @@ TEST_F(Comparison, SaysThatAMachineCouldNotBeAskedAndNotThatItsMonitorsAreGone) 
 }
 
 TEST_F(Comparison, TellsNamesOfFilesApartOnlyWhereLinesHaveNames) {
-  folder.Write("a", R"({"machine": "a", "requests": [], "outputs": []})"
+  folder.Write("a", R"({"machine": "a", "requests": [{"classes": ["QRXSG_DesktopMonitor"]}], "outputs": []})"
                     "\n");
-  folder.Write("b", R"({"machine": "b", "requests": [], "outputs": []})"
+  folder.Write("b", R"({"machine": "b", "requests": [{"classes": ["QRXSG_DesktopMonitor"]}], "outputs": []})"
                     "\n");
-  folder.Write("nameless", R"({"requests": [], "outputs": []})"
+  folder.Write("nameless", R"({"requests": [{"classes": ["QRXSG_DesktopMonitor"]}], "outputs": []})"
                            "\n");
   EXPECT_EQ(Run("a b").output, "b came\na gone\n2 machines: 1 came, 1 gone.\n");
   EXPECT_EQ(Run("a nameless").status, 0);
@@ -219,6 +219,17 @@ TEST_F(Comparison, DoesNotTakeAControllerForGoneWhoseConfigurationMayNotBeRead) 
   EXPECT_EQ(result.errors,
             "displayinfo: 10 of the 10 X server configuration files could not be looked for in "
             "new/root: Permission denied; make it readable, or run as a user who may read it\n");
+}
+
+TEST_F(Comparison, CallsNothingEqualThatWasNotAskedForTheSame) {
+  const std::string ask = kCommand + " --format json --machine old ";
+  RunIn(ask + "QRXSG_DesktopMonitor >monitors 2>/dev/null; " + ask + "QRXSG_VideoHead >heads 2>/dev/null");
+  const std::string message =
+      ": there is nothing to compare, since OLD and NEW were not both asked for QRXSG_DesktopMonitor or "
+      "QRXSG_VideoController; ask both for all classes";
+  ExpectUnusable("monitors heads", "heads" + message);
+  ExpectUnusable("heads heads", "heads" + message);
+  EXPECT_EQ(Run("old monitors").status, 0);
 }
 
 TEST_F(Comparison, GivesUpAMachineThatTakesTooLong) {
