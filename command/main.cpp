@@ -103,7 +103,9 @@ int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   };
   std::vector<std::string> remarks;
   try {
-    remarks = CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
+    remarks = WithinMemory([&] {
+      return CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
+    });
   } catch (const TUnusable&) {
     showMissing();  // it may be the reason
     throw;

@@ -17,6 +17,7 @@
 #include "command/capture/edid_serials.h"
 #include "command/capture/new_target.h"
 #include "command/collection/collection.h"
+#include "command/collection/memory_budget.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
 #include "command/machine/reasons.h"
@@ -42,7 +43,12 @@ std::vector<TRequest> AskForAll() {
   return {all};
 }
 
-TAnswer Ask(const TMachine& machine, const fs::path& plugin) { return Collect(machine, plugin, AskForAll(), {}); }
+/// Throws rather than return an answer that lacks what no memory was left for.
+TAnswer Ask(const TMachine& machine, const fs::path& plugin) {
+  TAnswer answer = Collect(machine, plugin, AskForAll(), {});
+  if (HasMemoryRunOut()) throw TUnusable(kMemoryReason);
+  return answer;
+}
 
 /// The content of the files that were found, by their paths without whatever dots the plug-in asked with.
 std::map<std::string, std::string> ReadFiles(const THostConfiguration& host,

@@ -325,6 +325,14 @@ TEST_F(Command, GivesUpAMachineThatTakesTooMuchMemory) {
   ExpectUnusable(RunTrouble("takes-all-memory"), "needs more than 2 GiB of memory, the most that one machine may take");
 }
 
+TEST_F(Command, CapturesNoMachineThatTakesTooMuchMemory) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
+  machine.File("root/takes-all-memory", "");
+  ExpectUnusable(
+      RunShell(kCommand + " capture --plugin " TROUBLE_PLUGIN_FILE " --machine " + machine.GetPath().string() + " -"),
+      "needs more than 2 GiB of memory, the most that one machine may take");
+}
+
 TEST_F(Command, ServesNoMachineThatDoesNotExist) {
   ExpectUnusable(RunShell("timeout 20 " + kCommand + " serve --port 0 --machine none"),
                  "none: is not a captured machine: No such file or directory; --machine takes a folder or a file that "
