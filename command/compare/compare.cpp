@@ -79,6 +79,7 @@ class TKnownMachines {
       }
     }
     std::vector<std::string> names;
+    names.reserve(left.size());
     for (auto& [number, name] : left) names.push_back(std::move(name));
     return names;
   }

@@ -55,7 +55,7 @@ std::string MakeProgressText(std::size_t done, std::size_t failed, std::optional
   const std::size_t space = columns - 1;
   const std::string count = std::to_string(done) + (total ? " of " + std::to_string(*total) : "");
   const std::string failures = std::to_string(failed) + " failed";
-  const std::string text = count + " machines, " + failures;
+  std::string text = count + " machines, " + failures;
   if (total && text.size() + frame + kMinBar <= space) {
     return MakeBar(done, *total, std::min(kMaxBar, space - frame - text.size())) + text;
   }

@@ -92,15 +92,16 @@ std::optional<std::string> FindReadFile(const TMachine& machine, const std::vect
 
 std::string ExplainConfiguration(const std::string& path, const std::string& text) {
   const TDeviceSections sections = FindDeviceSections(text);
-  const auto cause = std::find_if(std::begin(kConfigurationCauses), std::end(kConfigurationCauses),
-                                  [&](const TConfigurationCause& candidate) { return candidate.applies(sections); });
+  const auto* const cause =
+      std::find_if(std::begin(kConfigurationCauses), std::end(kConfigurationCauses),
+                   [&](const TConfigurationCause& candidate) { return candidate.applies(sections); });
   const std::string sentence = cause->sentence;
   return std::string(sentence).replace(sentence.find('%'), 1, path);
 }
 
 std::string ExplainNoControllers(const TMachine& machine, const std::vector<TFileQuery>& queries) {
   if (queries.empty()) return TReasons().noControllers;
-  const std::string unreadable = ExplainUnreadableFiles(machine, queries);
+  std::string unreadable = ExplainUnreadableFiles(machine, queries);
   if (!unreadable.empty()) return unreadable;
   const std::optional<std::string> path = FindReadFile(machine, queries);
   if (!path) return machine.explainNoXconfig(queries.size());
@@ -116,8 +117,8 @@ std::string ExplainNoMonitors(const TMachine& machine, const std::vector<TOutput
   const bool hasEdid = hasFirst && (outputs.front().facts || machine.damagedEdids.count(0) != 0);
   if (hasEdid && !outputs.front().deviceId) return ExplainUnlisted(outputs.front());
   const TVirtualBiosConfiguration bios = machine.getUnits();
-  const std::string failure = machine.getBiosFailure();
-  const std::string none = ExplainNoMonitor(bios, machine.host.systemType);
+  std::string failure = machine.getBiosFailure();
+  std::string none = ExplainNoMonitor(bios, machine.host.systemType);
   if (machine.host.systemType == kNativeSystem && !failure.empty()) return failure;
   if (!none.empty()) return none;
   const auto unit = bios.units.find(0);

@@ -1,5 +1,7 @@
 #include "command/report/csv_report.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "command/base/text_encoding.h"
@@ -12,10 +14,8 @@ constexpr const char* kLineEnd = "\r\n";
 constexpr std::string_view kFormulaBegins[] = {"=", "+", "-", "@", "\uFF1D", "\uFF0B", "\uFF0D", "\uFF20"};
 
 bool BeginsFormula(std::string_view text) {
-  for (const std::string_view begin : kFormulaBegins) {
-    if (text.substr(0, begin.size()) == begin) return true;
-  }
-  return false;
+  return std::any_of(std::begin(kFormulaBegins), std::end(kFormulaBegins),
+                     [&](std::string_view begin) { return text.substr(0, begin.size()) == begin; });
 }
 
 /// The text with an apostrophe before what could begin a formula: at its front, even after blanks and quotes, and right
@@ -42,7 +42,7 @@ std::string ShowTabs(std::string text) {
 }
 
 std::string MakeCell(const std::string& text) {
-  const std::string content = DisarmFormulas(ShowTabs(ToPrintable(text)));
+  std::string content = DisarmFormulas(ShowTabs(ToPrintable(text)));
   if (content.find_first_of(",;\"") == std::string::npos) return content;
   std::string cell = "\"";
   for (const char character : content) cell.append(character == '"' ? 2 : 1, character);

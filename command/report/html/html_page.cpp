@@ -45,7 +45,7 @@ TMarkup MakeTable(const TMarkup& caption, const TMarkup& names, TMarkup rows) {
   return MakeElement("table", std::move(content));
 }
 
-TMarkup MakeFolded(const std::string& summary, TMarkup content) {
-  return MakeElement("details", MakeElement("summary", summary) + std::move(content)) +
+TMarkup MakeFolded(const std::string& summary, const TMarkup& content) {
+  return MakeElement("details", MakeElement("summary", summary) + content) +
          MakeElement("p", "paper", "Folded: to have this part on paper, open it before printing.");
 }

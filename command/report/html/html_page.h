@@ -23,4 +23,4 @@ TMarkup MakeRowName(TMarkup content, const std::string& title = {});
 TMarkup MakeTable(const TMarkup& caption, const TMarkup& names, TMarkup rows);
 
 /// The content, folded away under the summary. Paper shows it only if it was opened, and says so.
-TMarkup MakeFolded(const std::string& summary, TMarkup content);
+TMarkup MakeFolded(const std::string& summary, const TMarkup& content);

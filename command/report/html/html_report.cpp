@@ -114,7 +114,7 @@ class TRequestSection {
     TMarkup content = MakeInstances(m_anchors, m_number, m_view, m_level + 1);
     if (content.IsEmpty()) return content;
     return MakeHeading(m_level, "Instances") +
-           MakeFolded(Count(m_request.instances.size(), "instance") + " as CIM has them", std::move(content));
+           MakeFolded(Count(m_request.instances.size(), "instance") + " as CIM has them", content);
   }
 
   std::string GetCardId() const { return "request" + std::to_string(m_number + 1) + "-monitor-"; }
