@@ -13,7 +13,7 @@ constexpr std::size_t kMaxColumns = 200;
 constexpr std::size_t kMaxTexts = 16;
 
 void Shorten(std::string& text) {
-  if (CountColumns(text) > kMaxColumns) text = text.substr(0, GetLength(text, kMaxColumns - 1)) + "\u2026";
+  if (CountColumns(text) > kMaxColumns) text.replace(GetLength(text, kMaxColumns - 1), std::string::npos, "\u2026");
 }
 
 void Shorten(std::vector<std::string>& texts) {
