@@ -158,7 +158,6 @@ TMachine MakeMachine(TMachineDocument document) {
   machine.host = std::move(document.host);
   machine.bios = std::make_shared<TVirtualVideoBios>(document.bios);
   machine.getUnits = [bios = std::move(document.bios)] { return bios; };
-  machine.getBiosFailure = [] { return std::string(); };
   machine.connectors = std::move(document.connectors);
   machine.collected = std::move(document.collected);
   machine.damagedEdids = std::move(document.damagedEdids);

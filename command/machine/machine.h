@@ -23,7 +23,7 @@ struct TMachine {
   THostConfiguration host;
   std::shared_ptr<IVideoBios> bios;
   /// Why the BIOS could not be called, asked after a collection; empty when it could, or was not needed.
-  std::function<std::string()> getBiosFailure;
+  std::function<std::string()> getBiosFailure = [] { return std::string(); };
   TEdidOrigin edidOrigin;
   /// The output that the EDID of a unit was read from, such as "card0-DP-1", where that is known. An output without an
   /// EDID is named too.

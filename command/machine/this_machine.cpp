@@ -107,7 +107,6 @@ void UseDrm(TMachine& machine, const TKernel& kernel) {
   }
   machine.bios = std::make_shared<TVirtualVideoBios>(bios);
   machine.getUnits = [bios = std::move(bios)] { return bios; };
-  machine.getBiosFailure = [] { return std::string(); };
   const std::string folder = kernel.folders.cards.string();
   machine.edidOrigin.none = ExplainNoEdid(kernel);
   machine.edidOrigin.describe = [connectors = machine.connectors, folder](std::size_t asked) {
