@@ -231,6 +231,12 @@ std::size_t CountColumns(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
 }
 
+std::string ShortenForMessage(const std::string& text, std::size_t columns) {
+  const std::string printable = ToPrintable(text);
+  const std::size_t length = GetLength(printable, columns);
+  return length == printable.size() ? printable : printable.substr(0, length) + "...";
+}
+
 std::size_t GetLength(std::string_view text, std::size_t columns) {
   std::size_t length = 0;
   for (; length < text.size(); ++length) {

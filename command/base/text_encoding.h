@@ -35,6 +35,9 @@ std::string QuoteMof(const std::string& text);
 /// well-formed XML as well.
 std::string EscapeHtml(const std::string& text);
 
+/// Part of a message that a stranger wrote, as printable text: its first columns, and "..." where it has more.
+std::string ShortenForMessage(const std::string& text, std::size_t columns);
+
 /// Columns that valid UTF-8 takes: its characters, not its bytes.
 std::size_t CountColumns(std::string_view text);
 

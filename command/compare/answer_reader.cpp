@@ -18,13 +18,6 @@ constexpr std::size_t kMaxShown = 100;   // characters of a key in a message
 constexpr std::size_t kMaxReason = 300;  // characters of what the parser says
 constexpr const char* kCure = "; compare takes captured machines, and what --format json or --machines has written";
 
-/// Part of a message that a stranger wrote.
-std::string Shorten(const std::string& text, std::size_t columns) {
-  const std::string printable = ToPrintable(text);
-  const std::size_t length = GetLength(printable, columns);
-  return length == printable.size() ? printable : printable.substr(0, length) + "...";
-}
-
 /// The date and time: the same week of manufacture has the time zone of whoever collected it.
 std::string RemoveTimeZone(const std::string& datetime) {
   constexpr std::size_t length = 21;  // of yyyymmddhhmmss.mmmmmm
@@ -70,7 +63,7 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
     // The parser's text begins with its own error number, in brackets.
     const std::string text = error.what();
     const std::string reason = text.substr(std::min(text.find("] ") + 2, text.size()));
-    throw TUnusable(m_place + ": is not JSON: " + Shorten(reason, kMaxReason) + kCure);
+    throw TUnusable(m_place + ": is not JSON: " + ShortenForMessage(reason, kMaxReason) + kCure);
   }
 
  private:
@@ -206,7 +199,7 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
   std::string GetWay() const {
     std::string way;
     for (const TFrame& frame : m_frames) {
-      if (!frame.key.empty()) way += (way.empty() ? "" : ".") + Shorten(frame.key, kMaxShown);
+      if (!frame.key.empty()) way += (way.empty() ? "" : ".") + ShortenForMessage(frame.key, kMaxShown);
     }
     return way.empty() ? "the document" : '"' + way + '"';
   }

@@ -35,7 +35,7 @@ std::string Ask(const std::string& name, const std::function<TMachine()>& read, 
   TRequest all;
   for (const TClassDeclaration& declaration : GetSchema()) all.emplace_back(declaration.name);
   OnThrowingPlugin([](const std::string& reason) {
-    std::cerr << "displayinfo: " << ToMessage(reason) << std::endl;
+    std::cerr << "displayinfo: " << ToMessage(reason) << '\n';
     std::_Exit(kUnusable);
   });
   const TTimeLimit limit(options.timeout,

@@ -24,18 +24,11 @@ constexpr std::size_t kMaxShown = 100;   // characters of a key in a message
 constexpr std::size_t kMaxReason = 300;  // characters of what the parser says
 constexpr const char* kVersionKey = "captured";
 
-/// Part of a message that a stranger wrote. A zero byte would end the message.
-std::string Shorten(const std::string& text, std::size_t columns) {
-  const std::string valid = ToPrintable(text);
-  const std::size_t length = GetLength(valid, columns);
-  return length == valid.size() ? valid : valid.substr(0, length) + "...";
-}
-
 [[noreturn]] void FailToParse(const std::string& name, const json::exception& error) {
   // The parser's text begins with its own error number, in brackets.
   const std::string text = error.what();
   const std::string reason = text.substr(std::min(text.find("] ") + 2, text.size()));
-  throw TUnusable(name + ": is not JSON: " + Shorten(reason, kMaxReason));
+  throw TUnusable(name + ": is not JSON: " + ShortenForMessage(reason, kMaxReason));
 }
 
 /// The parser would take a zero byte for the end, and ignore what follows it.
@@ -129,8 +122,8 @@ class TDocumentWalk : public nlohmann::json_sax<json> {
     if (m_objects.empty()) return "the document";
     std::string way;
     for (std::size_t depth = 1; depth < m_objects.size(); ++depth)
-      way += Shorten(m_objects[depth].key, kMaxShown) + ".";
-    return "\"" + way + Shorten(m_key, kMaxShown) + "\"";
+      way += ShortenForMessage(m_objects[depth].key, kMaxShown) + ".";
+    return "\"" + way + ShortenForMessage(m_key, kMaxShown) + "\"";
   }
 
   static std::string ListNames(const TTable& table) {
