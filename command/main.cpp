@@ -84,6 +84,13 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
 
 ELogPart GetLogPart(const TOptions& options) { return options.hasLog ? ELogPart::kKept : ELogPart::kLeftOut; }
 
+/// While it lives, the machine may take no longer. `captured`: which machine; none: this one.
+std::optional<TTimeLimit> LimitTime(std::chrono::seconds timeout, const std::optional<std::string>& captured) {
+  const std::string name = captured ? ToMessage(*captured) + ":" : "this machine";
+  return std::optional<TTimeLimit>(std::in_place, timeout,
+                                   "displayinfo: " + name + " " + DescribeTimeout(timeout) + "\n");
+}
+
 /// What to do with what was captured.
 std::string DescribeCapture(const TCaptureOptions& capture) {
   const std::string asked = capture.machine ? *capture.machine : "this machine";
@@ -95,6 +102,7 @@ std::string DescribeCapture(const TCaptureOptions& capture) {
 
 int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   if (capture.machine) DropPrivileges(true);
+  std::optional<TTimeLimit> limit = LimitTime(options.timeout, capture.machine);
   const TMachine machine = capture.machine ? ReadCapturedMachine(*capture.machine)
                                            : MakeThisMachine(options.edidSource, options.xconfigSource);
   const auto showMissing = [&] {
@@ -104,7 +112,8 @@ int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   std::vector<std::string> remarks;
   try {
     remarks = WithinMemory([&] {
-      return CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous);
+      return CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous,
+                            [&limit] { limit.reset(); });
     });
   } catch (const TUnusable&) {
     showMissing();  // it may be the reason
@@ -231,9 +240,8 @@ std::string Answer(const TOptions& options) {
 
 int Run(const TOptions& options) {
   if (!options.machines.empty()) DropPrivileges(true);  // captured machines only have to be read
-  const std::string name = options.machines.empty() ? "this machine" : ToMessage(options.machines.front()) + ":";
-  std::optional<TTimeLimit> limit(std::in_place, options.timeout,
-                                  "displayinfo: " + name + " " + DescribeTimeout(options.timeout) + "\n");
+  std::optional<TTimeLimit> limit =
+      LimitTime(options.timeout, options.machines.empty() ? std::nullopt : std::optional(options.machines.front()));
   const std::string report = WithinMemory([&] { return Answer(options); });
   limit.reset();  // the reader of the answer may take its time
   WriteStandardOutput(report);

@@ -243,6 +243,7 @@ void AddCapture(CLI::App& app, TCaptureOptions& capture, TOptions& options) {
             "auto (default)|file|kernel: its X configuration")
       ->option_text("SOURCE")
       ->excludes(machine);
+  AddTimeout(*subcommand, options, "How long asking it may take (default: 60)");
   AddPlugin(*subcommand, options.plugin);
 }
 

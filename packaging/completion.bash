@@ -26,7 +26,7 @@ _displayinfo() {
     --jobs | --timeout | --port | --listen | --max-age) words='' ;;
     *)
       case $subcommand in
-        capture) files=yes words="--machine --anonymous $sources --plugin --help" ;;
+        capture) files=yes words="--machine --anonymous $sources --timeout --plugin --help" ;;
         compare) files=yes words='--format --timeout --plugin --help' ;;
         schema) words='--format --help' ;;
         serve) words="--port --listen --machine $sources --max-age --timeout --plugin --help" ;;

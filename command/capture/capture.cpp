@@ -188,7 +188,7 @@ void RequireContent(const TMachineDocument& machine) {
 }  // namespace
 
 std::vector<std::string> CaptureMachine(TMachine machine, const fs::path& plugin, const fs::path& target,
-                                        bool isAnonymous) {
+                                        bool isAnonymous, const std::function<void()>& beforeWriting) {
   RequireTarget(target);
   machine.damagedEdids.clear();  // they are not written, so the capture knows nothing of them
   TAnswer answer = Ask(machine, plugin);
@@ -208,9 +208,11 @@ std::vector<std::string> CaptureMachine(TMachine machine, const fs::path& plugin
   if (target == kStandardOutput) {
     const std::string text = MakeDocument(document, "standard output");
     RequireAnswer(ReadCapturedText(text, "standard output"), answer, plugin);
+    beforeWriting();
     WriteStandardOutput(text);
     return remarks;
   }
+  beforeWriting();
   const auto requireAnswer = [&] { RequireAnswer(ReadCapturedMachine(target), answer, plugin); };
   if (target.extension() == kDocumentEnding) {
     WriteDocument(document, target, requireAnswer);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,10 @@
 /// `isAnonymous`: puts fillers in the place of the serial numbers in the EDIDs, and of the system's name. The files
 /// stay as they are. The answer must then be that of the machine but for these; else it throws TUnusable.
 ///
+/// `beforeWriting` is called once the machine has been asked and before anything is written: a limit of time that ends
+/// the process is to end there, since it would leave a capture in part.
+///
 /// Returns remarks for people: what was replaced, and which files still hold some of it.
 std::vector<std::string> CaptureMachine(TMachine machine, const std::filesystem::path& plugin,
-                                        const std::filesystem::path& target, bool isAnonymous);
+                                        const std::filesystem::path& target, bool isAnonymous,
+                                        const std::function<void()>& beforeWriting = [] {});

@@ -325,6 +325,16 @@ TEST_F(Command, GivesUpAMachineThatTakesTooMuchMemory) {
   ExpectUnusable(RunTrouble("takes-all-memory"), "needs more than 2 GiB of memory, the most that one machine may take");
 }
 
+TEST_F(Command, CapturesNoMachineThatTakesTooLong) {
+  machine.File("root/never-returns", "");
+  const TTemporaryFolder folder;
+  const std::string target = (folder.GetPath() / "ws-17").string();
+  ExpectUnusable(RunShell(kCommand + " capture --timeout 1 --plugin " TROUBLE_PLUGIN_FILE " --machine " +
+                          machine.GetPath().string() + " " + target),
+                 machine.GetPath().string() + ": took longer than 1 s; --timeout SECONDS gives it longer");
+  EXPECT_FALSE(std::filesystem::exists(target));
+}
+
 TEST_F(Command, CapturesNoMachineThatTakesTooMuchMemory) {
   if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
   machine.File("root/takes-all-memory", "");

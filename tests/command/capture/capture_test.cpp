@@ -156,6 +156,17 @@ TEST_F(Capture, NamesTheSystem) {
   EXPECT_EQ(json::parse(Read("machine.json"))["systemName"], "ws-17");
 }
 
+TEST_F(Capture, TellsOnceThatTheMachineHasBeenAskedBeforeItWritesAnything) {
+  for (const fs::path& path : {target, document}) {
+    int told = 0;
+    CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, path, false, [&] {
+      ++told;
+      EXPECT_FALSE(fs::exists(path));
+    });
+    EXPECT_EQ(told, 1) << path;
+  }
+}
+
 TEST_F(Capture, HasFillersForSerialNumbersAndNameWhenItIsAnonymous) {
   live.Json(R"({"systemName": "ws-17"})").Edid(0, TEdidBuilder().Serial(3, "A190-004711").Byte(12, 7).Build());
   const std::vector<std::string> remarks =
