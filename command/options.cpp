@@ -87,9 +87,21 @@ void AddPlugin(CLI::App& app, std::optional<std::filesystem::path>& plugin) {
 }
 
 void CheckClass(const std::string& name) {
-  const std::vector<std::string> names = GetClassNames();
-  if (std::find(names.begin(), names.end(), name) != names.end()) return;
-  throw CLI::ValidationError("\"" + name + "\" is not a class; the classes are " + CLI::detail::join(names, ", "));
+  if (FindClass(name) != nullptr) return;
+  throw CLI::ValidationError("\"" + name + "\" is not a class; the classes are " +
+                             CLI::detail::join(GetClassNames(), ", "));
+}
+
+/// A word that belongs to no option: a class, or a subcommand that is not spelt right.
+void CheckWord(const std::string& word, const CLI::App& app) {
+  if (FindClass(word) != nullptr) return;
+  std::vector<std::string> subcommands;
+  for (const CLI::App* const subcommand : app.get_subcommands([](const CLI::App*) { return true; })) {
+    subcommands.push_back(subcommand->get_name());
+  }
+  throw CLI::ValidationError("\"" + word + "\" is neither a class nor a subcommand; the classes are " +
+                             CLI::detail::join(GetClassNames(), ", ") + "; the subcommands are " +
+                             CLI::detail::join(subcommands, ", "));
 }
 
 TRequest SplitRequest(const std::string& text) {
@@ -99,7 +111,6 @@ TRequest SplitRequest(const std::string& text) {
 }
 
 std::vector<TRequest> MakeRequests(const TRequest& classes, const std::vector<std::string>& requests) {
-  std::for_each(classes.begin(), classes.end(), CheckClass);
   if (!classes.empty()) return {classes};
   if (requests.empty()) return {GetClassNames()};
   std::vector<TRequest> split;
@@ -333,6 +344,7 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
 
   try {
     app.parse(argumentCount, arguments);
+    for (const std::string& word : classes) CheckWord(word, app);
     options.requests = MakeRequests(classes, requests);
     CheckFleet(options, app);
     CheckSubcommand(app);

@@ -178,8 +178,14 @@ TEST_F(Command, DoesNotObeyWhatAMonitorIsCalled) {
   EXPECT_THAT(Run("QRXSG_DesktopMonitor").output, HasSubstr("\\x1b[31mred"));
 }
 
+TEST_F(Command, AnswersAnUnknownWordWithAllThatItMayHaveMeant) {
+  for (const std::string word : {"QRXSG_Desktopmonitor", "captur"}) {
+    ExpectWrongUsage(word, "\"" + word + "\" is neither a class nor a subcommand; the classes are " + kClassNames +
+                               "; the subcommands are schema, capture, compare, serve");
+  }
+}
+
 TEST_F(Command, AnswersAnUnknownClassWithTheSixNames) {
-  ExpectWrongUsage("QRXSG_Desktopmonitor", "\"QRXSG_Desktopmonitor\" is not a class; the classes are " + kClassNames);
   ExpectWrongUsage("--request QRXSG_VideoHead,X", "\"X\" is not a class; the classes are " + kClassNames);
   ExpectWrongUsage("--request ''", "\"\" is not a class; the classes are " + kClassNames);
 }
