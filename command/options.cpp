@@ -230,6 +230,19 @@ std::string GetHelpCommand(const CLI::App& app) {
   return "displayinfo " + (subcommands.empty() ? "" : subcommands.front()->get_name() + " ") + "--help";
 }
 
+/// The library calls a missing value "--machine: 1 required TEXT missing".
+std::string Explain(const CLI::ParseError& error, const CLI::App& app) {
+  const std::string text = error.what();
+  const std::vector<CLI::App*> subcommands = app.get_subcommands();
+  const CLI::App& owner = subcommands.empty() ? app : *subcommands.front();
+  const std::string name = text.substr(0, text.find(':'));
+  const CLI::Option* const option = owner.get_option_no_throw(name);
+  if (error.get_name() != "ArgumentMismatch" || text.find(" missing") == std::string::npos || option == nullptr) {
+    return text;
+  }
+  return name + " has no value; write " + name + " " + option->get_option_text();
+}
+
 void AddTimeout(CLI::App& app, TOptions& options, const char* meaning) {
   app.add_option_function<int>(
          "--timeout", [&options](int seconds) { options.timeout = std::chrono::seconds(seconds); }, meaning)
@@ -363,7 +376,8 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
     line.exitStatus = app.exit(done, text, text);
     WriteStandardOutput(text.str());
   } catch (const CLI::ParseError& error) {
-    std::cerr << "displayinfo: " << ToMessage(error.what()) << " (" << GetHelpCommand(app) << " shows the usage)\n";
+    std::cerr << "displayinfo: " << ToMessage(Explain(error, app)) << " (" << GetHelpCommand(app)
+              << " shows the usage)\n";
     line.exitStatus = kWrongUsage;
   }
   return line;

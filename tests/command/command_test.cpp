@@ -195,7 +195,6 @@ TEST_F(Command, ExplainsWrongUsageInOneLine) {
   ExpectWrongUsage("--format yaml", "--format: yaml not in {text,json,rows,csv,mof,html}");
   ExpectWrongUsage("--log-level loud", "--log-level: loud not in {error,warning,status,debug,verbose}");
   ExpectWrongUsage("--edid-source nvram", "--edid-source: nvram not in {auto,bios,drm}");
-  ExpectWrongUsage("--machine", "--machine: 1 required TEXT missing");
   ExpectWrongUsage("--request QRXSG_VideoHead QRXSG_VideoHead", "CLASS excludes --request");
   ExpectWrongUsage("--edid-source bios --machine x", "--machine excludes --edid-source");
   ExpectWrongUsage("--edid-source bios --machines x", "--machines excludes --edid-source");
@@ -229,6 +228,16 @@ TEST_F(Command, ExplainsWrongUsageInOneLine) {
                    "the page of several machines is made from all classes; leave CLASS and --request out");
   ExpectWrongUsage("--no-log", "--no-log is for --format json; the page keeps its log, and no other format has one");
   ExpectWrongUsage("schema capture x", "The following arguments were not expected: x capture", "schema ");
+}
+
+TEST_F(Command, SaysWhatToWriteWhereAValueIsMissing) {
+  ExpectWrongUsage("--machine", "--machine has no value; write --machine PATH");
+  ExpectWrongUsage("--machine a --machine", "--machine has no value; write --machine PATH");
+  ExpectWrongUsage("--machines=", "--machines has no value; write --machines LIST");
+  ExpectWrongUsage("--timeout", "--timeout has no value; write --timeout SECONDS");
+  ExpectWrongUsage("--edid-source", "--edid-source has no value; write --edid-source auto|bios|drm");
+  ExpectWrongUsage("--request", "--request has no value; write --request CLASS[,CLASS...]");
+  ExpectWrongUsage("compare a b --format", "--format has no value; write --format text|json", "compare ");
 }
 
 TEST_F(Command, DoesNotObeyWhatIsWrongInItsUsage) {
