@@ -32,6 +32,7 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
   TReadAnswer Read(const std::string& text) {
     // The parser would take a zero byte for the end, and ignore what follows it.
     if (text.find('\0') != std::string::npos) throw TUnusable(m_place + ": is not JSON: it has a zero byte");
+    m_isLine = text.find('\n') == std::string::npos;
     json::sax_parse(text, this);
     if (!m_answer.isCapturedMachine) RequireAnswer();
     return std::move(m_answer);
@@ -62,7 +63,10 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
   bool parse_error(std::size_t, const std::string&, const json::exception& error) override {
     // The parser's text begins with its own error number, in brackets.
     const std::string text = error.what();
-    const std::string reason = text.substr(std::min(text.find("] ") + 2, text.size()));
+    std::string reason = text.substr(std::min(text.find("] ") + 2, text.size()));
+    const std::string firstLine = "line 1, ";
+    const std::size_t found = reason.find(firstLine);
+    if (m_isLine && found != std::string::npos) reason.erase(found, firstLine.size());
     throw TUnusable(m_place + ": is not JSON: " + ShortenForMessage(reason, kMaxReason) + kCure);
   }
 
@@ -253,6 +257,7 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
   }
 
   const std::string m_place;
+  bool m_isLine = false;  // of a file: the place says which
   std::vector<TFrame> m_frames;
   std::set<std::string> m_keys;  // of the document, once it is read
   TReadAnswer m_answer;

@@ -78,12 +78,19 @@ TEST(AnswerReader, KnowsACapturedMachineByItsKeyAndReadsNoFurther) {
 }
 
 TEST(AnswerReader, SaysWhatIsNoJson) {
-  ExpectUnusable("{]",
-                 "is not JSON: parse error at line 1, column 2: syntax error while parsing object key - unexpected "
+  ExpectUnusable("{\n]",
+                 "is not JSON: parse error at line 2, column 1: syntax error while parsing object key - unexpected "
                  "']'; expected string literal" +
                      kCure);
   ExpectUnusable(std::string("{}\0", 3), "is not JSON: it has a zero byte");
   ExpectUnusable(WithProperty(R"({"value": 1e999})"), "is not JSON: number overflow parsing '1e999'" + kCure);
+}
+
+TEST(AnswerReader, LeavesItToThePlaceOfALineWhichLineItIs) {
+  ExpectUnusable("{]",
+                 "is not JSON: parse error at column 2: syntax error while parsing object key - unexpected ']'; "
+                 "expected string literal" +
+                     kCure);
 }
 
 TEST(AnswerReader, RefusesWhatIsNoAnswer) {

@@ -185,7 +185,7 @@ TEST_F(Comparison, CannotCompareWhatItCannotRead) {
   ExpectUnusable("old empty", "empty: is empty, so there is nothing to compare");
   ExpectUnusable("rows old", "rows, line 1: has no \"requests\", so it is no answer" + kComparable);
   ExpectUnusable("lines old",
-                 "lines, line 2: is not JSON: parse error at line 1, column 16: syntax error while parsing object - "
+                 "lines, line 2: is not JSON: parse error at column 16: syntax error while parsing object - "
                  "unexpected end of input; expected '}'" +
                      kComparable);
   ExpectUnusable("old nameless", "nameless, line 1: names no \"machine\", which each of several lines does");
