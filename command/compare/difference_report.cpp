@@ -1,5 +1,7 @@
 #include "command/compare/difference_report.h"
 
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "command/base/base64.h"
@@ -53,9 +55,28 @@ std::string CountChangedBytes(const TChange& change) {
   return std::to_string(count) + " of " + std::to_string(before.size()) + " bytes differ";
 }
 
+std::string MakeLine(const std::string& name, const std::string& text) { return "    " + name + ": " + text + "\n"; }
+
+/// The modes that only one of the two lists has: most of a monitor's modes stay when some change.
+std::string MakeModesText(const TChange& change) {
+  typedef std::vector<std::string> TModes;
+  const auto read = [](const std::optional<std::string>& modes) {
+    return json::parse(modes.value_or("[]")).get<TModes>();
+  };
+  const auto listMissing = [](const char* name, const TModes& modes, const TModes& others) {
+    TModes missing;
+    std::set_difference(modes.begin(), modes.end(), others.begin(), others.end(), std::back_inserter(missing));
+    return missing.empty() ? "" : MakeLine(name, GetText(json(missing)));
+  };
+  const TModes before = read(change.before);
+  const TModes after = read(change.after);
+  return listMissing("Modes came", after, before) + listMissing("Modes gone", before, after);
+}
+
 std::string MakeChangeText(const TChange& change) {
-  if (change.name == kEdidFact) return "EDID: " + CountChangedBytes(change);
-  return ToPrintable(change.name) + ": " + GetText(change.before) + " -> " + GetText(change.after);
+  if (change.name == kModesFact) return MakeModesText(change);
+  if (change.name == kEdidFact) return MakeLine(change.name, CountChangedBytes(change));
+  return MakeLine(ToPrintable(change.name), GetText(change.before) + " -> " + GetText(change.after));
 }
 
 /// "Acme A190 (ACM, product 0, serial A190-004711, card0-DP-1)".
@@ -83,7 +104,7 @@ std::string MakeDevicesText(const char* kind, const std::vector<TDeviceDifferenc
   std::string text;
   for (const TDeviceDifference& device : devices) {
     text += "  " + std::string(kind) + " " + GetName(device.state) + ": " + describe(device.description) + "\n";
-    for (const TChange& change : device.changes) text += "    " + MakeChangeText(change) + "\n";
+    for (const TChange& change : device.changes) text += MakeChangeText(change);
   }
   return text;
 }

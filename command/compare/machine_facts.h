@@ -34,7 +34,7 @@ struct TMachineFacts {
 
 // Facts that are no properties.
 constexpr const char* kEdidFact = "EDID";      // in base64
-constexpr const char* kModesFact = "Modes";    // what QRXSG_MonitorResolution says of a monitor
+constexpr const char* kModesFact = "Modes";    // what QRXSG_MonitorResolution says of a monitor, sorted
 constexpr const char* kListedFact = "Listed";  // whether the plug-in reports the monitor
 constexpr const char* kHeadsFact = "Heads";    // the names of a controller's heads
 constexpr const char* kHeadPrefix = "Head ";   // before the name of a head, a colon, a blank and a property

@@ -15,6 +15,11 @@ namespace {
 
 const std::string kCommand = COMMAND_FILE;
 
+/// The EDID of a monitor with these established timings.
+std::vector<std::uint8_t> MakeFlat(unsigned int timings) {
+  return TEdidBuilder().Manufacturer("ACM").Name(0, "Flat").Serial(1, "S3").Established(timings, 0).Build();
+}
+
 /// A configuration of one card whose screen is that many lines high.
 std::string MakeConfiguration(const std::string& board, const std::string& mode) {
   return "Section \"Device\"\n  Identifier \"Card0\"\n  BoardName \"" + board +
@@ -56,17 +61,33 @@ const std::string kComparable = "; compare takes captured machines, and what --f
 }  // namespace
 
 TEST_F(Comparison, TellsPeopleWhatIsDifferent) {
-  MakeMachine("new", {{"edid/0.bin", MakeEdid("Wide", "S2")}, {"edid/1.bin", MakeEdid("Tube", "", 7)}}, "Card 2");
+  MakeMachine("old", {{"edid/2.bin", MakeFlat(0x21)}});
+  MakeMachine(
+      "new",
+      {{"edid/0.bin", MakeEdid("Wide", "S2")}, {"edid/1.bin", MakeFlat(0x24)}, {"edid/2.bin", MakeEdid("Tube", "", 7)}},
+      "Card 2");
   const TProcessResult result = Run("old new");
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "");
   EXPECT_EQ(result.output,
             "new\n"
-            "  Monitor came: Tube (ACM, product 0, serial 7, Monitor 2)\n"
+            "  Monitor changed: Flat (ACM, product 0, serial S3, Monitor 2)\n"
+            "    EDID: 2 of 128 bytes differ\n"
+            "    Modes came: 640x480@75Hz\n"
+            "    Modes gone: 800x600@60Hz\n"
+            "  Monitor came: Tube (ACM, product 0, serial 7, Monitor 3)\n"
             "  Monitor gone: A190 (ACM, product 0, serial S1, Monitor 1)\n"
             "  Controller changed: Card 2 (PCI:1:0:0)\n"
             "    Name: Card -> Card 2\n"
             "1 machine: 1 changed.\n");
+}
+
+TEST_F(Comparison, TellsProgramsAllModesThatThereWereAndAre) {
+  MakeMachine("old", {{"edid/0.bin", MakeFlat(0x21)}});
+  MakeMachine("new", {{"edid/0.bin", MakeFlat(0x24)}});
+  const json changes = json::parse(Run("old new --format json").output)["machines"][0]["monitors"][0]["changes"];
+  EXPECT_EQ(changes[1], json::parse(R"({"property": "Modes", "old": ["640x480@60Hz", "800x600@60Hz"],
+                                        "new": ["640x480@60Hz", "640x480@75Hz"]})"));
 }
 
 TEST_F(Comparison, TellsProgramsWhatIsDifferent) {
