@@ -122,17 +122,33 @@ bool IsOf(const std::string& className, EPart part) {
   return declaration != nullptr && declaration->part == part;
 }
 
-/// Of the classes without instances.
+/// "A or B".
+std::string JoinWithOr(const TSentences& names) {
+  std::string joined;
+  for (const std::string& name : names) joined += (joined.empty() ? "" : " or ") + name;
+  return joined;
+}
+
+/// Of the classes without instances; those of one cause are named together.
 void AddCauses(const TAnswer& answer, const TRequestAnswer& request, EPart part, TSentences& sentences) {
   const bool isPartEmpty = !HasInstances(request, part);
-  const TSentences known = sentences;
+  std::vector<std::pair<std::string, TSentences>> causes;  // with the names of their classes
   for (std::size_t position = 0; position < request.classes.size(); ++position) {
     const std::string& name = request.classes[position];
     const auto isOfIt = [&](const auto& instance) { return instance->GetDeclaration().name == name; };
     if (!IsOf(name, part) || std::any_of(request.instances.begin(), request.instances.end(), isOfIt)) continue;
-    const std::string cause = Explain(answer, FindCause(name), TModelBefore(answer, request, position));
-    const bool isKnown = std::find(known.begin(), known.end(), ToPrintable(cause)) != known.end();
-    if (!isKnown) Add(sentences, isPartEmpty ? cause : "No " + name + ": " + cause);
+    const std::string cause = ToPrintable(Explain(answer, FindCause(name), TModelBefore(answer, request, position)));
+    if (std::find(sentences.begin(), sentences.end(), cause) != sentences.end()) continue;
+    const auto known =
+        std::find_if(causes.begin(), causes.end(), [&](const auto& other) { return other.first == cause; });
+    if (known == causes.end()) {
+      causes.push_back({cause, {name}});
+    } else {
+      Add(known->second, name);
+    }
+  }
+  for (const auto& [cause, names] : causes) {
+    Add(sentences, isPartEmpty ? cause : "No " + JoinWithOr(names) + ": " + cause);
   }
 }
 

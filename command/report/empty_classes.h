@@ -10,7 +10,7 @@
 /// A sentence for each cause, as printable text without its full stop: why the request has no instances of classes of
 /// that part, which outputs are not among the monitors, and which values of the configuration the plug-in could not
 /// use. When the request has no instance of the part at all, the first sentence is the cause of that; else a sentence
-/// about a class names it. `request`: one of the answer's.
+/// about classes names them. `request`: one of the answer's.
 std::vector<std::string> ExplainGaps(const TAnswer& answer, const TRequestAnswer& request, EPart part);
 
 /// True when the request has an instance of that part.

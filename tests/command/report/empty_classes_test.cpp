@@ -36,7 +36,15 @@ TEST_F(EmptyClasses, OfThePartThatWasNotAskedForHaveNone) {
 TEST_F(EmptyClasses, AreNamedWhereOthersOfTheirPartHaveInstances) {
   Commit("QRXSG_DesktopMonitor", {});
   EXPECT_THAT(Explain({"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution", "QRXSG_MonitorSetting"}, EPart::kMonitors),
-              ElementsAre("No QRXSG_MonitorResolution: no timing", "No QRXSG_MonitorSetting: no timing"));
+              ElementsAre("No QRXSG_MonitorResolution or QRXSG_MonitorSetting: no timing"));
+}
+
+TEST_F(EmptyClasses, OfOneCauseAreEachNamedOnce) {
+  Commit("QRXSG_VideoHead", {});
+  EXPECT_THAT(
+      Explain({"QRXSG_VideoController", "QRXSG_VideoHead", "QRXSG_VideoController", "QRXSG_HeadOfVideoController"},
+              EPart::kVideo),
+      ElementsAre("No QRXSG_VideoController or QRXSG_HeadOfVideoController: no file"));
 }
 
 TEST_F(EmptyClasses, OfLinksMissWhatWasNotAskedForBeforeThem) {
