@@ -82,7 +82,10 @@ const TColumn kColumns[] = {
     {"Diagonal in inches", [](TMachineRef, TMonitorRef monitor) { return monitor.diagonal; }},
     {"Preferred mode", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.preferredMode; }},
     {"Input", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.input; }},
-    {"Problems", [](TMachineRef machine, TMonitorRef) { return JoinWithSemicolons(machine.problems); }},
+    {"Problems",
+     [](TMachineRef machine, TMonitorRef) {
+       return machine.problems.empty() ? machine.noMonitors : JoinWithSemicolons(machine.problems);
+     }},
 };
 
 template <typename TText>

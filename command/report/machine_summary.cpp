@@ -111,9 +111,11 @@ TMachineSummary Summarize(const std::string& machine, const TAnswer& answer, con
     if (output.deviceId) summary.monitors.push_back(SummarizeMonitor(output, views, makers));
   }
   summary.problems = ListProblems(answer);
+  if (summary.monitors.empty() && summary.problems.empty()) summary.noMonitors = ToPrintable(answer.reasons.noMonitors);
   Shorten(summary.systemName);
   Shorten(summary.controllers);
   Shorten(summary.problems);
+  Shorten(summary.noMonitors);
   return summary;
 }
 

@@ -27,6 +27,7 @@ struct TMachineSummary {
   std::vector<std::string> controllers;
   std::vector<TMonitorSummary> monitors;
   std::vector<std::string> problems;  // a sentence each, without a full stop
+  std::string noMonitors;             // why it has none, where no problem says it
 };
 
 /// Problems are outputs that the plug-in does not report, EDIDs with wrong checksums, and monitors that nothing tells

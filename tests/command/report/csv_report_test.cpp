@@ -68,8 +68,10 @@ TEST_F(CsvReport, RepeatsTheMachineInTheRowOfEachMonitor) {
             "ws-17,,,,Monitor 2,,,,,,,,,,,,,a problem\r\n");
 }
 
-TEST_F(CsvReport, HasOneRowForAMachineWithoutMonitors) {
-  EXPECT_EQ(MakeCsvRows(MakeMachine("ws-17")), "ws-17,,,,,,,,,,,,,,,,,\r\n");
+TEST_F(CsvReport, SaysInTheOneRowOfAMachineWithoutMonitorsWhyItHasNone) {
+  TMachineSummary machine = MakeMachine("ws-17");
+  machine.noMonitors = "no EDID was found";
+  EXPECT_EQ(MakeCsvRows(machine), "ws-17,,,,,,,,,,,,,,,,,no EDID was found\r\n");
 }
 
 TEST_F(CsvReport, HasOneRowForAMachineThatCouldNotBeAsked) {

@@ -81,6 +81,17 @@ TEST_F(MachineSummary, HasAsAProblemAnOutputThatIsNotReported) {
   EXPECT_THAT(Make().problems, ElementsAre("card0-DP-1 (unit 0) is not listed: its EDID is missing"));
 }
 
+TEST_F(MachineSummary, SaysWhyThereIsNoMonitorWhereNoProblemDoes) {
+  answer.reasons.noMonitors = "no EDID\n";
+  EXPECT_EQ(Make().noMonitors, "no EDID\\x0a");
+  EXPECT_THAT(Make().problems, IsEmpty());
+  answer.outputs.push_back({0, "", std::nullopt, "its EDID is missing", std::nullopt, {}});
+  EXPECT_EQ(Make().noMonitors, "");
+  answer.outputs.clear();
+  AddMonitor(TEdidBuilder().Build());
+  EXPECT_EQ(Make().noMonitors, "");
+}
+
 TEST_F(MachineSummary, HasAsAProblemAWrongChecksum) {
   std::vector<std::uint8_t> edid = TEdidBuilder().Build();
   ++edid.back();
