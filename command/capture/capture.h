@@ -24,6 +24,6 @@
 /// the process is to end there, since it would leave a capture in part.
 ///
 /// Returns remarks for people: what was replaced, and which files still hold some of it.
-std::vector<std::string> CaptureMachine(TMachine machine, const std::filesystem::path& plugin,
-                                        const std::filesystem::path& target, bool isAnonymous,
-                                        const std::function<void()>& beforeWriting = [] {});
+std::vector<std::string> CaptureMachine(
+    TMachine machine, const std::filesystem::path& plugin, const std::filesystem::path& target, bool isAnonymous,
+    const std::function<void()>& beforeWriting = [] {});
