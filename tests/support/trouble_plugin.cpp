@@ -9,9 +9,7 @@
 #include <vector>
 
 #include "host/logger.h"
-#include "host/plugin_callbacks.h"
-#include "host/plugin_manager.h"
-#include "host/services.h"
+#include "tests/support/stand_in_plugin.h"
 
 using namespace NQRXZELT20;
 
@@ -37,21 +35,14 @@ void Log(std::size_t count, const std::string& message) {
     TRootObject::GetCoreLogger()->Write(ILogger::kDebug, message);
 }
 
-class TTroublePlugin : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
+class TTroublePlugin : public TStandInPlugin {
  public:
   TTroublePlugin() {
     if (IsAskedFor("/throws")) throw std::runtime_error("no \x1Bwish to live");
     if (IsAskedFor("/throws-a-number")) throw 7;
-    boost::dynamic_pointer_cast<TPluginManagerNamespace>(TRootObject::GetPluginManager())->RegisterPlugin(this);
+    Register();
   }
 
-  int GetType() override { return 0; }
-  std::string GetName() override { return "trouble"; }
-  std::string GetVersion() override { return "1"; }
-  std::string GetInterfaceVersion() override { return "1.0"; }
-  void PrepareForUnload() override { delete this; }
-  void Init() override {}
-  void DeInit() override {}
   void GetData(boost::shared_ptr<ICIMNamespace>, std::vector<boost::shared_ptr<ICIMClass>>&) override {
     if (IsAskedFor("/takes-all-memory")) TakeAllMemory();
     if (IsAskedFor("/never-returns")) NeverReturn();

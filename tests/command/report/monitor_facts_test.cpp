@@ -58,21 +58,7 @@ TEST_F(MonitorFacts, AreEmptyWhereTheEdidSaysNothing) {
 }
 
 TEST_F(MonitorFacts, AreThoseOfTheInstanceWhereThereIsNoEdid) {
-  TCIMDateTime date;
-  date.Set(2008, 4, 1, 6, 0, 0, 0, 0);
-  const auto byte = [](unsigned int value) { return TCIMValue(static_cast<unsigned char>(value)); };
-  const TInstanceView monitor = CommitMonitor({{"DeviceID", TCIMValue("Monitor 1")},
-                                               {"Name", TCIMValue("Acme A190")},
-                                               {"MonitorManufacturer", TCIMValue("ACM")},
-                                               {"SerialNumber", TCIMValue("A190-1")},
-                                               {"ManufacturingDate", TCIMValue(date)},
-                                               {"HorizontalImageSize", byte(38)},
-                                               {"VerticalImageSize", byte(30)},
-                                               {"MinHorizFreq", byte(30)},
-                                               {"MaxHorizFreq", byte(83)},
-                                               {"MinVertFreq", byte(56)},
-                                               {"MaxVertFreq", byte(76)},
-                                               {"Bandwidth", TCIMValue(140U)}});
+  const TInstanceView monitor = CommitMonitor(MakeFullMonitor());
   const std::vector<std::string> facts = {"ACM",
                                           "",
                                           "Acme A190",

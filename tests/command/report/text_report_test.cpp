@@ -9,7 +9,6 @@
 #include "tests/support/temporary_folder.h"
 
 using NQRXZELT20::ILogger;
-using NQRXZELT20::TCIMDateTime;
 using NQRXZELT20::TCIMValue;
 using testing::HasSubstr;
 using testing::Not;
@@ -77,27 +76,7 @@ TEST_F(TextReport, BeginsWithTheMachineTheTimeAndTheVersion) {
 }
 
 TEST_F(TextReport, ShowsAMonitorWithAllItSays) {
-  TCIMDateTime date;
-  date.Set(2008, 4, 1, 6, 0, 0, 0, 0);
-  const auto byte = [](unsigned int value) { return TCIMValue(static_cast<unsigned char>(value)); };
-  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")},
-                                  {"Name", TCIMValue("Acme A190")},
-                                  {"MonitorManufacturer", TCIMValue("ACM")},
-                                  {"SerialNumber", TCIMValue("A190-1")},
-                                  {"ManufacturingDate", TCIMValue(date)},
-                                  {"HorizontalImageSize", byte(38)},
-                                  {"VerticalImageSize", byte(30)},
-                                  {"Gamma", TCIMValue(2.2F)},
-                                  {"MinHorizFreq", byte(30)},
-                                  {"MaxHorizFreq", byte(83)},
-                                  {"MinVertFreq", byte(56)},
-                                  {"MaxVertFreq", byte(76)},
-                                  {"Bandwidth", TCIMValue(140U)},
-                                  {"DPMSStandby", TCIMValue(true)},
-                                  {"DPMSSuspend", TCIMValue(false)},
-                                  {"DPMSActiveOff", TCIMValue(true)},
-                                  {"SupportedDigitalInterface", byte(2)},
-                                  {"EDIDVersion", TCIMValue(1.3F)}});
+  Commit("QRXSG_DesktopMonitor", MakeFullMonitor());
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
             "Monitors\n"
             "  Monitor 1: Acme A190\n"
