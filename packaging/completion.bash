@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Completes the subcommands of displayinfo, their options, the values of these, files, and the classes.
 _displayinfo() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} subcommand='' words
