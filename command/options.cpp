@@ -120,7 +120,8 @@ std::vector<TRequest> MakeRequests(const TRequest& classes, const std::vector<st
 
 /// The table and the page of many machines show all that is known of each.
 void CheckOverview(EFormat format, bool isFleet, bool hasClasses) {
-  if (!hasClasses || (format != EFormat::kCsv && !(format == EFormat::kHtml && isFleet))) return;
+  const bool isOverview = format == EFormat::kCsv || (format == EFormat::kHtml && isFleet);
+  if (!isOverview || !hasClasses) return;
   throw CLI::ValidationError(std::string(format == EFormat::kCsv ? "--format csv" : "the page of several machines") +
                              " is made from all classes; leave CLASS and --request out");
 }

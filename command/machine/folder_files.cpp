@@ -58,6 +58,7 @@ std::string TFolderFiles::Read(const std::string& path) const {
 
 std::vector<TFileFailure> TFolderFiles::GetFailures() const {
   std::vector<TFileFailure> failures;
+  failures.reserve(m_failures.size());
   for (const auto& [path, failure] : m_failures) failures.push_back(failure);
   return failures;
 }
