@@ -90,7 +90,7 @@ TCIMValue::operator std::string() const {
     case TType::kString:
     case TType::kDateTime:
     case TType::kReference:
-      return std::get<std::string>(m_content->data);
+      return GetText();
     case TType::kNull:
       break;
   }
@@ -115,6 +115,7 @@ const T& GetContent(const TContentPointer& content, const char* kind) {
 bool TCIMValue::GetBoolean() const { return GetContent<bool>(m_content, "a boolean"); }
 unsigned int TCIMValue::GetUnsigned() const { return GetContent<unsigned int>(m_content, "an unsigned integer"); }
 float TCIMValue::GetReal() const { return GetContent<float>(m_content, "a real number"); }
+const std::string& TCIMValue::GetText() const { return GetContent<std::string>(m_content, "a text"); }
 const std::vector<TCIMValue>& TCIMValue::GetElements() const {
   return GetContent<std::vector<TCIMValue>>(m_content, "an array");
 }

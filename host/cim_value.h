@@ -109,6 +109,8 @@ class HOST_API TCIMValue {
   /// The value of any of the three unsigned integer types.
   unsigned int GetUnsigned() const;
   float GetReal() const;
+  /// The text of a string, a datetime or a reference.
+  const std::string& GetText() const;
   const std::vector<TCIMValue>& GetElements() const;
 
  private:

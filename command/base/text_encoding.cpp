@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
+
+#include "command/base/text_buffer.h"
 
 namespace {
 
@@ -49,7 +52,7 @@ bool EscapeForPeople(std::string& target, TCode code) {
 }
 
 /// The escapes that JSON (RFC 8259, section 7) and MOF have in common: the letter after the backslash, or 0.
-char GetShortEscape(TCode code) {
+constexpr char GetShortEscape(TCode code) {
   switch (code) {
     case '"':
     case '\\':
@@ -190,6 +193,80 @@ std::string Escape(std::string_view text, TEscape escape) {
   return escaped;
 }
 
+/// What JSON writes for the bytes of ASCII: the letter after the backslash, or 0 for a byte that stands as it is.
+struct TJsonEscapes {
+  static constexpr char kNumber = 'u';       // the character's number follows
+  static constexpr char kBeyondAscii = '?';  // no ASCII
+
+  char letters[256] = {};
+
+  constexpr TJsonEscapes() {
+    for (TCode byte = 0; byte < 256; ++byte) {
+      letters[byte] = byte < 0x20 || byte == 0x7F ? kNumber : byte >= 0x80 ? kBeyondAscii : '\0';
+      if (const char letter = GetShortEscape(byte)) letters[byte] = letter;
+    }
+  }
+};
+constexpr TJsonEscapes kJsonEscapes;
+
+typedef std::size_t TWord;
+
+constexpr TWord Repeat(unsigned char byte) { return ~TWord{0} / 0xFF * byte; }
+
+/// True when JSON has all bytes of the word as they are. Each of the terms sets the highest bit of a byte that it looks
+/// for: one beyond ASCII, 0x7F, a control, a quote, a backslash.
+bool IsPlainInJson(TWord word) {
+  const TWord found = word | (word + Repeat(1)) | (word - Repeat(0x20)) | ((word ^ Repeat('"')) - Repeat(1)) |
+                      ((word ^ Repeat('\\')) - Repeat(1));
+  return (found & Repeat(0x80)) == 0;
+}
+
+/// Copies whole words while they are plain.
+void CopyPlainWords(const char*& in, const char* end, char*& out) {
+  const char* from = in;
+  char* to = out;
+  for (TWord word = 0; static_cast<std::size_t>(end - from) >= sizeof word; from += sizeof word, to += sizeof word) {
+    std::memcpy(&word, from, sizeof word);
+    if (!IsPlainInJson(word)) break;
+    std::memcpy(to, &word, sizeof word);
+  }
+  in = from;
+  out = to;
+}
+
+constexpr std::size_t kLongestInJson = 6;  // bytes that are written for one: \u001f
+
+/// Writes a byte that JSON escapes.
+char* WriteJsonEscape(char* out, char letter, unsigned char byte) {
+  constexpr const char* digits = "0123456789abcdef";
+  *out++ = '\\';
+  *out++ = letter;
+  if (letter == TJsonEscapes::kNumber) {
+    for (const char digit : {'0', '0', digits[byte / 16], digits[byte % 16]}) *out++ = digit;
+  }
+  return out;
+}
+
+/// Writes ASCII as a JSON string has it; `in` is then the end, or the first byte beyond ASCII. Returns the end of what
+/// was written, at most kLongestInJson bytes for each.
+char* WriteJson(char* out, const char*& in, const char* end) {
+  while (in != end) {
+    CopyPlainWords(in, end, out);
+    const char* const wordEnd = in + std::min(sizeof(TWord), static_cast<std::size_t>(end - in));
+    for (; in != wordEnd; ++in) {
+      const auto byte = static_cast<unsigned char>(*in);
+      const char letter = kJsonEscapes.letters[byte];
+      if (letter == TJsonEscapes::kBeyondAscii) return out;
+      if (letter == 0) {
+        *out++ = *in;
+      } else {
+        out = WriteJsonEscape(out, letter, byte);
+      }
+    }
+  }
+  return out;
+}
+
 bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }
 
 }  // namespace
@@ -211,15 +288,25 @@ std::string ToMessage(const std::string& text) {
 }
 
 std::string QuoteJson(const std::string& text) {
-  std::string quoted;
+  TTextBuffer quoted;
   AppendJson(quoted, text);
-  return quoted;
+  return quoted.Take();
 }
 
-void AppendJson(std::string& target, std::string_view text) {
-  target += '"';
-  AppendEscaped(target, text, EscapeForJson);
-  target += '"';
+void AppendJson(TTextBuffer& target, std::string_view text) {
+  constexpr std::size_t longest = 4096;  // a piece, so that a long text does not take room for its longest form
+  target.Append('"');
+  while (!text.empty()) {
+    const char* in = text.data();
+    const std::size_t size = std::min(text.size(), longest);
+    target.EndAt(WriteJson(target.GetRoom(kLongestInJson * size), in, in + size));
+    const bool isAscii = in == text.data() + size;
+    text.remove_prefix(static_cast<std::size_t>(in - text.data()));
+    if (isAscii) continue;
+    target.Append(Escape(text, EscapeForJson));
+    break;
+  }
+  target.Append('"');
 }
 
 std::string QuoteMof(const std::string& text) { return '"' + Escape(text, EscapeForMof) + '"'; }

@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+class TTextBuffer;
+
 /// The text as valid UTF-8 (RFC 3629): each byte that is not part of a well-formed character becomes U+FFFD.
 std::string ToUtf8(const std::string& text);
 
@@ -26,7 +28,7 @@ std::string ToMessage(const std::string& text);
 std::string QuoteJson(const std::string& text);
 
 /// Appends what QuoteJson makes of the text.
-void AppendJson(std::string& target, std::string_view text);
+void AppendJson(TTextBuffer& target, std::string_view text);
 
 /// The text as a MOF string literal, with its quotes.
 std::string QuoteMof(const std::string& text);

@@ -52,7 +52,7 @@ void WriteValue(TJsonWriter& json, const TCIMValue& value) {
     case TType::kReference:
       break;
   }
-  json.String(static_cast<std::string>(value));
+  json.String(value.GetText());
 }
 
 void WriteInstance(TJsonWriter& json, const TStoredInstance& instance) {
@@ -190,29 +190,26 @@ void WriteInstanceMembers(TJsonWriter& json, const TStoredInstance& instance) {
 class TRows {
  public:
   TRows(const std::string& machine, const TAnswerIdentity& identity, std::size_t maxSize)
-      : m_machine(machine), m_identity(identity), m_maxSize(maxSize) {}
+      : m_machine(machine), m_identity(identity), m_json(TJsonWriter::ELayout::kOneLine, maxSize) {}
 
   /// `write`: writes the members of one row after those that all rows have.
   template <typename TWrite>
   void Add(TWrite write) {
-    TJsonWriter json(TJsonWriter::ELayout::kOneLine);
-    json.BeginObject();
-    WriteMember(json, "machine", m_machine);
-    if (!m_identity.collected.empty()) WriteMember(json, "collected", m_identity.collected);
-    WriteMember(json, "version", m_identity.version);
-    write(json);
-    json.EndObject();
-    m_text += json.TakeText() + "\n";
-    if (m_text.size() > m_maxSize) throw std::length_error("the rows are too long");
+    m_json.BeginObject();
+    WriteMember(m_json, "machine", m_machine);
+    if (!m_identity.collected.empty()) WriteMember(m_json, "collected", m_identity.collected);
+    WriteMember(m_json, "version", m_identity.version);
+    write(m_json);
+    m_json.EndObject();
+    m_json.EndLine();
   }
 
-  std::string Take() { return std::move(m_text); }
+  std::string Take() { return m_json.TakeText(); }
 
  private:
   const std::string& m_machine;
   const TAnswerIdentity& m_identity;
-  const std::size_t m_maxSize;
-  std::string m_text;
+  TJsonWriter m_json;
 };
 
 std::string MakeRows(const std::string& machine, const TAnswer& answer, std::size_t maxSize) {
@@ -240,7 +237,8 @@ std::string MakeJsonReport(const TAnswer& answer, ELogPart log) {
   json.BeginObject();
   WriteAnswer(json, answer, log);
   json.EndObject();
-  return json.TakeText() + "\n";
+  json.EndLine();
+  return json.TakeText();
 }
 
 std::string MakeMachineLine(const std::string& machine, const TAnswer& answer, ELogPart log) try {
@@ -249,7 +247,8 @@ std::string MakeMachineLine(const std::string& machine, const TAnswer& answer, E
   WriteMember(json, "machine", machine);
   WriteAnswer(json, answer, log);
   json.EndObject();
-  return json.TakeText() + "\n";
+  json.EndLine();
+  return json.TakeText();
 } catch (const std::length_error&) {
   FailAsTooLarge();
 }
@@ -270,5 +269,6 @@ std::string MakeErrorLine(const std::string& machine, const std::string& reason)
   WriteMember(json, "machine", machine);
   WriteMember(json, "error", reason);
   json.EndObject();
-  return json.TakeText() + "\n";
+  json.EndLine();
+  return json.TakeText();
 }

@@ -1,5 +1,6 @@
 #include "command/report/json_writer.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -21,8 +22,8 @@ void TJsonWriter::EndArray() { End(']'); }
 void TJsonWriter::Key(std::string_view name) {
   Separate();
   AppendJson(m_text, name);
-  m_text += ':';
-  if (m_layout == ELayout::kIndented) m_text += ' ';
+  m_text.Append(':');
+  if (m_layout == ELayout::kIndented) m_text.Append(' ');
   m_followsKey = true;
 }
 
@@ -34,20 +35,24 @@ void TJsonWriter::String(std::string_view text) {
 
 void TJsonWriter::Literal(std::string_view text) {
   Separate();
-  m_text += text;
+  m_text.Append(text);
   CheckSize();
 }
 
-std::string TJsonWriter::TakeText() {
-  std::string text;
-  text.swap(m_text);
+void TJsonWriter::EndLine() {
+  m_text.Append('\n');
+  CheckSize();
   m_isFirst = true;
-  return text;
+}
+
+std::string TJsonWriter::TakeText() {
+  m_isFirst = true;
+  return m_text.Take();
 }
 
 void TJsonWriter::Begin(char bracket) {
   Separate();
-  m_text += bracket;
+  m_text.Append(bracket);
   ++m_depth;
   m_isFirst = true;
 }
@@ -55,22 +60,25 @@ void TJsonWriter::Begin(char bracket) {
 void TJsonWriter::End(char bracket) {
   --m_depth;
   if (!m_isFirst) BreakLine();
-  m_text += bracket;
+  m_text.Append(bracket);
   m_isFirst = false;
 }
 
 void TJsonWriter::Separate() {
   if (!std::exchange(m_followsKey, false)) {
-    if (!m_isFirst) m_text += ',';
+    if (!m_isFirst) m_text.Append(',');
     if (m_depth > 0) BreakLine();
   }
   m_isFirst = false;
 }
 
 void TJsonWriter::BreakLine() {
-  if (m_layout == ELayout::kIndented) m_text.append(1, '\n').append(m_depth * kIndent, ' ');
+  if (m_layout != ELayout::kIndented) return;
+  m_text.Append('\n');
+  const std::size_t columns = m_depth * kIndent;
+  m_text.EndAt(std::fill_n(m_text.GetRoom(columns), columns, ' '));
 }
 
 void TJsonWriter::CheckSize() const {
-  if (m_text.size() > m_maxSize) throw std::length_error("the JSON text is too long");
+  if (m_text.GetSize() > m_maxSize) throw std::length_error("the JSON text is too long");
 }

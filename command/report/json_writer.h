@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "command/base/text_buffer.h"
+
 class TJsonWriter {
  public:
   enum class ELayout { kIndented, kOneLine };
@@ -28,7 +30,10 @@ class TJsonWriter {
   /// A value that is JSON already, such as a number or null.
   void Literal(std::string_view text);
 
-  /// The text so far, without a line end. The writer is empty then.
+  /// Ends the line after a whole document; the next value begins another one.
+  void EndLine();
+
+  /// The text so far. The writer is empty then.
   std::string TakeText();
 
  private:
@@ -40,7 +45,7 @@ class TJsonWriter {
 
   ELayout m_layout;
   std::size_t m_maxSize;
-  std::string m_text;
+  TTextBuffer m_text;
   std::size_t m_depth = 0;
   bool m_isFirst = true;  // the innermost object or array is still empty
   bool m_followsKey = false;

@@ -51,6 +51,7 @@ TEST(CimValue, RefusesToBeReadAsAnotherKind) {
   EXPECT_THROW(TCIMValue("a").GetUnsigned(), TZELTException);
   EXPECT_THROW(TCIMValue(1U).GetReal(), TZELTException);
   EXPECT_THROW(TCIMValue().GetBoolean(), TZELTException);
+  EXPECT_THROW(TCIMValue(1U).GetText(), TZELTException);
   EXPECT_THROW(TCIMValue(1U).GetElements(), TZELTException);
 }
 

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "command/base/text_buffer.h"
+
 namespace {
 
 const std::string kReplacement = "\xEF\xBF\xBD";
@@ -144,9 +146,34 @@ TEST(JsonText, MixesWhatIsEscapedWithWhatIsNot) {
 }
 
 TEST(JsonText, IsAppended) {
-  std::string text = "before ";
+  TTextBuffer text;
+  text.Append("before ");
   AppendJson(text, "a\"b");
-  EXPECT_EQ(text, "before \"a\\\"b\"");
+  EXPECT_EQ(text.Take(), "before \"a\\\"b\"");
+}
+
+TEST(JsonText, HasEachByteEscapedWhereverItStands) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string quoted = QuoteJson(std::string(1, static_cast<char>(byte)));
+    for (std::size_t position = 0; position < 17; ++position) {
+      std::string text(17, '!');
+      text[position] = static_cast<char>(byte);
+      const std::string expected = std::string(17, '!').replace(position, 1, quoted.substr(1, quoted.size() - 2));
+      EXPECT_EQ(QuoteJson(text), '"' + expected + '"') << byte << " at " << position;
+    }
+  }
+}
+
+TEST(JsonText, MayBeLongAndMixed) {
+  std::string text;
+  std::string expected;
+  for (std::size_t size = 4000; size < 4200; ++size) {
+    text += std::string(size, 'x') + '"' + std::string(size / 100, '\n');
+    expected += std::string(size, 'x') + "\\\"";
+    for (std::size_t line = 0; line < size / 100; ++line) expected += "\\n";
+  }
+  EXPECT_EQ(QuoteJson(text), '"' + expected + '"');
+  EXPECT_EQ(QuoteJson(text + "\xC3\xA9" + text), '"' + expected + "\xC3\xA9" + expected + '"');
 }
 
 TEST(MofText, IsQuotedWithItsQuotesAndControlCharactersEscaped) {

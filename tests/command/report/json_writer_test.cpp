@@ -106,6 +106,18 @@ TEST(JsonWriter, BeginsAnewAfterItsTextWasTaken) {
   EXPECT_EQ(writer.TakeText(), "2");
 }
 
+TEST(JsonWriter, WritesADocumentALine) {
+  TJsonWriter writer(TJsonWriter::ELayout::kOneLine);
+  for (const char* const name : {"a", "b"}) {
+    writer.BeginObject();
+    writer.Key(name);
+    writer.Literal("1");
+    writer.EndObject();
+    writer.EndLine();
+  }
+  EXPECT_EQ(writer.TakeText(), "{\"a\":1}\n{\"b\":1}\n");
+}
+
 TEST(JsonWriter, ThrowsAtTheValueThatMakesTheTextTooLong) {
   TJsonWriter strings(TJsonWriter::ELayout::kOneLine, 12);
   strings.BeginArray();
