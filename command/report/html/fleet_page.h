@@ -2,12 +2,11 @@
 // people ask for.
 #pragma once
 
-#include <cstddef>
 #include <deque>
 #include <functional>
 #include <string>
-#include <vector>
 
+#include "command/report/html/fleet_machine.h"
 #include "command/report/machine_summary.h"
 
 /// Of each machine it keeps only what it shows, about half a kilobyte, until the page is written: the counts at its top
@@ -26,24 +25,5 @@ class TFleetPage {
   void Write(const std::string& made, bool isWhole, const std::function<bool(const std::string&)>& write) const;
 
  private:
-  struct TMonitor {
-    std::string maker, model, serialNumber, made;
-    unsigned int year, week;  // 0 when not known
-  };
-
-  struct TMachine {
-    std::string name, systemName, collected;
-    bool hasAnswered;
-    std::vector<std::string> controllers, problems;
-    std::vector<TMonitor> monitors;
-  };
-
-  /// Machine and monitor by their positions.
-  struct TPlace {
-    std::size_t machine, monitor;
-  };
-
-  class TWriter;
-
-  std::deque<TMachine> m_machines;
+  std::deque<TFleetMachine> m_machines;
 };

@@ -38,11 +38,17 @@ TMarkup MakeColumnName(TMarkup content, const std::string& title) { return MakeN
 
 TMarkup MakeRowName(TMarkup content, const std::string& title) { return MakeName("row", std::move(content), title); }
 
+TMarkup MakeRow(TMarkup cells) { return MakeElement("tr", std::move(cells)); }
+
 TMarkup MakeTable(const TMarkup& caption, const TMarkup& names, TMarkup rows) {
   TMarkup content = caption.IsEmpty() ? TMarkup() : MakeElement("caption", caption);
-  if (!names.IsEmpty()) content += MakeElement("thead", MakeElement("tr", names));
+  if (!names.IsEmpty()) content += MakeElement("thead", MakeRow(names));
   content += MakeElement("tbody", std::move(rows));
   return MakeElement("table", std::move(content));
+}
+
+std::string CountNouns(std::size_t count, const char* noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 TMarkup MakeFolded(const std::string& summary, const TMarkup& content) {

@@ -2,6 +2,7 @@
 // html_style.h.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -18,9 +19,15 @@ TMarkup MakeHeading(int level, TMarkup content, const std::string& id = {});
 TMarkup MakeColumnName(TMarkup content, const std::string& title = {});
 TMarkup MakeRowName(TMarkup content, const std::string& title = {});
 
+/// A row of a table.
+TMarkup MakeRow(TMarkup cells);
+
 /// A table. `names`: the cells of its heading row, which paper repeats on each sheet. `rows`: whole rows. The caption
 /// and the names may be empty.
 TMarkup MakeTable(const TMarkup& caption, const TMarkup& names, TMarkup rows);
+
+/// "1 machine", "2 machines".
+std::string CountNouns(std::size_t count, const char* noun);
 
 /// The content, folded away under the summary. Paper shows it only if it was opened, and says so.
 TMarkup MakeFolded(const std::string& summary, const TMarkup& content);

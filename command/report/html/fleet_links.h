@@ -1,0 +1,29 @@
+// How the page of many machines calls each, and links to its row.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+
+#include "command/report/html/fleet_machine.h"
+#include "command/report/html/html_markup.h"
+
+class TFleetLinks {
+ public:
+  /// `machines`: of the page, which must outlive this.
+  explicit TFleetLinks(const std::deque<TFleetMachine>& machines);
+
+  /// The folder that all machines have in common, with its slash; empty for none.
+  const std::string& GetFolder() const { return m_folder; }
+
+  /// The machine's name in the list, without that folder.
+  std::string GetName(std::size_t position) const;
+
+  /// A link to the row of the machine, which has that id.
+  TMarkup MakeLink(std::size_t position) const;
+  static std::string MakeId(std::size_t position);
+
+ private:
+  const std::deque<TFleetMachine>& m_machines;
+  std::string m_folder;
+};

@@ -1,0 +1,104 @@
+#include "command/report/html/fleet_monitors.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "command/report/html/html_page.h"
+
+namespace {
+
+/// By year, unknown ones last; by week within a year.
+std::tuple<bool, unsigned int, unsigned int> GetAgeKey(const TFleetMonitor& monitor) {
+  return {monitor.year == 0, monitor.year, monitor.week};
+}
+
+}  // namespace
+
+TFleetMonitors::TFleetMonitors(const std::deque<TFleetMachine>& machines, const TFleetLinks& links)
+    : m_machines(machines), m_links(links) {
+  for (std::size_t machine = 0; machine < machines.size(); ++machine) {
+    for (std::size_t monitor = 0; monitor < machines[machine].monitors.size(); ++monitor) {
+      m_byAge.push_back({machine, monitor});
+      const TFleetMonitor& which = machines[machine].monitors[monitor];
+      m_models[{which.maker, which.model}].push_back(machine);
+    }
+  }
+  std::stable_sort(m_byAge.begin(), m_byAge.end(), [this](const TPlace& left, const TPlace& right) {
+    return GetAgeKey(Get(left)) < GetAgeKey(Get(right));
+  });
+}
+
+std::size_t TFleetMonitors::CountUndated() const {
+  return static_cast<std::size_t>(
+      std::count_if(m_byAge.begin(), m_byAge.end(), [this](const TPlace& place) { return Get(place).year == 0; }));
+}
+
+void TFleetMonitors::PutAges(THtmlPieces& page) const {
+  page.Put(MakeHeading(2, "By age of monitor", kAges));
+  if (m_byAge.empty()) return page.Put(MakeElement("p", "None: no machine has a monitor."));
+  const auto [begin, end] = Part(MakeTable("The oldest first, unknown years last",
+                                           MakeColumnName("Made") + MakeColumnName("Maker") + MakeColumnName("Model") +
+                                               MakeColumnName("Serial number") + MakeColumnName("Machine"),
+                                           {}),
+                                 "<tbody>");
+  page.Put(begin);
+  for (auto first = m_byAge.begin(); first != m_byAge.end();) {
+    const auto isOther = [&](const TPlace& place) { return Get(place).year != Get(*first).year; };
+    const auto last = std::find_if(first, m_byAge.end(), isOther);
+    page.Put(MakeYear(first, last));
+    first = last;
+  }
+  page.Put(end.substr(end.find("</table>")));
+}
+
+/// The rows of one year under its name.
+TMarkup TFleetMonitors::MakeYear(TPlaceIterator first, TPlaceIterator last) const {
+  const unsigned int year = Get(*first).year;
+  const std::string name = (year == 0 ? "Year not known" : std::to_string(year)) + ": " +
+                           CountNouns(static_cast<std::size_t>(last - first), "monitor");
+  TMarkup rows = MakeRow(TMarkup::Element("th", {{"scope", "rowgroup"}, {"colspan", "5"}}, name));
+  for (auto place = first; place != last; ++place) {
+    const TFleetMonitor& monitor = Get(*place);
+    rows +=
+        MakeRow(MakeElement("td", monitor.made) + MakeElement("td", monitor.maker) + MakeElement("td", monitor.model) +
+                MakeElement("td", monitor.serialNumber) + MakeElement("td", m_links.MakeLink(place->machine)));
+  }
+  return MakeElement("tbody", std::move(rows));
+}
+
+void TFleetMonitors::PutModels(THtmlPieces& page) const {
+  page.Put(MakeHeading(2, "By model", kModels));
+  if (m_models.empty()) return page.Put(MakeElement("p", "None: no machine has a monitor."));
+  const auto [begin, end] = Part(MakeTable("The most frequent first",
+                                           MakeColumnName("Maker") + MakeColumnName("Model") +
+                                               MakeColumnName("Monitors") + MakeColumnName("Machines"),
+                                           {}),
+                                 "</tbody>");
+  page.Put(begin);
+  std::vector<const TModel*> models;
+  for (const TModel& model : m_models) models.push_back(&model);
+  std::stable_sort(models.begin(), models.end(),
+                   [](const TModel* left, const TModel* right) { return left->second.size() > right->second.size(); });
+  for (const TModel* const model : models) PutModel(page, *model);
+  page.Put(end);
+}
+
+/// The machines of a model may be very many.
+void TFleetMonitors::PutModel(THtmlPieces& page, const TModel& model) const {
+  const auto& [name, machines] = model;
+  const auto [begin, end] =
+      Part(TMarkup::Element("tr", {{"class", "long"}},
+                            MakeElement("td", name.first) + MakeRowName(name.second) +
+                                MakeElement("td", std::to_string(machines.size())) + MakeElement("td", "listing", "")),
+           "</td>\n</tr>");
+  page.Put(begin);
+  for (auto first = machines.begin(); first != machines.end();) {
+    const auto last = std::find_if(first, machines.end(), [&](std::size_t machine) { return machine != *first; });
+    std::string link = m_links.MakeLink(*first).Take();
+    link.pop_back();  // its line end, which would show as a blank before the comma
+    if (last - first > 1) link += " (" + std::to_string(last - first) + ")";
+    page.Put((first == machines.begin() ? "" : ", ") + link);
+    first = last;
+  }
+  page.Put(end);
+}

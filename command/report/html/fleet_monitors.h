@@ -1,0 +1,52 @@
+// The monitors of many machines in the orders that people ask for: by age and by model.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "command/report/html/fleet_links.h"
+#include "command/report/html/fleet_machine.h"
+#include "command/report/html/html_pieces.h"
+
+class TFleetMonitors {
+ public:
+  // The ids of the sections.
+  static constexpr const char* kAges = "ages";
+  static constexpr const char* kModels = "models";
+
+  /// `machines` and `links`: of the page, which must outlive this.
+  TFleetMonitors(const std::deque<TFleetMachine>& machines, const TFleetLinks& links);
+
+  std::size_t CountMonitors() const { return m_byAge.size(); }
+  std::size_t CountUndated() const;
+  std::size_t CountModels() const { return m_models.size(); }
+
+  /// The oldest first, under the names of the years.
+  void PutAges(THtmlPieces& page) const;
+
+  /// The most frequent first, each with the machines that have it.
+  void PutModels(THtmlPieces& page) const;
+
+ private:
+  /// Machine and monitor by their positions.
+  struct TPlace {
+    std::size_t machine, monitor;
+  };
+
+  typedef std::vector<TPlace>::const_iterator TPlaceIterator;
+  typedef std::map<std::pair<std::string, std::string>, std::vector<std::size_t>> TModels;
+  typedef TModels::value_type TModel;
+
+  const TFleetMonitor& Get(const TPlace& place) const { return m_machines[place.machine].monitors[place.monitor]; }
+  TMarkup MakeYear(TPlaceIterator first, TPlaceIterator last) const;
+  void PutModel(THtmlPieces& page, const TModel& model) const;
+
+  const std::deque<TFleetMachine>& m_machines;
+  const TFleetLinks& m_links;
+  std::vector<TPlace> m_byAge;
+  TModels m_models;  // by maker and model, the machines in their order, each once for each monitor
+};

@@ -1,0 +1,29 @@
+// A page that is written as it is made, since it may be too long to be held.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+
+#include "command/report/html/html_markup.h"
+
+class THtmlPieces {
+ public:
+  /// `write`: takes a piece of the page, and returns false to get no more. It must outlive this.
+  explicit THtmlPieces(const std::function<bool(const std::string&)>& write) : m_write(write) {}
+
+  void Put(TMarkup markup) { Put(markup.Take()); }
+  void Put(const std::string& text);
+
+  /// Writes what is left.
+  void Flush();
+
+ private:
+  const std::function<bool(const std::string&)>& m_write;
+  std::string m_piece;
+  bool m_isRead = true;
+};
+
+/// An element or a page that is made empty, as what comes before and after its content: it is parted before that tag.
+std::pair<std::string, std::string> Part(const std::string& text, const char* tag);
+std::pair<std::string, std::string> Part(TMarkup markup, const char* tag);
