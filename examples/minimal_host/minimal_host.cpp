@@ -20,26 +20,15 @@
 
 using namespace NQRXZELT20;
 
+/// The host and its classes live as long as the program, so nobody owns them.
+template <typename T>
+static boost::shared_ptr<T> Share(T& object) {
+  return {&object, [](T*) {}};
+}
+
 // ---- CIM: classes and their instances. Any class can be had, and any property be set.
 
-class TClass;
-
-class TInstance : public ICIMInstance, public boost::enable_shared_from_this<TInstance> {
- public:
-  explicit TInstance(TClass& cimClass) : m_class(cimClass) {}
-  void Commit(TCIMQueryContext) override;
-  boost::shared_ptr<ICIMClass> GetClass(TCIMQueryContext) override;
-  TCIMReference GetObjectPath(TCIMQueryContext) override;
-  boost::shared_ptr<ICIMProperty> GetProperty(const std::string& name, TCIMQueryContext) override;
-  void SetProperty(const std::string& name, const TCIMValue& value, TCIMQueryContext) override {
-    m_properties[name] = value;
-  }
-
-  std::map<std::string, TCIMValue> m_properties;
-
- private:
-  TClass& m_class;
-};
+typedef std::vector<boost::shared_ptr<ICIMInstance>> TInstances;
 
 struct TProperty : ICIMProperty {
   explicit TProperty(const TCIMValue& value) : m_value(value) {}
@@ -47,63 +36,65 @@ struct TProperty : ICIMProperty {
   TCIMValue m_value;
 };
 
-class TClass : public ICIMClass, public boost::enable_shared_from_this<TClass> {
- public:
+struct TInstance : ICIMInstance, boost::enable_shared_from_this<TInstance> {
+  TInstance(ICIMClass& cimClass, TInstances& committed) : m_class(cimClass), m_committed(committed) {}
+  void Commit(TCIMQueryContext context) override {
+    m_committed.push_back(shared_from_this());
+    std::cout << m_class.GetName(context) << "\n";
+    for (const auto& [name, value] : m_properties) std::cout << "  " << name << ": " << std::string(value) << "\n";
+  }
+  boost::shared_ptr<ICIMClass> GetClass(TCIMQueryContext) override { return Share(m_class); }
+  boost::shared_ptr<ICIMProperty> GetProperty(const std::string& name, TCIMQueryContext) override {
+    return boost::make_shared<TProperty>(m_properties[name]);
+  }
+  void SetProperty(const std::string& name, const TCIMValue& value, TCIMQueryContext) override {
+    m_properties[name] = value;
+  }
+  // A host whose values may hold quotes escapes them here.
+  TCIMReference GetObjectPath(TCIMQueryContext context) override {
+    static const std::set<std::string> keys = {"Antecedent", "CreationClassName", "Dependent",
+                                               "DeviceID",   "ManagedElement",    "Setting",
+                                               "SettingID",  "SystemName",        "SystemCreationClassName"};
+    std::string path = m_class.GetName(context), separator = ".";
+    for (const auto& [name, value] : m_properties) {
+      if (keys.count(name) == 0) continue;
+      path += separator + name + "=\"" + std::string(value) + "\"";
+      separator = ",";
+    }
+    return TCIMReference(path);
+  }
+
+  ICIMClass& m_class;
+  TInstances& m_committed;  // of the class
+  std::map<std::string, TCIMValue> m_properties;
+};
+
+struct TClass : ICIMClass {
   TClass(const std::string& name, ICIMNamespace& owner) : m_name(name), m_owner(owner) {}
   const std::string& GetName(TCIMQueryContext) override { return m_name; }
-  // The namespace lives as long as the program, so nobody owns it.
-  boost::shared_ptr<ICIMNamespace> GetNamespace(TCIMQueryContext) override {
-    return {&m_owner, [](ICIMNamespace*) {}};
-  }
+  boost::shared_ptr<ICIMNamespace> GetNamespace(TCIMQueryContext) override { return Share(m_owner); }
   boost::shared_ptr<ICIMInstance> CreateInstance(TCIMQueryContext) override {
-    return boost::make_shared<TInstance>(*this);
+    return boost::make_shared<TInstance>(*this, m_committed);
   }
   void EnumerateInstances(boost::function<bool(boost::shared_ptr<ICIMInstance>)> callback, bool,
                           TCIMQueryContext) override {
-    for (std::size_t i = 0; i < m_instances.size() && callback(m_instances[i]); ++i) continue;
+    for (std::size_t i = 0; i < m_committed.size() && callback(m_committed[i]); ++i) continue;
   }
 
-  std::vector<boost::shared_ptr<TInstance>> m_instances;
-
- private:
   std::string m_name;
   ICIMNamespace& m_owner;
+  TInstances m_committed;
 };
 
-void TInstance::Commit(TCIMQueryContext) { m_class.m_instances.push_back(shared_from_this()); }
-
-boost::shared_ptr<ICIMClass> TInstance::GetClass(TCIMQueryContext) { return m_class.shared_from_this(); }
-
-boost::shared_ptr<ICIMProperty> TInstance::GetProperty(const std::string& name, TCIMQueryContext) {
-  return boost::make_shared<TProperty>(m_properties[name]);
-}
-
-// A host whose values may hold quotes escapes them here.
-TCIMReference TInstance::GetObjectPath(TCIMQueryContext context) {
-  static const std::set<std::string> keys = {"Antecedent", "CreationClassName", "Dependent",
-                                             "DeviceID",   "ManagedElement",    "Setting",
-                                             "SettingID",  "SystemName",        "SystemCreationClassName"};
-  std::string path = m_class.GetName(context), separator = ".";
-  for (const auto& [name, value] : m_properties) {
-    if (keys.count(name) == 0) continue;
-    path += separator + name + "=\"" + std::string(value) + "\"";
-    separator = ",";
-  }
-  return TCIMReference(path);
-}
-
 /// The plug-in manager, and the namespace of all classes.
-class THost : public TPluginManagerNamespace {
- public:
+struct THost : TPluginManagerNamespace {
   explicit THost(TPluginManagerProvider* provider) : TPluginManagerNamespace(provider) {}
   boost::shared_ptr<ICIMClass> GetClass(const std::string& name, TCIMQueryContext) override {
-    boost::shared_ptr<TClass>& found = m_classes[name];
-    if (!found) found = boost::make_shared<TClass>(name, *this);
-    return found;
+    return Share<ICIMClass>(m_classes.try_emplace(name, name, *this).first->second);
   }
   void Accept(IPluginCallbacks* plugin) override { m_plugin = plugin; }
 
-  std::map<std::string, boost::shared_ptr<TClass>> m_classes;
+  std::map<std::string, TClass> m_classes;
   IPluginCallbacks* m_plugin = nullptr;
 };
 
@@ -113,15 +104,16 @@ struct TStandardErrorLog : ILogger {
   }
 };
 
-static boost::shared_ptr<THost> g_host;
-static std::string g_folder;
-
 // ---- The services.
 
 namespace NQRXZELT20 {
 
 // The plug-in only asks whether it has one. Without it, the collectors write nothing to the log.
 class TPluginManagerProvider {};
+static TPluginManagerProvider g_provider;
+static THost g_host(&g_provider);
+static TStandardErrorLog g_log;
+static std::string g_folder;
 
 TPluginManagerNamespace::TPluginManagerNamespace(TPluginManagerProvider* provider) : m_provider(provider) {}
 void TPluginManagerNamespace::RegisterPlugin(IPluginCallbacks* plugin) {
@@ -129,11 +121,8 @@ void TPluginManagerNamespace::RegisterPlugin(IPluginCallbacks* plugin) {
   Accept(plugin);
 }
 
-ILogger* TRootObject::GetCoreLogger() {
-  static TStandardErrorLog log;
-  return &log;
-}
-boost::shared_ptr<ICIMNamespace> TRootObject::GetPluginManager() { return g_host; }
+ILogger* TRootObject::GetCoreLogger() { return &g_log; }
+boost::shared_ptr<ICIMNamespace> TRootObject::GetPluginManager() { return Share<ICIMNamespace>(g_host); }
 const char* const TCIMSchemaHelper::kContextName = "ContextName";
 const char* const TCIMSchemaHelper::kPluginNSPName = "PluginNSP";
 std::string TCIMSchemaHelper::GetSystemName(boost::shared_ptr<ICIMNamespace>) { return "minimal"; }
@@ -151,27 +140,17 @@ std::string TOSSpecific::CaptureFile(std::string path) {
 
 int main(int count, char** arguments) {
   if (count < 4) return std::cerr << "usage: minimal_host PLUGIN FOLDER CLASS...\n", 2;
-  TPluginManagerProvider provider;
-  g_host = boost::make_shared<THost>(&provider);
   g_folder = arguments[2];
   void* const library = dlopen(arguments[1], RTLD_NOW);  // the plug-in registers itself
   if (library == nullptr) return std::cerr << "minimal_host: " << dlerror() << "\n", 1;
-  IPluginCallbacks* const plugin = g_host->m_plugin;
+  IPluginCallbacks* const plugin = g_host.m_plugin;
   if (plugin == nullptr) return std::cerr << "minimal_host: no plug-in registered\n", 1;
 
   std::vector<boost::shared_ptr<ICIMClass>> classes;
-  for (int i = 3; i < count; ++i) classes.push_back(g_host->GetClass(arguments[i], {}));
+  for (int i = 3; i < count; ++i) classes.push_back(g_host.GetClass(arguments[i], {}));
   plugin->Init();
-  dynamic_cast<IPluginBasicQueryCallbacks&>(*plugin).GetData(g_host, classes);
+  dynamic_cast<IPluginBasicQueryCallbacks&>(*plugin).GetData(Share<ICIMNamespace>(g_host), classes);  // commits them
   plugin->DeInit();
-
-  for (const auto& [name, cimClass] : g_host->m_classes) {
-    for (const boost::shared_ptr<TInstance>& instance : cimClass->m_instances) {
-      std::cout << name << "\n";
-      for (const auto& [key, value] : instance->m_properties)
-        std::cout << "  " << key << ": " << std::string(value) << "\n";
-    }
-  }
   plugin->PrepareForUnload();
   dlclose(library);
 }
