@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "command/base/privileges.h"
@@ -190,11 +191,15 @@ TFleetAnswer ChooseFleetAnswer(const TOptions& options) {
   return {makeLine, MakeErrorLine};
 }
 
+unsigned int CountJobs(const TOptions& options) {
+  return options.jobs ? *options.jobs : std::clamp(std::thread::hardware_concurrency(), 1U, kMaxJobs);
+}
+
 int RunFleet(const TOptions& options) {
   DropPrivileges(true);
   return CollectFleet({options.machineList ? TMachineList::Open(*options.machineList) : TMachineList(options.machines),
                        options.resume ? TFinishedMachines(*options.resume) : TFinishedMachines(), options.requests,
-                       options.plugin.value_or(FindPlugin()), options.jobs, options.timeout, options.logLevel,
+                       options.plugin.value_or(FindPlugin()), CountJobs(options), options.timeout, options.logLevel,
                        ChooseFleetAnswer(options)});
 }
 

@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <sstream>
-#include <thread>
 
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
@@ -19,7 +19,6 @@ using NQRXZELT20::ILogger;
 namespace {
 
 constexpr int kWrongUsage = 2;
-constexpr unsigned int kMaxJobs = 1000;
 constexpr unsigned int kMaxTimeout = 24 * 60 * 60;  // seconds
 
 template <typename T>
@@ -166,33 +165,40 @@ void CheckListenAddress(const std::string& address) {
       "; to answer other machines, use an SSH tunnel, or a reverse proxy with TLS and passwords");
 }
 
-void AddServe(CLI::App& app, TServeOptions& options, std::optional<std::filesystem::path>& plugin) {
-  CLI::App* const serve = app.add_subcommand("serve", "Answers CIM clients on a loopback address")->group("");
+/// Its options are added when it is named: for all subcommands that takes longer than reading the command line.
+CLI::App* AddSubcommand(CLI::App& app, const std::string& name, const std::string& description,
+                        const std::function<void(CLI::App& subcommand)>& addOptions) {
+  CLI::App* const subcommand = app.add_subcommand(name, description)->group("");
+  subcommand->preparse_callback([=](std::size_t) { addOptions(*subcommand); });
+  return subcommand;
+}
+
+void AddServeOptions(CLI::App& serve, TServeOptions& options, std::optional<std::filesystem::path>& plugin) {
   constexpr unsigned int maxPort = 65535;
   constexpr unsigned int maxSeconds = 86400;
-  serve->add_option("--port", options.port, "The port (default: 5988); 0: any, which is printed")
+  serve.add_option("--port", options.port, "The port (default: 5988); 0: any, which is printed")
       ->option_text("N")
       ->check(InRange(0, maxPort));
-  serve->add_option("--listen", options.address, "127.0.0.1 (default) or ::1")->option_text("ADDRESS");
-  CLI::Option* const machine = serve->add_option("--machine", options.machine, "A captured machine instead of this one")
+  serve.add_option("--listen", options.address, "127.0.0.1 (default) or ::1")->option_text("ADDRESS");
+  CLI::Option* const machine = serve.add_option("--machine", options.machine, "A captured machine instead of this one")
                                    ->option_text("PATH")
                                    ->check(NotEmpty());
-  AddChoice(*serve, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
+  AddChoice(serve, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
       ->excludes(machine);
-  AddChoice(*serve, "--xconfig-source", options.xconfigSource, kXconfigSources,
+  AddChoice(serve, "--xconfig-source", options.xconfigSource, kXconfigSources,
             "auto (default)|file|kernel: its X configuration")
       ->option_text("SOURCE")
       ->excludes(machine);
   const auto addSeconds = [&](const char* name, std::chrono::seconds& target, unsigned int min, const char* meaning) {
     serve
-        ->add_option_function<unsigned int>(
+        .add_option_function<unsigned int>(
             name, [&target](unsigned int seconds) { target = std::chrono::seconds(seconds); }, meaning)
         ->option_text("SECONDS")
         ->check(InRange(min, maxSeconds));
   };
   addSeconds("--max-age", options.maxAge, 0, "How old an answer may be (default: 60)");
   addSeconds("--timeout", options.timeout, 1, "How long a collection may take (default: 60)");
-  AddPlugin(*serve, plugin);
+  AddPlugin(serve, plugin);
 }
 
 constexpr const char* kUsage =
@@ -251,38 +257,34 @@ void AddTimeout(CLI::App& app, TOptions& options, const char* meaning) {
       ->check(InRange(1, kMaxTimeout));
 }
 
-void AddCapture(CLI::App& app, TCaptureOptions& capture, TOptions& options) {
-  CLI::App* const subcommand =
-      app.add_subcommand("capture", "Writes a machine down, so that it can be asked elsewhere")->group("");
-  subcommand->add_option("TARGET", capture.target, "FILE.json or a new folder; - for standard output")
+void AddCaptureOptions(CLI::App& subcommand, TCaptureOptions& capture, TOptions& options) {
+  subcommand.add_option("TARGET", capture.target, "FILE.json or a new folder; - for standard output")
       ->required()
       ->check(NotEmpty())
       ->option_text(" ");
-  CLI::Option* const machine = subcommand->add_option("--machine", capture.machine, "A captured machine, not this one")
+  CLI::Option* const machine = subcommand.add_option("--machine", capture.machine, "A captured machine, not this one")
                                    ->option_text("PATH")
                                    ->check(NotEmpty());
-  subcommand->add_flag("--anonymous", capture.isAnonymous, "Replace serial numbers and the system's name");
-  AddChoice(*subcommand, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
+  subcommand.add_flag("--anonymous", capture.isAnonymous, "Replace serial numbers and the system's name");
+  AddChoice(subcommand, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
       ->excludes(machine);
-  AddChoice(*subcommand, "--xconfig-source", options.xconfigSource, kXconfigSources,
+  AddChoice(subcommand, "--xconfig-source", options.xconfigSource, kXconfigSources,
             "auto (default)|file|kernel: its X configuration")
       ->option_text("SOURCE")
       ->excludes(machine);
-  AddTimeout(*subcommand, options, "How long asking it may take (default: 60)");
-  AddPlugin(*subcommand, options.plugin);
+  AddTimeout(subcommand, options, "How long asking it may take (default: 60)");
+  AddPlugin(subcommand, options.plugin);
 }
 
-void AddCompare(CLI::App& app, TCompareOptions& compare, TOptions& options) {
-  CLI::App* const subcommand =
-      app.add_subcommand("compare", "Tells which monitors and controllers came, went or changed")->group("");
-  subcommand->add_option("OLD", compare.before, "A captured machine, or a file of answers; or -")
+void AddCompareOptions(CLI::App& subcommand, TCompareOptions& compare, TOptions& options) {
+  subcommand.add_option("OLD", compare.before, "A captured machine, or a file of answers; or -")
       ->required()
       ->check(NotEmpty())
       ->option_text(" ");
-  subcommand->add_option("NEW", compare.after, "The same, later")->required()->check(NotEmpty())->option_text(" ");
-  AddChoice(*subcommand, "--format", compare.isJson, kCompareFormats, "text (default) or json");
-  AddTimeout(*subcommand, options, "For each captured machine (default: 60)");
-  AddPlugin(*subcommand, options.plugin);
+  subcommand.add_option("NEW", compare.after, "The same, later")->required()->check(NotEmpty())->option_text(" ");
+  AddChoice(subcommand, "--format", compare.isJson, kCompareFormats, "text (default) or json");
+  AddTimeout(subcommand, options, "For each captured machine (default: 60)");
+  AddPlugin(subcommand, options.plugin);
 }
 
 void CheckCompare(const TCompareOptions& options) {
@@ -296,7 +298,6 @@ void CheckCompare(const TCompareOptions& options) {
 TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   TCommandLine line;
   TOptions& options = line.options;
-  options.jobs = std::clamp(std::thread::hardware_concurrency(), 1U, kMaxJobs);
   TRequest classes;
   std::vector<std::string> requests;
 
@@ -341,18 +342,21 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
 
   app.require_subcommand(0, 1);
   ESchemaFormat schemaFormat = ESchemaFormat::kText;
-  CLI::App* const schema = app.add_subcommand("schema", "Prints the classes with their properties")->group("");
-  AddChoice(*schema, "--format", schemaFormat, kSchemaFormats, "text (default), MOF, or a JSON Schema of all JSON")
-      ->option_text("FORMAT");
-
+  CLI::App* const schema =
+      AddSubcommand(app, "schema", "Prints the classes with their properties", [&](CLI::App& subcommand) {
+        AddChoice(subcommand, "--format", schemaFormat, kSchemaFormats,
+                  "text (default), MOF, or a JSON Schema of all JSON")
+            ->option_text("FORMAT");
+      });
   TCaptureOptions captureOptions;
-  AddCapture(app, captureOptions, options);
-
+  AddSubcommand(app, "capture", "Writes a machine down, so that it can be asked elsewhere",
+                [&](CLI::App& subcommand) { AddCaptureOptions(subcommand, captureOptions, options); });
   TCompareOptions compareOptions;
-  AddCompare(app, compareOptions, options);
-
+  AddSubcommand(app, "compare", "Tells which monitors and controllers came, went or changed",
+                [&](CLI::App& subcommand) { AddCompareOptions(subcommand, compareOptions, options); });
   TServeOptions serveOptions;
-  AddServe(app, serveOptions, options.plugin);
+  AddSubcommand(app, "serve", "Answers CIM clients on a loopback address",
+                [&](CLI::App& subcommand) { AddServeOptions(subcommand, serveOptions, options.plugin); });
 
   app.get_help_ptr()->group("");  // whoever reads the help has found it; the subcommands have taken theirs over
 

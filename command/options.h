@@ -16,11 +16,13 @@
 enum class EFormat { kText, kJson, kRows, kCsv, kMof, kHtml };
 enum class ESchemaFormat { kText, kMof, kJsonSchema };
 
+constexpr unsigned int kMaxJobs = 1000;
+
 struct TOptions {
   std::vector<std::string> machines;                 // captured machines; this one when there is none and no list
   std::optional<std::filesystem::path> machineList;  // a file of their names, "-" for standard input
   std::optional<std::filesystem::path> resume;       // what a run over many machines has written already
-  unsigned int jobs;                                 // worker processes for many machines
+  std::optional<unsigned int> jobs;                  // worker processes for many machines; absent: one per core
   std::chrono::seconds timeout{60};                  // for each machine
   std::vector<TRequest> requests;                    // at least one
   EEdidSource edidSource = EEdidSource::kAuto;
