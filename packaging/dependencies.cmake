@@ -9,12 +9,17 @@ function(list_dependencies result)
   set(${result} ${dependencies} PARENT_SCOPE)
 endfunction()
 
+# What liblrmi.so loads when it needs it.
+set(loaded libx86emu3)
+
 set(plugin_files libdisplayinfo.pi.so liblrmi.so)
 set(command_files displayinfo libzeltcore.so libplugin.nsp.so)
 if("plugin" IN_LIST CPACK_COMPONENTS_ALL)
   list_dependencies(CPACK_DEBIAN_PLUGIN_PACKAGE_DEPENDS ${plugin_files})
+  string(APPEND CPACK_DEBIAN_PLUGIN_PACKAGE_DEPENDS ", ${loaded}")
   list_dependencies(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS ${command_files})
   string(PREPEND CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "displayinfo-plugin (= ${CPACK_PACKAGE_VERSION}), ")
 else()
   list_dependencies(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS ${command_files} ${plugin_files})
+  string(APPEND CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS ", ${loaded}")
 endif()

@@ -9,6 +9,28 @@
 
 #include "realmode/physical_machine.h"
 #include "realmode/real_mode_memory.h"
+#include "realmode/shared_library.h"
+
+/// libx86emu, and what is called of it.
+struct TEmulatorLibrary {
+  explicit TEmulatorLibrary(const char* file) : library(file) {}
+
+  bool IsComplete() const {
+    return create != nullptr && end != nullptr && run != nullptr && setMemoryHandler != nullptr &&
+           setCodeHandler != nullptr && setSegment != nullptr;
+  }
+
+  TSharedLibrary library;
+  decltype(x86emu_new)* create = library.Find<decltype(x86emu_new)>("x86emu_new");
+  decltype(x86emu_done)* end = library.Find<decltype(x86emu_done)>("x86emu_done");
+  decltype(x86emu_run)* run = library.Find<decltype(x86emu_run)>("x86emu_run");
+  decltype(x86emu_set_memio_handler)* setMemoryHandler =
+      library.Find<decltype(x86emu_set_memio_handler)>("x86emu_set_memio_handler");
+  decltype(x86emu_set_code_handler)* setCodeHandler =
+      library.Find<decltype(x86emu_set_code_handler)>("x86emu_set_code_handler");
+  decltype(x86emu_set_seg_register)* setSegment =
+      library.Find<decltype(x86emu_set_seg_register)>("x86emu_set_seg_register");
+};
 
 namespace {
 
@@ -35,6 +57,7 @@ typedef std::chrono::steady_clock TClock;
 
 /// One interrupt under way.
 struct TRun {
+  const TEmulatorLibrary* library;
   IPhysicalMachine* machine;
   TRealModeMemory* memory;
   TClock::time_point deadline;
@@ -151,7 +174,7 @@ int CheckInstruction(x86emu_t* emulator) {
 }
 
 void SetSegment(x86emu_t* emulator, int index, unsigned short value) {
-  x86emu_set_seg_register(emulator, emulator->x86.seg + index, value);
+  GetRun(emulator).library->setSegment(emulator, emulator->x86.seg + index, value);
 }
 
 void LoadRegisters(x86emu_t* emulator, const LRMI_regs& registers) {
@@ -209,15 +232,11 @@ void EnterInterrupt(x86emu_t* emulator, TRealModeMemory& memory, int number, uns
   emulator->x86.R_EFLG = (flags & ~std::uint32_t{interruptAndTrap}) | alwaysSet;
 }
 
-struct TEmulatorEnd {
-  void operator()(x86emu_t* emulator) const { x86emu_done(emulator); }
-};
-
 enum class EEnd { kReturned, kStopped, kTimeUp };
 
 EEnd RunToEnd(x86emu_t* emulator, TRun& run) {
   if (setjmp(run.timeUp) != 0) return EEnd::kTimeUp;
-  x86emu_run(emulator, 0);
+  run.library->run(emulator, 0);
   return run.hasReturned ? EEnd::kReturned : EEnd::kStopped;
 }
 
@@ -245,14 +264,18 @@ bool HasHandler(TRealModeMemory& memory, int number) {
 
 TRealVideoBios::TRealVideoBios() : TRealVideoBios(std::make_unique<TThisPhysicalMachine>()) {}
 
-TRealVideoBios::TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, TBiosBudget budget)
-    : m_machine(std::move(machine)), m_budget(budget) {}
+TRealVideoBios::TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, TBiosBudget budget, std::string emulator)
+    : m_machine(std::move(machine)), m_budget(budget), m_emulator(std::move(emulator)) {}
 
 TRealVideoBios::~TRealVideoBios() = default;
 
 bool TRealVideoBios::Start(TRealModeMemory& memory) {
   const std::string missing = m_machine->Open();
   if (!missing.empty()) return Fail(missing);
+  if (!LoadEmulator()) {
+    m_machine->Close();
+    return Fail(m_emulator + ", in which the video BIOS runs, cannot be loaded; install the package libx86emu3");
+  }
   const bool isCopied = m_machine->Read(0, memory.At(0), kPageSize) && CopyVideoBios(*m_machine, memory) &&
                         m_machine->Read(kSystemBios, memory.At(kSystemBios), kSystemBiosSize);
   if (!isCopied) {
@@ -266,16 +289,17 @@ bool TRealVideoBios::Start(TRealModeMemory& memory) {
 bool TRealVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) {
   if (!HasHandler(memory, number)) return Fail("the video BIOS has no handler for the interrupt");
   if (m_spent >= m_budget.all) return FailLate();
-  const std::unique_ptr<x86emu_t, TEmulatorEnd> emulator(x86emu_new(0, 0));
+  const std::unique_ptr<x86emu_t, decltype(x86emu_done)*> emulator(m_library->create(0, 0), m_library->end);
   if (emulator == nullptr) return Fail("the emulator has no memory");
   TRun run = {};
+  run.library = m_library.get();
   run.machine = m_machine.get();
   run.memory = &memory;
   const TClock::time_point begin = TClock::now();
   run.deadline = begin + std::min<TClock::duration>(m_budget.interrupt, m_budget.all - m_spent);
   emulator->_private = &run;
-  x86emu_set_memio_handler(emulator.get(), Access);
-  x86emu_set_code_handler(emulator.get(), CheckInstruction);
+  m_library->setMemoryHandler(emulator.get(), Access);
+  m_library->setCodeHandler(emulator.get(), CheckInstruction);
   LoadRegisters(emulator.get(), registers);
   EnterInterrupt(emulator.get(), memory, number, registers.flags);
 
@@ -294,6 +318,12 @@ bool TRealVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMemory
 }
 
 void TRealVideoBios::Stop() { m_machine->Close(); }
+
+/// False when the library is missing, or is another.
+bool TRealVideoBios::LoadEmulator() {
+  if (m_library == nullptr) m_library = std::make_unique<TEmulatorLibrary>(m_emulator.c_str());
+  return m_library->IsComplete();
+}
 
 /// The interrupt, or all of them together, took too long.
 bool TRealVideoBios::FailLate() {

@@ -3,6 +3,9 @@
 // The copy holds page 0 (interrupt vectors and BIOS data), the video BIOS and the system BIOS, read once per session.
 // Nothing is ever written back to physical memory; port I/O reaches the hardware, since only the graphics card can talk
 // to the monitor.
+//
+// libx86emu is loaded by the first start. Programs that start no real BIOS, as those that look at a captured machine,
+// then do not wait for it.
 #pragma once
 
 #include <chrono>
@@ -13,6 +16,7 @@
 #include "realmode/video_bios.h"
 
 class IPhysicalMachine;
+struct TEmulatorLibrary;
 
 /// How long a BIOS may take: for one interrupt, and for all of them together, since it has many units and each may take
 /// long.
@@ -27,8 +31,9 @@ class REALMODE_API TRealVideoBios : public IVideoBios {
   TRealVideoBios();
 
   /// The BIOS of that machine. An interrupt that takes longer than the budget is given up; once all of them have taken
-  /// theirs, each fails at once, in later sessions too.
-  explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, TBiosBudget budget = {});
+  /// theirs, each fails at once, in later sessions too. `emulator`: the file name of libx86emu.
+  explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, TBiosBudget budget = {},
+                          std::string emulator = "libx86emu.so.3");
   ~TRealVideoBios() override;
 
   bool Start(TRealModeMemory& memory) override;
@@ -40,11 +45,14 @@ class REALMODE_API TRealVideoBios : public IVideoBios {
   const std::string& GetFailure() const { return m_failure; }
 
  private:
+  bool LoadEmulator();
   bool Fail(const std::string& failure);
   bool FailLate();
 
   std::unique_ptr<IPhysicalMachine> m_machine;
   TBiosBudget m_budget;
+  const std::string m_emulator;
+  std::unique_ptr<TEmulatorLibrary> m_library;    // once it was needed
   std::chrono::steady_clock::duration m_spent{};  // in all interrupts so far
   std::string m_failure;
 };

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "command/base/descriptor.h"
-#include "command/base/shared_library.h"
+#include "realmode/shared_library.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "command/base/shared_library.h"
+#include "realmode/shared_library.h"
 
 namespace {
 

@@ -14,6 +14,7 @@
 #include "realmode/choose_bios.h"
 #include "realmode/physical_machine.h"
 #include "realmode/real_mode_memory.h"
+#include "realmode/shared_library.h"
 #include "tests/support/process_resources.h"
 #include "tests/support/temporary_folder.h"
 
@@ -74,6 +75,12 @@ class TTestMachine : public IPhysicalMachine {
 class RealVideoBios : public testing::Test {
  protected:
   static constexpr TBiosBudget kBudget{std::chrono::milliseconds(200), std::chrono::milliseconds(20000)};
+
+  void SetUp() override {
+    if (TSharedLibrary("libx86emu.so.3").Find<void()>("x86emu_new") == nullptr) {
+      GTEST_SKIP() << "libx86emu3 is not installed for this architecture";
+    }
+  }
 
   /// Starts a BIOS with this handler.
   bool Start(const TCode& handler) { return Start(TPhysical(handler)); }
@@ -346,6 +353,18 @@ TEST_F(RealVideoBios, TellsWhichPrivilegeIsMissing) {
   machine.missingPrivilege = "no memory for you";
   EXPECT_FALSE(Start(machine));
   EXPECT_EQ(bios->GetFailure(), "no memory for you");
+}
+
+TEST(RealVideoBiosWithoutItsEmulator, FailsToStartAndNamesThePackage) {
+  for (const std::string library : {"libnowhere.so.3", "libm.so.6"}) {  // missing, and another one
+    TPhysical machine(TCode{0xCF});
+    TRealVideoBios bios(std::make_unique<TTestMachine>(machine), {}, library);
+    TRealModeMemory memory;
+    EXPECT_FALSE(bios.Start(memory));
+    EXPECT_EQ(bios.GetFailure(),
+              library + ", in which the video BIOS runs, cannot be loaded; install the package libx86emu3");
+    EXPECT_EQ(machine.opened, 0);
+  }
 }
 
 TEST_F(RealVideoBios, CopiesNoMoreThanTheVideoBiosTellsNorMoreThanThereIsRoomFor) {
