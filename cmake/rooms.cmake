@@ -10,6 +10,9 @@ target_compile_definitions(project_flags INTERFACE _FILE_OFFSET_BITS=64 _TIME_BI
 # Code and constants in one segment: the loader maps a library by two calls instead of four, and a 32-bit loader's calls
 # are the slow ones, by interrupt.
 target_link_options(project_flags INTERFACE -Wl,-z,noseparate-code)
+# What a library calls of itself the loader need not look for, by name, in every library that came before.
+add_library(own_functions INTERFACE)
+target_link_options(own_functions INTERFACE -Wl,-Bsymbolic-functions)
 # No library may have undefined symbols. Those of a build with fuzzers must: clang's sanitizers are linked into the
 # program only.
 if(NOT WITH_FUZZERS)
