@@ -165,11 +165,17 @@ void CheckListenAddress(const std::string& address) {
       "; to answer other machines, use an SSH tunnel, or a reverse proxy with TLS and passwords");
 }
 
-/// Its options are added when it is named: for all subcommands that takes longer than reading the command line.
+CLI::Option* AddHelp(CLI::App& app) { return app.set_help_flag("-h,--help", "Print this help message and exit"); }
+
+/// The subcommand gets its help and its options when it is named: for all of them that takes longer than reading the
+/// command line.
 CLI::App* AddSubcommand(CLI::App& app, const std::string& name, const std::string& description,
                         const std::function<void(CLI::App& subcommand)>& addOptions) {
   CLI::App* const subcommand = app.add_subcommand(name, description)->group("");
-  subcommand->preparse_callback([=](std::size_t) { addOptions(*subcommand); });
+  subcommand->preparse_callback([=](std::size_t) {
+    AddHelp(*subcommand);
+    addOptions(*subcommand);
+  });
   return subcommand;
 }
 
@@ -303,6 +309,26 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
 
   CLI::App app("", "displayinfo");
   app.formatter(std::make_shared<THelp>());
+  app.set_help_flag();  // or each subcommand would be made with one
+  app.require_subcommand(0, 1);
+  ESchemaFormat schemaFormat = ESchemaFormat::kText;
+  CLI::App* const schema =
+      AddSubcommand(app, "schema", "Prints the classes with their properties", [&](CLI::App& subcommand) {
+        AddChoice(subcommand, "--format", schemaFormat, kSchemaFormats,
+                  "text (default), MOF, or a JSON Schema of all JSON")
+            ->option_text("FORMAT");
+      });
+  TCaptureOptions captureOptions;
+  AddSubcommand(app, "capture", "Writes a machine down, so that it can be asked elsewhere",
+                [&](CLI::App& subcommand) { AddCaptureOptions(subcommand, captureOptions, options); });
+  TCompareOptions compareOptions;
+  AddSubcommand(app, "compare", "Tells which monitors and controllers came, went or changed",
+                [&](CLI::App& subcommand) { AddCompareOptions(subcommand, compareOptions, options); });
+  TServeOptions serveOptions;
+  AddSubcommand(app, "serve", "Answers CIM clients on a loopback address",
+                [&](CLI::App& subcommand) { AddServeOptions(subcommand, serveOptions, options.plugin); });
+  AddHelp(app)->group("");  // whoever reads the help has found it
+
   app.set_version_flag("--version", std::string("displayinfo ") + kCommandVersion, "Print the version");
   CLI::Option* const classOption =
       app.add_option("CLASS", classes, "What to collect (default: all six classes)")->option_text("...");
@@ -339,26 +365,6 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
   AddChoice(app, "--log-level", options.logLevel, kLogLevels, "error|warning|status (default)|debug|verbose")
       ->option_text("LEVEL");
   AddPlugin(app, options.plugin);
-
-  app.require_subcommand(0, 1);
-  ESchemaFormat schemaFormat = ESchemaFormat::kText;
-  CLI::App* const schema =
-      AddSubcommand(app, "schema", "Prints the classes with their properties", [&](CLI::App& subcommand) {
-        AddChoice(subcommand, "--format", schemaFormat, kSchemaFormats,
-                  "text (default), MOF, or a JSON Schema of all JSON")
-            ->option_text("FORMAT");
-      });
-  TCaptureOptions captureOptions;
-  AddSubcommand(app, "capture", "Writes a machine down, so that it can be asked elsewhere",
-                [&](CLI::App& subcommand) { AddCaptureOptions(subcommand, captureOptions, options); });
-  TCompareOptions compareOptions;
-  AddSubcommand(app, "compare", "Tells which monitors and controllers came, went or changed",
-                [&](CLI::App& subcommand) { AddCompareOptions(subcommand, compareOptions, options); });
-  TServeOptions serveOptions;
-  AddSubcommand(app, "serve", "Answers CIM clients on a loopback address",
-                [&](CLI::App& subcommand) { AddServeOptions(subcommand, serveOptions, options.plugin); });
-
-  app.get_help_ptr()->group("");  // whoever reads the help has found it; the subcommands have taken theirs over
 
   try {
     app.parse(argumentCount, arguments);
