@@ -236,7 +236,9 @@ std::string Answer(const TOptions& options) {
     if (!options.logLevel && !shown.insert(entry.message).second) return;
     std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
   };
-  const TAnswer answer = Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog);
+  // Never taken apart: that takes longer than the end of the process, which comes soon.
+  static const TAnswer& answer =
+      *new TAnswer(Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog));
   DropPrivileges(false);
   ShowRemark(machine.getBiosFailure());
   ShowRemarks(answer, machine.damagedEdids);
