@@ -10,6 +10,7 @@ endif()
 # The real video BIOS runs in libx86emu.
 find_path(X86EMU_INCLUDE_DIR x86emu.h REQUIRED)
 
-# For the names of cards and their modes. The headers are those of the build's own architecture, and serve the other too.
+# For the names of cards and their modes. The headers are those of the build's own architecture, and serve the other
+# too.
 find_path(PCI_INCLUDE_DIR pci/pci.h PATHS /usr/include/x86_64-linux-gnu REQUIRED)
 find_path(DRM_INCLUDE_DIR drm.h PATH_SUFFIXES libdrm REQUIRED)

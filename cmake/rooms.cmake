@@ -1,5 +1,5 @@
-# A room is a folder whose code is one target. It names the other rooms it uses, and asks for the project's flags itself.
-# tests/check-includes checks every #include against what is declared here.
+# A room is a folder whose code is one target. It names the other rooms it uses, and asks for the project's flags
+# itself. tests/check-includes checks every #include against what is declared here.
 
 # What every target of the project is compiled with.
 add_library(project_flags INTERFACE)
@@ -19,7 +19,8 @@ if(NOT WITH_FUZZERS)
   target_link_options(project_flags INTERFACE $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:-Wl,--no-undefined>)
 endif()
 
-# declare_room(NAME [USES room...] [HEADERS path...]): what code below the current folder, or only the HEADERS, may include.
+# declare_room(NAME [USES room...] [HEADERS path...]): what code below the current folder, or only the HEADERS, may
+# include.
 function(declare_room name)
   cmake_parse_arguments(ROOM "" "" "HEADERS;USES" ${ARGN})
   file(RELATIVE_PATH folder ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})

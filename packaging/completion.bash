@@ -31,8 +31,8 @@ _displayinfo() {
         compare) files=yes words='--format --timeout --plugin --help' ;;
         schema) words='--format --help' ;;
         serve) words="--port --listen --machine $sources --max-age --timeout --plugin --help" ;;
-        *) words="--machine --machines --jobs --resume --timeout --request $sources --format --no-log --log-level --plugin
-             --version --help $classes"
+        *) words="--machine --machines --jobs --resume --timeout --request $sources --format --no-log --log-level
+             --plugin --version --help $classes"
           ((COMP_CWORD == 1)) && words+=' capture compare schema serve' ;;
       esac ;;
   esac

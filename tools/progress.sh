@@ -1,8 +1,8 @@
 # shellcheck shell=bash
 # Sourced by the scripts that run long commands.
 
-# with_progress WHAT LOG COMMAND...: runs the command, keeps all it writes in LOG, and shows on standard error how far it is: on a
-# terminal one line that changes, in a log one line for each tenth.
+# with_progress WHAT LOG COMMAND...: runs the command, keeps all it writes in LOG, and shows on standard error how far
+# it is: on a terminal one line that changes, in a log one line for each tenth.
 with_progress() {
   local what=$1 log=$2
   shift 2
@@ -10,8 +10,8 @@ with_progress() {
   return "${PIPESTATUS[0]}"
 }
 
-# Ninja and CTest write a line "[N/M] ..." or "N/M ..." for each step that ended, apt one with the percentage of what it has
-# downloaded (dlstatus) or installed (pmstatus).
+# Ninja and CTest write a line "[N/M] ..." or "N/M ..." for each step that ended, apt one with the percentage of what it
+# has downloaded (dlstatus) or installed (pmstatus).
 show_progress() {
   local line text tenth shown=
   while IFS= read -r line; do

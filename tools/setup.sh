@@ -4,8 +4,8 @@
 called=("$(realpath "$0")" "$@")
 top=$(realpath "$(dirname "${BASH_SOURCE[0]}")/..")
 
-# Goes on as the owner of the checkout, from the script's beginning, when sudo made it root: what it builds belongs to the owner.
-# Root without sudo, in a container for example, stays root.
+# Goes on as the owner of the checkout, from the script's beginning, when sudo made it root: what it builds belongs to
+# the owner. Root without sudo, in a container for example, stays root.
 leave_root() {
   local owner
   if [ "$(id -u)" != 0 ] || [ "${SUDO_UID:-0}" = 0 ]; then return; fi
@@ -31,8 +31,9 @@ run_apt() {
   as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o APT::Status-Fd=1 "$@" </dev/null
 }
 
-# update_indices [LOG]: brings the package lists up to date, those of i386 among them, and keeps what apt says in the file LOG.
-# A list that is out of step makes this fail although the packages can be installed, so only the installation itself decides.
+# update_indices [LOG]: brings the package lists up to date, those of i386 among them, and keeps what apt says in the
+# file LOG. A list that is out of step makes this fail although the packages can be installed, so only the installation
+# itself decides.
 update_indices() {
   as_root dpkg --add-architecture i386
   with_progress "Updating the package lists" "${1:-/dev/null}" run_apt update || true

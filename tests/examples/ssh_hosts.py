@@ -1,5 +1,6 @@
-"""Many SSH servers on loopback addresses of a network namespace that is made for them, each with its own host key and its own
-`displayinfo`. Whoever runs in it finds their names in /etc/hosts, their keys in ~/.ssh, and reaches them with plain ssh.
+"""Many SSH servers on loopback addresses of a network namespace that is made for them, each with its own host key and
+its own `displayinfo`. Whoever runs in it finds their names in /etc/hosts, their keys in ~/.ssh, and reaches them with
+plain ssh.
 
 Nothing of it is seen from outside, and everything in it ends with the process that made it."""
 import ctypes
@@ -32,19 +33,23 @@ def require(*programs):
 
 
 def find_sshd(unpacked):
-    """The installed server, or one that was only unpacked, so that none starts on this machine. With its environment."""
+    """The installed server, or one that was only unpacked, so that none starts on this machine. With its
+    environment."""
     environment = dict(os.environ)
     for sshd in (pathlib.Path("/usr/sbin/sshd"), unpacked / "openssh-server/usr/sbin/sshd"):
         libraries = [str(folder.parent) for folder in unpacked.glob("*/usr/lib/*/lib*.so*")]
         environment["LD_LIBRARY_PATH"] = ":".join(sorted(set(libraries)))
-        if sshd.exists() and subprocess.run([sshd, "-t", "-h", "/dev/null"], env=environment, capture_output=True).returncode != 127:
+        if not sshd.exists():
+            continue
+        tried = subprocess.run([sshd, "-t", "-h", "/dev/null"], env=environment, capture_output=True)
+        if tried.returncode != 127:
             return sshd, environment
     skip(f"there is no sshd here (Debian package openssh-server), nor one unpacked in {unpacked}")
 
 
 def enter_namespaces():
-    """Runs this script again in its own network, mounts and process ids. Only root becomes nobody else in it: an ordinary user
-    keeps the name, so that sshd does not take itself for root's."""
+    """Runs this script again in its own network, mounts and process ids. Only root becomes nobody else in it: an
+    ordinary user keeps the name, so that sshd does not take itself for root's."""
     if "DISPLAYINFO_NAMESPACES" in os.environ:
         return
     command = ["unshare", "--net", "--mount", "--pid", "--fork", "--kill-child", "--mount-proc"]
@@ -177,8 +182,9 @@ class Hosts:
         wrapper = host / "bin/displayinfo"
         wrapper.write_text(WRAPPER.format(name=name, folder=self.folder, command=command))
         wrapper.chmod(0o755)
-        options = [f"ListenAddress {address}:22", f"HostKey {host / 'key'}", "PidFile none", "UsePAM no", "StrictModes no",
-                   "PasswordAuthentication no", f"AuthorizedKeysFile {self.folder / 'home/.ssh/id_ed25519.pub'}",
+        options = [f"ListenAddress {address}:22", f"HostKey {host / 'key'}", "PidFile none", "UsePAM no",
+                   "StrictModes no", "PasswordAuthentication no",
+                   f"AuthorizedKeysFile {self.folder / 'home/.ssh/id_ed25519.pub'}",
                    f"SetEnv PATH={host / 'bin'}:{os.environ['PATH']}"]
         for option, program in (("SshdSessionPath", "sshd-session"), ("SshdAuthPath", "sshd-auth")):
             own = self.sshd.parent.parent / "lib/openssh" / program
@@ -188,8 +194,9 @@ class Hosts:
 
     def start(self, name):
         """Returns when the server can be reached."""
-        server = subprocess.Popen([self.sshd, "-D", "-e", "-f", self.folder / name / "config"], stdin=subprocess.DEVNULL,
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True, env=self.environment)
+        server = subprocess.Popen([self.sshd, "-D", "-e", "-f", self.folder / name / "config"],
+                                  stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                                  text=True, env=self.environment)
         self.servers[name] = server
         said = []
         for line in server.stderr:

@@ -1,5 +1,5 @@
-"""What the scripts that test displayinfo serve have in common: a server of one's own, requests, and answers read by a parser that
-is not the server's."""
+"""What the scripts that test displayinfo serve have in common: a server of one's own, requests, and answers read by
+a parser that is not the server's."""
 import http.client
 import json
 import os
@@ -74,8 +74,8 @@ def class_name(name, parameter="ClassName"):
 
 
 def collect(command, machine):
-    """The instances that --format json shows, by their paths: of each path the last commit, at the place of the first. What XML
-    does not have is replaced."""
+    """The instances that --format json shows, by their paths: of each path the last commit, at the place of the
+    first. What XML does not have is replaced."""
     text = subprocess.run([command, "--machine", machine, "--format", "json", "--log-level", "error"], check=True,
                           stdout=subprocess.PIPE).stdout.decode()
     instances = {}
