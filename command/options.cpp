@@ -19,7 +19,7 @@ using NQRXZELT20::ILogger;
 namespace {
 
 constexpr int kWrongUsage = 2;
-constexpr unsigned int kMaxTimeout = 24 * 60 * 60;  // seconds
+constexpr unsigned int kMaxSeconds = 24 * 60 * 60;
 
 template <typename T>
 using TNames = std::vector<std::pair<std::string, T>>;
@@ -77,6 +77,27 @@ CLI::Validator InRange(unsigned int min, unsigned int max) {
 /// For the name of a file or a machine: an empty one is a variable of a script that was never set.
 CLI::Validator NotEmpty() {
   return CLI::Validator([](const std::string& name) { return name.empty() ? "the name is empty" : std::string(); }, "");
+}
+
+void AddSeconds(CLI::App& app, const char* name, std::chrono::seconds& target, unsigned int min, const char* meaning) {
+  app.add_option_function<unsigned int>(
+         name, [&target](unsigned int seconds) { target = std::chrono::seconds(seconds); }, meaning)
+      ->option_text("SECONDS")
+      ->check(InRange(min, kMaxSeconds));
+}
+
+/// Where this machine is asked. `others`: the options that name another machine instead.
+void AddSources(CLI::App& app, EEdidSource& edidSource, EXconfigSource& xconfigSource,
+                const std::vector<CLI::Option*>& others) {
+  CLI::Option* const edids =
+      AddChoice(app, "--edid-source", edidSource, kEdidSources, "Where this machine's EDIDs come from");
+  CLI::Option* const xconfig = AddChoice(app, "--xconfig-source", xconfigSource, kXconfigSources,
+                                         "auto (default)|file|kernel: its X configuration")
+                                   ->option_text("SOURCE");
+  for (CLI::Option* const other : others) {
+    edids->excludes(other);
+    xconfig->excludes(other);
+  }
 }
 
 void AddPlugin(CLI::App& app, std::optional<std::filesystem::path>& plugin) {
@@ -181,7 +202,6 @@ CLI::App* AddSubcommand(CLI::App& app, const std::string& name, const std::strin
 
 void AddServeOptions(CLI::App& serve, TServeOptions& options, std::optional<std::filesystem::path>& plugin) {
   constexpr unsigned int maxPort = 65535;
-  constexpr unsigned int maxSeconds = 86400;
   serve.add_option("--port", options.port, "The port (default: 5988); 0: any, which is printed")
       ->option_text("N")
       ->check(InRange(0, maxPort));
@@ -189,21 +209,9 @@ void AddServeOptions(CLI::App& serve, TServeOptions& options, std::optional<std:
   CLI::Option* const machine = serve.add_option("--machine", options.machine, "A captured machine instead of this one")
                                    ->option_text("PATH")
                                    ->check(NotEmpty());
-  AddChoice(serve, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
-      ->excludes(machine);
-  AddChoice(serve, "--xconfig-source", options.xconfigSource, kXconfigSources,
-            "auto (default)|file|kernel: its X configuration")
-      ->option_text("SOURCE")
-      ->excludes(machine);
-  const auto addSeconds = [&](const char* name, std::chrono::seconds& target, unsigned int min, const char* meaning) {
-    serve
-        .add_option_function<unsigned int>(
-            name, [&target](unsigned int seconds) { target = std::chrono::seconds(seconds); }, meaning)
-        ->option_text("SECONDS")
-        ->check(InRange(min, maxSeconds));
-  };
-  addSeconds("--max-age", options.maxAge, 0, "How old an answer may be (default: 60)");
-  addSeconds("--timeout", options.timeout, 1, "How long a collection may take (default: 60)");
+  AddSources(serve, options.edidSource, options.xconfigSource, {machine});
+  AddSeconds(serve, "--max-age", options.maxAge, 0, "How old an answer may be (default: 60)");
+  AddSeconds(serve, "--timeout", options.timeout, 1, "How long a collection may take (default: 60)");
   AddPlugin(serve, plugin);
 }
 
@@ -250,17 +258,9 @@ std::string Explain(const CLI::ParseError& error, const CLI::App& app) {
   const CLI::App& owner = subcommands.empty() ? app : *subcommands.front();
   const std::string name = text.substr(0, text.find(':'));
   const CLI::Option* const option = owner.get_option_no_throw(name);
-  if (error.get_name() != "ArgumentMismatch" || text.find(" missing") == std::string::npos || option == nullptr) {
-    return text;
-  }
+  const bool isMissing = error.get_name() == "ArgumentMismatch" && text.find(" missing") != std::string::npos;
+  if (!isMissing || option == nullptr) return text;
   return name + " has no value; write " + name + " " + option->get_option_text();
-}
-
-void AddTimeout(CLI::App& app, TOptions& options, const char* meaning) {
-  app.add_option_function<int>(
-         "--timeout", [&options](int seconds) { options.timeout = std::chrono::seconds(seconds); }, meaning)
-      ->option_text("SECONDS")
-      ->check(InRange(1, kMaxTimeout));
 }
 
 void AddCaptureOptions(CLI::App& subcommand, TCaptureOptions& capture, TOptions& options) {
@@ -272,13 +272,8 @@ void AddCaptureOptions(CLI::App& subcommand, TCaptureOptions& capture, TOptions&
                                    ->option_text("PATH")
                                    ->check(NotEmpty());
   subcommand.add_flag("--anonymous", capture.isAnonymous, "Replace serial numbers and the system's name");
-  AddChoice(subcommand, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
-      ->excludes(machine);
-  AddChoice(subcommand, "--xconfig-source", options.xconfigSource, kXconfigSources,
-            "auto (default)|file|kernel: its X configuration")
-      ->option_text("SOURCE")
-      ->excludes(machine);
-  AddTimeout(subcommand, options, "How long asking it may take (default: 60)");
+  AddSources(subcommand, options.edidSource, options.xconfigSource, {machine});
+  AddSeconds(subcommand, "--timeout", options.timeout, 1, "How long asking it may take (default: 60)");
   AddPlugin(subcommand, options.plugin);
 }
 
@@ -289,7 +284,7 @@ void AddCompareOptions(CLI::App& subcommand, TCompareOptions& compare, TOptions&
       ->option_text(" ");
   subcommand.add_option("NEW", compare.after, "The same, later")->required()->check(NotEmpty())->option_text(" ");
   AddChoice(subcommand, "--format", compare.isJson, kCompareFormats, "text (default) or json");
-  AddTimeout(subcommand, options, "For each captured machine (default: 60)");
+  AddSeconds(subcommand, "--timeout", options.timeout, 1, "For each captured machine (default: 60)");
   AddPlugin(subcommand, options.plugin);
 }
 
@@ -346,19 +341,12 @@ TCommandLine ParseCommandLine(int argumentCount, char** arguments) {
       ->option_text("N")
       ->check(InRange(1, kMaxJobs));
   app.add_option("--resume", options.resume, "Skip machines already in FILE")->option_text("FILE")->check(NotEmpty());
-  AddTimeout(app, options, "For each machine (default: 60)");
+  AddSeconds(app, "--timeout", options.timeout, 1, "For each machine (default: 60)");
   app.add_option("--request", requests, "One request of several; may be repeated")
       ->option_text("CLASS[,CLASS...]")
       ->excludes(classOption)
       ->allow_extra_args(false);
-  AddChoice(app, "--edid-source", options.edidSource, kEdidSources, "Where this machine's EDIDs come from")
-      ->excludes(machineOption)
-      ->excludes(listOption);
-  AddChoice(app, "--xconfig-source", options.xconfigSource, kXconfigSources,
-            "auto (default)|file|kernel: its X configuration")
-      ->option_text("SOURCE")
-      ->excludes(machineOption)
-      ->excludes(listOption);
+  AddSources(app, options.edidSource, options.xconfigSource, {machineOption, listOption});
   AddChoice(app, "--format", options.format, kFormats, "text (default)|json|rows|csv|mof|html")->option_text("FORMAT");
   app.add_flag_callback(
       "--no-log", [&options] { options.hasLog = false; }, "Leave the log out of JSON");
