@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "command/base/text_encoding.h"
 #include "command/report/output_view.h"
