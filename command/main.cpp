@@ -236,7 +236,7 @@ std::string Answer(const TOptions& options) {
     if (!options.logLevel && !shown.insert(entry.message).second) return;
     std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
   };
-  // Never taken apart: that takes longer than the end of the process, which comes soon.
+  // Never destroyed: the process ends soon, which is faster.
   static const TAnswer& answer =
       *new TAnswer(Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog));
   DropPrivileges(false);
