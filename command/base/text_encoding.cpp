@@ -295,17 +295,17 @@ std::string QuoteJson(const std::string& text) {
 
 void AppendJson(TTextBuffer& target, std::string_view text) {
   constexpr std::size_t longest = 4096;  // a piece, so that a long text does not take room for its longest form
+  const char* in = text.data();
+  const char* const end = in + text.size();
+  bool isAscii = true;
   target.Append('"');
-  while (!text.empty()) {
-    const char* in = text.data();
-    const std::size_t size = std::min(text.size(), longest);
-    target.EndAt(WriteJson(target.GetRoom(kLongestInJson * size), in, in + size));
-    const bool isAscii = in == text.data() + size;
-    text.remove_prefix(static_cast<std::size_t>(in - text.data()));
-    if (isAscii) continue;
-    target.Append(Escape(text, EscapeForJson));
-    break;
+  while (in != end && isAscii) {
+    const std::size_t size = std::min(static_cast<std::size_t>(end - in), longest);
+    const char* const pieceEnd = in + size;
+    target.EndAt(WriteJson(target.GetRoom(kLongestInJson * size), in, pieceEnd));
+    isAscii = in == pieceEnd;
   }
+  if (in != end) target.Append(Escape({in, static_cast<std::size_t>(end - in)}, EscapeForJson));
   target.Append('"');
 }
 

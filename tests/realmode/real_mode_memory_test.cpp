@@ -1,6 +1,7 @@
 #include "realmode/real_mode_memory.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -78,6 +79,34 @@ TEST_F(RealModeMemory, IgnoresWhatIsNotItsBuffer) {
   memory.Release(&elsewhere);
   memory.Release(static_cast<std::uint8_t*>(buffer) + 1);
   EXPECT_EQ(memory.Allocate(16), nullptr);
+}
+
+TEST(RealModeMemoryAfterAnother, IsZeroAndAlignedInThePlaceOfTheOther) {
+  std::uint8_t* place = nullptr;
+  {
+    TRealModeMemory first;
+    place = first.At(0);
+    std::fill_n(place, TRealModeMemory::kSize, std::uint8_t{1});
+  }
+  TRealModeMemory second;
+  EXPECT_EQ(second.At(0), place);
+  EXPECT_TRUE(std::all_of(place, place + TRealModeMemory::kSize, [](std::uint8_t byte) { return byte == 0; }));
+}
+
+TEST(RealModeMemoryBesideAnother, IsAlignedAndApart) {
+  TRealModeMemory first;
+  // A page before it, so that the system's next place is not at a multiple of 1 MiB by chance.
+  const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  void* const page =
+      mmap(first.At(0) - pageSize, pageSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
+  TRealModeMemory second;
+  TRealModeMemory third;
+  for (TRealModeMemory* const memory : {&first, &second, &third}) {
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(memory->At(0)) % TRealModeMemory::kSize, 0U);
+    ++*memory->At(0);
+  }
+  EXPECT_EQ(*first.At(0) + *second.At(0) + *third.At(0), 3);
+  if (page != MAP_FAILED) munmap(page, pageSize);
 }
 
 // Whoever watches over the memory of a process does so there.
