@@ -253,7 +253,7 @@ std::string GetHelpCommand(const CLI::App& app) {
 
 /// The library calls a missing value "--machine: 1 required TEXT missing".
 std::string Explain(const CLI::ParseError& error, const CLI::App& app) {
-  const std::string text = error.what();
+  std::string text = error.what();
   const std::vector<CLI::App*> subcommands = app.get_subcommands();
   const CLI::App& owner = subcommands.empty() ? app : *subcommands.front();
   const std::string name = text.substr(0, text.find(':'));

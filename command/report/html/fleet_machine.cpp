@@ -58,12 +58,13 @@ std::string WriteFleetMachine(const TMachineSummary& machine) {
   return line.TakeText() + "\n";
 }
 
-TFleetMachine ReadFleetMachine(std::string_view text) {
-  const json line = json::parse(text);
-  TFleetMachine machine = {line["name"], line["systemName"], line["collected"], line["hasAnswered"] == 1, {}, {}, {}};
-  machine.controllers = line["controllers"].get<std::vector<std::string>>();
-  machine.problems = line["problems"].get<std::vector<std::string>>();
-  for (const json& monitor : line["monitors"]) {
+TFleetMachine ReadFleetMachine(std::string_view line) {
+  const json members = json::parse(line);
+  TFleetMachine machine = {
+      members["name"], members["systemName"], members["collected"], members["hasAnswered"] == 1, {}, {}, {}};
+  machine.controllers = members["controllers"].get<std::vector<std::string>>();
+  machine.problems = members["problems"].get<std::vector<std::string>>();
+  for (const json& monitor : members["monitors"]) {
     machine.monitors.push_back({monitor["maker"], monitor["model"], monitor["serialNumber"], monitor["made"],
                                 monitor["year"], monitor["week"]});
   }
