@@ -115,6 +115,7 @@ class TFleetSections {
     const TFleetMachine& machine = m_machines[position];
     const std::vector<std::string> nothing = {machine.hasAnswered ? "none" : "not known"};
     std::vector<std::string> monitors;
+    monitors.reserve(machine.monitors.size());
     for (const TFleetMonitor& monitor : machine.monitors) monitors.push_back(DescribeMonitor(monitor));
     return TMarkup::Element("tr", {{"id", TFleetLinks::MakeId(position)}},
                             MakeRowName(DescribeMachine(position)) +
