@@ -1,7 +1,10 @@
 #include "host/cim_value.h"
 
+#include <boost/make_shared.hpp>
+
 #include <charconv>
 #include <cstdio>
+#include <utility>
 #include <variant>
 
 #include "host/exception.h"
@@ -47,26 +50,36 @@ TCIMValue::TCIMType::TCIMType(ECIMType code) : m_code(code) {}
 TCIMValue::TCIMType::ECIMType TCIMValue::TCIMType::GetCode() const { return m_code; }
 
 struct TCIMValue::TContent {
+  template <typename TData>
+  TContent(TType contentType, TData&& content) : type(contentType), data(std::forward<TData>(content)) {}
+
+  /// Content and count of its owners in one block of memory: an answer has thousands of values.
+  template <typename TData>
+  static boost::shared_ptr<const TContent> Make(TType type, TData&& data) {
+    return boost::make_shared<const TContent>(type, std::forward<TData>(data));
+  }
+
   TType type;
   // A string, a datetime and a reference are all kept as their text.
   std::variant<bool, unsigned int, float, std::string, std::vector<TCIMValue>> data;
 };
 
 TCIMValue::TCIMValue() = default;
-TCIMValue::TCIMValue(bool value) : m_content(new TContent{TType::kBoolean, value}) {}
-TCIMValue::TCIMValue(unsigned char value) : m_content(new TContent{TType::kUint8, static_cast<unsigned int>(value)}) {}
+TCIMValue::TCIMValue(bool value) : m_content(TContent::Make(TType::kBoolean, value)) {}
+TCIMValue::TCIMValue(unsigned char value)
+    : m_content(TContent::Make(TType::kUint8, static_cast<unsigned int>(value))) {}
 TCIMValue::TCIMValue(unsigned short value)
-    : m_content(new TContent{TType::kUint16, static_cast<unsigned int>(value)}) {}
-TCIMValue::TCIMValue(unsigned int value) : m_content(new TContent{TType::kUint32, value}) {}
-TCIMValue::TCIMValue(float value) : m_content(new TContent{TType::kReal32, value}) {}
-TCIMValue::TCIMValue(const char* value) : m_content(new TContent{TType::kString, std::string(value)}) {}
-TCIMValue::TCIMValue(const std::string& value) : m_content(new TContent{TType::kString, value}) {}
+    : m_content(TContent::Make(TType::kUint16, static_cast<unsigned int>(value))) {}
+TCIMValue::TCIMValue(unsigned int value) : m_content(TContent::Make(TType::kUint32, value)) {}
+TCIMValue::TCIMValue(float value) : m_content(TContent::Make(TType::kReal32, value)) {}
+TCIMValue::TCIMValue(const char* value) : m_content(TContent::Make(TType::kString, std::string(value))) {}
+TCIMValue::TCIMValue(const std::string& value) : m_content(TContent::Make(TType::kString, value)) {}
 TCIMValue::TCIMValue(const TCIMDateTime& value)
-    : m_content(value.IsNull() ? nullptr : new TContent{TType::kDateTime, value.GetText()}) {}
-TCIMValue::TCIMValue(TCIMReference& value) : m_content(new TContent{TType::kReference, value.GetText()}) {}
+    : m_content(value.IsNull() ? nullptr : TContent::Make(TType::kDateTime, value.GetText())) {}
+TCIMValue::TCIMValue(TCIMReference& value) : m_content(TContent::Make(TType::kReference, value.GetText())) {}
 
 TCIMValue::TCIMValue(TCIMType type, unsigned int count, const std::vector<TCIMValue>& elements)
-    : m_content(new TContent{type, elements}) {
+    : m_content(TContent::Make(type, elements)) {
   if (count != elements.size()) throw TZELTException("an array value's count is not the number of its elements");
   for (const TCIMValue& element : elements) {
     if (element.IsArray() || element.GetType().GetCode() != type.GetCode()) {
