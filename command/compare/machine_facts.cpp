@@ -8,7 +8,7 @@
 
 #include "command/base/base64.h"
 #include "command/base/text_encoding.h"
-#include "command/machine/edid_facts.h"
+#include "command/edid/edid_facts.h"
 #include "embedded_host/schema.h"
 
 using nlohmann::json;

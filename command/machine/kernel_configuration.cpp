@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "command/machine/edid_facts.h"
+#include "command/edid/edid_facts.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "command/edid/edid_facts.h"
 #include "command/machine/damaged_edid.h"
-#include "command/machine/edid_facts.h"
 #include "realmode/virtual_video_bios.h"
 
 struct TOutput {

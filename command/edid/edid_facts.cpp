@@ -1,4 +1,4 @@
-#include "command/machine/edid_facts.h"
+#include "command/edid/edid_facts.h"
 
 #include <algorithm>
 #include <cmath>
