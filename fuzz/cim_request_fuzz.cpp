@@ -6,9 +6,9 @@
 #include <boost/property_tree/xml_parser.hpp>
 #include <sstream>
 
+#include "command/base/xml_reader.h"
 #include "command/cim_server/cim_operations.h"
 #include "command/cim_server/cim_xml_reader.h"
-#include "command/cim_server/xml_syntax.h"
 #include "fuzz/input.h"
 #include "fuzz/require.h"
 #include "tests/command/cim_server/cim_answer.h"
@@ -16,7 +16,7 @@
 namespace {
 
 bool IsWellFormed(const std::string& text) try {
-  RequireWellFormedXml(text);
+  static_cast<void>(ReadXml(text));
   return true;
 } catch (const TXmlFault&) {
   return false;

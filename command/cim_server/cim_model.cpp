@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "command/cim_server/xml_text.h"
+#include "command/base/xml_text.h"
 
 using nlohmann::json;
 using NQRXZELT20::TCIMValue;
@@ -73,6 +73,8 @@ TCimModel::TCimModel(const std::string& answer) {
 
 void TCimModel::Put(TCimInstance instance) {
   const auto [place, isNew] = m_numbers.emplace(MakeIdentity(instance.name), m_instances.size());
+  const std::string alias = MakeIdentity(JoinLineEnds(instance.name));
+  if (alias != place->first) m_aliases.emplace(alias, place->second);
   if (isNew) {
     m_instances.push_back(std::move(instance));
   } else {
@@ -101,7 +103,10 @@ std::optional<std::size_t> TCimModel::Find(const TObjectName& name) const {
 }
 
 std::optional<std::size_t> TCimModel::FindExactly(const TObjectName& name) const {
-  const auto found = m_numbers.find(MakeIdentity(name));
-  if (found == m_numbers.end()) return std::nullopt;
-  return found->second;
+  const std::string identity = MakeIdentity(name);
+  for (const auto* const numbers : {&m_numbers, &m_aliases}) {
+    const auto found = numbers->find(identity);
+    if (found != numbers->end()) return found->second;
+  }
+  return std::nullopt;
 }

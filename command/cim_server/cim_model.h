@@ -49,7 +49,7 @@ class TCimModel {
   const std::vector<TCimLink>& GetLinksOf(std::size_t association) const { return m_linksOf[association]; }
 
   /// The number of the instance that a client names. Its keys are looked up as they come, then with their escapes
-  /// undone.
+  /// undone; line ends in them may have become line feeds.
   std::optional<std::size_t> Find(const TObjectName& name) const;
 
  private:
@@ -59,6 +59,7 @@ class TCimModel {
 
   std::vector<TCimInstance> m_instances;
   std::map<std::string, std::size_t> m_numbers;  // of the instances, by their identities
+  std::map<std::string, std::size_t> m_aliases;  // the same, by the identities of their names with joined line ends
   // By the number of the instance:
   std::vector<std::vector<TCimLink>> m_linksTo;
   std::vector<std::vector<TCimLink>> m_linksOf;

@@ -5,8 +5,8 @@
 #include <set>
 #include <stdexcept>
 
+#include "command/base/xml_text.h"
 #include "command/cim_server/cim_xml_writer.h"
-#include "command/cim_server/xml_text.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <charconv>
 
 #include "command/base/text_encoding.h"
+#include "command/base/xml_text.h"
 #include "command/cim_server/cim_xml_reader.h"
 #include "command/cim_server/object_name.h"
-#include "command/cim_server/xml_text.h"
 
 namespace {
 

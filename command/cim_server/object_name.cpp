@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "command/cim_server/xml_text.h"
+#include "command/base/xml_text.h"
 #include "embedded_host/schema.h"
 
 namespace {
@@ -45,6 +45,18 @@ std::string Measure(const std::string& text) { return std::to_string(text.size()
 std::string GetKeyName(const TKeyBinding& key, const TClassDeclaration* declaration) {
   const bool isUnnamed = key.name.empty() && declaration != nullptr && !declaration->properties.empty();
   return ToLower(isUnnamed ? declaration->properties.front().name : key.name);  // keys come first
+}
+
+/// The name with each key's value changed, even in the names that keys refer to.
+template <typename TChange>
+TObjectName ChangeValues(const TObjectName& name, TChange change) {
+  TObjectName changed = name;
+  for (TKeyBinding& key : changed.keys) {
+    key.value = change(key.value);
+    if (key.reference == nullptr) continue;
+    key.reference = std::make_shared<const TObjectName>(ChangeValues(*key.reference, change));
+  }
+  return changed;
 }
 
 }  // namespace
@@ -99,10 +111,17 @@ const TClassDeclaration* FindCimClass(const std::string& name) {
 }
 
 TObjectName UndoEscapes(const TObjectName& name) {
-  TObjectName plain = name;
-  for (TKeyBinding& key : plain.keys) {
-    key.value = UndoEscapes(key.value);
-    if (key.reference != nullptr) key.reference = std::make_shared<const TObjectName>(UndoEscapes(*key.reference));
-  }
-  return plain;
+  return ChangeValues(name, [](const std::string& text) { return UndoEscapes(text); });
+}
+
+TObjectName JoinLineEnds(const TObjectName& name) {
+  return ChangeValues(name, [](const std::string& text) {
+    std::string joined;
+    for (std::size_t position = 0; position < text.size(); ++position) {
+      const bool isReturn = text[position] == '\r';
+      if (isReturn && text.compare(position + 1, 1, "\n") == 0) continue;
+      joined += isReturn ? '\n' : text[position];
+    }
+    return joined;
+  });
 }

@@ -38,3 +38,7 @@ const TClassDeclaration* FindCimClass(const std::string& name);
 /// The name with the backslash taken away before each character of a key's value that it escapes: wbemcli sends the
 /// keys of a path as it printed them, which is with escapes.
 TObjectName UndoEscapes(const TObjectName& name);
+
+/// The name with each line end in a key's value as a line feed: so it comes back from a client that writes the carriage
+/// return of a value as it is, since XML readers join line ends.
+TObjectName JoinLineEnds(const TObjectName& name);

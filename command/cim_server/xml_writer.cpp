@@ -1,6 +1,6 @@
 #include "command/cim_server/xml_writer.h"
 
-#include "command/cim_server/xml_text.h"
+#include "command/base/xml_text.h"
 
 void TXmlWriter::Open(const char* element, TAttributes attributes) {
   Begin(element, attributes);

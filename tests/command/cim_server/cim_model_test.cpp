@@ -49,6 +49,15 @@ TEST(CimModel, FindsAKeyAsItComesBeforeItsEscapesAreUndone) {
   EXPECT_EQ(both.Find(NameMode(R"(a\\b)")), 1U);
 }
 
+TEST(CimModel, FindsAKeyWhoseLineEndsAnXmlReaderHasJoined) {
+  const TCimModel model(
+      MakeAnswerJson(MakeModeJson("a\\r\\nb\\r") + "," + MakeModeJson("c\\rd") + "," + MakeModeJson("c\\nd")));
+  EXPECT_EQ(model.Find(NameMode("a\r\nb\r")), 0U);
+  EXPECT_EQ(model.Find(NameMode("a\nb\n")), 0U);
+  EXPECT_EQ(model.Find(NameMode("c\rd")), 1U);
+  EXPECT_EQ(model.Find(NameMode("c\nd")), 2U);
+}
+
 TEST(CimModel, KnowsWhichInstancesAnAssociationLinks) {
   const TCimModel model(MakeTwoMonitorsJson());
   ASSERT_EQ(model.GetLinksTo(0).size(), 1U);

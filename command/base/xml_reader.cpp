@@ -1,18 +1,25 @@
-#include "command/cim_server/xml_syntax.h"
+#include "command/base/xml_reader.h"
+
+#include <utf8.h>
 
 #include <algorithm>
 #include <charconv>
-#include <string>
-#include <vector>
+#include <iterator>
 
-#include "command/cim_server/xml_text.h"
+#include "command/base/xml_text.h"
 
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr const char* kDeclaration = "a declaration, which is refused,";
-constexpr std::string_view kEntities[] = {"amp", "lt", "gt", "quot", "apos"};
+
+struct TEntity {
+  std::string_view name;
+  char character;
+};
+
+constexpr TEntity kEntities[] = {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
 
 bool IsLetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
@@ -31,21 +38,23 @@ bool IsSameWord(std::string_view one, std::string_view other) {
 }
 
 /// Goes through the document once, from its first byte to its last, without calling itself.
-class TScanner {
+class TReader {
  public:
-  explicit TScanner(std::string_view text) : m_text(text) {}
+  TReader(std::string_view text, const TXmlLimits& limits) : m_text(text), m_limits(limits) {}
 
-  void ScanDocument() {
+  TXmlElement ReadDocument() {
+    if (m_text.size() > m_limits.size) Refuse("a document that is too large");
     if (!IsXmlText(m_text)) Refuse("a byte that is not UTF-8, or a character that XML does not have");
     Skip(kByteOrderMark);
     if (Begins("<?xml") && !ContinuesName(At(5)) && static_cast<unsigned char>(At(5)) < 0x80) ScanDeclaration();
     ScanAround();
     if (Begins("<!")) Refuse(kDeclaration);
     Require("<", "no element");
-    ScanStartTag();
-    while (!m_open.empty()) ScanContent();
+    ReadStartTag();
+    while (!m_open.empty()) ReadContent();
     ScanAround();
     if (!IsAtEnd()) Refuse("something after the document's element");
+    return std::move(m_root);
   }
 
  private:
@@ -145,85 +154,137 @@ class TScanner {
   }
 
   /// A tag, a text, or anything else that an element may contain.
-  void ScanContent() {
+  void ReadContent() {
     if (Skip("</")) {
-      ScanEndTag();
+      ReadEndTag();
     } else if (Skip("<![CDATA[")) {
-      TakeUpTo("]]>", "no end of the CDATA section");
+      ReadCdata();
     } else if (Begins("<!") && !Begins("<!--")) {
       Refuse(kDeclaration);
     } else if (ScanAside()) {
       return;
     } else if (Skip("<")) {
-      ScanStartTag();
+      ReadStartTag();
     } else {
-      ScanCharacters("<");
+      m_open.back().text += TakeCharacters("<");
     }
   }
 
-  void ScanStartTag() {
-    const std::string_view name = TakeName();
-    std::vector<std::string_view> attributes;
+  void ReadStartTag() {
+    if (++m_elements > m_limits.elements) Refuse("too many elements");
+    TXmlElement element;
+    element.name = TakeName();
     bool isApart = SkipBlanks();
     while (!Begins(">") && !Begins("/>")) {
       if (!isApart) Refuse("no blank before an attribute");
-      attributes.push_back(TakeName());
-      if (std::count(attributes.begin(), attributes.end(), attributes.back()) > 1)
-        Refuse("an attribute for the second time");
-      const char quote = TakeQuote();
-      ScanCharacters(quote == '"' ? "\"<" : "'<");
-      Require(std::string_view(&quote, 1), "a < in an attribute");
+      ReadAttribute(element);
       isApart = SkipBlanks();
     }
-    if (Skip("/>")) return;
+    m_open.push_back(std::move(element));
+    if (Skip("/>")) return Close();
     Skip(">");
-    m_open.push_back(name);
-    if (m_open.size() > kMaxXmlDepth) Refuse("elements nested too deep");
+    if (m_open.size() > m_limits.depth) Refuse("elements nested too deep");
   }
 
-  void ScanEndTag() {
-    if (TakeName() != m_open.back()) Refuse("an end tag of another element");
+  void ReadAttribute(TXmlElement& element) {
+    const std::string_view name = TakeName();
+    if (element.FindAttribute(name) != nullptr) Refuse("an attribute for the second time");
+    if (element.attributes.size() == m_limits.attributes) Refuse("too many attributes of an element");
+    const char quote = TakeQuote();
+    element.attributes.emplace_back(name, TakeCharacters(quote == '"' ? "\"<" : "'<"));
+    Require(std::string_view(&quote, 1), "a < in an attribute");
+  }
+
+  void ReadEndTag() {
+    if (TakeName() != m_open.back().name) Refuse("an end tag of another element");
     SkipBlanks();
     Require(">", "no end of the end tag");
-    m_open.pop_back();
+    Close();
   }
 
-  /// Text up to one of `ends`, which must come.
-  void ScanCharacters(std::string_view ends) {
-    while (ends.find(At(0)) == std::string_view::npos) {
-      if (IsAtEnd()) Refuse("the end within an element");
-      if (ends.size() == 1 && Begins("]]>")) Refuse("]]> in a text");
-      if (Skip("&")) {
-        ScanReference();
-      } else {
-        ++m_position;
-      }
+  /// The innermost open element becomes the last child of the one around it.
+  void Close() {
+    TXmlElement element = std::move(m_open.back());
+    m_open.pop_back();
+    if (m_open.empty()) {
+      m_root = std::move(element);
+    } else {
+      m_open.back().children.push_back(std::move(element));
     }
   }
 
-  void ScanReference() {
+  void ReadCdata() {
+    while (!Skip("]]>")) {
+      if (IsAtEnd()) Refuse("no end of the CDATA section");
+      m_open.back().text += TakeCharacter();
+    }
+  }
+
+  /// A byte; a line end, in any of its forms, as a line feed.
+  char TakeCharacter() {
+    if (Skip("\r\n") || Skip("\r")) return '\n';
+    return m_text[m_position++];
+  }
+
+  /// Text up to one of `ends`, which must come, with its references resolved. There are two ends in an attribute, where
+  /// each blank is a space.
+  std::string TakeCharacters(std::string_view ends) {
+    const bool isAttribute = ends.size() > 1;
+    std::string taken;
+    while (ends.find(At(0)) == std::string_view::npos) {
+      if (IsAtEnd()) Refuse("the end within an element");
+      if (!isAttribute && Begins("]]>")) Refuse("]]> in a text");
+      if (Skip("&")) {
+        taken += TakeReference();
+      } else {
+        const char character = TakeCharacter();
+        taken += isAttribute && kBlanks.find(character) != std::string_view::npos ? ' ' : character;
+      }
+    }
+    return taken;
+  }
+
+  std::string TakeReference() {
     std::string_view name = TakeUpTo(";", "no end of the reference");
     if (name.substr(0, 1) != "#") {
-      if (std::find(std::begin(kEntities), std::end(kEntities), name) == std::end(kEntities)) {
-        Refuse("an entity that is not one of the five of XML, before");
-      }
-      return;
+      const auto* const entity = std::find_if(std::begin(kEntities), std::end(kEntities),
+                                              [&](const TEntity& candidate) { return candidate.name == name; });
+      if (entity == std::end(kEntities)) Refuse("an entity that is not one of the five of XML, before");
+      return {entity->character};
     }
     name.remove_prefix(1);
     const int base = name.substr(0, 1) == "x" ? 16 : 10;
     if (base == 16) name.remove_prefix(1);
-    unsigned long code = 0;
+    std::uint32_t code = 0;
     const std::from_chars_result result = std::from_chars(name.data(), name.data() + name.size(), code, base);
     if (name.empty() || result.ec != std::errc() || result.ptr != name.data() + name.size() || !IsXmlCharacter(code)) {
       Refuse("a reference to no character, before");
     }
+    std::string character;
+    utf8::append(static_cast<char32_t>(code), std::back_inserter(character));
+    return character;
   }
 
   std::string_view m_text;
+  const TXmlLimits& m_limits;
   std::size_t m_position = 0;
-  std::vector<std::string_view> m_open;  // elements, the innermost last
+  std::size_t m_elements = 0;
+  std::vector<TXmlElement> m_open;  // the innermost last
+  TXmlElement m_root;
 };
 
 }  // namespace
 
-void RequireWellFormedXml(std::string_view text) { TScanner(text).ScanDocument(); }
+const std::string* TXmlElement::FindAttribute(std::string_view attribute) const {
+  const auto found = std::find_if(attributes.begin(), attributes.end(),
+                                  [&](const auto& candidate) { return candidate.first == attribute; });
+  return found == attributes.end() ? nullptr : &found->second;
+}
+
+const TXmlElement* TXmlElement::FindChild(std::string_view child) const {
+  const auto found = std::find_if(children.begin(), children.end(),
+                                  [&](const TXmlElement& candidate) { return candidate.name == child; });
+  return found == children.end() ? nullptr : &*found;
+}
+
+TXmlElement ReadXml(std::string_view text, const TXmlLimits& limits) { return TReader(text, limits).ReadDocument(); }

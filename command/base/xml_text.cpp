@@ -1,4 +1,4 @@
-#include "command/cim_server/xml_text.h"
+#include "command/base/xml_text.h"
 
 #include <algorithm>
 
