@@ -64,10 +64,12 @@ TCIMReference TStoredInstance::GetObjectPath(TCIMQueryContext) { return TCIMRefe
 boost::shared_ptr<ICIMClass> TStoredInstance::GetClass(TCIMQueryContext) { return Owner(); }
 
 boost::shared_ptr<ICIMProperty> TStoredInstance::GetProperty(const std::string& name, TCIMQueryContext) {
+  if (m_asked != nullptr && m_askedName == name) return m_asked;
   const auto found = m_properties.find(name);
-  if (found != m_properties.end()) return boost::make_shared<TStoredProperty>(found->second);
-  Declared(name);
-  return boost::make_shared<TStoredProperty>(TCIMValue());
+  if (found == m_properties.end()) Declared(name);
+  m_askedName = name;
+  m_asked = boost::make_shared<TStoredProperty>(found == m_properties.end() ? TCIMValue() : found->second);
+  return m_asked;
 }
 
 void TStoredInstance::SetProperty(const std::string& name, const TCIMValue& value, TCIMQueryContext) {
@@ -80,6 +82,7 @@ void TStoredInstance::SetProperty(const std::string& name, const TCIMValue& valu
   }
   m_properties[name] = value;
   m_path.clear();
+  m_asked.reset();
 }
 
 const TClassDeclaration& TStoredInstance::GetDeclaration() const { return m_declaration; }

@@ -42,7 +42,10 @@ class HOST_API TStoredInstance : public NQRXZELT20::ICIMInstance,
   boost::weak_ptr<TStoredClass> m_class;  // weak: the class holds its instances
   const TClassDeclaration& m_declaration;
   std::map<std::string, NQRXZELT20::TCIMValue> m_properties;
-  mutable std::string m_path;  // empty until somebody asks: associations ask for the same one again and again
+  // What associations ask for again and again; empty until somebody asks.
+  mutable std::string m_path;
+  std::string m_askedName;  // of the property that was asked for last
+  boost::shared_ptr<NQRXZELT20::ICIMProperty> m_asked;
 };
 
 class TCimStore;

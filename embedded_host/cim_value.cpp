@@ -91,6 +91,9 @@ TCIMValue::TCIMValue(TCIMType type, unsigned int count, const std::vector<TCIMVa
 bool TCIMValue::IsNull() const { return m_content == nullptr; }
 
 TCIMValue::operator std::string() const {
+  // First, since associations ask for the text of a string thousands of times.
+  const std::string* const text = IsNull() ? nullptr : std::get_if<std::string>(&m_content->data);
+  if (text != nullptr) return *text;
   switch (IsArray() ? TType::kNull : GetType().GetCode()) {
     case TType::kBoolean:
       return GetBoolean() ? "true" : "false";
@@ -100,14 +103,9 @@ TCIMValue::operator std::string() const {
       return std::to_string(GetUnsigned());
     case TType::kReal32:
       return GetShortestDecimal(GetReal());
-    case TType::kString:
-    case TType::kDateTime:
-    case TType::kReference:
-      return GetText();
-    case TType::kNull:
-      break;
+    default:
+      return std::string();
   }
-  return std::string();
 }
 
 TCIMValue::TCIMType TCIMValue::GetType() const { return IsNull() ? TType::kNull : m_content->type; }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* kController = "QRXSG_VideoController";
 constexpr const char* kHead = "QRXSG_VideoHead";
-constexpr const char* kDisplayId = "DisplayId";
+const std::string kDisplayId = "DisplayId";
 
 /// Appends a pair for each controller with the head's display id. A head without one gets no pair.
 void Link(ICIMInstance& head, const TInstanceList& controllers, std::vector<PropertyMap>& pairs) {

@@ -112,6 +112,17 @@ TEST_F(CimStore, GivesAPropertyAsItWasSet) {
   EXPECT_EQ(Describe(Commit("1", "A")->GetProperty("Name", kNone)->GetValue(kNone)), "string A");
 }
 
+TEST_F(CimStore, GivesAPropertyAsItIsNowAndLeavesTheEarlierAsItWas) {
+  const auto monitor = Commit("1", "A");
+  const auto earlier = monitor->GetProperty("Name", kNone);
+  EXPECT_EQ(monitor->GetProperty("Name", kNone), earlier);
+  EXPECT_EQ(Describe(monitor->GetProperty("DeviceID", kNone)->GetValue(kNone)), "string 1");
+  monitor->SetProperty("DeviceID", TCIMValue("2"), kNone);
+  monitor->SetProperty("Name", TCIMValue("B"), kNone);
+  EXPECT_EQ(Describe(monitor->GetProperty("Name", kNone)->GetValue(kNone)), "string B");
+  EXPECT_EQ(Describe(earlier->GetValue(kNone)), "string A");
+}
+
 TEST_F(CimStore, MakesAPathOfTheKeysInAscendingOrder) {
   const auto instance = monitors->CreateInstance(kNone);
   for (const char* key : {"SystemName", "DeviceID", "SystemCreationClassName", "CreationClassName", "Name"}) {
