@@ -136,6 +136,9 @@ int RunComparison(const TOptions& options, TCompareOptions compare) try {
 }
 
 int RunServer(const TOptions& options, TServeOptions serve) {
+  serve.edidSource = options.edidSource;
+  serve.xconfigSource = options.xconfigSource;
+  serve.timeout = options.timeout;
   serve.plugin = options.plugin.value_or(FindPlugin());
   Serve(serve);
   return kDone;
@@ -255,6 +258,23 @@ int Run(const TOptions& options) {
   return kDone;
 }
 
+int RunSubcommand(const TCommandLine& line) {
+  switch (line.subcommand) {
+    case ESubcommand::kCapture:
+      return RunCapture(line.options, line.capture);
+    case ESubcommand::kCompare:
+      return RunComparison(line.options, line.compare);
+    case ESubcommand::kServe:
+      return RunServer(line.options, line.serve);
+    case ESubcommand::kSchema:
+      WriteStandardOutput(MakeSchemaDocument(line.schemaFormat));
+      return kDone;
+    case ESubcommand::kNone:
+      break;
+  }
+  return line.options.IsFleet() ? RunFleet(line.options) : Run(line.options);
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -262,13 +282,7 @@ int main(int argumentCount, char** arguments) {
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows in write() instead
   try {
     const TCommandLine line = ParseCommandLine(argumentCount, arguments);
-    if (line.exitStatus) return *line.exitStatus;
-    if (line.serve) return RunServer(line.options, *line.serve);
-    if (line.compare) return RunComparison(line.options, *line.compare);
-    if (line.capture) return RunCapture(line.options, *line.capture);
-    if (!line.schemaFormat) return line.options.IsFleet() ? RunFleet(line.options) : Run(line.options);
-    WriteStandardOutput(MakeSchemaDocument(*line.schemaFormat));
-    return kDone;
+    return line.exitStatus ? *line.exitStatus : RunSubcommand(line);
   } catch (const std::exception& error) {
     std::cerr << "displayinfo: " << ToMessage(error.what()) << '\n';
     return kUnusable;

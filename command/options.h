@@ -13,8 +13,11 @@
 #include "command/machine/this_machine.h"
 #include "host/logger.h"
 
+// In the order in which the table of options has their words.
 enum class EFormat { kText, kJson, kRows, kCsv, kMof, kHtml };
 enum class ESchemaFormat { kText, kMof, kJsonSchema };
+
+enum class ESubcommand { kNone, kCapture, kCompare, kServe, kSchema };
 
 constexpr unsigned int kMaxJobs = 1000;
 
@@ -43,16 +46,15 @@ struct TCaptureOptions {
   bool isAnonymous = false;
 };
 
-/// Either the options of a collection, of a capture, of a comparison or of a server, or the format in which to print
-/// the classes, or the exit status of a command that is done: after --help, --version or wrong usage, which standard
-/// error has explained.
+/// What the command is to do. Of the subcommands' options only those of `subcommand` are set.
 struct TCommandLine {
-  TOptions options;
-  std::optional<ESchemaFormat> schemaFormat;
-  std::optional<TCaptureOptions> capture;
-  std::optional<TCompareOptions> compare;  // without its plug-in
-  std::optional<TServeOptions> serve;      // without its plug-in
-  std::optional<int> exitStatus;
+  std::optional<int> exitStatus;  // the command is done: after --help, --version, or wrong usage, which was explained
+  ESubcommand subcommand = ESubcommand::kNone;
+  TOptions options;  // of a collection; those of them that a subcommand has too
+  TCaptureOptions capture;
+  TCompareOptions compare;  // without its plug-in and its time limit
+  TServeOptions serve;      // without its plug-in, its time limit and its sources
+  ESchemaFormat schemaFormat = ESchemaFormat::kText;
 };
 
 /// Throws TUnusable when what was asked for, such as the help, cannot be written.

@@ -1,41 +1,35 @@
 # shellcheck shell=bash
 # Completes the subcommands of displayinfo, their options, the values of these, files, and the classes.
 _displayinfo() {
-  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} subcommand='' words
-  case ${COMP_WORDS[1]} in capture | compare | schema | serve) ((COMP_CWORD > 1)) && subcommand=${COMP_WORDS[1]} ;; esac
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} subcommand=-
   # The shell takes --format=json for three words.
   if [ "$current" = = ]; then
     current=''
   elif [ "$previous" = = ]; then
     previous=${COMP_WORDS[COMP_CWORD - 2]}
   fi
-  local classes='QRXSG_VideoController QRXSG_VideoHead QRXSG_HeadOfVideoController QRXSG_DesktopMonitor
-    QRXSG_MonitorResolution QRXSG_MonitorSetting'
-  local sources='--edid-source --xconfig-source' files=no
-  case $previous in
-    --machine | --machines | --resume | --plugin) files=yes words='' ;;
-    --request) words=$classes ;;
-    --edid-source) words='auto bios drm' ;;
-    --xconfig-source) words='auto file kernel' ;;
-    --log-level) words='error warning status debug verbose' ;;
-    --format)
-      case $subcommand in
-        schema) words='text mof json-schema' ;;
-        compare) words='text json' ;;
-        *) words='text json rows csv mof html' ;;
-      esac ;;
-    --jobs | --timeout | --port | --listen | --max-age) words='' ;;
-    *)
-      case $subcommand in
-        capture) files=yes words="--machine --anonymous $sources --timeout --plugin --help" ;;
-        compare) files=yes words='--format --timeout --plugin --help' ;;
-        schema) words='--format --help' ;;
-        serve) words="--port --listen --machine $sources --max-age --timeout --plugin --help" ;;
-        *) words="--machine --machines --jobs --resume --timeout --request $sources --format --no-log --log-level
-             --plugin --version --help $classes"
-          ((COMP_CWORD == 1)) && words+=' capture compare schema serve' ;;
-      esac ;;
-  esac
+  # Lines "SUBCOMMAND NAME KIND WORD...", with - for none. An option of the kind "flag" has no value; the value of the
+  # others is a file ("files"), or one of the words. A NAME without hyphens stands for a word that is no option.
+  local options='
+@OPTIONS@
+'
+  if ((COMP_CWORD > 1)) && [[ $options == *$'\n'"${COMP_WORDS[1]} "* ]]; then subcommand=${COMP_WORDS[1]}; fi
+  local files=no words='' all_files=no all_words='' is_value=no page last_page='' name kind offered
+  while read -r page name kind offered; do
+    if [ "$page" != "$subcommand" ]; then
+      if ((COMP_CWORD == 1)) && [ "$page" != "$last_page" ]; then all_words+=" $page"; fi
+      last_page=$page
+    elif [ "$name" = "$previous" ] && [ "$kind" != flag ]; then
+      is_value=yes words=$offered
+      if [ "$kind" = files ]; then files=yes; fi
+    elif [[ $name == --* ]]; then
+      all_words+=" $name"
+    else
+      all_words+=" $offered"
+      if [ "$kind" = files ]; then all_files=yes; fi
+    fi
+  done <<<"$options"
+  if [ $is_value = no ]; then files=$all_files words=$all_words; fi
   COMPREPLY=()
   [ -z "$words" ] || mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
   if [ "$files" = yes ] && [[ $current != -* ]]; then

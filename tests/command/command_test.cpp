@@ -181,7 +181,7 @@ TEST_F(Command, DoesNotObeyWhatAMonitorIsCalled) {
 TEST_F(Command, AnswersAnUnknownWordWithAllThatItMayHaveMeant) {
   for (const std::string word : {"QRXSG_Desktopmonitor", "captur"}) {
     ExpectWrongUsage(word, "\"" + word + "\" is neither a class nor a subcommand; the classes are " + kClassNames +
-                               "; the subcommands are schema, capture, compare, serve");
+                               "; the subcommands are capture, compare, serve, schema");
   }
 }
 
@@ -227,7 +227,14 @@ TEST_F(Command, ExplainsWrongUsageInOneLine) {
   ExpectWrongUsage("--machines x --format html --request QRXSG_VideoHead",
                    "the page of several machines is made from all classes; leave CLASS and --request out");
   ExpectWrongUsage("--no-log", "--no-log is for --format json; the page keeps its log, and no other format has one");
-  ExpectWrongUsage("schema capture x", "The following arguments were not expected: x capture", "schema ");
+  ExpectWrongUsage("schema capture x", "The following argument was not expected: capture", "schema ");
+  ExpectWrongUsage("capture x -y", "The following argument was not expected: -y", "capture ");
+  ExpectWrongUsage("--no-log=yes", "--no-log takes no value");
+  ExpectWrongUsage("--timeout 5 --timeout 6", "--timeout may be given only once");
+  ExpectWrongUsage("serve --listen 0.0.0.0",
+                   "--listen takes 127.0.0.1 or ::1, not 0.0.0.0; to answer other machines, use an SSH tunnel, or a "
+                   "reverse proxy with TLS and passwords",
+                   "serve ");
 }
 
 TEST_F(Command, SaysWhatToWriteWhereAValueIsMissing) {
@@ -237,7 +244,29 @@ TEST_F(Command, SaysWhatToWriteWhereAValueIsMissing) {
   ExpectWrongUsage("--timeout", "--timeout has no value; write --timeout SECONDS");
   ExpectWrongUsage("--edid-source", "--edid-source has no value; write --edid-source auto|bios|drm");
   ExpectWrongUsage("--request", "--request has no value; write --request CLASS[,CLASS...]");
+  ExpectWrongUsage("--machine --format json", "--machine has no value; write --machine PATH");
   ExpectWrongUsage("compare a b --format", "--format has no value; write --format text|json", "compare ");
+}
+
+TEST_F(Command, RefusesAbbreviationsOfItsOptions) {
+  for (const std::string option : {"--form", "--mach", "--resum", "--no-lo", "--log"}) {
+    ExpectWrongUsage(option, "The following argument was not expected: " + option);
+    ExpectWrongUsage(option + " x", "The following argument was not expected: " + option);
+    ExpectWrongUsage(option + "=x", "The following argument was not expected: " + option + "=x");
+  }
+}
+
+TEST_F(Command, ReadsOptionsAndWordsInAnyOrderWhateverTheEnvironmentSays) {
+  const std::string path = machine.GetPath();
+  const std::string expected = Run("QRXSG_VideoHead QRXSG_DesktopMonitor --format json").output;
+  for (const std::string environment : {"", "POSIXLY_CORRECT=1 "}) {
+    for (const std::string& arguments :
+         {"QRXSG_VideoHead --format json QRXSG_DesktopMonitor --machine " + path,
+          "QRXSG_VideoHead --machine=" + path + " QRXSG_DesktopMonitor --format=json",
+          "--format=json --machine " + path + " -- QRXSG_VideoHead QRXSG_DesktopMonitor"}) {
+      EXPECT_EQ(RunShell(environment + kCommand + " " + arguments).output, expected) << environment << arguments;
+    }
+  }
 }
 
 TEST_F(Command, DoesNotObeyWhatIsWrongInItsUsage) {
