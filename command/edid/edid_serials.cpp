@@ -1,4 +1,4 @@
-#include "command/capture/edid_serials.h"
+#include "command/edid/edid_serials.h"
 
 #include <algorithm>
 #include <array>
