@@ -1,0 +1,167 @@
+#include "command/edid/serial_rules.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <iterator>
+
+namespace {
+
+typedef std::uint32_t TNumber;
+
+std::string Format(const char* format, TNumber number) {
+  char text[16];
+  std::snprintf(text, sizeof text, format, static_cast<unsigned int>(number));
+  return text;
+}
+
+// What makers make of number and text. Each gives an empty text where it does not apply.
+
+/// Acer: the number in hex stands between the eighth character of the text and the ninth.
+std::string WeaveNumberIntoText(TNumber number, const std::string& text) {
+  constexpr std::size_t place = 8;
+  if (text.size() <= place) return std::string();
+  return text.substr(0, place) + Format("%08x", number) + text.substr(place);
+}
+
+/// Samsung: the number is four characters, the first in its highest byte, and the text goes on after them.
+std::string PutFourCharactersBeforeText(TNumber number, const std::string& text) {
+  std::string characters;
+  for (const unsigned int shift : {24U, 16U, 8U, 0U}) characters += static_cast<char>(number >> shift & 0xFFU);
+  const bool isText = std::all_of(characters.begin(), characters.end(), [](unsigned char character) {
+    return std::isdigit(character) != 0 || std::isupper(character) != 0;
+  });
+  return isText ? characters + text : std::string();
+}
+
+constexpr TNumber kBenqLetters = 0x5445;  // "ET" in its two lowest bytes, the first in the lower
+
+/// BenQ: the number is the two letters that every serial number begins with.
+std::string PutLettersBeforeText(TNumber number, const std::string& text) {
+  return number == kBenqLetters ? "ET" + text : std::string();
+}
+
+/// LG: the last five characters of the printed number. Two count the thousands, in digits and the letters but I and O.
+std::string WriteFiveCharacters(TNumber number, const std::string&) {
+  constexpr char digits[] = "0123456789ABCDEFGHJKLMNPQRSTUVWXYZ";
+  constexpr TNumber base = std::size(digits) - 1;
+  const TNumber thousands = number / 1000;
+  if (thousands >= base * base) return std::string();
+  return std::string{digits[thousands / base], digits[thousands % base]} + Format("%03u", number % 1000);
+}
+
+/// Philips: the number in six digits, with which most texts end.
+std::string WriteSixDigits(TNumber number, const std::string& text) {
+  std::string digits = Format("%06u", number);
+  const bool isInText = text.size() >= digits.size() && text.substr(text.size() - digits.size()) == digits;
+  return isInText ? std::string() : digits;
+}
+
+enum class EText { kAny, kPresent, kMissing };
+enum class EUse { kSerial, kAlternative };
+
+/// A maker's models, and what is made of their numbers and texts.
+struct TRule {
+  const char* maker;
+  unsigned int first;  // product code
+  unsigned int last;
+  EText text;
+  EUse use;
+  std::string (*make)(TNumber number, const std::string& text);
+};
+
+constexpr unsigned int kAnyFirst = 0;
+constexpr unsigned int kAnyLast = 0xFFFF;
+
+// The first that fits counts. A model has its own row where the maker prints the other one of two serial numbers on it.
+constexpr TRule kRules[] = {
+    {"ACR", 0x0019, 0x001A, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0020, 0x0020, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0024, 0x0024, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0026, 0x0026, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0076, 0x0076, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x00A3, 0x00A3, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x00C7, 0x00C7, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0133, 0x0133, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x02D4, 0x02D4, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0319, 0x0319, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x032D, 0x032D, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0330, 0x0330, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0335, 0x0335, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0337, 0x0337, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x033A, 0x033A, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0353, 0x0353, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x042E, 0x042E, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0468, 0x0468, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x047B, 0x047B, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0480, 0x0480, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0512, 0x0512, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x056B, 0x056B, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x0771, 0x0771, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x2311, 0x2311, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0x56AD, 0x56AD, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", 0xAD72, 0xAD72, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", kAnyFirst, kAnyLast, EText::kPresent, EUse::kAlternative, WeaveNumberIntoText},
+    {"BNQ", kAnyFirst, kAnyLast, EText::kPresent, EUse::kSerial, PutLettersBeforeText},
+    {"GSM", kAnyFirst, kAnyLast, EText::kAny, EUse::kAlternative, WriteFiveCharacters},
+    {"PHL", kAnyFirst, kAnyLast, EText::kPresent, EUse::kAlternative, WriteSixDigits},
+    {"PHL", kAnyFirst, kAnyLast, EText::kMissing, EUse::kSerial, WriteSixDigits},
+    {"SAM", 0x0694, 0x0694, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
+    {"SAM", 0x0835, 0x0835, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
+    {"SAM", 0x09C6, 0x09C6, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
+    {"SAM", 0x0BC9, 0x0BC9, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
+    {"SAM", 0x0CA5, 0x0CA5, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
+    {"SAM", kAnyFirst, kAnyLast, EText::kPresent, EUse::kAlternative, PutFourCharactersBeforeText},
+};
+
+bool IsFor(const TRule& rule, const std::string& maker, unsigned int productCode, bool hasText) {
+  if (rule.text != EText::kAny && (rule.text == EText::kPresent) != hasText) return false;
+  return maker == rule.maker && productCode >= rule.first && productCode <= rule.last;
+}
+
+/// Without the bytes that some makers fill the text up with, which nobody prints.
+std::string RemoveUnprintableEnd(std::string text) {
+  const auto isPrintable = [](char character) { return character > ' ' && character <= '~'; };
+  text.erase(std::find_if(text.rbegin(), text.rend(), isPrintable).base(), text.end());
+  return text;
+}
+
+/// Without any rule.
+std::optional<TSerial> FindPlainSerial(std::optional<TNumber> number, const std::string& text) {
+  if (!text.empty()) return TSerial{text, ESerialSource::kText, ""};
+  if (number) return TSerial{std::to_string(*number), ESerialSource::kNumber, ""};
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<TSerial> FindSerial(const std::string& maker, unsigned int productCode, std::optional<TNumber> number,
+                                  const std::string& text) {
+  if (number && IsFillerSerial(std::to_string(*number))) number.reset();
+  std::string known = RemoveUnprintableEnd(text);
+  if (IsFillerSerial(known)) known.clear();
+  // The letters are those of every BenQ.
+  if (maker == "BNQ" && known.empty() && number == kBenqLetters) number.reset();
+  std::optional<TSerial> plain = FindPlainSerial(number, known);
+  if (!number) return plain;
+  for (const TRule& rule : kRules) {
+    const std::string made =
+        IsFor(rule, maker, productCode, !known.empty()) ? rule.make(*number, known) : std::string();
+    if (made.empty()) continue;
+    if (rule.use == EUse::kSerial) return TSerial{made, ESerialSource::kRule, plain->serial};
+    plain->alternative = made;
+    return plain;
+  }
+  return plain;
+}
+
+bool IsFillerSerial(const std::string& serial) {
+  constexpr const char* fillers[] = {"", "0", "1", "01010101", "16843009", "1234567890123"};
+  const std::size_t begin = serial.find_first_not_of(' ');
+  if (begin == std::string::npos) return true;
+  const std::string text = serial.substr(begin, serial.find_last_not_of(' ') + 1 - begin);
+  const auto isFirst = [&](char character) { return character == text.front(); };
+  const bool isOneDigit = text.size() > 1 && std::isdigit(static_cast<unsigned char>(text.front())) != 0 &&
+                          std::all_of(text.begin(), text.end(), isFirst);
+  return isOneDigit || std::find(std::begin(fillers), std::end(fillers), text) != std::end(fillers);
+}
