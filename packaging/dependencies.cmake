@@ -1,5 +1,6 @@
 # Read by cpack before it makes packages: what the built files need at load becomes what their packages depend on.
 cmake_policy(VERSION 3.25)
+set(ENV{SOURCE_DATE_EPOCH} ${CPACK_RELEASE_DATE})
 
 # list_dependencies(RESULT FILE...)
 function(list_dependencies result)
