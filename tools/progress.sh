@@ -1,9 +1,21 @@
 # shellcheck shell=bash
 # Sourced by the scripts that run long commands.
 
-# with_progress WHAT LOG COMMAND...: runs the command, keeps all it writes in LOG, and shows on standard error how far
-# it is: on a terminal one line that changes, in a log one line for each tenth.
+# stage WHAT COMMAND...: runs the command, and then says on standard error how long it took, and how long the processor
+# worked for it: in the command and in the system.
+stage() {
+  local TIMEFORMAT="$1: took %0R s (of the processor: %0U + %0S s)"
+  shift
+  time "$@"
+}
+
+# with_progress WHAT LOG COMMAND...: a stage that keeps all it writes in LOG, and shows on standard error how far it is:
+# on a terminal one line that changes, in a log one line for each tenth.
 with_progress() {
+  stage "$1" run_with_progress "$@"
+}
+
+run_with_progress() {
   local what=$1 log=$2
   shift 2
   NINJA_STATUS='[%f/%t] ' "$@" 2>&1 | tee "$log" | show_progress "$what"

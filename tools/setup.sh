@@ -17,7 +17,7 @@ leave_root() {
 
 # need_packages [PACKAGE...]: installs what building and testing needs, and these; then root has nothing left to do.
 need_packages() {
-  "$top/tools/install-packages" "$@"
+  "$top/tools/install-packages" --tests "$@"
   leave_root
 }
 
