@@ -16,6 +16,7 @@
 #include "command/base/remark.h"
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
+#include "command/base/time_zone.h"
 #include "command/base/unusable.h"
 #include "command/base/utc_time.h"
 #include "command/capture/capture.h"
@@ -282,7 +283,9 @@ int main(int argumentCount, char** arguments) {
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows in write() instead
   try {
     const TCommandLine line = ParseCommandLine(argumentCount, arguments);
-    return line.exitStatus ? *line.exitStatus : RunSubcommand(line);
+    if (line.exitStatus) return *line.exitStatus;
+    LoadTimeZone();
+    return RunSubcommand(line);
   } catch (const std::exception& error) {
     std::cerr << "displayinfo: " << ToMessage(error.what()) << '\n';
     return kUnusable;

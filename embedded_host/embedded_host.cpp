@@ -29,6 +29,20 @@ std::vector<TLogEntry> TEmbeddedHost::TakeLog() { return m_log.TakeEntries(); }
 const std::vector<TFileQuery>& TEmbeddedHost::GetFileQueries() const { return m_fileQueries; }
 std::vector<IPluginCallbacks*> TEmbeddedHost::TakeRegistered() { return m_pluginManager->TakeRegistered(); }
 
+void TEmbeddedHost::RethrowFailure() const {
+  if (m_failure) std::rethrow_exception(m_failure);
+}
+
+template <typename TLook>
+auto TEmbeddedHost::NoteFailure(const TLook& look) try {
+  return look();
+} catch (const TZELTException&) {
+  throw;
+} catch (...) {
+  if (!m_failure) m_failure = std::current_exception();
+  throw;
+}
+
 ILogger* TEmbeddedHost::GetCoreLogger() { return &m_log; }
 boost::shared_ptr<ICIMNamespace> TEmbeddedHost::GetPluginManager() { return m_pluginManager; }
 std::string TEmbeddedHost::GetSystemName(boost::shared_ptr<ICIMNamespace>) { return m_configuration.systemName; }
@@ -36,11 +50,12 @@ std::string TEmbeddedHost::GetSystemCreationClassName(boost::shared_ptr<ICIMName
   return m_configuration.systemCreationClassName;
 }
 bool TEmbeddedHost::FileExists(const std::string& path) {
-  m_fileQueries.push_back({path, m_configuration.files && m_configuration.files->Exists(path)});
-  return m_fileQueries.back().exists;
+  const bool exists = m_configuration.files && NoteFailure([&] { return m_configuration.files->Exists(path); });
+  m_fileQueries.push_back({path, exists});
+  return exists;
 }
 std::string TEmbeddedHost::CaptureFile(const std::string& path) {
   if (!m_configuration.files) throw TZELTException(path + ": no such file");
-  return m_configuration.files->Read(path);
+  return NoteFailure([&] { return m_configuration.files->Read(path); });
 }
 int TEmbeddedHost::GetRunningTypeOnXen() { return m_configuration.systemType; }

@@ -3,6 +3,7 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
@@ -53,6 +54,10 @@ class HOST_API TEmbeddedHost : private IHostServices {
   /// Every question for a file's existence so far, in order.
   const std::vector<TFileQuery>& GetFileQueries() const;
 
+  /// Throws again what looking for a file or reading it threw first, other than a TZELTException: the plug-in may have
+  /// caught it, and its answer then lacks something.
+  void RethrowFailure() const;
+
   /// The plug-ins that registered since the last call of this, in that order. They live until PrepareForUnload.
   std::vector<NQRXZELT20::IPluginCallbacks*> TakeRegistered();
 
@@ -65,8 +70,12 @@ class HOST_API TEmbeddedHost : private IHostServices {
   std::string CaptureFile(const std::string& path) override;
   int GetRunningTypeOnXen() override;
 
+  template <typename TLook>
+  auto NoteFailure(const TLook& look);
+
   THostConfiguration m_configuration;
   std::vector<TFileQuery> m_fileQueries;
+  std::exception_ptr m_failure;
   TLog m_log;
   boost::shared_ptr<TCimStore> m_store;
   boost::shared_ptr<TPluginManager> m_pluginManager;

@@ -7,7 +7,8 @@
 /// More than any configuration needs, and little enough to hold several times in a 32-bit process.
 constexpr std::size_t kMaxMachineFileSize = std::size_t{256} * 1024 * 1024;  // bytes
 
-/// Regular files, by the absolute paths they have on the machine.
+/// Regular files, by the absolute paths they have on the machine. Both calls throw what is no TZELTException when the
+/// system fails on which this runs, from which nothing follows for the machine.
 class IMachineFiles {
  public:
   virtual ~IMachineFiles() = default;

@@ -55,6 +55,7 @@ TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile
     for (const TRequest& request : requests) answer.requests.push_back(Ask(plugin, host, request));
     plugin.GetCallbacks().DeInit();
   }
+  host.RethrowFailure();
   answer.log = host.TakeLog();
   answer.fileQueries = host.GetFileQueries();
   answer.edidOrigin = machine.edidOrigin;

@@ -1,9 +1,6 @@
 #include "command/machine/captured_machine.h"
 
-#include <dirent.h>
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -13,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "command/base/system_failure.h"
 #include "command/base/unusable.h"
 #include "command/machine/folder_files.h"
 #include "command/machine/host_name.h"
@@ -29,35 +27,26 @@ bool EndsWith(const std::string& text, const std::string& ending) {
   return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
 }
 
-[[noreturn]] void FailToRead(const std::string& place) {
-  throw TUnusable(place + ": cannot be read: " + std::strerror(errno) + "; check its permissions");
-}
-
 /// The whole content of an open regular file.
 std::string ReadWhole(const TDescriptor& file, const std::string& place, std::size_t maxSize) {
-  std::optional<std::string> content = ReadContent(file, maxSize);
-  if (!content) FailToRead(place);
-  if (content->size() <= maxSize) return std::move(*content);
+  std::string content = ReadContent(file, maxSize, place);
+  if (content.size() <= maxSize) return content;
   throw TUnusable(place + ": is larger than " + std::to_string(maxSize) + " bytes, which no such file needs");
 }
 
-/// Whether that is how the look-up of a link fails that leads out of the folder, in a circle, or nowhere.
-bool LeadsToNothing(int error) { return error == EXDEV || error == ELOOP || error == ENOENT || error == ENOTDIR; }
+bool IsForbidden(int error) { return error == EACCES || error == EPERM; }
 
 /// The folder of a captured machine.
 class TMachineFolder {
  public:
-  explicit TMachineFolder(const fs::path& path) : m_path(path.string()), m_folder(path) {
-    if (!m_folder.IsOpen()) FailToRead(m_path);
-  }
+  TMachineFolder(TDescriptor folder, const fs::path& path)
+      : m_path(path.string()), m_folder(std::move(folder), m_path) {}
 
   TMachineDocument Read(TMachineDocument machine) {
     const bool hasJson = m_folder.Has(kMachineJson);
     const bool hasEdids = m_folder.Has(kEdids);
     const bool hasFiles = m_folder.Has(kRoot);
     if (!hasJson && !hasEdids && !hasFiles) {
-      // A folder that may not be searched seems to be empty.
-      if (faccessat(AT_FDCWD, m_path.c_str(), X_OK, AT_EACCESS) != 0) FailToRead(m_path);
       throw TUnusable(m_path + ": is not a captured machine: it has neither machine.json nor edid/ nor root/");
     }
     if (hasJson) ReadMachineJson(ReadFile(kMachineJson, kMaxMachineJsonSize), At(kMachineJson), machine);
@@ -79,33 +68,27 @@ class TMachineFolder {
   }
 
  private:
-  typedef std::unique_ptr<DIR, int (*)(DIR*)> TListing;
-
   /// Where that lies, for messages.
   std::string At(const std::string& name) const { return m_path + "/" + name; }
 
   [[noreturn]] void FailAsFolder(const std::string& name) const {
-    if (errno == EACCES) FailToRead(At(name));
+    if (IsForbidden(errno)) FailToRead(At(name), errno);
     throw TUnusable(At(name) + ": must be a folder inside the machine's folder");
   }
 
   std::string ReadFile(const std::string& name, std::size_t maxSize) const {
-    const TDescriptor file = m_folder.Open(name, O_RDONLY);
-    if (!file.IsOpen() && errno == EACCES) FailToRead(At(name));
-    if (!IsRegularFile(file)) throw TUnusable(At(name) + ": must be a regular file inside the machine's folder");
+    const TDescriptor file = m_folder.OpenFile(name);
+    if (!file.IsOpen() && IsForbidden(errno)) FailToRead(At(name), errno);
+    if (!file.IsOpen()) throw TUnusable(At(name) + ": must be a regular file inside the machine's folder");
     return ReadWhole(file, At(name), maxSize);
   }
 
   void ReadEdids(TMachineDocument& machine) const {
-    TDescriptor folder = m_folder.Open(kEdids, O_RDONLY | O_DIRECTORY);
+    const TRootedFolder folder = m_folder.OpenFolder(kEdids);
     if (!folder.IsOpen()) FailAsFolder(kEdids);
-    const TListing listing(fdopendir(folder.Get()), closedir);
-    if (!listing) FailToRead(At(kEdids));
-    folder.Release();  // the listing closes it
-    while (const dirent* const entry = readdir(listing.get())) {
-      const std::string name = entry->d_name;
+    folder.ForEachName([&](const std::string& name) {
       if (EndsWith(name, kEdidEnding) && name != kEdidEnding) ReadEdid(name, machine);
-    }
+    });
   }
 
   void ReadEdid(const std::string& fileName, TMachineDocument& machine) const {
@@ -114,14 +97,12 @@ class TMachineFolder {
     const std::string stem = fileName.substr(0, fileName.size() - std::strlen(kEdidEnding));
     const std::optional<unsigned int> unit = ParseUnit(stem);
     if (!unit) throw TUnusable(place + " is not named after a unit; call it 0.bin, 1.bin, ...");
-    const TDescriptor file = m_folder.Open(name, O_RDONLY);
-    if (file.IsOpen() ? !IsRegularFile(file) : LeadsToNothing(errno)) {
-      return AddDamagedEdid(machine, *unit, {place, "is not a regular file inside the machine's folder"});
-    }
-    const std::optional<std::string> bytes = file.IsOpen() ? ReadContent(file, kMaxEdidSize) : std::nullopt;
-    if (bytes) return AddEdid(machine, *unit, *bytes, place);
+    const TDescriptor file = m_folder.OpenFile(name);
+    if (file.IsOpen()) return AddEdid(machine, *unit, ReadContent(file, kMaxEdidSize, At(name)), place);
     AddDamagedEdid(machine, *unit,
-                   {place, std::string("cannot be read: ") + std::strerror(errno), "check its permissions"});
+                   IsForbidden(errno) ? TDamagedEdid{place, std::string("cannot be read: ") + std::strerror(errno),
+                                                     "check its permissions"}
+                                      : TDamagedEdid{place, "is not a regular file inside the machine's folder"});
   }
 
   const std::string m_path;
@@ -142,14 +123,13 @@ TMachineDocument ReadText(const std::string& text, const std::string& name) {
   return machine;
 }
 
-TMachineDocument ReadFile(const fs::path& path) {
+TMachineDocument ReadFile(const TDescriptor& found, const fs::path& path) {
   if (IsPackedName(path)) {
     throw TUnusable(path.string() + ": is a packed folder, which is not read; unpack it (tar -xzf FILE) and name the " +
                     "folder: --machine DIR");
   }
-  const TDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (!file.IsOpen()) FailToRead(path.string());
-  if (!IsRegularFile(file)) throw TUnusable(path.string() + ": is no longer a file; try again");
+  const TDescriptor file = OpenFound(found, path);
+  if (!file.IsOpen()) FailToRead(path.string(), errno);
   return ReadText(ReadWhole(file, path.string(), kMaxDocumentSize), path.string());
 }
 
@@ -168,8 +148,8 @@ TMachine MakeMachine(TMachineDocument document) {
   return machine;
 }
 
-TMachine ReadFolder(const fs::path& path) {
-  TMachineFolder folder(path);
+TMachine ReadFolder(TDescriptor found, const fs::path& path) {
+  TMachineFolder folder(std::move(found), path);
   TMachine machine = MakeMachine(folder.Read(MakeDefaults()));
   folder.DescribeFiles(machine);
   return machine;
@@ -178,14 +158,14 @@ TMachine ReadFolder(const fs::path& path) {
 }  // namespace
 
 TMachine ReadCapturedMachine(const fs::path& path) {
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) {
-    if (errno == EACCES) FailToRead(path.string());
+  TDescriptor found = FindPath(path);
+  if (!found.IsOpen()) {
+    if (IsForbidden(errno)) FailToRead(path.string(), errno);
     throw TUnusable(path.string() + ": is not a captured machine: " + std::strerror(errno) +
                     "; --machine takes a folder or a file that exists");
   }
-  if (S_ISDIR(status.st_mode)) return ReadFolder(path);
-  if (S_ISREG(status.st_mode)) return MakeCapturedMachine(ReadFile(path));
+  if (IsFolder(found, path.string())) return ReadFolder(std::move(found), path);
+  if (IsRegularFile(found, path.string())) return MakeCapturedMachine(ReadFile(found, path));
   throw TUnusable(path.string() + ": is not a captured machine: it is neither a folder nor a regular file");
 }
 

@@ -1,10 +1,7 @@
 #include "command/machine/folder_files.h"
 
-#include <fcntl.h>
-
 #include <cerrno>
 #include <cstring>
-#include <optional>
 #include <utility>
 
 #include "host/exception.h"
@@ -33,27 +30,24 @@ TFolderFiles::TFolderFiles(TRootedFolder root) : m_root(std::move(root)) {}
 
 /// A file that may not be read exists, too.
 bool TFolderFiles::Exists(const std::string& path) const {
-  const TDescriptor file = m_root.Open(path, O_PATH);
-  const int error = errno;
-  if (IsRegularFile(file)) return true;
-  if (!file.IsOpen() && m_root.IsOpen() && !MeansNothing(error)) {
-    m_failures[path] = DescribeLookUp(path, error);
-  }
+  if (!m_root.IsOpen()) return false;
+  const TDescriptor found = m_root.Find(path);
+  if (found.IsOpen()) return IsRegularFile(found, path);
+  if (!MeansNothing(errno)) m_failures[path] = DescribeLookUp(path, errno);
   return false;
 }
 
 std::string TFolderFiles::Read(const std::string& path) const {
-  const TDescriptor file = m_root.Open(path, O_RDONLY);
+  const TDescriptor file = m_root.OpenFile(path);
   const int error = errno;
-  if (!IsRegularFile(file) && (file.IsOpen() || !Exists(path))) throw TZELTException(path + ": no such file");
+  if (!file.IsOpen() && !Exists(path)) throw TZELTException(path + ": no such file");
   if (!file.IsOpen()) FailToRead(DescribeRead(path, error));
-  std::optional<std::string> content = ReadContent(file, kMaxMachineFileSize);
-  if (!content) FailToRead(DescribeRead(path, errno));
-  if (content->size() > kMaxMachineFileSize) {
+  std::string content = ReadContent(file, kMaxMachineFileSize, path);
+  if (content.size() > kMaxMachineFileSize) {
     FailToRead({path, "is larger than " + std::to_string(kMaxMachineFileSize) + " bytes, which no such file needs",
                 false, "put the right file in its place"});
   }
-  return std::move(*content);
+  return content;
 }
 
 std::vector<TFileFailure> TFolderFiles::GetFailures() const {

@@ -3,7 +3,12 @@
 #include <limits.h>
 #include <unistd.h>
 
+#include <cerrno>
+
+#include "command/base/system_failure.h"
+
 std::string GetHostName() {
   char name[HOST_NAME_MAX + 1] = {};
-  return gethostname(name, sizeof name - 1) == 0 ? name : "";
+  if (gethostname(name, sizeof name - 1) != 0) FailToRead("the system's name", errno);
+  return name;
 }

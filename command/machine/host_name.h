@@ -3,5 +3,5 @@
 
 #include <string>
 
-/// The host name, or the empty string when the system has none to give.
+/// The host name. Throws TUnusable when the system does not give it.
 std::string GetHostName();

@@ -1,7 +1,5 @@
 #include "command/machine/maker_names.h"
 
-#include <fcntl.h>
-
 #include <cstdlib>
 
 #include "command/base/descriptor.h"
@@ -18,10 +16,12 @@ constexpr std::size_t kMaxName = 100;                           // characters
 
 /// The list with a line end before its first line as well; empty when it cannot be read, or is no such list.
 std::string ReadList(const std::filesystem::path& path) {
-  const TDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (!file.IsOpen() || !IsRegularFile(file)) return std::string();
-  const std::optional<std::string> content = ReadContent(file, kMaxSize);
-  return content && content->size() <= kMaxSize ? "\n" + *content : std::string();
+  const TDescriptor found = FindPath(path);
+  if (!found.IsOpen()) return std::string();
+  const TDescriptor file = OpenFound(found, path);
+  if (!file.IsOpen()) return std::string();
+  const std::string content = ReadContent(file, kMaxSize, path.string());
+  return content.size() <= kMaxSize ? "\n" + content : std::string();
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "command/machine/rooted_folder.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <linux/openat2.h>
 #include <sys/stat.h>
@@ -8,12 +9,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
+
+#include "command/base/system_failure.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 constexpr int kFolder = O_PATH | O_DIRECTORY | O_CLOEXEC;
+constexpr int kReading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_LARGEFILE | O_CLOEXEC;
 
 /// The path from the folder on, "." for the folder itself.
 std::string MakeRelative(const std::string& path) {
@@ -58,44 +63,112 @@ TDescriptor OpenWithoutLinks(int folder, const std::string& path, int flags) {
 
 bool LacksOpenat2(const TDescriptor& opened) { return !opened.IsOpen() && (errno == ENOSYS || errno == EPERM); }
 
+TDescriptor LookUp(int folder, ELinks links, const std::string& path, int flags) {
+  const std::string relative = MakeRelative(path);
+  if (links == ELinks::kAll) return TDescriptor(openat(folder, relative.c_str(), flags));
+  if (links == ELinks::kInside) {
+    TDescriptor opened = OpenInside(folder, relative, flags);
+    if (!LacksOpenat2(opened)) return opened;
+  }
+  return OpenWithoutLinks(folder, relative, flags);
+}
+
+/// The descriptor, unless it was the system that failed.
+TDescriptor RequireKnown(TDescriptor opened, const std::string& path) {
+  if (!opened.IsOpen() && !DescribesFile(errno)) FailToRead(path, errno);
+  return opened;
+}
+
+struct stat GetStatus(const TDescriptor& file, const std::string& path) {
+  struct stat status = {};
+  if (fstat(file.Get(), &status) != 0) FailToRead(path, errno);
+  return status;
+}
+
+/// Opens what was found by O_PATH. `again` looks it up once more, where no /proc is mounted.
+TDescriptor OpenFound(const TDescriptor& found, const std::string& path, const std::function<TDescriptor()>& again) {
+  const struct stat status = GetStatus(found, path);
+  if (!S_ISREG(status.st_mode)) {
+    errno = ENXIO;
+    return TDescriptor();
+  }
+  TDescriptor file(open(("/proc/self/fd/" + std::to_string(found.Get())).c_str(), kReading));
+  if (file.IsOpen() || errno != ENOENT) return RequireKnown(std::move(file), path);
+  file = RequireKnown(again(), path);
+  if (!file.IsOpen()) return file;
+  const struct stat opened = GetStatus(file, path);
+  if (opened.st_dev == status.st_dev && opened.st_ino == status.st_ino) return file;
+  errno = ENOENT;  // something else has taken its place
+  return TDescriptor();
+}
+
 }  // namespace
 
 TRootedFolder::TRootedFolder(const fs::path& path, ELinks links)
-    : m_folder(open(path.c_str(), kFolder)), m_links(links) {}
+    : m_folder(RequireKnown(TDescriptor(open(path.c_str(), kFolder)), path.string())),
+      m_path(path.string()),
+      m_links(links) {}
 
-TDescriptor TRootedFolder::Open(const std::string& path, int flags) const {
-  const std::string relative = MakeRelative(path);
-  flags |= O_CLOEXEC;
-  if ((flags & O_PATH) == 0) flags |= O_NONBLOCK | O_NOCTTY | O_LARGEFILE;
-  if (m_links == ELinks::kAll) return TDescriptor(openat(m_folder.Get(), relative.c_str(), flags));
-  if (m_links == ELinks::kInside) {
-    TDescriptor opened = OpenInside(m_folder.Get(), relative, flags);
-    if (!LacksOpenat2(opened)) return opened;
-  }
-  return OpenWithoutLinks(m_folder.Get(), relative, flags);
+TDescriptor TRootedFolder::Find(const std::string& path) const {
+  return RequireKnown(LookUp(m_folder.Get(), m_links, path, O_PATH | O_CLOEXEC), At(path));
+}
+
+TDescriptor TRootedFolder::OpenFile(const std::string& path) const {
+  const TDescriptor found = Find(path);
+  if (!found.IsOpen()) return TDescriptor();
+  return OpenFound(found, At(path), [&] { return LookUp(m_folder.Get(), m_links, path, kReading); });
 }
 
 TRootedFolder TRootedFolder::OpenFolder(const std::string& path) const {
-  return TRootedFolder(Open(path, O_PATH | O_DIRECTORY), m_links);
+  return {RequireKnown(LookUp(m_folder.Get(), m_links, path, kFolder), At(path)), At(path), m_links};
 }
 
 bool TRootedFolder::Has(const std::string& name) const {
   struct stat status = {};
-  return fstatat(m_folder.Get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+  if (fstatat(m_folder.Get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return true;
+  if (errno != ENOENT) FailToRead(m_path, errno);  // it may not be searched
+  return false;
 }
 
-bool IsRegularFile(const TDescriptor& file) {
-  struct stat status = {};
-  return file.IsOpen() && fstat(file.Get(), &status) == 0 && S_ISREG(status.st_mode);
+void TRootedFolder::ForEachName(const std::function<void(const std::string& name)>& take) const {
+  TDescriptor folder(openat(m_folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(folder.IsOpen() ? fdopendir(folder.Get()) : nullptr, closedir);
+  if (!listing) FailToRead(m_path, errno);
+  static_cast<void>(folder.Release());  // the listing closes it
+  for (;;) {
+    errno = 0;
+    const dirent* const entry = readdir(listing.get());
+    if (entry == nullptr) break;
+    take(entry->d_name);
+  }
+  if (errno != 0) FailToRead(m_path, errno);
 }
 
-std::optional<std::string> ReadContent(const TDescriptor& file, std::size_t maxSize) {
+std::string TRootedFolder::At(const std::string& path) const {
+  return m_path.back() == '/' || path.front() == '/' ? m_path + path : m_path + "/" + path;
+}
+
+TDescriptor FindPath(const fs::path& path) {
+  return RequireKnown(TDescriptor(open(path.c_str(), O_PATH | O_CLOEXEC)), path.string());
+}
+
+bool IsRegularFile(const TDescriptor& found, const std::string& path) {
+  return S_ISREG(GetStatus(found, path).st_mode);
+}
+
+bool IsFolder(const TDescriptor& found, const std::string& path) { return S_ISDIR(GetStatus(found, path).st_mode); }
+
+TDescriptor OpenFound(const TDescriptor& found, const fs::path& path) {
+  return OpenFound(found, path.string(), [&] { return TDescriptor(open(path.c_str(), kReading)); });
+}
+
+std::string ReadContent(const TDescriptor& file, std::size_t maxSize, const std::string& path) {
   std::string content;
   char piece[65536];
   while (content.size() <= maxSize) {
     const ssize_t count = read(file.Get(), piece, std::min(sizeof piece, maxSize + 1 - content.size()));
     if (count == 0) break;
-    if (count < 0 && errno != EINTR) return std::nullopt;
+    if (count < 0 && errno != EINTR) FailToRead(path, errno);
     if (count > 0) content.append(piece, static_cast<std::size_t>(count));
   }
   return content;

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <stdexcept>
+
 #include "host/exception.h"
 #include "host/plugin_callbacks.h"
 #include "host/plugin_manager.h"
@@ -34,6 +36,13 @@ class TPlugin : public IPluginCallbacks {
 void Register(IPluginCallbacks& plugin) {
   boost::dynamic_pointer_cast<TPluginManagerNamespace>(TRootObject::GetPluginManager())->RegisterPlugin(&plugin);
 }
+
+/// Files whose look-ups fail, in the one way or the other.
+class TFailingFiles : public IMachineFiles {
+ public:
+  bool Exists(const std::string&) const override { throw std::runtime_error("no descriptor is left"); }
+  std::string Read(const std::string& path) const override { throw TZELTException(path + ": cannot be read"); }
+};
 
 THostConfiguration Configure(bool provider) {
   THostConfiguration configuration;
@@ -127,4 +136,14 @@ TEST(EmbeddedHost, NamesTheSeverities) {
 TEST(EmbeddedHost, TakesItsServicesAwayWhenItGoes) {
   { const TEmbeddedHost host(THostConfiguration(), {}); }
   EXPECT_THROW(TRootObject::GetCoreLogger(), TZELTException);
+}
+
+TEST(EmbeddedHost, KeepsAFailureThatThePluginCaught) {
+  THostConfiguration configuration;
+  configuration.files = std::make_shared<TFailingFiles>();
+  const TEmbeddedHost host(configuration, {});
+  EXPECT_THROW(TOSSpecific::CaptureFile("/etc/X11/xorg.conf"), TZELTException);
+  EXPECT_NO_THROW(host.RethrowFailure()) << "that one is the machine's";
+  EXPECT_THROW(TOSSpecific::FileExists("/etc/X11/xorg.conf"), std::runtime_error);
+  EXPECT_THROW(host.RethrowFailure(), std::runtime_error);
 }

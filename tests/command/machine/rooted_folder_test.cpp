@@ -6,14 +6,18 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
 #include <iterator>
+#include <set>
 
+#include "command/base/unusable.h"
 #include "tests/support/temporary_folder.h"
 
 namespace fs = std::filesystem;
@@ -45,8 +49,8 @@ class RootedFolder : public testing::Test {
 
   /// The content of what is found, "-" for nothing.
   std::string Read(const std::string& path, ELinks links) const {
-    const TDescriptor file = TRootedFolder(Inside(), links).Open(path, O_RDONLY);
-    return IsRegularFile(file) ? ReadContent(file, 100).value_or("unreadable") : "-";
+    const TDescriptor file = TRootedFolder(Inside(), links).OpenFile(path);
+    return file.IsOpen() ? ReadContent(file, 100, path) : "-";
   }
 
   TTemporaryFolder folder;
@@ -64,6 +68,23 @@ void ForbidOpenat2(int error) {
   if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
     _exit(2);
   }
+}
+
+/// Why the look-up fails while this process may open no more files.
+template <typename TLook>
+std::string LookWithoutDescriptors(const TLook& look) {
+  rlimit before = {};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none = {0, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  std::string reason = "none";
+  try {
+    look();
+  } catch (const TUnusable& failure) {
+    reason = failure.what();
+  }
+  setrlimit(RLIMIT_NOFILE, &before);
+  return reason;
 }
 
 constexpr ELinks kInsideOrNone[] = {ELinks::kInside, ELinks::kNone};
@@ -122,6 +143,11 @@ TEST_F(RootedFolder, FollowsEveryLinkOfThisMachine) {
   EXPECT_EQ(Read("absolute", ELinks::kAll), "in a");
 }
 
+TEST_F(RootedFolder, ReachesNoDevice) {
+  if (mknod((Inside() / "device").c_str(), S_IFCHR | 0600, makedev(1, 5)) != 0) GTEST_SKIP() << "only root makes one";
+  for (const ELinks links : kInsideOrNone) EXPECT_EQ(Read("device", links), "-");
+}
+
 TEST_F(RootedFolder, DoesNotWaitForAFifo) {
   ASSERT_EQ(mkfifo((Inside() / "fifo").c_str(), 0600), 0);
   for (const ELinks links : kInsideOrNone) EXPECT_EQ(Read("fifo", links), "-");
@@ -135,8 +161,26 @@ TEST_F(RootedFolder, OpensFoldersUnderTheSameRules) {
     for (const char* const path : {"a/file", "out-folder", "..", "missing", "ring"}) {
       EXPECT_FALSE(inside.OpenFolder(path).IsOpen()) << path;
     }
-    EXPECT_EQ(IsRegularFile(inside.OpenFolder("a").Open("up", O_RDONLY)), false) << "it leads out of a";
+    EXPECT_FALSE(inside.OpenFolder("a").OpenFile("up").IsOpen()) << "it leads out of a";
   }
+}
+
+TEST_F(RootedFolder, SaysWhenNoMoreFilesCanBeOpened) {
+  const TRootedFolder inside(Inside());
+  const std::string path = Inside().string();
+  const std::string reason = ": cannot be read: Too many open files; let the command open more files (ulimit -n)";
+  EXPECT_EQ(LookWithoutDescriptors([&] { inside.Find("a/file"); }), path + "/a/file" + reason);
+  EXPECT_EQ(LookWithoutDescriptors([&] { inside.OpenFile("a/file"); }), path + "/a/file" + reason);
+  EXPECT_EQ(LookWithoutDescriptors([&] { inside.OpenFolder("a"); }), path + "/a" + reason);
+  EXPECT_EQ(LookWithoutDescriptors([&] { inside.ForEachName([](const std::string&) {}); }), path + reason);
+  EXPECT_EQ(LookWithoutDescriptors([&] { TRootedFolder{Inside()}; }), path + reason);
+  EXPECT_EQ(LookWithoutDescriptors([&] { FindPath(Inside()); }), path + reason);
+}
+
+TEST_F(RootedFolder, NamesAllThatItHolds) {
+  std::set<std::string> names;
+  TRootedFolder(Inside()).OpenFolder("a").ForEachName([&](const std::string& name) { names.insert(name); });
+  EXPECT_EQ(names, (std::set<std::string>{".", "..", "file", "up"}));
 }
 
 TEST_F(RootedFolder, HasLinksToNothingToo) {
@@ -148,24 +192,23 @@ TEST_F(RootedFolder, HasLinksToNothingToo) {
 
 TEST_F(RootedFolder, MayBeALinkItself) {
   Link("linked", "inside");
-  EXPECT_TRUE(TRootedFolder(folder.GetPath() / "linked").Open("a/file", O_RDONLY).IsOpen());
+  EXPECT_TRUE(TRootedFolder(folder.GetPath() / "linked").OpenFile("a/file").IsOpen());
 }
 
 TEST_F(RootedFolder, HoldsNothingWhenItIsNotThere) {
   for (const char* const name : {"nowhere", "outside/file"}) {
     const TRootedFolder nowhere(folder.GetPath() / name);
     EXPECT_FALSE(nowhere.IsOpen());
-    EXPECT_FALSE(nowhere.Has("a"));
-    EXPECT_FALSE(nowhere.Open("a/file", O_RDONLY).IsOpen());
-    EXPECT_FALSE(nowhere.Open("/etc/passwd", O_RDONLY).IsOpen());
   }
 }
 
 TEST_F(RootedFolder, ReadsNoMoreThanItMust) {
   folder.Write("inside/large", std::string(200000, 'x'));
   const TRootedFolder inside(Inside());
-  EXPECT_EQ(ReadContent(inside.Open("large", O_RDONLY), 1000000)->size(), 200000U);
-  EXPECT_EQ(ReadContent(inside.Open("large", O_RDONLY), 200000)->size(), 200000U);
-  EXPECT_EQ(ReadContent(inside.Open("large", O_RDONLY), 100000)->size(), 100001U);
-  EXPECT_FALSE(ReadContent(inside.Open("a", O_RDONLY), 100000));
+  const auto countRead = [&](std::size_t maxSize) {
+    return ReadContent(inside.OpenFile("large"), maxSize, "large").size();
+  };
+  EXPECT_EQ(countRead(1000000), 200000U);
+  EXPECT_EQ(countRead(200000), 200000U);
+  EXPECT_EQ(countRead(100000), 100001U);
 }
