@@ -3,10 +3,12 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 
 #include "command/base/unusable.h"
 
@@ -16,6 +18,16 @@ namespace {
 void WaitForReader() {
   pollfd output = {STDOUT_FILENO, POLLOUT, 0};
   poll(&output, 1, -1);
+}
+
+/// Cuts the file that standard output is after its last whole line, when there is no room for more: the rest of the
+/// next one would be missing.
+void CutHalfLine(std::string_view written) {
+  struct stat status = {};
+  const off_t half = static_cast<off_t>(written.size() - (written.rfind('\n') + 1));
+  if (fstat(STDOUT_FILENO, &status) != 0 || !S_ISREG(status.st_mode)) return;
+  const off_t end = lseek(STDOUT_FILENO, 0, SEEK_CUR);
+  if (end == status.st_size) static_cast<void>(!ftruncate(STDOUT_FILENO, end - half));
 }
 
 [[noreturn]] void Fail(int reason) {
@@ -51,7 +63,9 @@ bool WriteStandardOutput(const std::string& text) {
     } else if (errno == EAGAIN) {
       WaitForReader();
     } else if (errno != EINTR) {
-      Fail(errno);
+      const int reason = errno;
+      CutHalfLine(std::string_view(text).substr(0, written));
+      Fail(reason);
     }
   }
   return true;

@@ -14,5 +14,6 @@ void KeepStandardDescriptors();
 std::optional<std::size_t> GetTerminalWidth();
 
 /// Writes the whole text, however long the reader makes it wait. False when the reader has closed its end, which is no
-/// error: it had enough. Throws TUnusable when the text cannot be written. The process must ignore SIGPIPE.
+/// error: it had enough. Throws TUnusable when the text cannot be written; a file then ends after a whole line. The
+/// process must ignore SIGPIPE and SIGXFSZ.
 bool WriteStandardOutput(const std::string& text);

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <csignal>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -34,30 +35,30 @@ constexpr long kFreshMemory = 256L * 1024;  // KiB: what a worker may use and st
 
 volatile std::sig_atomic_t gSignal = 0;
 
-/// While it lives, the first SIGINT or SIGTERM is noted instead of ending the process, so that a line can be finished.
+// By which people, the system and its limits end a run. A worker that one of them ends says nothing of its machine.
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGXCPU};
+
+/// While it lives, the first of these signals is noted instead of ending the process, so that a line can be finished.
 /// The second one ends it.
 class TSignals {
  public:
   TSignals() {
     gSignal = 0;
     sigemptyset(&m_noted);
-    struct sigaction action = {};
-    action.sa_handler = [](int signal) { gSignal = signal; };
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGINT, SIGTERM}) {
-      sigaddset(&m_noted, signal);
-      sigaction(signal, &action, nullptr);
-    }
+    for (const int signal : kEndingSignals) NoteNext(signal);
   }
   ~TSignals() {
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
+    for (const int signal : kEndingSignals) {
+      if (sigismember(&m_noted, signal) == 1) std::signal(signal, SIG_DFL);
+    }
   }
   TSignals(const TSignals&) = delete;
   TSignals& operator=(const TSignals&) = delete;
 
   /// The signal that has come, or 0.
   static int Get() { return gSignal; }
+  /// One that came to a worker: most are sent to the whole run.
+  static void Note(int signal) { gSignal = signal; }
 
   /// poll, which a signal ends even when it comes just before.
   void Wait(std::vector<pollfd>& descriptors, const std::optional<std::chrono::nanoseconds>& longest) const {
@@ -72,8 +73,23 @@ class TSignals {
   }
 
  private:
+  void NoteNext(int signal) {
+    struct sigaction before = {};
+    sigaction(signal, nullptr, &before);
+    if (signal == SIGHUP && before.sa_handler == SIG_IGN) return;  // nohup
+    struct sigaction action = {};
+    action.sa_handler = Note;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaddset(&m_noted, signal);
+    sigaction(signal, &action, nullptr);
+  }
+
   sigset_t m_noted;
 };
+
+bool IsEndingSignal(int signal) {
+  return std::find(std::begin(kEndingSignals), std::end(kEndingSignals), signal) != std::end(kEndingSignals);
+}
 
 /// The collection that a single machine gets, in a freshly loaded plug-in.
 std::string MakeLine(const std::string& machine, const TFleet& fleet) {
@@ -241,8 +257,17 @@ class TFleetRun {
     if (worker->HasRetired()) {
       Replace(worker, std::nullopt);
     } else if (!isAlive) {
-      Replace(worker, "the process that collected from it " + worker->DescribeDeath());
+      Bury(worker);
     }
+  }
+
+  /// What it was at work on fails, unless its end is that of the run: then a later run asks that machine again.
+  void Bury(std::unique_ptr<TWorker>& worker) {
+    const std::string death = worker->DescribeDeath();
+    if (!IsEndingSignal(worker->GetSignal())) return Replace(worker, "the process that collected from it " + death);
+    TSignals::Note(worker->GetSignal());
+    ShowAboveProgress("displayinfo: the run ends, since one of its processes " + death + "; --resume goes on with it");
+    Replace(worker, std::nullopt);
   }
 
   /// The machine that a worker is at work on fails for that reason, if there is one; the others go to its successor.

@@ -1,5 +1,6 @@
 #include "command/fleet/worker.h"
 
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -66,10 +67,18 @@ bool ReceiveMachine(int descriptor, std::string& machine) {
   return Receive(descriptor, machine.data(), size);
 }
 
+/// What the parent does at a signal is its own; what it was started to ignore stays ignored.
+void DropHandler(int signal) {
+  struct sigaction action = {};
+  sigaction(signal, nullptr, &action);
+  if (action.sa_handler != SIG_IGN) std::signal(signal, SIG_DFL);
+}
+
 /// The parent answers Ctrl-C, and the worker ends when the parent does.
 void PrepareProcess(pid_t parent) {
   std::signal(SIGINT, SIG_IGN);
   std::signal(SIGTERM, SIG_DFL);
+  for (const int signal : {SIGHUP, SIGXCPU}) DropHandler(signal);
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -158,6 +167,16 @@ std::optional<std::pair<std::size_t, TMachineLine>> TWorker::TakeLine() {
   return std::pair(number, std::move(line));
 }
 
+TMachineLine TWorker::WaitForLine() {
+  while (true) {
+    pollfd descriptor = {m_socket.Get(), POLLIN, 0};
+    static_cast<void>(poll(&descriptor, 1, -1));
+    const bool isAlive = Receive();
+    if (auto line = TakeLine()) return std::move(line->second);
+    if (!isAlive) return {"the process that had it to do " + DescribeDeath(), true};
+  }
+}
+
 std::string TWorker::DescribeDeath() {
   // It is ending, or it closed its socket and goes on. The signal stops the latter; a process that has begun to end
   // keeps its own status.
@@ -171,5 +190,6 @@ std::string TWorker::DescribeDeath() {
   }
   m_process = -1;
   if (!WIFSIGNALED(status)) return "ended with status " + std::to_string(WEXITSTATUS(status));
-  return "was ended by signal " + std::to_string(WTERMSIG(status)) + " (" + strsignal(WTERMSIG(status)) + ")";
+  m_signal = WTERMSIG(status);
+  return "was ended by signal " + std::to_string(m_signal) + " (" + strsignal(m_signal) + ")";
 }

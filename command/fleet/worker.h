@@ -56,6 +56,9 @@ class TWorker {
   /// The next line that has come whole, and the number of its machine.
   std::optional<std::pair<std::size_t, TMachineLine>> TakeLine();
 
+  /// Waits for the next line; when the process dies before, it is the failure that says so.
+  TMachineLine WaitForLine();
+
   /// Bytes received of lines that were not taken yet.
   std::size_t GetHeldSize() const { return m_received.size(); }
 
@@ -71,6 +74,9 @@ class TWorker {
   /// How the process ended, once Receive has said that it died: "was ended by signal 11 (Segmentation fault)".
   std::string DescribeDeath();
 
+  /// The signal that ended it, once its death was described; 0 when none did.
+  int GetSignal() const { return m_signal; }
+
   /// In a worker's process: hands over the line of the machine it is at work on, and ends.
   [[noreturn]] static void EndWith(const TMachineLine& line);
 
@@ -79,6 +85,7 @@ class TWorker {
   std::chrono::nanoseconds m_timeLeft;  // of the machine it is at work on
   TDescriptor m_socket;
   pid_t m_process = -1;
+  int m_signal = 0;
   bool m_hasRetired = false;
   std::deque<TTask> m_tasks;
   std::string m_received;  // lines, each after its header

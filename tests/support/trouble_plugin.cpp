@@ -30,6 +30,12 @@ void TakeAllMemory() try {
   while (true) pause();
 }
 
+/// Until a signal comes. That SIGUSR1 is ignored shows that it waits.
+void Wait() {
+  std::signal(SIGUSR1, SIG_IGN);
+  pause();
+}
+
 void Log(std::size_t count, const std::string& message) {
   for (std::size_t written = 0; written < count; ++written)
     TRootObject::GetCoreLogger()->Write(ILogger::kDebug, message);
@@ -46,6 +52,7 @@ class TTroublePlugin : public TStandInPlugin {
   void GetData(boost::shared_ptr<ICIMNamespace>, std::vector<boost::shared_ptr<ICIMClass>>&) override {
     if (IsAskedFor("/takes-all-memory")) TakeAllMemory();
     if (IsAskedFor("/never-returns")) NeverReturn();
+    if (IsAskedFor("/waits")) Wait();
     if (IsAskedFor("/stops")) raise(SIGSTOP);
     if (IsAskedFor("/logs-much")) Log(1'000'010, "again");
     if (IsAskedFor("/logs-half")) Log(3, std::string(std::size_t{8} * 1024 * 1024, 'x'));

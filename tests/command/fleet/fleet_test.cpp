@@ -5,7 +5,9 @@
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sstream>
+#include <stdexcept>
 
 #include "command/base/descriptor.h"
 #include "tests/support/captured_machine_builder.h"
@@ -113,6 +115,36 @@ class Fleet : public testing::Test {
 
   TTemporaryFolder folder;
   std::vector<std::string> names;
+};
+
+/// A run in a process group of its own, whose only worker has answered m1 and waits for a signal.
+class InterruptedFleet : public Fleet {
+ protected:
+  InterruptedFleet() {
+    MakeTrouble("waits");
+    folder.Write("list", "m1\nwaits\nm2\n");
+    run.emplace("cd " + folder.GetPath().string() + " && exec setsid " + kCommand +
+                " --machines list --jobs 1 --plugin " TROUBLE_PLUGIN_FILE " >out 2>errors");
+    const auto isWaiting = [&] {
+      const std::vector<pid_t> workers = run->GetChildren();
+      worker = workers.empty() ? -1 : workers[0];
+      return worker > 0 && HasSignal(worker, "SigIgn", SIGUSR1) && !ReadFile("out").empty();
+    };
+    if (!WaitUntil(isWaiting)) throw std::runtime_error("the worker does not wait");
+  }
+
+  /// The run ended as that signal ends it, and left no word of the machine at which it was.
+  void ExpectNoVerdict(int signal) {
+    const int status = run->Wait();
+    ASSERT_TRUE(WIFEXITED(status)) << "it was killed";
+    EXPECT_EQ(WEXITSTATUS(status), 128 + signal);
+    EXPECT_EQ(GetNames(ReadFile("out")), std::vector<std::string>{"m1"});
+    EXPECT_EQ(ReadFile("out").back(), '\n');
+    EXPECT_EQ(GetNames(Run("--machines list --resume out").output), (std::vector<std::string>{"waits", "m2"}));
+  }
+
+  std::optional<TRunningProcess> run;
+  pid_t worker = -1;
 };
 
 }  // namespace
@@ -325,6 +357,45 @@ TEST_F(Fleet, EndsWithAWholeLineWhenItIsInterrupted) {
   }
 }
 
+TEST_F(InterruptedFleet, SaysNothingOfTheMachineWhenTheWholeGroupIsEnded) {
+  kill(-run->GetId(), SIGTERM);
+  ExpectNoVerdict(SIGTERM);
+}
+
+TEST_F(InterruptedFleet, SaysNothingOfTheMachineWhenTheGroupHasHadItsTime) {
+  kill(-run->GetId(), SIGXCPU);
+  ExpectNoVerdict(SIGXCPU);
+}
+
+TEST_F(InterruptedFleet, SaysNothingOfTheMachineWhenOnlyTheWorkerIsEnded) {
+  kill(worker, SIGTERM);
+  ExpectNoVerdict(SIGTERM);
+  EXPECT_EQ(ReadFile("errors"),
+            "displayinfo: the run ends, since one of its processes was ended by signal 15 (Terminated); --resume goes "
+            "on with it\n");
+}
+
+TEST_F(InterruptedFleet, GoesOnWhenAFileOfTheGroupMayNotGrow) {
+  kill(-run->GetId(), SIGXFSZ);
+  kill(worker, SIGUSR2);
+  EXPECT_EQ(run->Wait() >> 8, 1);
+  EXPECT_THAT(
+      GetErrors(ReadFile("out")),
+      ElementsAre("", "waits: the process that collected from it was ended by signal 12 (User defined signal 2)", ""));
+}
+
+TEST_F(Fleet, EndsWithAWholeLineWhenItsFileMayNotGrow) {
+  const std::string whole = RunList(ListAll()).output;
+  folder.Write("limited", "ulimit -f 20\n" + kCommand + " --machines list >cut\n");
+  const TProcessResult limited = RunShell("cd " + folder.GetPath().string() + "; bash limited");
+  EXPECT_EQ(limited.status, 1);
+  EXPECT_EQ(limited.errors, "displayinfo: standard output cannot be written: File too large\n");
+  const std::string cut = ReadFile("cut");
+  ASSERT_THAT(cut, EndsWith("\n"));
+  EXPECT_LT(cut.size(), whole.size());
+  EXPECT_EQ(cut, whole.substr(0, cut.size()));
+}
+
 // A reader that takes nothing keeps the first from ending the line.
 TEST_F(Fleet, IsKilledByTheSecondInterruption) {
   ASSERT_EQ(mkfifo(GetPath("out").c_str(), 0600), 0);
@@ -478,6 +549,13 @@ TEST_F(Fleet, WaitsForAReaderEvenWhenItsOutputDoesNot) {
   EXPECT_EQ(run.Wait(), 0);
   EXPECT_EQ(ReadFile("errors"), "");
   EXPECT_THAT(GetNames(output), ElementsAre("m1", "m2"));
+}
+
+TEST_F(Fleet, FailsAMachineWhoseNameHasAZeroByte) {
+  const TProcessResult result = RunList(std::string("m1\0evil\n", 8) + "m2\n");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(GetErrors(result.output),
+              ElementsAre("m1\\x00evil: is not a captured machine: no file's name has a zero byte", ""));
 }
 
 TEST_F(Fleet, FailsAMachineWhoseNameIsLongerThanTheSystemTakes) {
