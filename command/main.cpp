@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <csignal>
 #include <ctime>
+#include <filesystem>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -27,6 +28,7 @@
 #include "command/collection/time_limit.h"
 #include "command/compare/compare.h"
 #include "command/fleet/fleet.h"
+#include "command/fleet/worker.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
 #include "command/machine/maker_names.h"
@@ -53,6 +55,9 @@ TMachine ChooseMachine(const TOptions& options) {
   if (!options.machines.empty()) return ReadCapturedMachine(options.machines.front());
   return MakeThisMachine(options.edidSource, options.xconfigSource);
 }
+
+/// Looks for the usual one only where none is named.
+std::filesystem::path ChoosePlugin(const TOptions& options) { return options.plugin ? *options.plugin : FindPlugin(); }
 
 bool AsksForMonitors(const TRequest& request) {
   return std::any_of(request.begin(), request.end(),
@@ -102,33 +107,51 @@ std::string DescribeCapture(const TCaptureOptions& capture) {
          " answers as " + asked + " does" + (capture.isAnonymous ? ", but for what was replaced" : "");
 }
 
-int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
+/// What of the machine is not captured.
+void ShowMissing(const TMachine& machine) {
+  ShowRemark(machine.getBiosFailure());
+  for (const auto& [unit, damage] : machine.damagedEdids) ShowRemark(Describe(damage, "it is not captured"));
+}
+
+/// What the process does that captures: it reads the machine, and writes nothing.
+TMachineLine CaptureApart(const TOptions& options, const TCaptureOptions& capture) {
   if (capture.machine) DropPrivileges(true);
-  std::optional<TTimeLimit> limit = LimitTime(options.timeout, capture.machine);
-  const TMachine machine = capture.machine ? ReadCapturedMachine(*capture.machine)
-                                           : MakeThisMachine(options.edidSource, options.xconfigSource);
-  const auto showMissing = [&] {
-    ShowRemark(machine.getBiosFailure());
-    for (const auto& [unit, damage] : machine.damagedEdids) ShowRemark(Describe(damage, "it is not captured"));
-  };
-  std::vector<std::string> remarks;
+  OnThrowingPlugin([](const std::string& reason) { TWorker::EndWith({reason, true}); });
+  std::optional<TMachine> machine;
+  TMachineLine line = {"", true, true};
   try {
-    remarks = WithinMemory([&] {
-      return CaptureMachine(machine, options.plugin.value_or(FindPlugin()), capture.target, capture.isAnonymous,
-                            [&limit] { limit.reset(); });
+    line.text = WithinMemory([&] {
+      machine = capture.machine ? ReadCapturedMachine(*capture.machine)
+                                : MakeThisMachine(options.edidSource, options.xconfigSource);
+      return Pack(MakeCapture(*machine, ChoosePlugin(options), capture.target, capture.isAnonymous,
+                              [] { DropPrivileges(true); }));
     });
-  } catch (const TUnusable&) {
-    showMissing();  // it may be the reason
-    throw;
+    line.hasFailed = false;
+  } catch (const std::exception& error) {
+    line.text = error.what();
   }
-  showMissing();
-  for (const std::string& remark : remarks) ShowRemark(remark);
+  if (machine) ShowMissing(*machine);  // it may be the reason
+  return line;
+}
+
+/// Another process reads the machine, which a stranger may have captured, and has no rights to write by then. This one
+/// keeps its rights, to write where the user may, and only writes what it is given.
+int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
+  std::optional<TTimeLimit> limit = LimitTime(options.timeout, capture.machine);
+  TWorker worker([&](const std::string&) { return CaptureApart(options, capture); }, {}, options.timeout);
+  worker.Give({0, ""});
+  const TMachineLine line = worker.WaitForLine();
+  if (line.hasFailed) throw TUnusable(line.text);
+  if (capture.target == "-") limit.reset();  // the reader may take its time
+  const TCapture captured = UnpackCapture(line.text);
+  WriteCapture(captured, capture.target);
+  for (const std::string& remark : captured.remarks) ShowRemark(remark);
   ShowRemark(DescribeCapture(capture));
   return kDone;
 }
 
 int RunComparison(const TOptions& options, TCompareOptions compare) try {
-  compare.plugin = options.plugin.value_or(FindPlugin());
+  compare.plugin = ChoosePlugin(options);
   compare.timeout = options.timeout;
   return Compare(compare);
 } catch (const std::exception& error) {
@@ -140,7 +163,7 @@ int RunServer(const TOptions& options, TServeOptions serve) {
   serve.edidSource = options.edidSource;
   serve.xconfigSource = options.xconfigSource;
   serve.timeout = options.timeout;
-  serve.plugin = options.plugin.value_or(FindPlugin());
+  serve.plugin = ChoosePlugin(options);
   Serve(serve);
   return kDone;
 }
@@ -203,7 +226,7 @@ int RunFleet(const TOptions& options) {
   DropPrivileges(true);
   return CollectFleet({options.machineList ? TMachineList::Open(*options.machineList) : TMachineList(options.machines),
                        options.resume ? TFinishedMachines(*options.resume) : TFinishedMachines(), options.requests,
-                       options.plugin.value_or(FindPlugin()), CountJobs(options), options.timeout, options.logLevel,
+                       ChoosePlugin(options), CountJobs(options), options.timeout, options.logLevel,
                        ChooseFleetAnswer(options)});
 }
 
@@ -241,9 +264,8 @@ std::string Answer(const TOptions& options) {
     std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
   };
   // Never destroyed: the process ends soon, which is faster.
-  static const TAnswer& answer =
-      *new TAnswer(Collect(machine, options.plugin.value_or(FindPlugin()), options.requests, showLog));
-  DropPrivileges(false);
+  static const TAnswer& answer = *new TAnswer(Collect(machine, ChoosePlugin(options), options.requests, showLog));
+  DropPrivileges(true);
   ShowRemark(machine.getBiosFailure());
   ShowRemarks(answer, machine.damagedEdids);
   return MakeReport(options, machine, answer);
@@ -255,6 +277,7 @@ int Run(const TOptions& options) {
       LimitTime(options.timeout, options.machines.empty() ? std::nullopt : std::optional(options.machines.front()));
   const std::string report = WithinMemory([&] { return Answer(options); });
   limit.reset();  // the reader of the answer may take its time
+  DropPrivileges(false);
   WriteStandardOutput(report);
   return kDone;
 }
@@ -280,7 +303,9 @@ int RunSubcommand(const TCommandLine& line) {
 
 int main(int argumentCount, char** arguments) {
   KeepStandardDescriptors();
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows in write() instead
+  // A closed pipe, and a file that may not grow (ulimit -f), show in write() instead.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     const TCommandLine line = ParseCommandLine(argumentCount, arguments);
     if (line.exitStatus) return *line.exitStatus;

@@ -1,23 +1,41 @@
 #include "command/base/privileges.h"
 
+#include <grp.h>
 #include <linux/capability.h>
 #include <sys/io.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+namespace {
+
+constexpr unsigned int kNobody = 65534;
+
+/// Keeps the capabilities that are held, and the signal at the parent's death, which the kernel forgets with the user.
+void BecomeNobody() {
+  int deathSignal = 0;
+  static_cast<void>(prctl(PR_GET_PDEATHSIG, &deathSignal));
+  static_cast<void>(prctl(PR_SET_KEEPCAPS, 1, 0, 0, 0));
+  if (setgroups(0, nullptr) != 0 || setresgid(kNobody, kNobody, kNobody) != 0) return;
+  if (setresuid(kNobody, kNobody, kNobody) == 0) static_cast<void>(prctl(PR_SET_PDEATHSIG, deathSignal));
+}
+
+}  // namespace
+
 void DropPrivileges(bool keepsReading) {
   constexpr unsigned long lowPorts = 0x400;
   static_cast<void>(ioperm(0, lowPorts, 0));
   static_cast<void>(iopl(0));
   static_cast<void>(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0));  // else a program that is started could get them back
+  if (geteuid() == 0) BecomeNobody();
   __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
   __user_cap_data_struct sets[_LINUX_CAPABILITY_U32S_3] = {};
   static_assert(CAP_DAC_READ_SEARCH < 32, "it is in the first word of a set");
   constexpr unsigned int reading = 1U << CAP_DAC_READ_SEARCH;
   // Ask only for what is held: asked for more, capset fails and drops nothing.
   if (keepsReading && syscall(SYS_capget, &header, sets) == 0) {
-    sets[0] = {sets[0].effective & reading, sets[0].permitted & reading, 0};
+    const unsigned int held = sets[0].permitted & reading;
+    sets[0] = {held, held, 0};
     sets[1] = {};
   }
   static_cast<void>(syscall(SYS_capset, &header, sets));

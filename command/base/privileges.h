@@ -2,6 +2,7 @@
 #pragma once
 
 /// Gives up the I/O ports and every capability, for good, except the one to read and search any file and folder when
-/// `keepsReading`: a machine may have been captured by another user. No program that this process starts gets any of
-/// them back.
+/// `keepsReading`: a machine may have been captured by another user. Root becomes the user nobody, since without
+/// capabilities it would still own the system's files; where it may not change the user, it stays root. No program that
+/// this process starts gets any of them back.
 void DropPrivileges(bool keepsReading);

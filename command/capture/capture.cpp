@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <csignal>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -46,7 +47,7 @@ std::vector<TRequest> AskForAll() {
 /// Throws rather than return an answer that lacks what no memory was left for.
 TAnswer Ask(const TMachine& machine, const fs::path& plugin) {
   TAnswer answer = Collect(machine, plugin, AskForAll(), {});
-  if (HasMemoryRunOut()) throw TUnusable(kMemoryReason);
+  if (HasMemoryRunOut()) throw TUnusable(DescribeMemoryLimit());
   return answer;
 }
 
@@ -127,32 +128,85 @@ void RequireAnswer(const TMachine& captured, const TAnswer& answer, const fs::pa
   throw TUnusable("what was captured does not answer as the machine did, which may have changed meanwhile; try again");
 }
 
-/// `isRight` throws when what was written must not be kept.
-template <typename TCheck>
-void WriteFolder(const TMachineDocument& machine, const fs::path& target, TCheck isRight) {
-  TNewFolder folder(target);
-  folder.Write(kMachineJson, MakeMachineJson(machine));
-  for (const auto& [path, content] : machine.files) folder.Write(kRoot + path, content);
-  for (const auto& [number, unit] : machine.bios.units) {
-    if (unit.edid.empty()) continue;
-    folder.Write(std::string(kEdids) + "/" + std::to_string(number) + kEdidEnding,
-                 std::string(unit.edid.begin(), unit.edid.end()));
-  }
-  isRight();
-  folder.Keep();
-}
+bool IsDocument(const fs::path& target) { return target == kStandardOutput || target.extension() == kDocumentEnding; }
 
 std::string MakeDocument(const TMachineDocument& machine, const fs::path& target) {
   std::string text = MakeDocumentText(machine);
   if (text.size() <= kMaxDocumentSize) return text;
-  throw TUnusable(target.string() + ": would have " + std::to_string(text.size()) + " bytes, and a captured machine " +
+  const std::string name = target == kStandardOutput ? "standard output" : target.string();
+  throw TUnusable(name + ": would have " + std::to_string(text.size()) + " bytes, and a captured machine " +
                   "in one file has " + std::to_string(kMaxDocumentSize) + " at most; capture to a folder");
 }
 
-template <typename TCheck>
-void WriteDocument(const TMachineDocument& machine, const fs::path& target, TCheck isRight) {
-  TNewFile file(target, MakeDocument(machine, target));
-  isRight();
+std::map<std::string, std::string> MakeFiles(const TMachineDocument& machine, const fs::path& target) {
+  if (IsDocument(target)) return {{"", MakeDocument(machine, target)}};
+  std::map<std::string, std::string> files = {{kMachineJson, MakeMachineJson(machine)}};
+  for (const auto& [path, content] : machine.files) files[kRoot + path] = content;
+  for (const auto& [number, unit] : machine.bios.units) {
+    if (unit.edid.empty()) continue;
+    files[std::string(kEdids) + "/" + std::to_string(number) + kEdidEnding] =
+        std::string(unit.edid.begin(), unit.edid.end());
+  }
+  return files;
+}
+
+/// The machine that is in the files.
+TMachine ReadBack(std::map<std::string, std::string> files) {
+  const auto document = files.find("");
+  if (document != files.end()) return ReadCapturedText(document->second, "the capture");
+  TMachineDocument machine;
+  for (auto& [name, content] : files) {
+    const fs::path path(name);
+    const std::string folder = path.begin()->string();
+    if (folder == kMachineJson) ReadMachineJson(content, name, machine);
+    if (folder == kEdids) AddEdid(machine, ParseUnit(path.stem().string()).value(), content, name);
+    if (folder == kRoot) machine.files[name.substr(std::string(kRoot).size())] = std::move(content);
+  }
+  return MakeCapturedMachine(std::move(machine));
+}
+
+/// While it lives, the signals that end a process wait, so that nothing is left in part.
+class TPostponedSignals {
+ public:
+  TPostponedSignals() {
+    sigemptyset(&m_signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU, SIGALRM}) {
+      struct sigaction action = {};
+      if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) sigaddset(&m_signals, signal);
+    }
+    sigprocmask(SIG_BLOCK, &m_signals, &m_before);
+  }
+  ~TPostponedSignals() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
+  TPostponedSignals(const TPostponedSignals&) = delete;
+  TPostponedSignals& operator=(const TPostponedSignals&) = delete;
+
+  /// Throws when one has come, which takes effect when this object has gone.
+  void RequireNone() const {
+    sigset_t pending;
+    sigpending(&pending);
+    for (int signal = 1; signal < NSIG; ++signal) {
+      if (sigismember(&m_signals, signal) == 1 && sigismember(&pending, signal) == 1) throw TUnusable("interrupted");
+    }
+  }
+
+ private:
+  sigset_t m_signals;
+  sigset_t m_before;
+};
+
+void WriteFolder(const std::map<std::string, std::string>& files, const fs::path& target,
+                 const TPostponedSignals& signals) {
+  TNewFolder folder(target);
+  for (const auto& [name, content] : files) {
+    folder.Write(name, content);
+    signals.RequireNone();
+  }
+  folder.Keep();
+}
+
+void WriteDocument(const std::string& text, const fs::path& target, const TPostponedSignals& signals) {
+  TNewFile file(target, text);
+  signals.RequireNone();
   file.Keep();
 }
 
@@ -187,8 +241,8 @@ void RequireContent(const TMachineDocument& machine) {
 
 }  // namespace
 
-std::vector<std::string> CaptureMachine(TMachine machine, const fs::path& plugin, const fs::path& target,
-                                        bool isAnonymous, const std::function<void()>& beforeWriting) {
+TCapture MakeCapture(TMachine machine, const fs::path& plugin, const fs::path& target, bool isAnonymous,
+                     const std::function<void()>& afterAsking) {
   RequireTarget(target);
   machine.damagedEdids.clear();  // they are not written, so the capture knows nothing of them
   TAnswer answer = Ask(machine, plugin);
@@ -196,28 +250,40 @@ std::vector<std::string> CaptureMachine(TMachine machine, const fs::path& plugin
   TMachineDocument document = {machine.host,       machine.getUnits(),
                                machine.connectors, ReadFiles(machine.host, answer.fileQueries),
                                machine.collected,  {}};
+  afterAsking();
   RequireContent(document);
-  std::vector<std::string> remarks;
+  TCapture capture;
   if (isAnonymous) {
-    // What is to be replaced is never written, so the capture is checked in memory first, still with it. The check of
-    // what was written then compares with the answer of the fillers.
     RequireAnswer(MakeCapturedMachine(document), answer, plugin);
-    remarks = MakeAnonymous(document, plugin);
+    capture.remarks = MakeAnonymous(document, plugin);
     answer = Ask(MakeCapturedMachine(document), plugin);
   }
+  capture.files = MakeFiles(document, target);
+  RequireAnswer(ReadBack(capture.files), answer, plugin);
+  return capture;
+}
+
+void WriteCapture(const TCapture& capture, const fs::path& target) {
   if (target == kStandardOutput) {
-    const std::string text = MakeDocument(document, "standard output");
-    RequireAnswer(ReadCapturedText(text, "standard output"), answer, plugin);
-    beforeWriting();
-    WriteStandardOutput(text);
-    return remarks;
+    WriteStandardOutput(capture.files.at(""));
+    return;
   }
-  beforeWriting();
-  const auto requireAnswer = [&] { RequireAnswer(ReadCapturedMachine(target), answer, plugin); };
-  if (target.extension() == kDocumentEnding) {
-    WriteDocument(document, target, requireAnswer);
+  const TPostponedSignals signals;
+  if (IsDocument(target)) {
+    WriteDocument(capture.files.at(""), target, signals);
   } else {
-    WriteFolder(document, target, requireAnswer);
+    WriteFolder(capture.files, target, signals);
   }
-  return remarks;
+}
+
+std::string Pack(const TCapture& capture) {
+  std::string bytes;
+  json::to_cbor(json{{"files", capture.files}, {"remarks", capture.remarks}}, bytes);
+  return bytes;
+}
+
+TCapture UnpackCapture(const std::string& bytes) {
+  const json capture = json::from_cbor(bytes);
+  return {capture.at("files").get<std::map<std::string, std::string>>(),
+          capture.at("remarks").get<std::vector<std::string>>()};
 }

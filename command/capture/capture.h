@@ -3,27 +3,40 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "command/machine/machine.h"
 
-/// Collects all six classes from `machine` with that plug-in, and writes down, as a captured machine, the files that
-/// the plug-in looked for and found, what is known of the outputs, and how the host presents the machine; no more.
-/// `target`: a file that ends in .json, or a folder; it must not exist; or "-" for the file's text on standard output.
-/// A folder has no ending that is a file's (such as .tar), unless a slash follows it. At the end it collects from what
-/// it has written. Throws TUnusable when there is nothing to write, when a configuration could not be looked for or
-/// read, when that answer differs, or when `target` exists or cannot be written, and then leaves nothing.
+/// A captured machine before it is written.
+struct TCapture {
+  std::map<std::string, std::string> files;  // content by name, such as "edid/0.bin"; of one file only, its name is ""
+  std::vector<std::string> remarks;          // for people: what was replaced, and which files still hold some of it
+};
+
+/// Collects all six classes from `machine` with that plug-in, and makes, as a captured machine, the files that the
+/// plug-in looked for and found, what is known of the outputs, and how the host presents the machine; no more. At the
+/// end it collects from what it has made. Throws TUnusable when there is nothing to capture, when a configuration could
+/// not be looked for or read, or when that answer differs.
 ///
-/// A damaged EDID of `machine` is not written; who calls this has to say so.
+/// `target`: where it is to be written: a file that ends in .json, or a folder; or "-" for the file's text on standard
+/// output. A folder has no ending that is a file's (such as .tar), unless a slash follows it.
+///
+/// A damaged EDID of `machine` is left out; who calls this has to say so.
 ///
 /// `isAnonymous`: puts fillers in the place of the serial numbers in the EDIDs, and of the system's name. The files
-/// stay as they are. The answer must then be that of the machine but for these; else it throws TUnusable.
+/// stay as they are. Throws TUnusable if the answer differs in anything else.
 ///
-/// `beforeWriting` is called once the machine has been asked and before anything is written: a limit of time that ends
-/// the process is to end there, since it would leave a capture in part.
-///
-/// Returns remarks for people: what was replaced, and which files still hold some of it.
-std::vector<std::string> CaptureMachine(
+/// `afterAsking` is called once nothing more is read of the machine.
+TCapture MakeCapture(
     TMachine machine, const std::filesystem::path& plugin, const std::filesystem::path& target, bool isAnonymous,
-    const std::function<void()>& beforeWriting = [] {});
+    const std::function<void()>& afterAsking = [] {});
+
+/// Writes it to `target`, which must not exist, and reads it back. Throws TUnusable when that fails, and then leaves
+/// nothing. A signal that would end the process waits meanwhile: when one comes, nothing is left either.
+void WriteCapture(const TCapture& capture, const std::filesystem::path& target);
+
+/// A capture as bytes, and back, for two processes of this program.
+std::string Pack(const TCapture& capture);
+TCapture UnpackCapture(const std::string& bytes);

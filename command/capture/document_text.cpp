@@ -1,78 +1,128 @@
 #include "command/capture/document_text.h"
 
-#include <nlohmann/json.hpp>
+#include <set>
 
 #include "command/base/base64.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
-
-using nlohmann::ordered_json;
+#include "command/report/json_writer.h"
 
 namespace {
 
-constexpr int kIndentation = 2;  // a line for each value, so that two machines can be compared line by line
-
 bool IsUtf8(const std::string& text) { return ToUtf8(text) == text; }
 
-ordered_json MakeUnits(const TMachineDocument& machine) {
-  ordered_json units = ordered_json::object();
-  for (const auto& [number, connector] : machine.connectors) {
-    units[std::to_string(number)]["connector"] = ToUtf8(connector);
-  }
-  for (const auto& [number, unit] : machine.bios.units) {
-    const std::string name = std::to_string(number);
-    if (unit.failAtBlock) units[name]["failAtBlock"] = *unit.failAtBlock;
-    if (unit.errorAtBlock) units[name]["errorAtBlock"] = *unit.errorAtBlock;
-  }
-  return units;
-}
+/// Writes a machine as JSON with a line for each value, so that two machines can be compared line by line.
+class TMachineWriter {
+ public:
+  explicit TMachineWriter(const TMachineDocument& machine) : m_machine(machine) {}
 
-ordered_json MakeBios(const TMachineDocument& machine) {
-  ordered_json bios = {{"present", machine.bios.present}, {"memory", machine.bios.memory}};
-  if (machine.bios.ignoresUnit) bios["ignoresUnit"] = true;
-  bios["units"] = MakeUnits(machine);
-  return bios;
-}
-
-void AddMachine(ordered_json& json, const TMachineDocument& machine) {
-  json["systemName"] = ToUtf8(machine.host.systemName);
-  if (!machine.collected.empty()) json["collected"] = machine.collected;
-  json["systemCreationClassName"] = ToUtf8(machine.host.systemCreationClassName);
-  json["systemType"] = machine.host.systemType;
-  json["provider"] = machine.host.provider;
-  json["bios"] = MakeBios(machine);
-}
-
-ordered_json MakeFiles(const TMachineDocument& machine) {
-  ordered_json files = ordered_json::object();
-  for (const auto& [path, content] : machine.files) {
-    if (!IsUtf8(path)) throw TUnusable(path + ": has a name that is not UTF-8; capture to a folder");
-    files[path] = IsUtf8(content) ? ordered_json{{"text", content}} : ordered_json{{"base64", EncodeBase64(content)}};
+  std::string MakeMachineJson() {
+    m_json.BeginObject();
+    WriteMachine();
+    return End();
   }
-  return files;
-}
 
-ordered_json MakeEdids(const TMachineDocument& machine) {
-  ordered_json edids = ordered_json::object();
-  for (const auto& [number, unit] : machine.bios.units) {
-    const std::string bytes(unit.edid.begin(), unit.edid.end());
-    if (!bytes.empty()) edids[std::to_string(number)] = EncodeBase64(bytes);
+  std::string MakeDocument() {
+    m_json.BeginObject();
+    WriteNumber("captured", kDocumentVersion);
+    WriteMachine();
+    WriteFiles();
+    WriteEdids();
+    return End();
   }
-  return edids;
-}
+
+ private:
+  void WriteText(const char* key, const std::string& text) {
+    m_json.Key(key);
+    m_json.String(text);
+  }
+
+  void WriteBoolean(const char* key, bool value) {
+    m_json.Key(key);
+    m_json.Literal(value ? "true" : "false");
+  }
+
+  template <typename T>
+  void WriteNumber(const char* key, T value) {
+    m_json.Key(key);
+    m_json.Literal(std::to_string(value));
+  }
+
+  void BeginObject(const std::string& key) {
+    m_json.Key(key);
+    m_json.BeginObject();
+  }
+
+  void WriteMachine() {
+    WriteText("systemName", m_machine.host.systemName);
+    if (!m_machine.collected.empty()) WriteText("collected", m_machine.collected);
+    WriteText("systemCreationClassName", m_machine.host.systemCreationClassName);
+    WriteNumber("systemType", m_machine.host.systemType);
+    WriteBoolean("provider", m_machine.host.provider);
+    BeginObject("bios");
+    WriteBoolean("present", m_machine.bios.present);
+    WriteBoolean("memory", m_machine.bios.memory);
+    if (m_machine.bios.ignoresUnit) WriteBoolean("ignoresUnit", true);
+    WriteUnits();
+    m_json.EndObject();
+  }
+
+  void WriteUnits() {
+    std::set<unsigned int> numbers;
+    for (const auto& [number, connector] : m_machine.connectors) numbers.insert(number);
+    for (const auto& [number, unit] : m_machine.bios.units) {
+      if (unit.failAtBlock || unit.errorAtBlock) numbers.insert(number);
+    }
+    BeginObject("units");
+    for (const unsigned int number : numbers) WriteUnit(number);
+    m_json.EndObject();
+  }
+
+  void WriteUnit(unsigned int number) {
+    BeginObject(std::to_string(number));
+    const auto connector = m_machine.connectors.find(number);
+    if (connector != m_machine.connectors.end()) WriteText("connector", connector->second);
+    const auto unit = m_machine.bios.units.find(number);
+    if (unit != m_machine.bios.units.end()) {
+      if (unit->second.failAtBlock) WriteNumber("failAtBlock", *unit->second.failAtBlock);
+      if (unit->second.errorAtBlock) WriteNumber("errorAtBlock", *unit->second.errorAtBlock);
+    }
+    m_json.EndObject();
+  }
+
+  void WriteFiles() {
+    BeginObject("files");
+    for (const auto& [path, content] : m_machine.files) {
+      if (!IsUtf8(path)) throw TUnusable(path + ": has a name that is not UTF-8; capture to a folder");
+      BeginObject(path);
+      const bool isText = IsUtf8(content);
+      WriteText(isText ? "text" : "base64", isText ? content : EncodeBase64(content));
+      m_json.EndObject();
+    }
+    m_json.EndObject();
+  }
+
+  void WriteEdids() {
+    BeginObject("edids");
+    for (const auto& [number, unit] : m_machine.bios.units) {
+      const std::string bytes(unit.edid.begin(), unit.edid.end());
+      if (!bytes.empty()) WriteText(std::to_string(number).c_str(), EncodeBase64(bytes));
+    }
+    m_json.EndObject();
+  }
+
+  std::string End() {
+    m_json.EndObject();
+    m_json.EndLine();
+    return m_json.TakeText();
+  }
+
+  const TMachineDocument& m_machine;
+  TJsonWriter m_json{TJsonWriter::ELayout::kIndented};
+};
 
 }  // namespace
 
-std::string MakeMachineJson(const TMachineDocument& machine) {
-  ordered_json json = ordered_json::object();
-  AddMachine(json, machine);
-  return json.dump(kIndentation) + "\n";
-}
+std::string MakeMachineJson(const TMachineDocument& machine) { return TMachineWriter(machine).MakeMachineJson(); }
 
-std::string MakeDocumentText(const TMachineDocument& machine) {
-  ordered_json json = {{"captured", kDocumentVersion}};
-  AddMachine(json, machine);
-  json["files"] = MakeFiles(machine);
-  json["edids"] = MakeEdids(machine);
-  return json.dump(kIndentation) + "\n";
-}
+std::string MakeDocumentText(const TMachineDocument& machine) { return TMachineWriter(machine).MakeDocument(); }

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "command/base/unusable.h"
+#include "command/machine/rooted_folder.h"
 
 namespace fs = std::filesystem;
 
@@ -16,12 +17,7 @@ namespace {
 /// `kind`: of what could not be made.
 [[noreturn]] void FailToMake(const std::string& path, const std::string& kind) {
   if (errno == EEXIST) throw TUnusable(path + ": already exists; name a " + kind + " that does not");
-  const bool isRoot = errno == EACCES && geteuid() == 0;
-  throw TUnusable(path + ": cannot be made: " + std::strerror(errno) + "; " +
-                  (isRoot ? "to read a captured machine, root gives up its rights in folders of others: capture into "
-                            "one of root's own, and move the " +
-                                kind
-                          : "name a " + kind + " where you may make one"));
+  throw TUnusable(path + ": cannot be made: " + std::strerror(errno) + "; name a " + kind + " where you may make one");
 }
 
 /// Without the slashes that a folder's name may end in.
@@ -36,7 +32,7 @@ TDescriptor OpenParent(const fs::path& path, const char* kind) {
 }
 
 TDescriptor MakeFile(int folder, const std::string& name, const std::string& path) {
-  TDescriptor file(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  TDescriptor file(openat(folder, name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
   if (!file.IsOpen()) FailToMake(path, "file");
   return file;
 }
@@ -57,6 +53,8 @@ void WriteWhole(const TDescriptor& file, const std::string& content, const std::
       throw TUnusable(path + ": cannot be written: " + std::strerror(errno) + "; capture to where there is room");
     }
   }
+  if (lseek(file.Get(), 0, SEEK_SET) == 0 && ReadContent(file, content.size(), path) == content) return;
+  throw TUnusable(path + ": is read back as something else than was written; capture to another disk");
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // Folders and files that were not there before, and are not there afterwards unless they are kept.
 //
 // Root may make them in somebody else's folder, whose owner may replace folders by links at any time. So nothing that
-// exists is ever opened for writing, no link is followed, and everything is made, and removed again, through the
-// descriptors of the folders that were made: a path is looked up once, for the folder that the target goes into.
+// exists is ever opened for writing, no link is followed, and everything is made, read back, and removed again, through
+// the descriptors of what was made: a path is looked up once, for the folder that the target goes into.
 #pragma once
 
 #include <filesystem>
@@ -20,7 +20,7 @@ class TNewFolder {
   TNewFolder(const TNewFolder&) = delete;
   TNewFolder& operator=(const TNewFolder&) = delete;
 
-  /// Writes a new file, `name` such as "edid/0.bin", with the folders on its way.
+  /// Writes a new file, `name` such as "edid/0.bin", with the folders on its way, and reads it back.
   void Write(const std::string& name, const std::string& content);
 
   void Keep() { m_made.clear(); }
@@ -41,7 +41,7 @@ class TNewFolder {
   std::vector<TMade> m_made;
 };
 
-/// A new file, in the same way.
+/// A new file, written and read back in the same way.
 class TNewFile {
  public:
   TNewFile(const std::filesystem::path& path, const std::string& content);

@@ -1,6 +1,5 @@
 #include "command/cim_server/serve.h"
 
-#include <grp.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -25,7 +24,6 @@
 
 namespace {
 
-constexpr unsigned int kNobody = 65534;
 constexpr std::chrono::seconds kGrace(5);  // for the starter to say that a collection took too long
 
 TRequest MakeRequest() {
@@ -53,17 +51,9 @@ TMachineLine CollectLine(const TServeOptions& options) {
   }
 }
 
-/// A server that root started listens as nobody: even without capabilities, root would still own the system's files.
-void BecomeNobody() {
-  if (geteuid() != 0) return;
-  const bool isDone = setgroups(0, nullptr) == 0 && setresgid(kNobody, kNobody, kNobody) == 0 &&
-                      setresuid(kNobody, kNobody, kNobody) == 0;
-  if (!isDone) throw TUnusable("root's rights cannot be given up; run displayinfo serve as another user");
-}
-
 void GiveUpPrivileges() {
-  BecomeNobody();
   DropPrivileges(false);
+  if (geteuid() == 0) throw TUnusable("root's rights cannot be given up; run displayinfo serve as another user");
 }
 
 /// The listening process: HTTP on one side, the worker on the other.

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <nlohmann/json.hpp>
 
 #include "command/base/base64.h"
@@ -31,6 +32,13 @@ std::string Answer(const TMachine& machine) {
   TRequest all;
   for (const TClassDeclaration& declaration : GetSchema()) all.emplace_back(declaration.name);
   return MakeJsonReport(Collect(machine, PLUGIN_FILE, {all}, {}));
+}
+
+std::vector<std::string> CaptureMachine(const TMachine& machine, const fs::path& plugin, const fs::path& target,
+                                        bool isAnonymous) {
+  const TCapture capture = UnpackCapture(Pack(MakeCapture(machine, plugin, target, isAnonymous)));
+  WriteCapture(capture, target);
+  return capture.remarks;
 }
 
 class Capture : public testing::Test {
@@ -156,15 +164,45 @@ TEST_F(Capture, NamesTheSystem) {
   EXPECT_EQ(json::parse(Read("machine.json"))["systemName"], "ws-17");
 }
 
-TEST_F(Capture, TellsOnceThatTheMachineHasBeenAskedBeforeItWritesAnything) {
+TEST_F(Capture, SaysOnceThatNothingMoreIsReadOfTheMachine) {
   for (const fs::path& path : {target, document}) {
     int told = 0;
-    CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, path, false, [&] {
+    const TCapture capture = MakeCapture(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, path, false, [&] {
       ++told;
-      EXPECT_FALSE(fs::exists(path));
+      fs::remove_all(live.GetPath() / "edid");
     });
     EXPECT_EQ(told, 1) << path;
+    EXPECT_FALSE(fs::exists(path));
+    live.Edid(0, TEdidBuilder().Build());
   }
+}
+
+// The time limit and Ctrl-C, which take effect when the capture has gone.
+TEST_F(Capture, IsNotLeftInPartByASignal) {
+  const TCapture capture = MakeCapture(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGXCPU, SIGALRM}) {
+    const auto captureInterrupted = [&] {
+      sigset_t signals;
+      sigfillset(&signals);
+      sigprocmask(SIG_BLOCK, &signals, nullptr);
+      raise(signal);
+      try {
+        WriteCapture(capture, target);
+      } catch (const TUnusable&) {
+        sigprocmask(SIG_UNBLOCK, &signals, nullptr);
+      }
+    };
+    EXPECT_EXIT(captureInterrupted(), testing::KilledBySignal(signal), "");
+    EXPECT_FALSE(fs::exists(target));
+  }
+}
+
+TEST_F(Capture, IsWrittenWhateverSignalsAreIgnored) {
+  const TCapture capture = MakeCapture(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
+  std::signal(SIGHUP, SIG_IGN);
+  WriteCapture(capture, target);
+  std::signal(SIGHUP, SIG_DFL);
+  EXPECT_TRUE(fs::exists(target / "machine.json"));
 }
 
 TEST_F(Capture, HasFillersForSerialNumbersAndNameWhenItIsAnonymous) {
@@ -403,4 +441,12 @@ TEST_F(Capture, HasAsManyMonitorsAsUnits) {
   }
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
   EXPECT_EQ(json::parse(ReadFile(document))["edids"].size(), 256U);
+}
+
+TEST_F(Capture, ShowsNoHiddenCharacter) {
+  const std::string name = "a\x7F\u0085\u202E\u2028";
+  live.Json("{\"systemName\": " + json(name).dump() + "}");
+  CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
+  EXPECT_THAT(ReadFile(document), HasSubstr(R"("systemName": "a\u007f\u0085\u202e\u2028")"));
+  EXPECT_EQ(json::parse(ReadFile(document))["systemName"], name);
 }
