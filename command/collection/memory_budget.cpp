@@ -6,12 +6,14 @@
 #include <algorithm>
 #include <fstream>
 #include <new>
+#include <string>
 
 namespace {
 
 constexpr rlim_t kBudget = rlim_t{2} * 1024 * 1024 * 1024;
 
 volatile bool gHasRunOut = false;
+rlim_t gUsersLimit = RLIM_INFINITY;  // where it leaves a machine less than the budget
 
 [[noreturn]] void NoteThatItRanOut() {
   gHasRunOut = true;
@@ -32,8 +34,19 @@ void LimitMemory() {
   std::set_new_handler(NoteThatItRanOut);
   rlimit limit = {};
   if (getrlimit(RLIMIT_AS, &limit) != 0) return;
-  limit.rlim_cur = std::min(limit.rlim_cur, CountMapped() + kBudget);  // the user may have set a tighter one
+  const rlim_t own = CountMapped() + kBudget;
+  if (limit.rlim_cur < own) {
+    gUsersLimit = limit.rlim_cur;
+    return;
+  }
+  limit.rlim_cur = own;
   static_cast<void>(setrlimit(RLIMIT_AS, &limit));
 }
 
 bool HasMemoryRunOut() { return gHasRunOut; }
+
+std::string DescribeMemoryLimit() {
+  if (gUsersLimit == RLIM_INFINITY) return "needs more than 2 GiB of memory, the most that one machine may take";
+  return "needs more memory than the limit set for this process, " + std::to_string(gUsersLimit / 1024) +
+         " KiB; raise it (ulimit -v)";
+}

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <exception>
+#include <string>
 
 #include "command/base/unusable.h"
 
@@ -13,7 +14,8 @@ void LimitMemory();
 /// something, and what is left of the memory may be in pieces.
 bool HasMemoryRunOut();
 
-constexpr const char* kMemoryReason = "needs more than 2 GiB of memory, the most that one machine may take";
+/// "needs more than 2 GiB of memory, the most that one machine may take", or the limit that the user has set.
+std::string DescribeMemoryLimit();
 
 /// What `work` returns, with the memory limited. Throws TUnusable when it ran out, whatever `work` made of that.
 template <typename TWork>
@@ -25,5 +27,5 @@ auto WithinMemory(const TWork& work) {
   } catch (const std::exception&) {
     if (!HasMemoryRunOut()) throw;
   }
-  throw TUnusable(kMemoryReason);
+  throw TUnusable(DescribeMemoryLimit());
 }

@@ -1,7 +1,5 @@
 #include "command/fleet/finished_machines.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +11,7 @@
 #include "command/base/descriptor.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
+#include "command/machine/rooted_folder.h"
 
 namespace fs = std::filesystem;
 using nlohmann::json;
@@ -58,11 +57,12 @@ std::optional<std::string> FindName(const std::string& line) {
 class TLineReader {
  public:
   // cppcheck-suppress uninitMemberVar ; m_piece is written before it is read
-  explicit TLineReader(const fs::path& file) : m_name(file.string()), m_file(open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
+  explicit TLineReader(const fs::path& file) : m_name(file.string()) {
+    const TDescriptor found = FindPath(file);
+    if (!found.IsOpen()) Fail();
+    if (!IsRegularFile(found, m_name)) throw TUnusable(m_name + ": is not a regular file" + kCure);
+    m_file = OpenFound(found, file);
     if (!m_file.IsOpen()) Fail();
-    struct stat status = {};
-    if (fstat(m_file.Get(), &status) != 0) Fail();
-    if (!S_ISREG(status.st_mode)) throw TUnusable(m_name + ": is not a regular file" + kCure);
   }
 
   /// The next line as far as a name can reach into it; nothing at the end of the file.

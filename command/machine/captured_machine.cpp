@@ -158,6 +158,9 @@ TMachine ReadFolder(TDescriptor found, const fs::path& path) {
 }  // namespace
 
 TMachine ReadCapturedMachine(const fs::path& path) {
+  if (path.native().find('\0') != std::string::npos) {
+    throw TUnusable(path.string() + ": is not a captured machine: no file's name has a zero byte");
+  }
   TDescriptor found = FindPath(path);
   if (!found.IsOpen()) {
     if (IsForbidden(errno)) FailToRead(path.string(), errno);

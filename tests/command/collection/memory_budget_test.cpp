@@ -2,6 +2,7 @@
 #include "command/collection/memory_budget.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <iostream>
 #include <memory>
@@ -54,6 +55,20 @@ TEST_F(MemoryBudget, LeavesAloneWhatNeedsLess) {
                 return std::string("enough");
               }),
               done, "^enough\n$");
+}
+
+TEST_F(MemoryBudget, SaysWhatLimitTheUserHasSet) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizers need more address space than such a limit leaves";
+  const auto run = [] {
+    const rlimit limit = {rlim_t{1024} * 1024 * 1024, RLIM_INFINITY};
+    setrlimit(RLIMIT_AS, &limit);
+    RunLimited([] {
+      TakePieces(100);
+      return std::string("enough");
+    });
+  };
+  EXPECT_EXIT(run(), done,
+              "^unusable: needs more memory than the limit set for this process, 1048576 KiB; raise it .ulimit -v.\n$");
 }
 
 TEST_F(MemoryBudget, PassesOnOtherFailures) {

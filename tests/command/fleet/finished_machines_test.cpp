@@ -1,11 +1,13 @@
 #include "command/fleet/finished_machines.h"
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include "command/base/unusable.h"
 #include "command/report/json_report.h"
 #include "tests/support/temporary_folder.h"
 
+namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 namespace {
@@ -54,6 +56,18 @@ TEST_F(FinishedMachines, AreKnownByNamesThatAreNotText) {
 }
 
 TEST_F(FinishedMachines, AreNoneInAnEmptyFile) { EXPECT_FALSE(Read("").Take("a")); }
+
+// Opening it would wait for a writer.
+TEST_F(FinishedMachines, AreNoneInAFifo) {
+  const fs::path fifo = folder.GetPath() / "fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  try {
+    const TFinishedMachines finished(fifo);
+    FAIL() << "it was read";
+  } catch (const TUnusable& error) {
+    EXPECT_THAT(error.what(), HasSubstr("fifo: is not a regular file"));
+  }
+}
 
 TEST_F(FinishedMachines, AreRefusedWithALineThatIsCutOff) {
   const std::string whole = MakeErrorLine("a", "broken");
