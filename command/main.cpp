@@ -150,13 +150,10 @@ int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   return kDone;
 }
 
-int RunComparison(const TOptions& options, TCompareOptions compare) try {
+int RunComparison(const TOptions& options, TCompareOptions compare) {
   compare.plugin = ChoosePlugin(options);
   compare.timeout = options.timeout;
   return Compare(compare);
-} catch (const std::exception& error) {
-  std::cerr << "displayinfo: " << ToMessage(error.what()) << '\n';
-  return kNotCompared;
 }
 
 int RunServer(const TOptions& options, TServeOptions serve) {
@@ -283,6 +280,7 @@ int Run(const TOptions& options) {
 }
 
 int RunSubcommand(const TCommandLine& line) {
+  LoadTimeZone();
   switch (line.subcommand) {
     case ESubcommand::kCapture:
       return RunCapture(line.options, line.capture);
@@ -306,13 +304,14 @@ int main(int argumentCount, char** arguments) {
   // A closed pipe, and a file that may not grow (ulimit -f), show in write() instead.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  int failed = kUnusable;
   try {
     const TCommandLine line = ParseCommandLine(argumentCount, arguments);
     if (line.exitStatus) return *line.exitStatus;
-    LoadTimeZone();
+    if (line.subcommand == ESubcommand::kCompare) failed = kNotCompared;
     return RunSubcommand(line);
   } catch (const std::exception& error) {
     std::cerr << "displayinfo: " << ToMessage(error.what()) << '\n';
-    return kUnusable;
+    return failed;
   }
 }

@@ -7,6 +7,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <csignal>
+
 namespace {
 
 constexpr unsigned int kNobody = 65534;
@@ -14,10 +16,13 @@ constexpr unsigned int kNobody = 65534;
 /// Keeps the capabilities that are held, and the signal at the parent's death, which the kernel forgets with the user.
 void BecomeNobody() {
   int deathSignal = 0;
+  const pid_t parent = getppid();
   static_cast<void>(prctl(PR_GET_PDEATHSIG, &deathSignal));
   static_cast<void>(prctl(PR_SET_KEEPCAPS, 1, 0, 0, 0));
   if (setgroups(0, nullptr) != 0 || setresgid(kNobody, kNobody, kNobody) != 0) return;
-  if (setresuid(kNobody, kNobody, kNobody) == 0) static_cast<void>(prctl(PR_SET_PDEATHSIG, deathSignal));
+  if (setresuid(kNobody, kNobody, kNobody) != 0) return;
+  static_cast<void>(prctl(PR_SET_PDEATHSIG, deathSignal));
+  if (deathSignal != 0 && getppid() != parent) raise(deathSignal);  // it ended before that was said
 }
 
 }  // namespace

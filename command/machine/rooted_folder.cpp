@@ -110,7 +110,11 @@ TRootedFolder::TRootedFolder(const fs::path& path, ELinks links)
       m_links(links) {}
 
 TDescriptor TRootedFolder::Find(const std::string& path) const {
-  return RequireKnown(LookUp(m_folder.Get(), m_links, path, O_PATH | O_CLOEXEC), At(path));
+  TDescriptor found = LookUp(m_folder.Get(), m_links, path, O_PATH | O_CLOEXEC);
+  // Most files that are looked for do not exist: their whole path is made for a failure only.
+  const int error = errno;
+  if (!found.IsOpen() && !DescribesFile(error)) FailToRead(At(path), error);
+  return found;
 }
 
 TDescriptor TRootedFolder::OpenFile(const std::string& path) const {
@@ -145,7 +149,7 @@ void TRootedFolder::ForEachName(const std::function<void(const std::string& name
 }
 
 std::string TRootedFolder::At(const std::string& path) const {
-  return m_path.back() == '/' || path.front() == '/' ? m_path + path : m_path + "/" + path;
+  return (fs::path(m_path) / MakeRelative(path)).string();
 }
 
 TDescriptor FindPath(const fs::path& path) {

@@ -11,6 +11,8 @@
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/process.h"
+#include "tests/support/reachable_build.h"
+#include "tests/support/running_process.h"
 #include "tests/support/sanitizers.h"
 #include "tests/support/terminal.h"
 
@@ -116,8 +118,8 @@ TEST_F(Command, SaysOnceThatItMayNotLookForTheConfiguration) {
   machine.File("root/etc/X11/xorg.conf", "");
   std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::all);
   std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::none);
-  const TProcessResult result =
-      RunShell(kAsNobody + kCommand + " --machine " + machine.GetPath().string() + " QRXSG_VideoController");
+  const TProcessResult result = RunShell(kAsNobody + TReachableBuild().GetCommand() + " --machine " +
+                                         machine.GetPath().string() + " QRXSG_VideoController");
   std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::all);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.errors, "displayinfo: 10 of the 10 X server configuration files could not be looked for in " +
@@ -507,11 +509,30 @@ TEST_F(Command, CapturesNothingWhereItMayNotLookForTheConfiguration) {
   std::filesystem::permissions(machine.GetPath(), std::filesystem::perms::all);
   std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::none);
   const TProcessResult result =
-      RunShell(kAsNobody + kCommand + " capture --machine " + machine.GetPath().string() + " -");
+      RunShell(kAsNobody + TReachableBuild().GetCommand() + " capture --machine " + machine.GetPath().string() + " -");
   std::filesystem::permissions(machine.GetPath() / "root", std::filesystem::perms::all);
   ExpectUnusable(result, "10 of the 10 X server configuration files could not be looked for in " +
                              machine.GetPath().string() +
                              "/root: Permission denied; make it readable, or run as a user who may read it");
+}
+
+TEST_F(Command, LeavesNothingWhenACaptureIsEndedWhileItReads) {
+  machine.File("root/waits", "");
+  const std::filesystem::path target = machine.GetPath() / "target";
+  TRunningProcess run("exec " + kCommand + " capture --plugin " TROUBLE_PLUGIN_FILE " --machine " +
+                      machine.GetPath().string() + " " + target.string());
+  std::vector<pid_t> readers;
+  ASSERT_TRUE(WaitUntil([&] { return (readers = run.GetChildren()).size() == 1; }));
+  ASSERT_TRUE(WaitUntil([&] { return HasSignal(readers[0], "SigIgn", SIGUSR1); }));
+  if (geteuid() == 0) {
+    EXPECT_EQ(ReadStatus(readers[0], "Uid"), "65534\t65534\t65534\t65534");
+    EXPECT_EQ(ReadStatus(readers[0], "CapEff"), "0000000000000004") << "it may only read";
+  }
+  run.Send(SIGTERM);
+  const int status = run.Wait();
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+  EXPECT_FALSE(std::filesystem::exists(target));
+  EXPECT_TRUE(WaitUntil([&] { return HasEnded(readers[0]); }));
 }
 
 // The process that reads the stranger's machine gives up root's rights, and the one that writes keeps them.

@@ -9,6 +9,7 @@
 #include "realmode/choose_bios.h"
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
+#include "tests/support/reachable_build.h"
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
@@ -23,8 +24,8 @@ class Reasons : public testing::Test {
   ~Reasons() override { ChooseVideoBios(nullptr); }
 
   /// The answer for that class, which must have no instances.
-  TAnswer Ask(const std::string& className) const {
-    const TAnswer answer = Collect(ReadCapturedMachine(machine.GetPath()), PLUGIN_FILE, {{className}}, {});
+  TAnswer Ask(const std::string& className, const fs::path& plugin = PLUGIN_FILE) const {
+    const TAnswer answer = Collect(ReadCapturedMachine(machine.GetPath()), plugin, {{className}}, {});
     EXPECT_THAT(answer.requests[0].instances, IsEmpty());
     return answer;
   }
@@ -96,10 +97,11 @@ TEST_F(Reasons, OfNoControllerAreMissingPermissionsWhichAreNotedToo) {
   machine.File(kConfiguration, "Section \"Device\"\n  Identifier \"a\"\nEndSection\n");
   fs::permissions(machine.GetPath(), fs::perms::all);
   fs::permissions(machine.GetPath() / kConfiguration, fs::perms::none);
+  const TReachableBuild build;
   const uid_t user = geteuid();
   constexpr uid_t nobody = 65534;
   ASSERT_EQ(user == 0 ? seteuid(nobody) : 0, 0);  // root may read everything
-  const TAnswer answer = Ask("QRXSG_VideoController");
+  const TAnswer answer = Ask("QRXSG_VideoController", build.GetPlugin());
   ASSERT_EQ(seteuid(user), 0);
   EXPECT_EQ(answer.reasons.noControllers,
             machine.GetPath().string() +

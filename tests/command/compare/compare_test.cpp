@@ -5,6 +5,7 @@
 
 #include "tests/command/compare/compared_answer.h"
 #include "tests/support/process.h"
+#include "tests/support/reachable_build.h"
 #include "tests/support/temporary_folder.h"
 
 using nlohmann::json;
@@ -233,7 +234,7 @@ TEST_F(Comparison, DoesNotTakeAControllerForGoneWhoseConfigurationMayNotBeRead) 
   std::filesystem::permissions(folder.GetPath(), std::filesystem::perms::all);
   std::filesystem::permissions(root, std::filesystem::perms::none);
   const std::string asNobody = geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
-  const TProcessResult result = RunIn(asNobody + kCommand + " compare old new");
+  const TProcessResult result = RunIn(asNobody + TReachableBuild().GetCommand() + " compare old new");
   std::filesystem::permissions(root, std::filesystem::perms::all);
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.output, "");
