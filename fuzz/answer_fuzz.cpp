@@ -65,12 +65,13 @@ void RequireReports(const TMachineDifference& difference) {
   Require(text == ToPrintable(text), "a terminal may show the text");
 }
 
-std::ptrdiff_t Count(const std::vector<TDeviceDifference>& devices, EState state) {
-  return std::count_if(devices.begin(), devices.end(),
-                       [&](const TDeviceDifference& device) { return device.state == state; });
+template <typename TDifferences>
+std::ptrdiff_t Count(const TDifferences& devices, EState state) {
+  return std::count_if(devices.begin(), devices.end(), [&](const auto& device) { return device.state == state; });
 }
 
-void RequireOpposite(const std::vector<TDeviceDifference>& there, const std::vector<TDeviceDifference>& back) {
+template <typename TDifferences>
+void RequireOpposite(const TDifferences& there, const TDifferences& back) {
   Require(Count(there, EState::kCame) == Count(back, EState::kGone), "what came is gone on the way back");
   Require(Count(there, EState::kGone) == Count(back, EState::kCame), "what is gone came on the way back");
   Require(Count(there, EState::kChanged) == Count(back, EState::kChanged), "what changed changed on the way back");

@@ -55,7 +55,7 @@ constexpr const char* kMachineDocuments[] = {
     R"({"a": [[[[{}]]]], "captured": 1})",
 };
 
-// Answers before and after a change, each with all that a comparison reads.
+// Answers before and after a change, each with all that a comparison reads. "@" stands for an EDID.
 constexpr const char* kAnswers[][2] = {
     {R"({"machine": "a", "requests": [{"classes": ["QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"], "instances": [
         {"class": "QRXSG_DesktopMonitor", "path": "p", "properties": {
@@ -63,8 +63,12 @@ constexpr const char* kAnswers[][2] = {
             "ManufacturingDate": {"type": "datetime", "value": "20100101060000.000000+000"}}},
         {"class": "QRXSG_MonitorResolution", "path": "q", "properties": {
             "SettingID": {"value": "Monitor 1\\ Setting 1"}, "RefreshRate": {"value": 60}}}]}],
-        "outputs": [{"connector": "card0-DP-1", "deviceID": "Monitor 1"}, {"deviceID": null}]})",
-     R"({"requests": [], "outputs": []})"},
+        "outputs": [{"connector": "card0-DP-1", "deviceID": "Monitor 1", "edid": "@"},
+                    {"deviceID": null, "edid": "@"}]})",
+     R"({"machine": "a", "requests": [{"classes": ["QRXSG_DesktopMonitor"], "instances": [
+        {"class": "QRXSG_DesktopMonitor", "path": "p", "properties": {
+            "DeviceID": {"value": "Monitor 2"}, "Gamma": {"value": 2.2}, "Name": {"value": null}}}]}],
+        "outputs": [{"connector": "card0-DP-2", "deviceID": "Monitor 2", "edid": "@"}]})"},
     {R"({"requests": [{"classes": ["QRXSG_VideoController", "QRXSG_VideoHead"], "instances": [
         {"class": "QRXSG_VideoController", "path": "p", "properties": {"DisplayId": {"value": "PCI:1:0:0"}}},
         {"class": "QRXSG_VideoHead", "path": "q", "properties": {"DisplayId": {"value": "PCI:1:0:0"},
@@ -112,13 +116,11 @@ std::string MakeUnit(const TEdidBuilder& builder) {
   return MakeUnit(std::string(bytes.begin(), bytes.end()));
 }
 
-/// The answer with an EDID at each output that says null of its monitor.
-std::string WithEdid(std::string answer) {
+std::string FillEdids(std::string answer) {
   const std::vector<std::uint8_t> bytes = TEdidBuilder().Build();
-  const std::string edid = R"(, "edid": ")" + EncodeBase64(std::string(bytes.begin(), bytes.end())) + '"';
-  const std::string without = R"("deviceID": null)";
-  const std::size_t place = answer.find(without);
-  return place == std::string::npos ? answer : answer.insert(place + without.size(), edid);
+  const std::string edid = EncodeBase64(std::string(bytes.begin(), bytes.end()));
+  for (std::size_t place = 0; (place = answer.find('@', place)) != std::string::npos;) answer.replace(place, 1, edid);
+  return answer;
 }
 
 std::vector<TEdidBuilder> MakeOddEdids() {
@@ -198,8 +200,8 @@ int main(int argumentCount, char** arguments) try {
   for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
   for (const char* text : kMachineDocuments) seeds.Add("machine_document", text);
   for (const auto& answer : kAnswers) {
-    seeds.Add("answer", answer[0] + kEnd + answer[1]);
-    seeds.Add("answer", answer[0] + kEnd + WithEdid(answer[0]));
+    seeds.Add("answer", FillEdids(answer[0]) + kEnd + FillEdids(answer[1]));
+    seeds.Add("answer", FillEdids(answer[0]) + kEnd + FillEdids(answer[0]));
   }
   for (const auto& operation : kCimOperations) seeds.Add("cim_request", MakeCimRequest(operation));
   return 0;

@@ -1,7 +1,8 @@
 #include "command/compare/answer_reader.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
+#include <cmath>
+#include <set>
 #include <utility>
 
 #include "command/base/base64.h"
@@ -10,6 +11,7 @@
 #include "command/machine/machine_document.h"
 
 using nlohmann::json;
+using NQRXZELT20::TCIMValue;
 
 namespace {
 
@@ -17,12 +19,6 @@ constexpr std::size_t kMaxDepth = 16;    // of values in values; an answer needs
 constexpr std::size_t kMaxShown = 100;   // characters of a key in a message
 constexpr std::size_t kMaxReason = 300;  // characters of what the parser says
 constexpr const char* kCure = "; compare takes captured machines, and what --format json or --machines has written";
-
-/// The date and time: the same week of manufacture has the time zone of whoever collected it.
-std::string RemoveTimeZone(const std::string& datetime) {
-  constexpr std::size_t length = 21;  // of yyyymmddhhmmss.mmmmmm
-  return datetime.substr(0, length);
-}
 
 /// Goes through an answer as the parser does.
 class TAnswerWalk : public nlohmann::json_sax<json> {
@@ -95,27 +91,24 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
     static const TNode classes = {EShape::kArray, nullptr, nullptr, nullptr, {}, &className};
 
     static const TNode element = {EShape::kPlain, &TAnswerWalk::TakeElement};
-    static const TNode type = {EShape::kText, &TAnswerWalk::TakeType};
-    static const TNode value = {
-        EShape::kPlain, &TAnswerWalk::TakeProperty, &TAnswerWalk::BeginElements, &TAnswerWalk::EndElements, {},
-        &element};
-    static const TNode property = {EShape::kObject,
-                                   nullptr,
-                                   &TAnswerWalk::BeginProperty,
-                                   &TAnswerWalk::EndProperty,
-                                   {{"type", &type}, {"value", &value}}};
+    static const TNode value = {EShape::kPlain, &TAnswerWalk::TakeProperty, &TAnswerWalk::BeginElements, nullptr, {},
+                                &element};
+    static const TNode property = {
+        EShape::kObject, nullptr, &TAnswerWalk::BeginProperty, &TAnswerWalk::EndProperty, {{"value", &value}}};
     static const TNode properties = {EShape::kObject, nullptr, nullptr, nullptr, {}, &property};
 
     static const TNode instanceClass = {EShape::kText, &TAnswerWalk::TakeInstanceClass};
-    static const TNode path = {EShape::kText, &TAnswerWalk::TakePath};
     static const TNode instance = {EShape::kObject,
                                    nullptr,
                                    &TAnswerWalk::BeginInstance,
                                    &TAnswerWalk::EndInstance,
-                                   {{"class", &instanceClass}, {"path", &path}, {"properties", &properties}}};
+                                   {{"class", &instanceClass}, {"properties", &properties}}};
     static const TNode instances = {EShape::kArray, nullptr, nullptr, nullptr, {}, &instance};
-    static const TNode request = {
-        EShape::kObject, nullptr, nullptr, nullptr, {{"classes", &classes}, {"instances", &instances}}};
+    static const TNode request = {EShape::kObject,
+                                  nullptr,
+                                  &TAnswerWalk::BeginRequest,
+                                  nullptr,
+                                  {{"classes", &classes}, {"instances", &instances}}};
     static const TNode requests = {EShape::kArray, nullptr, nullptr, nullptr, {}, &request};
 
     static const TNode deviceId = {EShape::kTextOrNull, &TAnswerWalk::TakeDeviceId};
@@ -217,30 +210,27 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
 
   void TakeMachine(json& value) { m_answer.machine = value.get<std::string>(); }
   void TakeError(json& value) { m_answer.error = value.get<std::string>(); }
-  void TakeClass(json& value) { m_answer.classes.insert(value.get<std::string>()); }
+
+  void BeginRequest() { m_answer.requests.emplace_back(); }
+  void TakeClass(json& value) { m_answer.requests.back().classes.push_back(value.get<std::string>()); }
 
   void BeginInstance() { m_instance = TReadInstance(); }
   void TakeInstanceClass(json& value) { m_instance.className = value.get<std::string>(); }
-  void TakePath(json& value) { m_instance.path = value.get<std::string>(); }
   void EndInstance() {
-    if (m_instance.className.empty() || m_instance.path.empty()) Fail("has an instance without \"class\" or \"path\"");
-    m_answer.instances.push_back(std::move(m_instance));
+    if (m_instance.className.empty()) Fail("has an instance without \"class\"");
+    m_answer.requests.back().instances.push_back(std::move(m_instance));
   }
 
   void BeginProperty() {
     m_property = m_frames.back().key;
-    m_type.clear();
     m_value = json(json::value_t::discarded);
   }
-  void TakeType(json& value) { m_type = value.get<std::string>(); }
   void TakeProperty(json& value) { m_value = std::move(value); }
   void BeginElements() { m_value = json::array(); }
   void TakeElement(json& value) { m_value.push_back(std::move(value)); }
-  void EndElements() {}
   void EndProperty() {
     if (m_value.is_discarded()) Fail("has no \"value\"");
-    if (m_type == "datetime" && m_value.is_string()) m_value = RemoveTimeZone(m_value.get<std::string>());
-    m_instance.properties[m_property] = m_value.dump();
+    m_instance.properties[m_property] = std::move(m_value);
   }
 
   void BeginOutput() { m_answer.outputs.emplace_back(); }
@@ -263,10 +253,71 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
   TReadAnswer m_answer;
   TReadInstance m_instance;  // that is being read
   std::string m_property;    // of it
-  std::string m_type;        // of that
-  json m_value;
+  json m_value;              // of that
 };
+
+TPropertyValue TakeValue(const TCIMValue& value) {
+  typedef TCIMValue::TCIMType TType;
+  if (value.IsArray()) {
+    TPropertyValue array = json::array();
+    for (const TCIMValue& element : value.GetElements()) array.push_back(TakeValue(element));
+    return array;
+  }
+  switch (value.GetType().GetCode()) {
+    case TType::kNull:
+      return nullptr;
+    case TType::kBoolean:
+      return value.GetBoolean();
+    case TType::kUint8:
+    case TType::kUint16:
+    case TType::kUint32:
+      return value.GetUnsigned();
+    case TType::kReal32:
+      // An answer has the shortest decimal of the number, which is not the same number with the bits of a double.
+      if (!std::isfinite(value.GetReal())) return nullptr;
+      return json::parse(static_cast<std::string>(value)).get<double>();
+    case TType::kString:
+    case TType::kDateTime:
+    case TType::kReference:
+      break;
+  }
+  return value.GetText();
+}
+
+TReadInstance TakeInstance(const TStoredInstance& stored) {
+  TReadInstance instance = {stored.GetDeclaration().name, {}};
+  for (const auto& [name, value] : stored.GetProperties()) instance.properties[name] = TakeValue(value);
+  return instance;
+}
+
+void ReplaceBytes(TPropertyValue& value) {
+  // A plain value is its own only element.
+  for (TPropertyValue& element : value) {
+    if (element.is_string()) element = ToUtf8(element.get_ref<const std::string&>());
+  }
+}
 
 }  // namespace
 
 TReadAnswer ReadAnswer(const std::string& text, const std::string& place) { return TAnswerWalk(place).Read(text); }
+
+TReadAnswer TakeAnswer(const TAnswer& answer) {
+  TReadAnswer taken;
+  for (const TRequestAnswer& request : answer.requests) {
+    taken.requests.push_back({request.classes, {}});
+    for (const auto& instance : request.instances) taken.requests.back().instances.push_back(TakeInstance(*instance));
+  }
+  for (const TOutput& output : answer.outputs) {
+    taken.outputs.push_back({output.deviceId.value_or(""), output.connector, output.edid});
+  }
+  return taken;
+}
+
+TReadAnswer AsWritten(TReadAnswer answer) {
+  for (TReadRequest& request : answer.requests) {
+    for (TReadInstance& instance : request.instances) {
+      for (auto& [name, value] : instance.properties) ReplaceBytes(value);
+    }
+  }
+  return answer;
+}

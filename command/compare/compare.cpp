@@ -22,7 +22,6 @@
 #include "command/compare/compared_side.h"
 #include "command/compare/difference_report.h"
 #include "command/machine/reasons.h"
-#include "command/report/json_report.h"
 #include "embedded_host/schema.h"
 
 namespace {
@@ -31,7 +30,7 @@ constexpr int kEqual = 0;
 constexpr int kDifferent = 1;
 constexpr int kUnusable = 2;
 
-std::string Ask(const std::string& name, const std::function<TMachine()>& read, const TCompareOptions& options) {
+TReadAnswer Ask(const std::string& name, const std::function<TMachine()>& read, const TCompareOptions& options) {
   TRequest all;
   for (const TClassDeclaration& declaration : GetSchema()) all.emplace_back(declaration.name);
   OnThrowingPlugin([](const std::string& reason) {
@@ -47,7 +46,7 @@ std::string Ask(const std::string& name, const std::function<TMachine()>& read, 
     const std::string unreadable = ExplainUnreadableFiles(machine, answer.fileQueries);
     if (!unreadable.empty()) throw TUnusable(unreadable);
     for (const std::string& note : answer.notes) ShowRemark(note);
-    return MakeMachineLine(name, answer, ELogPart::kLeftOut);
+    return TakeAnswer(answer);
   });
 }
 
@@ -57,7 +56,7 @@ class TKnownMachines {
   explicit TKnownMachines(TComparedSide& side) {
     while (side.HasNext()) {
       const TComparedMachine machine = side.TakeNext();
-      m_machines[machine.name].waiting.push_back({m_count++, Pack(machine.facts)});
+      m_machines[machine.name].waiting.push_back({m_count++, Pack(MakeFacts(machine.answer))});
     }
   }
 
@@ -134,6 +133,7 @@ class TComparison {
     };
     TComparedSide before(m_options.before, ask);
     TComparedSide after(m_options.after, ask);
+    if (before.HasBytes() != after.HasBytes()) (before.HasBytes() ? before : after).LoseBytes();
     const bool hasNames = before.HasNames() && after.HasNames();
     TKnownMachines known(before);
     Write(m_report->Begin());
@@ -145,19 +145,20 @@ class TComparison {
     }
     for (const std::string& name : known.ListLeft()) Add({name, EMachineState::kGone, {}});
     Write(m_report->End(m_counts));
+    RequireAsked();
     return m_isDifferent ? kDifferent : kEqual;
   }
 
  private:
   void AddNew(const TComparedMachine& machine, const std::string& oldName, TKnownMachines& known) {
-    const std::string packed = Pack(machine.facts);
     const std::optional<std::string> before = known.Take(oldName);
     if (!before) return Add({machine.name, EMachineState::kCame, {}});
-    if (*before == packed && !machine.facts.error) {
-      RequireComparable(machine.name, machine.facts, machine.facts);
+    const TMachineFacts facts = MakeFacts(machine.answer);
+    if (*before == Pack(facts) && !facts.error) {
+      RequireComparable(machine.name, facts, facts);
       return Add({machine.name, EMachineState::kEqual, {}});
     }
-    Add(CompareMachines(machine.name, Unpack(*before), machine.facts));
+    Add(CompareMachines(machine.name, Unpack(*before), facts));
   }
 
   void Add(const TMachineReport& machine) {
@@ -166,6 +167,12 @@ class TComparison {
     // One that could be asked neither then nor now may be the same.
     m_isDifferent = m_isDifferent || !machine.before || !machine.after;
     Write(m_report->Add(machine));
+  }
+
+  /// Nothing is equal where each machine is an error on both sides.
+  void RequireAsked() const {
+    const bool isCompared = m_isDifferent || m_counts[static_cast<std::size_t>(EMachineState::kEqual)] != 0;
+    if (!isCompared) throw TUnusable("there is nothing to compare, since no machine could be asked, then or now");
   }
 
   /// When nobody reads any more, the exit status is still to be found.

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "command/base/unusable.h"
-#include "command/compare/answer_reader.h"
 #include "command/machine/captured_machine.h"
 
 namespace fs = std::filesystem;
@@ -37,8 +36,8 @@ TComparedSide::TComparedSide(const fs::path& path, const TAsk& ask) {
     ReadFile(path, ask);
     return;
   }
-  const std::string line = ask(path.string(), [&] { return ReadCapturedMachine(path); });
-  m_next = {path.string(), MakeFacts(ReadAnswer(line, path.string()))};
+  m_hasBytes = true;
+  m_next = {path.string(), ask(path.string(), [&] { return ReadCapturedMachine(path); })};
 }
 
 TComparedMachine TComparedSide::TakeNext() {
@@ -47,6 +46,8 @@ TComparedMachine TComparedSide::TakeNext() {
   if (m_lines) TakeLine();
   return machine;
 }
+
+void TComparedSide::LoseBytes() { m_next->answer = AsWritten(std::move(m_next->answer)); }
 
 void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
   TLineFile file(path);
@@ -64,11 +65,12 @@ void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
     if (isLine && file.TakeLine()) {
       throw TUnusable(place + ": is a captured machine, after which nothing may follow");
     }
-    answer = ReadAnswer(ask(name, [&] { return ReadCapturedText(text, name); }), name);
-    answer.machine.reset();
+    m_hasBytes = true;
+    answer = ask(name, [&] { return ReadCapturedText(text, name); });
   }
   m_hasNames = answer.machine.has_value();
-  m_next = {answer.machine.value_or(name), MakeFacts(answer)};
+  const std::string machine = answer.machine.value_or(name);
+  m_next = {machine, std::move(answer)};
   if (!isLine) return;
   m_lines = std::move(file);
   if (m_hasNames) return;
@@ -80,7 +82,8 @@ void TComparedSide::TakeLine() {
   const std::optional<std::string> line = m_lines->TakeLine();
   if (!line) return;
   const std::string place = m_lines->GetName() + ", line " + std::to_string(m_lines->GetNumber());
-  const TReadAnswer answer = ReadAnswer(*line, place);
+  TReadAnswer answer = ReadAnswer(*line, place);
   if (!answer.machine) throw TUnusable(place + ": names no \"machine\", which each of several lines does");
-  m_next = {*answer.machine, MakeFacts(answer)};
+  const std::string machine = *answer.machine;
+  m_next = {machine, std::move(answer)};
 }

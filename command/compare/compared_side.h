@@ -6,19 +6,19 @@
 #include <optional>
 #include <string>
 
+#include "command/compare/answer_reader.h"
 #include "command/compare/line_file.h"
-#include "command/compare/machine_facts.h"
 #include "command/machine/machine.h"
 
 struct TComparedMachine {
   std::string name;
-  TMachineFacts facts;
+  TReadAnswer answer;
 };
 
 class TComparedSide {
  public:
-  /// Asks the plug-in over the machine that `read` gives, and returns the answer as a line of JSON.
-  typedef std::function<std::string(const std::string& name, const std::function<TMachine()>& read)> TAsk;
+  /// Asks the plug-in over the machine that `read` gives.
+  typedef std::function<TReadAnswer(const std::string& name, const std::function<TMachine()>& read)> TAsk;
 
   /// `path`: a captured machine, folder or file, or a file of answers; "-" for standard input. This and the others
   /// throw TUnusable, naming the file and the line, when it is neither.
@@ -32,11 +32,19 @@ class TComparedSide {
   /// has the name of the file.
   bool HasNames() const { return m_hasNames; }
 
+  /// Whether its texts have all their bytes, as those of a captured machine do. A written answer has lost those that
+  /// are not UTF-8.
+  bool HasBytes() const { return m_hasBytes; }
+
+  /// Makes of its texts what an answer has of them, to compare it with one.
+  void LoseBytes();
+
  private:
   void ReadFile(const std::filesystem::path& path, const TAsk& ask);
   void TakeLine();
 
   bool m_hasNames = false;
+  bool m_hasBytes = false;
   std::optional<TLineFile> m_lines;  // those that are left
   std::optional<TComparedMachine> m_next;
 };

@@ -3,115 +3,241 @@
 #include <algorithm>
 #include <deque>
 #include <map>
+#include <unordered_map>
 #include <utility>
 
 #include "embedded_host/schema.h"
 
+using nlohmann::json;
+
 namespace {
 
-/// Chooses the facts of two machines that can be compared.
+constexpr const char* kMonitorString = "MonitorString";
+
+/// The identities of the monitors by the connectors at which they hang.
+typedef std::map<std::string, std::string> TConnected;
+
+TConnected ListConnected(const TMachineFacts& machine) {
+  TConnected connected;
+  for (const TMonitor& monitor : machine.monitors) connected.emplace(monitor.output.connector, monitor.identity);
+  return connected;
+}
+
+void EraseHeadProperties(TProperties& properties) {
+  for (auto property = properties.begin(); property != properties.end();) {
+    property = IsHeadProperty(property->first) ? properties.erase(property) : std::next(property);
+  }
+}
+
+/// Leaves of each device what two machines can be compared by.
 class TComparableFacts {
  public:
-  TComparableFacts(const TMachineFacts& before, const TMachineFacts& after) : m_before(before), m_after(after) {}
+  TComparableFacts(const TMachineFacts& before, const TMachineFacts& after)
+      : m_before(before), m_after(after), m_old(ListConnected(before)), m_new(ListConnected(after)) {}
 
   bool AreAsked(const char* className) const {
     return m_before.classes.count(className) != 0 && m_after.classes.count(className) != 0;
   }
 
-  TFacts Choose(const TFacts& facts) const {
-    TFacts chosen;
-    std::copy_if(facts.begin(), facts.end(), std::inserter(chosen, chosen.end()),
-                 [this](const auto& fact) { return IsComparable(fact.first); });
-    return chosen;
+  TMonitor Choose(TMonitor monitor) const {
+    if (!AreAsked(kMonitorResolutionClass)) monitor.modes.clear();
+    return monitor;
+  }
+
+  TController Choose(TController controller) const {
+    if (AreAsked(kVideoHeadClass)) {
+      // The heads tell it themselves, each its own.
+      EraseHeadProperties(controller.properties);
+      for (THead& head : controller.heads) ChooseHead(head);
+      return controller;
+    }
+    controller.heads.clear();
+    // It repeats what its first head says, whose monitor may be another one on the other side.
+    if (IsConnector(controller.deviceId)) EraseHeadProperties(controller.properties);
+    return controller;
   }
 
  private:
-  bool IsComparable(const std::string& fact) const {
-    if (fact == kModesFact) return AreAsked(kMonitorResolutionClass);
-    const std::optional<std::string> head = GetHead(fact);
-    if (head || fact == kHeadsFact) return AreAsked(kVideoHeadClass) && (!head || IsConnectedAlike(*head));
-    // The heads tell it themselves, each its own.
-    return !IsHeadProperty(fact) || !AreAsked(kVideoHeadClass);
+  void ChooseHead(THead& head) const {
+    if (!IsConnector(head.name)) return;
+    // The monitor at a connector is told of as one. It takes its mode with it, which is no change of the controller.
+    head.properties.erase(kMonitorString);
+    if (!HasSameMonitor(head.name)) EraseHeadProperties(head.properties);
   }
 
-  /// A monitor that comes or goes takes the mode of its connector with it; that is no change of the controller.
-  bool IsConnectedAlike(const std::string& head) const {
-    return !IsConnector(head) || m_before.connected.count(head) == m_after.connected.count(head);
+  bool HasSameMonitor(const std::string& connector) const {
+    const auto before = m_old.find(connector);
+    const auto after = m_new.find(connector);
+    if (before == m_old.end() || after == m_new.end()) return (before == m_old.end()) == (after == m_new.end());
+    return before->second == after->second;
   }
 
   const TMachineFacts& m_before;
   const TMachineFacts& m_after;
+  const TConnected m_old;
+  const TConnected m_new;
 };
 
-std::vector<TChange> ListChanges(const TFacts& before, const TFacts& after) {
-  std::vector<TChange> changes;
-  for (const auto& [name, value] : before) {
-    const auto found = after.find(name);
-    if (found == after.end()) {
-      changes.push_back({name, value, std::nullopt});
-    } else if (found->second != value) {
-      changes.push_back({name, value, found->second});
-    }
-  }
+TPropertyValue Get(const TProperties& properties, const std::string& name) {
+  const auto found = properties.find(name);
+  return found == properties.end() ? TPropertyValue() : found->second;
+}
+
+void AddProperties(const TProperties& before, const TProperties& after, std::vector<TChange>& changes) {
+  const auto add = [&](const std::string& name) {
+    const TPropertyValue left = Get(before, name);
+    const TPropertyValue right = Get(after, name);
+    if (left != right) changes.push_back({name, TChanged<TPropertyValue>{left, right}});
+  };
+  for (const auto& [name, value] : before) add(name);
   for (const auto& [name, value] : after) {
-    if (before.count(name) == 0) changes.push_back({name, std::nullopt, value});
+    if (before.count(name) == 0) add(name);
   }
-  // Of a monitor that is reported on one side only, the plug-in's properties are not further differences.
-  const auto listed =
-      std::find_if(changes.begin(), changes.end(), [](const TChange& change) { return change.name == kListedFact; });
-  if (listed != changes.end()) {
-    changes.erase(
-        std::remove_if(changes.begin(), changes.end(),
-                       [](const TChange& change) { return change.name != kListedFact && change.name != kEdidFact; }),
-        changes.end());
-  }
-  std::sort(changes.begin(), changes.end(),
-            [](const TChange& left, const TChange& right) { return left.name < right.name; });
+}
+
+template <typename TFact>
+void AddFact(const std::string& name, const TFact& before, const TFact& after, std::vector<TChange>& changes) {
+  if (before != after) changes.push_back({name, TChanged<TFact>{before, after}});
+}
+
+std::vector<TChange> Sort(std::vector<TChange> changes) {
+  std::stable_sort(changes.begin(), changes.end(),
+                   [](const TChange& left, const TChange& right) { return left.name < right.name; });
   return changes;
 }
 
-/// Devices and what can be compared of each.
-typedef std::pair<const TDevice*, TFacts> TCandidate;
+std::vector<TChange> ListChanges(const TMonitor& before, const TMonitor& after) {
+  std::vector<TChange> changes;
+  AddFact("EDID", before.output.edid, after.output.edid, changes);
+  AddFact<TPropertyValue>("Listed", before.IsListed(), after.IsListed(), changes);
+  // Of a monitor that is reported on one side only, the plug-in's properties are not further differences.
+  if (before.IsListed() == after.IsListed()) {
+    AddFact("Modes", before.modes, after.modes, changes);
+    AddProperties(before.properties, after.properties, changes);
+  }
+  return Sort(std::move(changes));
+}
+
+/// A head with its controller, which says some of the same.
+struct THeadOf {
+  const THead& head;
+  const TController& controller;
+
+  bool Repeats(const std::string& name) const { return Get(head.properties, name) == Get(controller.properties, name); }
+};
+
+/// What the controller says too is told of the controller.
+void AddHead(const THeadOf& before, const THeadOf& after, std::vector<TChange>& changes) {
+  std::vector<TChange> all;
+  AddProperties(before.head.properties, after.head.properties, all);
+  for (TChange& change : all) {
+    if (before.Repeats(change.name) && after.Repeats(change.name)) continue;
+    changes.push_back({"Head " + after.head.name + ": " + change.name, std::move(change.fact)});
+  }
+}
+
+/// Heads of one name are taken together in their order.
+void AddHeads(const TController& before, const TController& after, std::vector<TChange>& changes) {
+  auto head = after.heads.begin();
+  for (const THead& old : before.heads) {
+    head = std::find_if(head, after.heads.end(), [&](const THead& other) { return other.name >= old.name; });
+    if (head == after.heads.end()) return;
+    if (head->name == old.name) AddHead({old, before}, {*head++, after}, changes);
+  }
+}
+
+TPropertyValue ListNames(const std::vector<THead>& heads) {
+  TPropertyValue names = json::array();
+  for (const THead& head : heads) names.push_back(head.name);
+  return names;
+}
+
+/// Whether the heads are those of the configuration that is made from what the kernel knows: one for each monitor, or
+/// one that stands for the card.
+bool AreMade(const std::vector<THead>& heads) {
+  if (heads.size() == 1 && IsCard(heads.front().name)) return true;
+  return std::all_of(heads.begin(), heads.end(), [](const THead& head) { return IsConnector(head.name); });
+}
+
+std::vector<TChange> ListChanges(const TController& before, const TController& after) {
+  std::vector<TChange> changes;
+  AddProperties(before.properties, after.properties, changes);
+  AddHeads(before, after, changes);
+  // A monitor that comes or goes takes such a head with it.
+  if (!AreMade(before.heads) || !AreMade(after.heads)) {
+    AddFact("Heads", ListNames(before.heads), ListNames(after.heads), changes);
+  }
+  return Sort(std::move(changes));
+}
+
+std::string Serialize(const json& value) {
+  std::string text;
+  json::to_cbor(value, text);
+  return text;
+}
+
+// What equal devices have alike.
+
+std::string MakeKey(const TMonitor& monitor) {
+  return Serialize(json::array(
+      {monitor.identity, json::binary(monitor.output.edid), monitor.IsListed(), monitor.modes, monitor.properties}));
+}
+
+std::string MakeKey(const TController& controller) {
+  json heads = json::array();
+  for (const THead& head : controller.heads) heads.push_back(json::array({head.name, head.properties}));
+  return Serialize(json::array({controller.identity, controller.properties, heads}));
+}
+
+/// Devices as they are, and what can be compared of each.
+template <typename TDevice>
+struct TCandidate {
+  const TDevice* device;
+  TDevice comparable;
+};
 
 /// Takes the devices of two lists together in pairs: first those that are equal, so that the smallest difference is
 /// told of devices that nothing tells apart.
-std::vector<TDeviceDifference> ComparePairs(const std::vector<TDevice>& before, const std::vector<TDevice>& after,
-                                            const TComparableFacts& comparable) {
-  std::map<std::pair<std::string, TFacts>, std::deque<const TDevice*>> equals;
-  for (const TDevice& device : before) equals[{device.identity, comparable.Choose(device.facts)}].push_back(&device);
+template <typename TDevice>
+std::vector<TDeviceDifference<TDevice>> ComparePairs(const std::vector<TDevice>& before,
+                                                     const std::vector<TDevice>& after,
+                                                     const TComparableFacts& comparable) {
+  std::unordered_map<std::string, std::deque<const TDevice*>> equals;  // of before, by their keys
+  for (const TDevice& device : before) equals[MakeKey(comparable.Choose(device))].push_back(&device);
 
-  std::vector<TCandidate> unequal;
+  std::vector<TCandidate<TDevice>> unequal;
   for (const TDevice& device : after) {
-    TFacts facts = comparable.Choose(device.facts);
-    const auto equal = equals.find({device.identity, facts});
+    TDevice chosen = comparable.Choose(device);
+    const auto equal = equals.find(MakeKey(chosen));
     if (equal == equals.end() || equal->second.empty()) {
-      unequal.emplace_back(&device, std::move(facts));
+      unequal.push_back({&device, std::move(chosen)});
     } else {
       equal->second.pop_front();
     }
   }
 
-  std::map<std::string, std::deque<TCandidate>> left;  // of before, by identity
+  std::map<std::string, std::deque<TCandidate<TDevice>>> left;  // of before, by identity
   for (const TDevice& device : before) {
-    TFacts facts = comparable.Choose(device.facts);
-    auto& devices = equals[{device.identity, facts}];
+    TDevice chosen = comparable.Choose(device);
+    auto& devices = equals[MakeKey(chosen)];
     if (devices.empty() || devices.front() != &device) continue;
     devices.pop_front();
-    left[device.identity].emplace_back(&device, std::move(facts));
+    left[device.identity].push_back({&device, std::move(chosen)});
   }
 
-  std::vector<TDeviceDifference> differences;
-  for (const auto& [device, facts] : unequal) {
+  std::vector<TDeviceDifference<TDevice>> differences;
+  for (const auto& [device, chosen] : unequal) {
     auto& candidates = left[device->identity];
     if (candidates.empty()) {
-      differences.push_back({EState::kCame, device->description, {}});
+      differences.push_back({EState::kCame, *device, {}});
       continue;
     }
-    differences.push_back({EState::kChanged, device->description, ListChanges(candidates.front().second, facts)});
+    std::vector<TChange> changes = ListChanges(candidates.front().comparable, chosen);
+    if (!changes.empty()) differences.push_back({EState::kChanged, *device, std::move(changes)});
     candidates.pop_front();
   }
   for (const auto& [identity, devices] : left) {
-    for (const auto& [device, facts] : devices) differences.push_back({EState::kGone, device->description, {}});
+    for (const auto& [device, chosen] : devices) differences.push_back({EState::kGone, *device, {}});
   }
   return differences;
 }

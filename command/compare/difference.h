@@ -1,30 +1,39 @@
 // What is different between two machines, or between one machine then and now.
 #pragma once
 
-#include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "command/compare/machine_facts.h"
 
 enum class EState { kCame, kGone, kChanged };
 
-/// A fact that is not the same: its values as JSON text, nothing where it is missing.
+template <typename TFact>
+struct TChanged {
+  TFact before;
+  TFact after;
+};
+
+/// A fact that is not the same. A property is null where it is missing.
 struct TChange {
   std::string name;
-  std::optional<std::string> before;
-  std::optional<std::string> after;
+  std::variant<TChanged<TPropertyValue>, TChanged<TEdid>, TChanged<TModes>> fact;
 };
 
+template <typename TDevice>
 struct TDeviceDifference {
   EState state;
-  TFacts description;            // of the old one when it is gone, else of the new one
-  std::vector<TChange> changes;  // of one that has changed
+  TDevice device;                // the old one when it is gone, else the new one
+  std::vector<TChange> changes;  // of one that has changed, sorted by their names
 };
 
+typedef std::vector<TDeviceDifference<TMonitor>> TMonitorDifferences;
+typedef std::vector<TDeviceDifference<TController>> TControllerDifferences;
+
 struct TMachineDifference {
-  std::vector<TDeviceDifference> monitors;
-  std::vector<TDeviceDifference> controllers;
+  TMonitorDifferences monitors;
+  TControllerDifferences controllers;
 
   bool IsEmpty() const { return monitors.empty() && controllers.empty(); }
 };

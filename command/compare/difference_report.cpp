@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <iterator>
-#include <nlohmann/json.hpp>
+#include <map>
 
 #include "command/base/base64.h"
 #include "command/base/text_encoding.h"
+#include "command/edid/edid_facts.h"
 #include "command/report/json_writer.h"
-
-using nlohmann::json;
 
 namespace {
 
@@ -29,61 +28,110 @@ const char* GetName(EState state) {
 }
 
 /// A value as people read it.
-std::string GetText(const json& value) {
+std::string GetText(const TPropertyValue& value) {
+  if (value.is_null()) return "none";
   if (value.is_string()) return ToPrintable(value.get<std::string>());
   if (!value.is_array()) return value.dump();
   std::string joined;
-  for (const json& element : value) joined += (joined.empty() ? "" : ", ") + GetText(element);
+  for (const TPropertyValue& element : value) joined += (joined.empty() ? "" : ", ") + GetText(element);
   return joined.empty() ? "none" : joined;
-}
-
-std::string GetText(const std::optional<std::string>& value) { return value ? GetText(json::parse(*value)) : "none"; }
-
-std::string GetText(const TFacts& facts, const char* name) {
-  const auto found = facts.find(name);
-  return found == facts.end() ? std::string() : GetText(json::parse(found->second));
-}
-
-std::string CountChangedBytes(const TChange& change) {
-  const std::string before = *DecodeBase64(json::parse(*change.before).get<std::string>());
-  const std::string after = *DecodeBase64(json::parse(*change.after).get<std::string>());
-  if (before.size() != after.size()) {
-    return std::to_string(before.size()) + " bytes -> " + std::to_string(after.size()) + " bytes";
-  }
-  std::size_t count = 0;
-  for (std::size_t index = 0; index < before.size(); ++index) count += before[index] != after[index] ? 1 : 0;
-  return std::to_string(count) + " of " + std::to_string(before.size()) + " bytes differ";
 }
 
 std::string MakeLine(const std::string& name, const std::string& text) { return "    " + name + ": " + text + "\n"; }
 
-/// The modes that only one of the two lists has: most of a monitor's modes stay when some change.
-std::string MakeModesText(const TChange& change) {
-  typedef std::vector<std::string> TModes;
-  const auto read = [](const std::optional<std::string>& modes) {
-    return json::parse(modes.value_or("[]")).get<TModes>();
-  };
-  const auto listMissing = [](const char* name, const TModes& modes, const TModes& others) {
-    TModes missing;
-    std::set_difference(modes.begin(), modes.end(), others.begin(), others.end(), std::back_inserter(missing));
-    return missing.empty() ? "" : MakeLine(name, GetText(json(missing)));
-  };
-  const TModes before = read(change.before);
-  const TModes after = read(change.after);
-  return listMissing("Modes came", after, before) + listMissing("Modes gone", before, after);
+std::string MakeText(const std::string& name, const TChanged<TPropertyValue>& property) {
+  const std::string before = GetText(property.before);
+  const std::string after = GetText(property.after);
+  const char* const remark = before == after ? " (its bytes that are not UTF-8 differ)" : "";
+  return MakeLine(ToPrintable(name), before + " -> " + after + remark);
 }
 
-std::string MakeChangeText(const TChange& change) {
-  if (change.name == kModesFact) return MakeModesText(change);
-  if (change.name == kEdidFact) return MakeLine(change.name, CountChangedBytes(change));
-  return MakeLine(ToPrintable(change.name), GetText(change.before) + " -> " + GetText(change.after));
+std::string MakeText(const std::string& name, const TChanged<TEdid>& edid) {
+  const auto& [before, after] = edid;
+  if (before.size() != after.size()) {
+    return MakeLine(name, std::to_string(before.size()) + " bytes -> " + std::to_string(after.size()) + " bytes");
+  }
+  std::size_t count = 0;
+  for (std::size_t index = 0; index < before.size(); ++index) count += before[index] != after[index] ? 1 : 0;
+  return MakeLine(name, std::to_string(count) + " of " + std::to_string(before.size()) + " bytes differ");
+}
+
+/// The modes that only one of the two lists has: most of a monitor's modes stay when some change.
+std::string MakeText(const std::string& name, const TChanged<TModes>& modes) {
+  const auto listMissing = [&](const char* what, const TModes& list, const TModes& others) {
+    TModes missing;
+    std::set_difference(list.begin(), list.end(), others.begin(), others.end(), std::back_inserter(missing));
+    return missing.empty() ? "" : MakeLine(name + what, GetText(missing));
+  };
+  return listMissing(" came", modes.after, modes.before) + listMissing(" gone", modes.before, modes.after);
+}
+
+std::string MakeText(const TChange& change) {
+  return std::visit([&](const auto& fact) { return MakeText(change.name, fact); }, change.fact);
+}
+
+void WriteValue(TJsonWriter& writer, const TPropertyValue& value) {
+  if (value.is_array()) {
+    writer.BeginArray();
+    for (const TPropertyValue& element : value) WriteValue(writer, element);
+    writer.EndArray();
+  } else if (value.is_string()) {
+    writer.String(value.get_ref<const std::string&>());
+  } else {
+    writer.Literal(value.dump());
+  }
+}
+
+void WriteValue(TJsonWriter& writer, const TEdid& edid) {
+  writer.String(EncodeBase64(std::string(edid.begin(), edid.end())));
+}
+
+void WriteValue(TJsonWriter& writer, const TModes& modes) {
+  writer.BeginArray();
+  for (const std::string& mode : modes) writer.String(mode);
+  writer.EndArray();
+}
+
+/// What a device is known by, and where it is: a value for each key that has one.
+typedef std::map<std::string, TPropertyValue> TDescription;
+
+void AddText(TDescription& description, const char* key, const std::string& text) {
+  if (!text.empty()) description[key] = text;
+}
+
+TDescription Describe(const TMonitor& monitor) {
+  const TEdidFacts edid = ReadEdidFacts(monitor.output.edid);
+  TDescription description;
+  AddText(description, "manufacturer", edid.maker);
+  if (edid.isVersion1) description["productCode"] = edid.productCode;
+  if (edid.serialNumber) description["serialNumber"] = *edid.serialNumber;
+  AddText(description, "name", edid.name);
+  AddText(description, "serial", edid.serialText);
+  AddText(description, "connector", monitor.output.connector);
+  AddText(description, "deviceID", monitor.output.deviceId);
+  return description;
+}
+
+TDescription Describe(const TController& controller) {
+  TDescription description;
+  AddText(description, "DisplayId", controller.identity);
+  AddText(description, "DeviceID", controller.deviceId);
+  const auto name = controller.properties.find("Name");
+  if (name != controller.properties.end()) description["Name"] = name->second;
+  return description;
+}
+
+std::string GetText(const TDescription& description, const char* key) {
+  const auto found = description.find(key);
+  return found == description.end() ? std::string() : GetText(found->second);
 }
 
 /// "Acme A190 (ACM, product 0, serial A190-004711, card0-DP-1)".
-std::string DescribeMonitor(const TFacts& facts) {
+std::string GetName(const TMonitor& monitor) {
+  const TDescription facts = Describe(monitor);
   std::string details = GetText(facts, "manufacturer");
-  const auto add = [&](const char* label, const char* name) {
-    const std::string text = GetText(facts, name);
+  const auto add = [&](const char* label, const char* key) {
+    const std::string text = GetText(facts, key);
     if (!text.empty()) details += (details.empty() ? "" : ", ") + (label + text);
   };
   add("product ", "productCode");
@@ -94,17 +142,17 @@ std::string DescribeMonitor(const TFacts& facts) {
 }
 
 /// "Example Graphics 2 (PCI:1:0:0)".
-std::string DescribeController(const TFacts& facts) {
+std::string GetName(const TController& controller) {
+  const TDescription facts = Describe(controller);
   return GetText(facts, facts.count("Name") != 0 ? "Name" : "DeviceID") + " (" + GetText(facts, "DisplayId") + ")";
 }
 
-typedef std::string (*TDescribe)(const TFacts& facts);
-
-std::string MakeDevicesText(const char* kind, const std::vector<TDeviceDifference>& devices, TDescribe describe) {
+template <typename TDevice>
+std::string MakeText(const char* kind, const std::vector<TDeviceDifference<TDevice>>& differences) {
   std::string text;
-  for (const TDeviceDifference& device : devices) {
-    text += "  " + std::string(kind) + " " + GetName(device.state) + ": " + describe(device.description) + "\n";
-    for (const TChange& change : device.changes) text += MakeChangeText(change);
+  for (const auto& difference : differences) {
+    text += "  " + std::string(kind) + " " + GetName(difference.state) + ": " + GetName(difference.device) + "\n";
+    for (const TChange& change : difference.changes) text += MakeText(change);
   }
   return text;
 }
@@ -124,27 +172,32 @@ void WriteMember(TJsonWriter& writer, const char* name, const std::string& text)
 void WriteChange(TJsonWriter& writer, const TChange& change) {
   writer.BeginObject();
   WriteMember(writer, "property", change.name);
-  writer.Key("old");
-  writer.Literal(change.before.value_or("null"));
-  writer.Key("new");
-  writer.Literal(change.after.value_or("null"));
+  std::visit(
+      [&](const auto& fact) {
+        writer.Key("old");
+        WriteValue(writer, fact.before);
+        writer.Key("new");
+        WriteValue(writer, fact.after);
+      },
+      change.fact);
   writer.EndObject();
 }
 
-void WriteDevices(TJsonWriter& writer, const char* name, const std::vector<TDeviceDifference>& devices) {
+template <typename TDevice>
+void WriteDevices(TJsonWriter& writer, const char* name, const std::vector<TDeviceDifference<TDevice>>& differences) {
   writer.Key(name);
   writer.BeginArray();
-  for (const TDeviceDifference& device : devices) {
+  for (const auto& difference : differences) {
     writer.BeginObject();
-    WriteMember(writer, "state", GetName(device.state));
-    for (const auto& [key, value] : device.description) {
+    WriteMember(writer, "state", GetName(difference.state));
+    for (const auto& [key, value] : Describe(difference.device)) {
       writer.Key(key);
-      writer.Literal(value);
+      WriteValue(writer, value);
     }
-    if (device.state == EState::kChanged) {
+    if (difference.state == EState::kChanged) {
       writer.Key("changes");
       writer.BeginArray();
-      for (const TChange& change : device.changes) WriteChange(writer, change);
+      for (const TChange& change : difference.changes) WriteChange(writer, change);
       writer.EndArray();
     }
     writer.EndObject();
@@ -171,8 +224,8 @@ std::string TTextDifferenceReport::Add(const TMachineReport& machine) {
   const std::string name = ToPrintable(machine.name);
   switch (machine.state) {
     case EMachineState::kChanged:
-      return name + "\n" + MakeDevicesText("Monitor", machine.difference.monitors, DescribeMonitor) +
-             MakeDevicesText("Controller", machine.difference.controllers, DescribeController);
+      return name + "\n" + MakeText("Monitor", machine.difference.monitors) +
+             MakeText("Controller", machine.difference.controllers);
     case EMachineState::kUnknown:
       return name + " could not be asked\n" + ExplainUnknown(machine);
     case EMachineState::kCame:

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
-#include <nlohmann/json.hpp>
+#include <iterator>
 #include <utility>
 
-#include "command/base/base64.h"
 #include "command/base/text_encoding.h"
 #include "command/edid/edid_facts.h"
 #include "embedded_host/schema.h"
@@ -15,39 +14,53 @@ using nlohmann::json;
 
 namespace {
 
-/// Properties that say which device it is, or where it stands in a row: of all devices alike. A controller's
-/// OtherIdentifyingInfo repeats its DeviceID.
-constexpr const char* kPlaces[] = {"CreationClassName", "SystemCreationClassName", "SystemName",
-                                   "DeviceID",          "OtherIdentifyingInfo",    "HeadNumber"};
-
 constexpr const char* kDisplayId = "DisplayId";
+constexpr const char* kDeviceId = "DeviceID";
+
+/// Properties that say which device it is, or where it stands in a row. A controller's OtherIdentifyingInfo repeats its
+/// DeviceID.
+constexpr const char* kPlaces[] = {"CreationClassName", "SystemCreationClassName", "SystemName",
+                                   kDeviceId,           "OtherIdentifyingInfo",    "HeadNumber",
+                                   kDisplayId};
+
+/// The day and the hour at which a week began differ from time zone to time zone. The EDID has the week itself.
+constexpr const char* kManufacturingDate = "ManufacturingDate";
+
+constexpr const char* kCard = "card";
 
 template <std::size_t size>
 bool IsOneOf(const char* const (&names)[size], const std::string& name) {
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-std::string Quote(const std::string& text) { return json(ToUtf8(text)).dump(); }
-
-/// The text of a string; any other value as JSON has it.
-std::string GetText(const TFacts& properties, const char* name) {
+/// The text of a string; any other value as JSON has it; empty where it is missing.
+std::string GetText(const TProperties& properties, const char* name) {
   const auto found = properties.find(name);
   if (found == properties.end()) return std::string();
-  const json value = json::parse(found->second);
-  return value.is_string() ? value.get<std::string>() : found->second;
+  return found->second.is_string() ? found->second.get<std::string>() : found->second.dump();
 }
 
-/// Each once: several requests may have asked for a class, and one may have committed an instance again.
-std::vector<TReadInstance> Select(const TReadAnswer& answer, const std::string& className) {
-  std::vector<TReadInstance> selected;
-  std::map<std::pair<std::string, std::string>, std::size_t> positions;
-  for (const TReadInstance& instance : answer.instances) {
-    if (instance.className != className) continue;
-    // Controllers on different buses may have the same path: two sections of one name.
-    const std::pair key(instance.path, GetText(instance.properties, kDisplayId));
-    const auto [position, isNew] = positions.emplace(key, selected.size());
-    if (isNew) selected.push_back(instance);
-    if (!isNew) selected[position->second] = instance;
+/// All but those that say where the device is.
+TProperties WithoutPlaces(const TProperties& properties) {
+  TProperties others;
+  std::copy_if(properties.begin(), properties.end(), std::inserter(others, others.end()),
+               [](const auto& property) { return !IsOneOf(kPlaces, property.first); });
+  return others;
+}
+
+/// What the last request that asked for the class has of it. One that asked for it several times has all of its
+/// instances as often; the last ones count.
+std::vector<const TReadInstance*> Select(const TReadAnswer& answer, const char* className) {
+  std::vector<const TReadInstance*> selected;
+  for (auto request = answer.requests.rbegin(); request != answer.requests.rend(); ++request) {
+    const auto times = std::count(request->classes.begin(), request->classes.end(), className);
+    if (times == 0) continue;
+    for (const TReadInstance& instance : request->instances) {
+      if (instance.className == className) selected.push_back(&instance);
+    }
+    const auto once = static_cast<std::ptrdiff_t>(selected.size()) / times;
+    selected.erase(selected.begin(), selected.end() - once);
+    break;
   }
   return selected;
 }
@@ -59,63 +72,44 @@ bool IsSerial(const std::string& text) {
                      [](unsigned char byte) { return std::isalnum(byte) != 0 && byte != '0'; });
 }
 
-std::string EncodeEdid(const std::vector<std::uint8_t>& edid) {
-  return EncodeBase64(std::string(edid.begin(), edid.end()));
-}
-
-std::string IdentifyMonitor(const TEdidFacts& facts, const std::vector<std::uint8_t>& edid) {
+std::string IdentifyMonitor(const TEdid& edid) {
+  const TEdidFacts facts = ReadEdidFacts(edid);
   const bool hasText = IsSerial(facts.serialText);
-  if (!facts.isVersion1 || (!facts.serialNumber && !hasText)) return EncodeEdid(edid);
+  if (!facts.isVersion1 || (!facts.serialNumber && !hasText)) return std::string(edid.begin(), edid.end());
   return json({facts.manufacturer, facts.productCode, facts.serialNumber.value_or(0),
                hasText ? ToUtf8(facts.serialText) : std::string()})
       .dump();
 }
 
-TFacts DescribeMonitor(const TEdidFacts& edid, const TReadOutput& output) {
-  TFacts description;
-  if (edid.isVersion1) {
-    if (!edid.maker.empty()) description["manufacturer"] = Quote(edid.maker);
-    description["productCode"] = std::to_string(edid.productCode);
-    if (edid.serialNumber) description["serialNumber"] = std::to_string(*edid.serialNumber);
-    if (!edid.name.empty()) description["name"] = Quote(edid.name);
-    if (!edid.serialText.empty()) description["serial"] = Quote(edid.serialText);
+/// The modes of each monitor, by its DeviceID.
+std::map<std::string, TModes> CollectModes(const TReadAnswer& answer) {
+  std::map<std::string, TModes> modes;
+  for (const TReadInstance* const mode : Select(answer, kMonitorResolutionClass)) {
+    const std::string id = GetText(mode->properties, "SettingID");
+    modes[id.substr(0, id.rfind("\\ Setting "))].push_back(GetText(mode->properties, "HorizontalResolution") + "x" +
+                                                           GetText(mode->properties, "VerticalResolution") + "@" +
+                                                           GetText(mode->properties, "RefreshRate") + "Hz");
   }
-  if (!output.connector.empty()) description["connector"] = Quote(output.connector);
-  if (!output.deviceId.empty()) description["deviceID"] = Quote(output.deviceId);
-  return description;
-}
-
-/// The modes of each monitor, such as "1280x1024@60Hz", by its DeviceID.
-std::map<std::string, std::multiset<std::string>> CollectModes(const TReadAnswer& answer) {
-  std::map<std::string, std::multiset<std::string>> modes;
-  for (const TReadInstance& mode : Select(answer, kMonitorResolutionClass)) {
-    const std::string id = GetText(mode.properties, "SettingID");
-    modes[id.substr(0, id.rfind("\\ Setting "))].insert(GetText(mode.properties, "HorizontalResolution") + "x" +
-                                                        GetText(mode.properties, "VerticalResolution") + "@" +
-                                                        GetText(mode.properties, "RefreshRate") + "Hz");
-  }
+  for (auto& [id, list] : modes) std::sort(list.begin(), list.end());
   return modes;
 }
 
-std::vector<TDevice> MakeMonitors(const TReadAnswer& answer) {
-  std::map<std::string, TFacts> properties;  // by DeviceID
-  for (const TReadInstance& monitor : Select(answer, kDesktopMonitorClass)) {
-    properties[GetText(monitor.properties, "DeviceID")] = monitor.properties;
+std::vector<TMonitor> MakeMonitors(const TReadAnswer& answer) {
+  std::map<std::string, TProperties> properties;  // by DeviceID
+  for (const TReadInstance* const monitor : Select(answer, kDesktopMonitorClass)) {
+    TProperties& others = properties[GetText(monitor->properties, kDeviceId)];
+    others = WithoutPlaces(monitor->properties);
+    others.erase(kManufacturingDate);
   }
   auto modes = CollectModes(answer);
-  std::vector<TDevice> monitors;
+  std::vector<TMonitor> monitors;
   for (const TReadOutput& output : answer.outputs) {
     if (output.edid.empty()) continue;
-    const TEdidFacts edid = ReadEdidFacts(output.edid);
-    TDevice monitor = {IdentifyMonitor(edid, output.edid), DescribeMonitor(edid, output), {}};
-    monitor.facts[kEdidFact] = Quote(EncodeEdid(output.edid));
-    monitor.facts[kListedFact] = output.deviceId.empty() ? "false" : "true";
-    if (!output.deviceId.empty()) {
+    TMonitor monitor = {IdentifyMonitor(output.edid), output, {}, {}};
+    if (monitor.IsListed()) {
       // Only the first of several outputs with one DeviceID, which no plug-in makes: copies for each could be endless.
-      for (const auto& [name, value] : std::exchange(properties[output.deviceId], {})) {
-        if (!IsOneOf(kPlaces, name)) monitor.facts[name] = value;
-      }
-      monitor.facts[kModesFact] = json(std::exchange(modes[output.deviceId], {})).dump();
+      monitor.properties = std::exchange(properties[output.deviceId], {});
+      monitor.modes = std::exchange(modes[output.deviceId], {});
     }
     monitors.push_back(std::move(monitor));
   }
@@ -124,57 +118,66 @@ std::vector<TDevice> MakeMonitors(const TReadAnswer& answer) {
 
 // Controllers.
 
-/// What a head says that its controller does not: its own mode and monitor.
-void AddHead(const TReadInstance& head, TDevice& controller, json& names) {
-  const std::string name = GetText(head.properties, "DeviceID");
-  if (!IsConnector(name)) names.push_back(name);
-  for (const auto& [property, value] : head.properties) {
-    // The monitor at a connector is told of as one.
-    if (property == "MonitorString" && IsConnector(name)) continue;
-    if (IsHeadProperty(property)) controller.facts[kHeadPrefix + name + ": " + property] = value;
-  }
-}
-
-TDevice MakeController(const TReadInstance& instance) {
-  TDevice controller = {GetText(instance.properties, kDisplayId), {}, {}};
-  for (const auto& [name, value] : instance.properties) {
-    if (name == kDisplayId || name == "DeviceID" || name == "Name") controller.description[name] = value;
-    if (name != kDisplayId && !IsOneOf(kPlaces, name)) controller.facts[name] = value;
-  }
-  return controller;
-}
-
 /// A head belongs to the controller of its display id; to the first where two have the same.
-std::vector<TDevice> MakeControllers(const TReadAnswer& answer) {
-  std::vector<TDevice> controllers;
+std::vector<TController> MakeControllers(const TReadAnswer& answer) {
+  std::vector<TController> controllers;
   std::map<std::string, std::size_t> positions;  // by display id
-  for (const TReadInstance& instance : Select(answer, kVideoControllerClass)) {
-    controllers.push_back(MakeController(instance));
-    positions.emplace(controllers.back().identity, controllers.size() - 1);
+  for (const TReadInstance* const instance : Select(answer, kVideoControllerClass)) {
+    const TProperties& properties = instance->properties;
+    const std::string displayId = GetText(properties, kDisplayId);
+    positions.emplace(displayId, controllers.size());
+    controllers.push_back({displayId, GetText(properties, kDeviceId), WithoutPlaces(properties), {}});
   }
-  std::vector<json> names(controllers.size(), json::array());
-  for (const TReadInstance& head : Select(answer, kVideoHeadClass)) {
-    const auto position = positions.find(GetText(head.properties, kDisplayId));
-    if (position != positions.end()) AddHead(head, controllers[position->second], names[position->second]);
+  for (const TReadInstance* const head : Select(answer, kVideoHeadClass)) {
+    const auto position = positions.find(GetText(head->properties, kDisplayId));
+    if (position == positions.end()) continue;
+    controllers[position->second].heads.push_back(
+        {GetText(head->properties, kDeviceId), WithoutPlaces(head->properties)});
   }
-  for (std::size_t index = 0; index < controllers.size(); ++index) {
-    std::sort(names[index].begin(), names[index].end());
-    controllers[index].facts[kHeadsFact] = names[index].dump();
+  for (TController& controller : controllers) {
+    std::stable_sort(controller.heads.begin(), controller.heads.end(),
+                     [](const THead& left, const THead& right) { return left.name < right.name; });
   }
   return controllers;
 }
 
-json PackDevices(const std::vector<TDevice>& devices) {
+// Packing.
+
+json PackMonitor(const TMonitor& monitor) {
+  return json::array({monitor.identity, monitor.output.deviceId, monitor.output.connector,
+                      json::binary(monitor.output.edid), monitor.modes, monitor.properties});
+}
+
+TMonitor UnpackMonitor(const json& packed) {
+  return {packed[0], {packed[1], packed[2], packed[3].get_binary()}, packed[4], packed[5].get<TProperties>()};
+}
+
+json PackController(const TController& controller) {
+  json heads = json::array();
+  for (const THead& head : controller.heads) heads.push_back(json::array({head.name, head.properties}));
+  return json::array({controller.identity, controller.deviceId, controller.properties, heads});
+}
+
+TController UnpackController(const json& packed) {
+  TController controller = {packed[0], packed[1], packed[2].get<TProperties>(), {}};
+  for (const json& head : packed[3]) controller.heads.push_back({head[0], head[1].get<TProperties>()});
+  return controller;
+}
+
+template <typename TDevice>
+json PackAll(const std::vector<TDevice>& devices, json (*pack)(const TDevice&)) {
   json packed = json::array();
-  for (const TDevice& device : devices)
-    packed.push_back(json::array({device.identity, device.description, device.facts}));
+  for (const TDevice& device : devices) packed.push_back(pack(device));
   return packed;
 }
 
-std::vector<TDevice> UnpackDevices(const json& packed) {
-  std::vector<TDevice> devices;
-  for (const json& device : packed) devices.push_back({device[0], device[1].get<TFacts>(), device[2].get<TFacts>()});
-  return devices;
+/// Where the name goes on after "card" and a number; nothing for one that does not begin so.
+std::optional<std::string> GetAfterCard(const std::string& name) {
+  const std::size_t number = std::strlen(kCard);
+  if (name.compare(0, number, kCard) != 0) return std::nullopt;
+  const std::size_t end = std::min(name.find_first_not_of("0123456789", number), name.size());
+  if (end == number) return std::nullopt;
+  return name.substr(end);
 }
 
 }  // namespace
@@ -185,21 +188,14 @@ bool IsHeadProperty(const std::string& name) {
   return IsOneOf(properties, name);
 }
 
-std::optional<std::string> GetHead(const std::string& fact) {
-  if (fact.compare(0, std::strlen(kHeadPrefix), kHeadPrefix) != 0) return std::nullopt;
-  return fact.substr(std::strlen(kHeadPrefix), fact.rfind(": ") - std::strlen(kHeadPrefix));
-}
+bool IsConnector(const std::string& name) { return GetAfterCard(name).value_or("")[0] == '-'; }
 
-bool IsConnector(const std::string& name) {
-  constexpr std::size_t prefix = 4;  // "card"
-  const std::size_t dash = name.find_first_not_of("0123456789", prefix);
-  return name.compare(0, prefix, "card") == 0 && dash != std::string::npos && dash > prefix && name[dash] == '-';
-}
+bool IsCard(const std::string& name) { return GetAfterCard(name) == ""; }
 
 TMachineFacts MakeFacts(const TReadAnswer& answer) {
-  TMachineFacts machine = {answer.error, answer.classes, {}, MakeMonitors(answer), MakeControllers(answer)};
-  for (const TReadOutput& output : answer.outputs) {
-    if (!output.edid.empty()) machine.connected.insert(output.connector);
+  TMachineFacts machine = {answer.error, {}, MakeMonitors(answer), MakeControllers(answer)};
+  for (const TReadRequest& request : answer.requests) {
+    machine.classes.insert(request.classes.begin(), request.classes.end());
   }
   return machine;
 }
@@ -207,8 +203,8 @@ TMachineFacts MakeFacts(const TReadAnswer& answer) {
 std::string Pack(const TMachineFacts& machine) {
   const json error = machine.error ? json(*machine.error) : json();
   std::string text;
-  json::to_cbor(json::array({error, machine.classes, machine.connected, PackDevices(machine.monitors),
-                             PackDevices(machine.controllers)}),
+  json::to_cbor(json::array({error, machine.classes, PackAll(machine.monitors, PackMonitor),
+                             PackAll(machine.controllers, PackController)}),
                 text);
   return text;
 }
@@ -218,8 +214,7 @@ TMachineFacts Unpack(const std::string& text) {
   TMachineFacts machine;
   if (packed[0].is_string()) machine.error = packed[0].get<std::string>();
   machine.classes = packed[1].get<std::set<std::string>>();
-  machine.connected = packed[2].get<std::set<std::string>>();
-  machine.monitors = UnpackDevices(packed[3]);
-  machine.controllers = UnpackDevices(packed[4]);
+  for (const json& monitor : packed[2]) machine.monitors.push_back(UnpackMonitor(monitor));
+  for (const json& controller : packed[3]) machine.controllers.push_back(UnpackController(controller));
   return machine;
 }

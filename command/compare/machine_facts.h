@@ -1,7 +1,6 @@
 // What a comparison knows of a machine: its monitors and controllers, how each is known again, and what may change.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -9,45 +8,51 @@
 
 #include "command/compare/answer_reader.h"
 
-/// Values as JSON text, by their names.
-typedef std::map<std::string, std::string> TFacts;
+typedef std::vector<std::string> TModes;  // such as "1280x1024@60Hz", sorted
 
-/// A monitor or a controller.
-struct TDevice {
-  /// What it is known again by. Two devices of a machine can have the same: nothing tells them apart.
+struct TMonitor {
+  /// What it is known again by. Two monitors of a machine can have the same: nothing tells them apart.
   ///
-  /// A monitor: by its maker, product code and serial numbers (the number in the EDID's header, unless that is a
-  /// filler, and the text of its serial number descriptor, unless that has no letter and no digit but 0). By its whole
-  /// EDID when it has neither, or is not of version 1. A controller: by its display id, which is its bus address.
+  /// Its maker, product code and serial numbers (the number in the EDID's header, unless that is a filler, and the text
+  /// of its serial number descriptor, unless that has no letter and no digit but 0). Its whole EDID when it has
+  /// neither, or is not of version 1.
   std::string identity;
-  TFacts description;  // how people know it, and where it is; no change when it differs
-  TFacts facts;
+  TReadOutput output;      // where it is, and its EDID
+  TModes modes;            // what QRXSG_MonitorResolution says of it
+  TProperties properties;  // of the plug-in's instance, without those that say where it is
+
+  bool IsListed() const { return !output.deviceId.empty(); }
+};
+
+/// A head of a controller. Two of one name are two sections of one Identifier.
+struct THead {
+  std::string name;
+  TProperties properties;  // without those that say where it is
+};
+
+struct TController {
+  std::string identity;  // its display id, which is its bus address
+  std::string deviceId;
+  TProperties properties;    // without those that say where it is
+  std::vector<THead> heads;  // sorted by their names
 };
 
 struct TMachineFacts {
   std::optional<std::string> error;  // why it could not be asked; then the rest is empty
   std::set<std::string> classes;     // that were asked for
-  std::set<std::string> connected;   // the connectors that have a monitor
-  std::vector<TDevice> monitors;
-  std::vector<TDevice> controllers;
+  std::vector<TMonitor> monitors;
+  std::vector<TController> controllers;
 };
-
-// Facts that are no properties.
-constexpr const char* kEdidFact = "EDID";      // in base64
-constexpr const char* kModesFact = "Modes";    // what QRXSG_MonitorResolution says of a monitor, sorted
-constexpr const char* kListedFact = "Listed";  // whether the plug-in reports the monitor
-constexpr const char* kHeadsFact = "Heads";    // the names of a controller's heads
-constexpr const char* kHeadPrefix = "Head ";   // before the name of a head, a colon, a blank and a property
 
 /// Whether a property is of a head: its mode, or its monitor. A controller repeats those of its first head.
 bool IsHeadProperty(const std::string& name);
 
-/// The name of the head that a fact is about; nothing when it is about none.
-std::optional<std::string> GetHead(const std::string& fact);
-
 /// Whether a name is that of a connector, such as "card0-DP-1": the configuration that is made from what the kernel
 /// knows names its heads after them.
 bool IsConnector(const std::string& name);
+
+/// Whether it is the name of a card, such as "card0": that configuration names the head of a card without monitors so.
+bool IsCard(const std::string& name);
 
 TMachineFacts MakeFacts(const TReadAnswer& answer);
 

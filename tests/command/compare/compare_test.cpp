@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "command/base/base64.h"
 #include "tests/command/compare/compared_answer.h"
 #include "tests/support/process.h"
 #include "tests/support/reachable_build.h"
@@ -174,9 +175,72 @@ TEST_F(Comparison, SaysThatAMachineCouldNotBeAskedAndNotThatItsMonitorsAreGone) 
   EXPECT_EQ(result.output, "a could not be asked\n  NEW: took longer\n1 machine: 1 could not be asked.\n");
   EXPECT_EQ(json::parse(Run("broken well --format json").output)["machines"],
             json::parse(R"([{"machine": "a", "state": "unknown", "oldError": "took longer"}])"));
+}
+
+TEST_F(Comparison, CallsNothingEqualWhereNoMachineCouldBeAskedThenOrNow) {
+  const std::string broken = R"({"machine": "a", "error": "took longer"})"
+                             "\n";
+  folder.Write("broken", broken);
   const TProcessResult neither = Run("broken broken");
-  EXPECT_EQ(neither.status, 0);
-  EXPECT_THAT(neither.output, StartsWith("a could not be asked\n  OLD: took longer\n  NEW: took longer\n"));
+  EXPECT_EQ(neither.status, 2);
+  EXPECT_EQ(neither.output,
+            "a could not be asked\n  OLD: took longer\n  NEW: took longer\n1 machine: 1 could not be asked.\n");
+  EXPECT_EQ(neither.errors, "displayinfo: there is nothing to compare, since no machine could be asked, then or now\n");
+  folder.Write("mixed", broken +
+                            R"({"machine": "b", "requests": [{"classes": ["QRXSG_DesktopMonitor"]}], "outputs": []})"
+                            "\n");
+  EXPECT_EQ(Run("mixed mixed").status, 0);
+}
+
+TEST_F(Comparison, FindsAWeekOfManufactureEqualInEachTimeZone) {
+  for (const unsigned int year : {1995U, 2011U, 2020U}) {
+    for (const unsigned int week : {1U, 14U, 44U, 53U, 54U}) {
+      const TEdid edid = TEdidBuilder().Manufacturer("ACM").Serial(0, std::to_string(week)).Made(week, year).Build();
+      MakeMachine(std::to_string(year) + "-" + std::to_string(week), {{"edid/0.bin", edid}});
+    }
+  }
+  RunIn("ls -d 1* 2* >list");
+  const std::string zones[] = {"UTC", "Europe/Berlin", "America/St_Johns", "Asia/Kathmandu", "Pacific/Apia"};
+  for (const std::string& zone : zones) {
+    const std::string file = zone.substr(zone.find('/') + 1);
+    RunIn("TZ=" + zone + " " + kCommand + " --machines list --no-log >" + file);
+    EXPECT_EQ(Run("UTC " + file).output, "15 machines: 15 equal.\n") << zone;
+  }
+  EXPECT_EQ(RunIn("diff UTC Berlin >diff").status, 1);
+}
+
+TEST_F(Comparison, TellsNamesApartThatDifferOnlyInBytesThatAreNotUtf8) {
+  MakeMachine("this", {}, "K\xE4rte");
+  MakeMachine("other", {}, "K\xF6rte");
+  RunIn(kCommand + " --machine this --format json >this.json");
+  EXPECT_EQ(Run("this other").output,
+            "other\n  Controller changed: K\uFFFDrte (PCI:1:0:0)\n"
+            "    Name: K\uFFFDrte -> K\uFFFDrte (its bytes that are not UTF-8 differ)\n1 machine: 1 changed.\n");
+  EXPECT_EQ(Run("this this").status, 0);
+  EXPECT_EQ(Run("this this.json").status, 0);
+  EXPECT_EQ(Run("this.json this").status, 0);
+  EXPECT_EQ(json::parse(Run("--format json this other").output)["counts"]["changed"], 1);
+}
+
+TEST_F(Comparison, TellsOfEachOfTheHeadsThatHaveOneIdentifier) {
+  const std::string section = "Section \"Device\"\n  Identifier \"Card0\"\n  BusID \"PCI:1:0:0\"\nEndSection\n";
+  folder.Write("one/root/etc/X11/xorg.conf", section);
+  folder.Write("two/root/etc/X11/xorg.conf", section + section);
+  EXPECT_THAT(Run("one two").output, HasSubstr("    Heads: Card0 -> Card0, Card0\n"));
+}
+
+TEST_F(Comparison, WritesValuesOfStrangersAsTheyAre) {
+  const auto write = [&](const char* name, const char* value) {
+    folder.Write(name, R"({"requests": [{"classes": ["QRXSG_VideoController"], "instances": [{"class":
+        "QRXSG_VideoController", "properties": {"DisplayId": {"value": "a"}, "EDID": {"value": )" +
+                           std::string(value) + R"(}}}]}], "outputs": []})");
+  };
+  write("older.json", R"("!\u0085\u202e")");
+  write("newer.json", R"([1, -2, 2.5, true, null, "a"])");
+  EXPECT_THAT(Run("older.json newer.json").output,
+              HasSubstr("    EDID: !\\u0085\\u202e -> 1, -2, 2.5, true, none, a\n"));
+  EXPECT_THAT(Run("--format json older.json newer.json").output,
+              HasSubstr(R"({"property":"EDID","old":"!\u0085\u202e","new":[1,-2,2.5,true,null,"a"]})"));
 }
 
 TEST_F(Comparison, TellsNamesOfFilesApartOnlyWhereLinesHaveNames) {

@@ -5,33 +5,37 @@
 #include <string>
 #include <vector>
 
-#include "command/base/base64.h"
 #include "command/compare/answer_reader.h"
 #include "command/compare/machine_facts.h"
 #include "tests/support/edid_builder.h"
 
-inline const std::set<std::string> kAllClasses = {"QRXSG_VideoController",       "QRXSG_VideoHead",
-                                                  "QRXSG_HeadOfVideoController", "QRXSG_DesktopMonitor",
-                                                  "QRXSG_MonitorResolution",     "QRXSG_MonitorSetting"};
+inline const std::vector<std::string> kAllClasses = {"QRXSG_VideoController",       "QRXSG_VideoHead",
+                                                     "QRXSG_HeadOfVideoController", "QRXSG_DesktopMonitor",
+                                                     "QRXSG_MonitorResolution",     "QRXSG_MonitorSetting"};
 
 /// An answer of all classes, as it was read; it begins without any device.
 class TAnswerBuilder {
  public:
-  TAnswerBuilder() { m_answer.classes = kAllClasses; }
+  TAnswerBuilder() { m_answer.requests = {{kAllClasses, {}}}; }
 
-  TAnswerBuilder& Classes(const std::set<std::string>& classes) {
-    m_answer.classes = classes;
+  TAnswerBuilder& Classes(const std::vector<std::string>& classes) {
+    m_answer.requests[0].classes = classes;
+    return *this;
+  }
+
+  /// What follows belongs to another request for the same classes.
+  TAnswerBuilder& AskAgain() {
+    m_answer.requests.push_back({m_answer.requests.back().classes, {}});
     return *this;
   }
 
   /// An output with that EDID, and the monitor that the plug-in reports for it.
   TAnswerBuilder& Monitor(const std::vector<std::uint8_t>& edid, const std::string& connector = "",
-                          std::map<std::string, std::string> properties = {}) {
+                          TProperties properties = {}) {
     const std::string id = "Monitor " + std::to_string(m_answer.outputs.size() + 1);
     m_answer.outputs.push_back({id, connector, edid});
-    properties["DeviceID"] = '"' + id + '"';
-    m_answer.instances.push_back({"QRXSG_DesktopMonitor", "monitor " + id, properties});
-    return *this;
+    properties["DeviceID"] = id;
+    return Instance("QRXSG_DesktopMonitor", properties);
   }
 
   /// An output that the plug-in does not report.
@@ -40,23 +44,20 @@ class TAnswerBuilder {
     return *this;
   }
 
-  /// `properties`: as JSON text.
-  TAnswerBuilder& Instance(const std::string& className, const std::string& path,
-                           const std::map<std::string, std::string>& properties) {
-    m_answer.instances.push_back({className, path, properties});
+  TAnswerBuilder& Instance(const std::string& className, const TProperties& properties) {
+    m_answer.requests.back().instances.push_back({className, properties});
     return *this;
   }
 
-  TAnswerBuilder& Controller(const std::string& displayId, std::map<std::string, std::string> properties) {
-    properties["DisplayId"] = '"' + displayId + '"';
-    return Instance("QRXSG_VideoController", "controller " + displayId, properties);
+  TAnswerBuilder& Controller(const std::string& displayId, TProperties properties) {
+    properties["DisplayId"] = displayId;
+    return Instance("QRXSG_VideoController", properties);
   }
 
-  TAnswerBuilder& Head(const std::string& displayId, const std::string& name,
-                       std::map<std::string, std::string> properties) {
-    properties["DisplayId"] = '"' + displayId + '"';
-    properties["DeviceID"] = '"' + name + '"';
-    return Instance("QRXSG_VideoHead", "head " + name, properties);
+  TAnswerBuilder& Head(const std::string& displayId, const std::string& name, TProperties properties) {
+    properties["DisplayId"] = displayId;
+    properties["DeviceID"] = name;
+    return Instance("QRXSG_VideoHead", properties);
   }
 
   TMachineFacts Build() const { return MakeFacts(m_answer); }
