@@ -16,6 +16,20 @@ std::string GetResolution(const TInstanceView& instance, const char* width, cons
   return instance.Text(width) + "x" + instance.Text(height);
 }
 
+/// The one head of which that is true; null where there is none, or more. The instances of one head count once.
+template <typename TIsIt>
+const TInstanceView* FindOnly(const TInstances& heads, TIsIt isIt) {
+  const TInstanceView* found = nullptr;
+  for (const TInstanceView& head : heads) {
+    if (!isIt(head)) continue;
+    const bool isSame =
+        found == nullptr || (found->Path() == head.Path() && found->Text("HeadNumber") == head.Text("HeadNumber"));
+    if (!isSame) return nullptr;
+    found = &head;
+  }
+  return found;
+}
+
 /// The unit whose EDID made the monitor: a unit without a monitor ends the walk, so "Monitor 1" is unit 0.
 std::size_t GetUnit(const TInstanceView& monitor) {
   const std::string id = monitor.Text("DeviceID");
@@ -48,8 +62,6 @@ void TRequestView::JoinVideo() {
     const auto [begin, end] = byDisplay.equal_range(head.Text("DisplayId"));
     for (auto found = begin; found != end; ++found) m_controllers[found->second].heads.push_back(head);
     if (begin == end) m_looseHeads.push_back(head);
-    if (!head.Has("CurrentHorizontalResolution")) continue;
-    m_configured.insert(GetResolution(head, "CurrentHorizontalResolution", "CurrentVerticalResolution"));
   }
 }
 
@@ -74,8 +86,22 @@ bool TRequestView::Asks(EPart part) const {
                      [&](const std::string& name) { return Belongs(name, part); });
 }
 
-bool TRequestView::IsConfigured(const TInstanceView& mode) const {
-  return m_configured.count(GetResolution(mode, "HorizontalResolution", "VerticalResolution")) != 0;
+const TInstanceView* TRequestView::FindHead(const TMonitorView& monitor, const TOutput* output) const {
+  const TInstances& heads = Select(kVideoHeadClass);
+  const std::string connector = output == nullptr ? std::string() : ToPrintable(output->connector);
+  const auto isAtConnector = [&](const TInstanceView& head) {
+    return !connector.empty() && head.Text("DeviceID") == connector;
+  };
+  if (const TInstanceView* const head = FindOnly(heads, isAtConnector)) return head;
+  const std::string model = monitor.monitor ? monitor.monitor->Text("Name") : std::string();
+  const auto hasModel = [&](const TMonitorView& other) {
+    return other.monitor && other.monitor->Text("Name") == model;
+  };
+  const auto namesModel = [&](const TInstanceView& head) { return head.Text("MonitorString") == model; };
+  if (!model.empty() && std::count_if(m_monitors.begin(), m_monitors.end(), hasModel) == 1) {
+    if (const TInstanceView* const head = FindOnly(heads, namesModel)) return head;
+  }
+  return FindOnly(heads, [](const TInstanceView&) { return true; });
 }
 
 std::vector<std::string> TRequestView::GetComplaints(EPart part) const {
@@ -100,6 +126,12 @@ const TInstances& TRequestView::Select(const std::string& className) const {
   static const TInstances none;
   const auto found = m_instances.find(className);
   return found == m_instances.end() ? none : found->second;
+}
+
+bool IsConfigured(const TInstanceView* head, const TInstanceView& mode) {
+  return head != nullptr && head->Has("CurrentHorizontalResolution") &&
+         GetResolution(*head, "CurrentHorizontalResolution", "CurrentVerticalResolution") ==
+             GetResolution(mode, "HorizontalResolution", "VerticalResolution");
 }
 
 std::string JoinTexts(const std::vector<std::string>& texts) {

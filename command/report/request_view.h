@@ -3,7 +3,6 @@
 
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -34,8 +33,10 @@ class TRequestView {
   /// The heads of no controller that the request has.
   const TInstances& GetLooseHeads() const { return m_looseHeads; }
   const std::vector<TMonitorView>& GetMonitors() const { return m_monitors; }
-  /// True when the configuration sets a head to the mode's resolution.
-  bool IsConfigured(const TInstanceView& mode) const;
+  /// The head at which the monitor hangs: the one that is named after its connector, else the only one whose screen
+  /// names the monitor's model, else the only one that exists. Null where that is not known. `output`: of the monitor;
+  /// may be null.
+  const TInstanceView* FindHead(const TMonitorView& monitor, const TOutput* output) const;
   /// What the plug-in logged at status or worse while it served a class of the part, as printable text, each message
   /// once.
   std::vector<std::string> GetComplaints(EPart part) const;
@@ -51,9 +52,11 @@ class TRequestView {
   std::map<std::string, TInstances> m_instances;  // by the name of their class
   std::vector<TControllerView> m_controllers;
   TInstances m_looseHeads;
-  std::set<std::string> m_configured;  // resolutions of heads, such as "1280x1024"
   std::vector<TMonitorView> m_monitors;
 };
+
+/// True when the configuration sets the head to the mode's resolution. `head`: may be null.
+bool IsConfigured(const TInstanceView* head, const TInstanceView& mode);
 
 /// The texts that are not empty, with ", " between them.
 std::string JoinTexts(const std::vector<std::string>& texts);

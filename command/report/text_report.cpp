@@ -80,16 +80,16 @@ class TRequestReport {
 
   std::string MakeMonitor(const TMonitorView& view) const {
     return MakeTitle("  ", view.id, view.monitor ? view.monitor->Text("Name") : "") +
-           MakeRows("    ", DescribeMonitor(m_answer, view, m_makers)) +
-           MakeModes(view.modes, FindOutput(m_answer, view.id));
+           MakeRows("    ", DescribeMonitor(m_answer, view, m_makers)) + MakeModes(view, FindOutput(m_answer, view.id));
   }
 
-  std::string MakeModes(const TInstances& modes, const TOutput* output) const {
+  std::string MakeModes(const TMonitorView& monitor, const TOutput* output) const {
+    const TInstanceView* const head = m_view.FindHead(monitor, output);
     std::vector<std::string> texts;
     bool hasConfigured = false;
     bool hasPreferred = false;
-    for (const TInstanceView& mode : SortModes(modes)) {
-      const bool isConfigured = m_view.IsConfigured(mode);
+    for (const TInstanceView& mode : SortModes(monitor.modes)) {
+      const bool isConfigured = IsConfigured(head, mode);
       const bool isPreferred = IsPreferred(mode, output);
       hasConfigured = hasConfigured || isConfigured;
       hasPreferred = hasPreferred || isPreferred;

@@ -26,13 +26,14 @@ struct TResolution {
 };
 
 /// The modes of each resolution together, the largest first.
-std::vector<TResolution> GetResolutions(const TRequestView& view, const TInstances& modes, const TOutput* output) {
+std::vector<TResolution> GetResolutions(const TRequestView& view, const TMonitorView& monitor, const TOutput* output) {
+  const TInstanceView* const head = view.FindHead(monitor, output);
   std::vector<TResolution> resolutions;
-  for (const TInstanceView& mode : SortModes(modes)) {
+  for (const TInstanceView& mode : SortModes(monitor.modes)) {
     const unsigned int width = mode.Number("HorizontalResolution");
     const unsigned int height = mode.Number("VerticalResolution");
     if (resolutions.empty() || resolutions.back().width != width || resolutions.back().height != height) {
-      resolutions.push_back({width, height, {}, mode.Unit("RefreshRate"), "", view.IsConfigured(mode)});
+      resolutions.push_back({width, height, {}, mode.Unit("RefreshRate"), "", IsConfigured(head, mode)});
     }
     TResolution& resolution = resolutions.back();
     resolution.rates.push_back(mode.Text("RefreshRate"));
@@ -132,6 +133,6 @@ TMarkup MakeList(const std::vector<TResolution>& resolutions) {
 
 TMarkup MakeModes(const TRequestView& view, const TMonitorView& monitor, const TOutput* output) {
   if (monitor.modes.empty()) return {};
-  const std::vector<TResolution> resolutions = GetResolutions(view, monitor.modes, output);
+  const std::vector<TResolution> resolutions = GetResolutions(view, monitor, output);
   return MakeElement("div", "plot", MakePlot(resolutions) + MakeList(resolutions));
 }

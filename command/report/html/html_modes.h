@@ -5,7 +5,7 @@
 #include "command/report/html/html_markup.h"
 #include "command/report/request_view.h"
 
-/// The list stays readable at any number of modes; the plot shows where they lie. The resolutions that a head is
-/// configured to are marked in both; the list says so in words, and which mode the monitor prefers. A monitor without
-/// modes has neither. `output`: of the monitor; may be null.
+/// The list stays readable at any number of modes; the plot shows where they lie. The resolution that the monitor's
+/// head is configured to is marked in both; the list says so in words, and which mode the monitor prefers. A monitor
+/// without modes has neither. `output`: of the monitor; may be null.
 TMarkup MakeModes(const TRequestView& view, const TMonitorView& monitor, const TOutput* output);

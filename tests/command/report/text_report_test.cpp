@@ -10,6 +10,7 @@
 
 using NQRXZELT20::ILogger;
 using NQRXZELT20::TCIMValue;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -30,7 +31,31 @@ class TextReport : public TAnswerTest {
     return text.substr(text.find("\n\n") + 2);
   }
 
-  void CommitMode(const char* settingId, unsigned int width, unsigned int height, unsigned int rate) {
+  void CommitHead(const char* id, const char* model, unsigned int width, unsigned int height) {
+    Commit("QRXSG_VideoHead", {{"DeviceID", TCIMValue(id)},
+                               {"MonitorString", TCIMValue(TCIMValue::TCIMType::kString, 1, {TCIMValue(model)})},
+                               {"CurrentHorizontalResolution", TCIMValue(width)},
+                               {"CurrentVerticalResolution", TCIMValue(height)}});
+  }
+
+  void CommitMonitorWithTwoModes(const std::string& id, const char* name) {
+    Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue(id)}, {"Name", TCIMValue(name)}});
+    CommitMode(id + "\\ Setting 1", 800, 600, 60);
+    CommitMode(id + "\\ Setting 2", 640, 480, 60);
+  }
+
+  /// The modes of each monitor, with their marks.
+  std::vector<std::string> ListModes() {
+    std::istringstream report(Make({"QRXSG_VideoHead", "QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"}));
+    const std::string label = "    Modes             ";
+    std::vector<std::string> modes;
+    for (std::string line; std::getline(report, line);) {
+      if (line.compare(0, label.size(), label) == 0) modes.push_back(line.substr(label.size()));
+    }
+    return modes;
+  }
+
+  void CommitMode(const std::string& settingId, unsigned int width, unsigned int height, unsigned int rate) {
     Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue(settingId)},
                                        {"HorizontalResolution", TCIMValue(width)},
                                        {"VerticalResolution", TCIMValue(height)},
@@ -247,6 +272,31 @@ TEST_F(TextReport, GivesEachMonitorItsModesAndMarksTheConfiguredOne) {
             "                      * the resolution that the configuration names\n"
             "  Monitor 10\n"
             "    Modes             800x600@60Hz\n");
+}
+
+TEST_F(TextReport, MarksTheModeOfTheHeadThatIsNamedAfterTheMonitorsConnector) {
+  CommitHead("card0-DP-1", "Acme A190", 800, 600);
+  CommitHead("card0-DP-2", "Acme A190", 640, 480);
+  CommitMonitorWithTwoModes("Monitor 1", "Acme A190");
+  CommitMonitorWithTwoModes("Monitor 2", "Acme A190");
+  answer.outputs = {{0, "card0-DP-2", "Monitor 1", "", {}, {}}, {1, "card0-DP-1", "Monitor 2", "", {}, {}}};
+  EXPECT_THAT(ListModes(), ElementsAre("800x600@60Hz, 640x480@60Hz*", "800x600@60Hz*, 640x480@60Hz"));
+}
+
+TEST_F(TextReport, MarksTheModeOfTheOnlyHeadWhoseScreenNamesTheMonitorsModel) {
+  CommitHead("Left", "Acme A190", 800, 600);
+  CommitHead("Right", "Globex Wide", 640, 480);
+  CommitMonitorWithTwoModes("Monitor 1", "Globex Wide");
+  CommitMonitorWithTwoModes("Monitor 2", "Acme A190");
+  EXPECT_THAT(ListModes(), ElementsAre("800x600@60Hz, 640x480@60Hz*", "800x600@60Hz*, 640x480@60Hz"));
+}
+
+TEST_F(TextReport, MarksNoModeWhereItIsNotKnownAtWhichHeadTheMonitorHangs) {
+  CommitHead("Left", "Acme A190", 800, 600);
+  CommitHead("Right", "Acme A190", 640, 480);
+  CommitMonitorWithTwoModes("Monitor 1", "Acme A190");
+  CommitMonitorWithTwoModes("Monitor 2", "");
+  EXPECT_THAT(ListModes(), ElementsAre("800x600@60Hz, 640x480@60Hz", "800x600@60Hz, 640x480@60Hz"));
 }
 
 TEST_F(TextReport, SortsModesBySizeAndRate) {
