@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
+#include <utility>
 
-#include "edid/layout.h"
+#include "command/machine/drm_edid.h"
 
 namespace fs = std::filesystem;
 
@@ -19,17 +19,15 @@ std::string ReadWord(const fs::path& file) {
   return word;
 }
 
-std::vector<std::uint8_t> ReadEdid(const fs::path& connector) {
-  std::ifstream file(connector / "edid", std::ios::binary);
-  std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(file), {});
-  bytes.resize(bytes.size() / edid::kBlockSize * edid::kBlockSize);
-  return bytes;
+/// Without links; empty when it does not exist.
+fs::path GetRealPath(const fs::path& path) {
+  std::error_code error;
+  return fs::canonical(path, error);
 }
 
 /// Nothing for a card on another bus.
 std::optional<TPciDevice> ReadPciDevice(const fs::path& device) {
-  std::error_code error;
-  const std::string address = fs::canonical(device, error).filename().string();
+  const std::string address = GetRealPath(device).filename().string();
   TPciDevice pci = {};
   int end = 0;
   const int found =
@@ -60,27 +58,68 @@ bool IsCard(const std::string& name) {
 std::vector<std::string> ListNames(const fs::path& folder) {
   std::vector<std::string> names;
   std::error_code error;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
-    names.push_back(entry.path().filename().string());
+  for (fs::directory_iterator entry(folder, error); entry != fs::directory_iterator(); entry.increment(error)) {
+    names.push_back(entry->path().filename().string());
   }
   std::sort(names.begin(), names.end(), ComesBefore);
   return names;
 }
 
+TDrmOutput ReadOutput(const fs::path& folder, const std::string& connector) {
+  TDrmEdid edid = ReadDrmEdid(folder / connector / "edid");
+  return {connector, std::move(edid.bytes), std::move(edid.fault)};
+}
+
+ECardPower ReadPower(const fs::path& connector) {
+  if (ReadWord(connector / "enabled") != "enabled") return ECardPower::kOff;
+  return ReadWord(connector / "dpms") == "On" ? ECardPower::kOn : ECardPower::kAsleep;
+}
+
+/// Of a card with two connectors.
+ECardPower Combine(ECardPower left, ECardPower right) {
+  if (left == ECardPower::kOff) return right;
+  return right == ECardPower::kOff ? left : std::min(left, right);
+}
+
+/// `names`: of all that is in the folder.
+TDrmCard ReadCard(const fs::path& folder, const std::string& name, const std::vector<std::string>& names) {
+  TDrmCard card = {name, ReadPciDevice(folder / name / "device"), ReadVideoMemory(folder / name / "device"), {}};
+  for (const std::string& connector : names) {
+    if (connector.compare(0, name.size() + 1, name + "-") != 0) continue;
+    card.power = Combine(card.power, ReadPower(folder / connector));
+    if (ReadWord(folder / connector / "status") == "connected") card.outputs.push_back(ReadOutput(folder, connector));
+  }
+  return card;
+}
+
+bool IsDisplayController(const fs::path& device) {
+  constexpr unsigned long baseClass = 3;
+  return std::strtoul(ReadWord(device / "class").c_str(), nullptr, 16) >> 16 == baseClass;
+}
+
+/// Adds the display controllers of the PCI bus that none of the devices is, or is a part of.
+void AddCardsWithoutDriver(const fs::path& folder, const std::vector<fs::path>& served, std::vector<TDrmCard>& cards) {
+  for (const std::string& address : ListNames(folder)) {
+    const bool isServed = std::any_of(served.begin(), served.end(), [&](const fs::path& device) {
+      return std::find(device.begin(), device.end(), address) != device.end();
+    });
+    if (!isServed && IsDisplayController(folder / address)) {
+      cards.push_back({address, ReadPciDevice(folder / address), std::nullopt, {}});
+    }
+  }
+}
+
 }  // namespace
 
-std::vector<TDrmCard> ReadDrmCards(const fs::path& folder) {
+std::vector<TDrmCard> ReadDrmCards(const TKernelFolders& folders) {
   std::vector<TDrmCard> cards;
-  const std::vector<std::string> names = ListNames(folder);
+  std::vector<fs::path> served;
+  const std::vector<std::string> names = ListNames(folders.cards);
   for (const std::string& name : names) {
     if (!IsCard(name)) continue;
-    TDrmCard card = {name, ReadPciDevice(folder / name / "device"), ReadVideoMemory(folder / name / "device"), {}};
-    for (const std::string& connector : names) {
-      if (connector.compare(0, name.size() + 1, name + "-") != 0) continue;
-      if (ReadWord(folder / connector / "status") != "connected") continue;
-      card.outputs.push_back({connector, ReadEdid(folder / connector)});
-    }
-    cards.push_back(std::move(card));
+    cards.push_back(ReadCard(folders.cards, name, names));
+    served.push_back(GetRealPath(folders.cards / name / "device"));
   }
+  AddCardsWithoutDriver(folders.pci, served, cards);
   return cards;
 }

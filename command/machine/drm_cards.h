@@ -1,5 +1,5 @@
-// The graphics cards and their outputs, as the kernel's drivers (DRM) show them below /sys/class/drm. Reading them
-// needs no privilege.
+// The graphics cards and their outputs, as the kernel's drivers (DRM) show them below /sys/class/drm, and the cards
+// without a driver. Reading them needs no privilege.
 #pragma once
 
 #include <cstdint>
@@ -17,15 +17,28 @@ struct TPciDevice {
 /// An output with something connected to it.
 struct TDrmOutput {
   std::string connector;           // such as "card0-DP-1"
-  std::vector<std::uint8_t> edid;  // whole 128-byte blocks; empty when the driver has none
+  std::vector<std::uint8_t> edid;  // whole 128-byte blocks; empty when the driver has none, or at a fault
+  std::string edidFault = {};      // such as "cannot be read: No such device"; else empty
 };
 
+/// Off: none of its connectors is switched on. Asleep: one that is switched on saves power, such as a console's that is
+/// blank.
+enum class ECardPower { kOff, kAsleep, kOn };
+
 struct TDrmCard {
-  std::string name;                          // such as "card0"
+  std::string name;                          // such as "card0"; without a driver its address, such as "0000:01:00.0"
   std::optional<TPciDevice> pci;             // of a card on the PCI bus
   std::optional<std::uint64_t> videoMemory;  // kilobytes, if the driver shows it
   std::vector<TDrmOutput> outputs;           // in the order of their names, numbers counting as numbers
+  ECardPower power = ECardPower::kOff;
 };
 
-/// Every card, in the order of their names. `folder`: /sys/class/drm, which need not exist.
-std::vector<TDrmCard> ReadDrmCards(const std::filesystem::path& folder);
+/// Where the kernel shows what it knows of the graphics. The folders need not exist.
+struct TKernelFolders {
+  std::filesystem::path cards = "/sys/class/drm";  // those that a graphics driver serves
+  std::filesystem::path devices = "/dev/dri";      // of these cards
+  std::filesystem::path pci = "/sys/bus/pci/devices";
+};
+
+/// Every card in the order of their names, then the display controllers of the PCI bus that no graphics driver serves.
+std::vector<TDrmCard> ReadDrmCards(const TKernelFolders& folders);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "command/machine/drm_cards.h"
-#include "command/machine/drm_modes.h"
+#include "command/machine/drm_device.h"
 
 /// Of a card on the PCI bus.
 struct TCardNames {

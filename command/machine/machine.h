@@ -43,6 +43,7 @@ struct TMachine {
   /// Where the X server's configuration comes from when it is no file of the machine, asked after a collection; empty
   /// when it is one, or does not exist.
   std::function<std::string()> getXconfigOrigin = [] { return std::string(); };
+  std::string xconfigCure;  // what to do where its X server's configuration yields no controller, after "; "; or empty
   /// When it was collected from, as utc_time.h writes it; empty where a capture does not say.
   std::string collected;
   /// What the command did without, asked after a collection: a sentence each.

@@ -106,7 +106,7 @@ std::string ExplainNoControllers(const TMachine& machine, const std::vector<TFil
   const std::optional<std::string> path = FindReadFile(machine, queries);
   if (!path) return machine.explainNoXconfig(queries.size());
   try {
-    return ExplainConfiguration(*path, machine.host.files->Read(*path));
+    return ExplainConfiguration(*path, machine.host.files->Read(*path)) + machine.xconfigCure;
   } catch (const NQRXZELT20::TZELTException& failure) {
     return failure.what();
   }

@@ -1,5 +1,6 @@
 #include "command/machine/this_machine.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <utility>
@@ -7,7 +8,7 @@
 #include "command/base/utc_time.h"
 #include "command/machine/bios_recorder.h"
 #include "command/machine/drm_cards.h"
-#include "command/machine/drm_modes.h"
+#include "command/machine/drm_device.h"
 #include "command/machine/folder_files.h"
 #include "command/machine/host_name.h"
 #include "command/machine/kernel_configuration.h"
@@ -37,15 +38,24 @@ void ReadNames(TKernel& kernel) {
   }
 }
 
+/// The card is not off.
+TDrmDevice AskDevice(const TKernel& kernel, const TDrmCard& card) {
+  if (card.power == ECardPower::kOn) return ReadDrmDevice(kernel.folders.devices / card.name);
+  return {{}, {}, card.name + " is asleep, and asking its driver would wake it"};
+}
+
 void ReadModes(TKernel& kernel) {
-  if (!CanReadDrmModes()) {
-    kernel.notes.emplace_back("the modes that are set now are not known: libdrm.so.2 is missing; install libdrm2");
-  }
+  std::string unasked;
+  std::string fault;
   for (const TDrmCard& card : kernel.graphics.cards) {
-    for (const auto& [connector, mode] : ReadDrmModes(kernel.folders.devices / card.name)) {
-      kernel.graphics.modes[card.name + "-" + connector] = mode;
-    }
+    if (card.power == ECardPower::kOff) continue;
+    const TDrmDevice device = AskDevice(kernel, card);
+    for (const auto& [connector, mode] : device.modes) kernel.graphics.modes[card.name + "-" + connector] = mode;
+    if (device.fault.empty()) continue;
+    unasked += (unasked.empty() ? "" : ", ") + card.name;
+    if (fault.empty()) fault = device.fault;
   }
+  if (!fault.empty()) kernel.notes.push_back("the modes that are set now on " + unasked + " are not known: " + fault);
 }
 
 /// Empty when the kernel knows no card.
@@ -77,6 +87,9 @@ void UseXconfig(TMachine& machine, EXconfigSource source, const std::shared_ptr<
     return files->HasServedMade() ? "made from what the kernel knows in " + kernel->folders.cards.string()
                                   : std::string();
   };
+  if (source != EXconfigSource::kKernel && !kernel->graphics.cards.empty()) {
+    machine.xconfigCure = "; --xconfig-source kernel tells what the kernel knows instead";
+  }
   machine.getNotes = [kernel] { return kernel->notes; };
 }
 
@@ -92,8 +105,15 @@ std::string ExplainNoEdid(const TKernel& kernel) {
   return "no connected output in " + folder + " has an EDID (connected: " + connected + ")";
 }
 
+/// Whether anything is connected, even without an EDID.
+bool HasOutput(const TKernelGraphics& graphics) {
+  return std::any_of(graphics.cards.begin(), graphics.cards.end(),
+                     [](const TDrmCard& card) { return !card.outputs.empty(); });
+}
+
 /// Serves the EDIDs of the graphics drivers as those of BIOS units 0, 1, ... The outputs without one follow.
 void UseDrm(TMachine& machine, const TKernel& kernel) {
+  const std::string folder = kernel.folders.cards.string();
   TVirtualBiosConfiguration bios;
   unsigned int unit = 0;
   for (const TDrmOutput& output : kernel.graphics.units) {
@@ -102,12 +122,15 @@ void UseDrm(TMachine& machine, const TKernel& kernel) {
   }
   for (const TDrmCard& card : kernel.graphics.cards) {
     for (const TDrmOutput& output : card.outputs) {
-      if (output.edid.empty()) machine.connectors[unit++] = output.connector;
+      if (!output.edid.empty()) continue;
+      if (!output.edidFault.empty()) {
+        machine.damagedEdids[unit] = {folder + "/" + output.connector + "/edid", output.edidFault, "try again"};
+      }
+      machine.connectors[unit++] = output.connector;
     }
   }
   machine.bios = std::make_shared<TVirtualVideoBios>(bios);
   machine.getUnits = [bios = std::move(bios)] { return bios; };
-  const std::string folder = kernel.folders.cards.string();
   machine.edidOrigin.none = ExplainNoEdid(kernel);
   machine.edidOrigin.describe = [connectors = machine.connectors, folder](std::size_t asked) {
     const auto connector = connectors.find(static_cast<unsigned int>(asked));
@@ -144,13 +167,13 @@ void UseBios(TMachine& machine, const std::string& before) {
 TMachine MakeThisMachine(EEdidSource edidSource, EXconfigSource xconfigSource, const TKernelFolders& folders) {
   const auto kernel = std::make_shared<TKernel>();
   kernel->folders = folders;
-  kernel->graphics.cards = ReadDrmCards(folders.cards);
+  kernel->graphics.cards = ReadDrmCards(folders);
   kernel->graphics.units = OrderOutputs(kernel->graphics.cards);
   TMachine machine;
   machine.host.systemName = GetHostName();
   machine.collected = WriteUtcTime(std::time(nullptr));
   UseXconfig(machine, xconfigSource, kernel);
-  if (edidSource == EEdidSource::kDrm || (edidSource == EEdidSource::kAuto && !kernel->graphics.units.empty())) {
+  if (edidSource == EEdidSource::kDrm || (edidSource == EEdidSource::kAuto && HasOutput(kernel->graphics))) {
     UseDrm(machine, *kernel);
   } else if (edidSource == EEdidSource::kAuto) {
     UseBios(machine, ExplainNoEdid(*kernel) + ", and ");

@@ -61,6 +61,14 @@ TEST_F(Reasons, OfNoControllerLieInItsConfiguration) {
   }
 }
 
+TEST_F(Reasons, OfNoControllerEndWithWhatTheMachineKnowsToHelp) {
+  machine.File(kConfiguration, "# nothing\n");
+  TMachine helpful = ReadCapturedMachine(machine.GetPath());
+  helpful.xconfigCure = "; do something else";
+  EXPECT_EQ(Collect(helpful, PLUGIN_FILE, {{"QRXSG_VideoController"}}, {}).reasons.noControllers,
+            "/etc/X11/xorg.conf has no Device section; do something else");
+}
+
 TEST_F(Reasons, OfNoControllerAreTheFilesThatAreNotThere) {
   EXPECT_EQ(WhyNoController(), "none of the 10 X server configuration files that were looked for is there");
   machine.File("root/etc/motd", "");

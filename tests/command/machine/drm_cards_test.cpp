@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <tuple>
+
 #include "tests/support/edid_builder.h"
 #include "tests/support/temporary_folder.h"
 
@@ -22,12 +24,35 @@ class DrmCards : public testing::Test {
     fs::create_directory_symlink(sys.GetPath() / "devices" / address, sys.GetPath() / "drm" / name / "device");
   }
 
+  /// `power`: what the connector's files "enabled" and "dpms" say.
+  void SetPower(const std::string& connector, const std::string& power) const {
+    sys.Write("drm/" + connector + "/enabled", power.substr(0, power.find(' ')) + "\n");
+    sys.Write("drm/" + connector + "/dpms", power.substr(power.find(' ') + 1) + "\n");
+  }
+
+  /// A device of the PCI bus.
+  void AddPciDevice(const std::string& address, const std::string& deviceClass) const {
+    sys.Write("devices/" + address + "/class", deviceClass + "\n");
+    sys.Write("devices/" + address + "/vendor", "0x1013\n");
+    sys.Write("devices/" + address + "/device", "0x00b8\n");
+    fs::create_directories(sys.GetPath() / "pci");
+    fs::create_directory_symlink(sys.GetPath() / "devices" / address, sys.GetPath() / "pci" / address);
+  }
+
   void AddOutput(const std::string& connector, const std::string& status, const std::vector<std::uint8_t>& edid) const {
     sys.Write("drm/" + connector + "/status", status + "\n");
     sys.Write("drm/" + connector + "/edid", std::string(edid.begin(), edid.end()));
   }
 
-  std::vector<TDrmCard> Read() const { return ReadDrmCards(sys.GetPath() / "drm"); }
+  std::vector<TDrmCard> Read() const {
+    return ReadDrmCards({sys.GetPath() / "drm", sys.GetPath() / "dri", sys.GetPath() / "pci"});
+  }
+
+  std::vector<std::string> GetNames() const {
+    std::vector<std::string> names;
+    for (const TDrmCard& card : Read()) names.push_back(card.name);
+    return names;
+  }
 
   std::vector<std::string> GetConnectors() const {
     std::vector<std::string> connectors;
@@ -102,4 +127,53 @@ TEST_F(DrmCards, TellTheVideoMemoryInKilobytesWhereTheDriverDoes) {
   EXPECT_EQ(Read().at(0).videoMemory, 8372224U);
 }
 
-TEST_F(DrmCards, AreNoneWithoutTheFolder) { EXPECT_THAT(ReadDrmCards(sys.GetPath() / "none"), IsEmpty()); }
+TEST_F(DrmCards, LoseOnlyTheOutputWhoseEdidCannotBeRead) {
+  AddCard("card0", "0000:01:00.0");
+  AddOutput("card0-DP-2", "connected", whole);
+  sys.Write("drm/card0-DP-1/status", "connected\n");
+  fs::create_directory(sys.GetPath() / "drm/card0-DP-1/edid");
+  const std::vector<TDrmOutput> outputs = Read().at(0).outputs;
+  ASSERT_EQ(outputs.size(), 2U);
+  EXPECT_THAT(outputs[0].edid, IsEmpty());
+  EXPECT_EQ(outputs[0].edidFault, "cannot be read: Is a directory");
+  EXPECT_EQ(outputs[1].edid, whole);
+  EXPECT_EQ(outputs[1].edidFault, "");
+}
+
+TEST_F(DrmCards, AreOnWhenAConnectorIsAndNoneThatIsSleeps) {
+  AddCard("card0", "0000:01:00.0");
+  const std::tuple<const char*, const char*, ECardPower> cases[] = {
+      {"disabled On", "disabled Off", ECardPower::kOff},      {"disabled On", "enabled On", ECardPower::kOn},
+      {"enabled On", "disabled Off", ECardPower::kOn},        {"enabled On", "enabled On", ECardPower::kOn},
+      {"enabled Off", "disabled On", ECardPower::kAsleep},    {"enabled On", "enabled Standby", ECardPower::kAsleep},
+      {"enabled Suspend", "enabled On", ECardPower::kAsleep},
+  };
+  for (const auto& [first, second, power] : cases) {
+    SetPower("card0-DP-1", first);
+    SetPower("card0-DP-2", second);
+    EXPECT_EQ(Read().at(0).power, power) << first << ", " << second;
+  }
+}
+
+TEST_F(DrmCards, AreFollowedByTheDisplayControllersWithoutADriver) {
+  AddCard("card0", "0000:01:00.0");
+  AddPciDevice("0000:01:00.0", "0x030000");
+  AddPciDevice("0000:00:1f.0", "0x060100");
+  AddPciDevice("0000:02:00.0", "0x038000");
+  AddPciDevice("0000:00:02.0", "0x030000");
+  EXPECT_THAT(GetNames(), ElementsAre("card0", "0000:00:02.0", "0000:02:00.0"));
+  const TDrmCard card = Read().at(1);
+  ASSERT_TRUE(card.pci);
+  EXPECT_EQ(card.pci->device, 2U);
+  EXPECT_EQ(card.pci->vendorId, 0x1013);
+  EXPECT_EQ(card.pci->deviceId, 0x00B8);
+  EXPECT_THAT(card.outputs, IsEmpty());
+}
+
+TEST_F(DrmCards, AreServedWhenTheirDriverSitsOnADeviceOfTheirs) {
+  AddPciDevice("0000:00:02.0", "0x030000");
+  AddCard("card0", "0000:00:02.0/virtio0");
+  EXPECT_THAT(GetNames(), ElementsAre("card0"));
+}
+
+TEST_F(DrmCards, AreNoneWithoutTheFolders) { EXPECT_THAT(Read(), IsEmpty()); }

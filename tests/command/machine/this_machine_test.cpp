@@ -9,10 +9,13 @@
 #include "tests/support/edid_builder.h"
 #include "tests/support/temporary_folder.h"
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::Pair;
+using testing::StartsWith;
 
 namespace {
 
@@ -32,7 +35,7 @@ class ThisMachine : public testing::Test {
   }
 
   TMachine Make(EEdidSource edids, EXconfigSource xconfig = EXconfigSource::kFile) const {
-    return MakeThisMachine(edids, xconfig, {drm.GetPath(), drm.GetPath() / "devices"});
+    return MakeThisMachine(edids, xconfig, {drm.GetPath(), drm.GetPath() / "devices", drm.GetPath() / "pci"});
   }
 
   static bool HasRealBios(const TMachine& machine) {
@@ -83,11 +86,31 @@ TEST_F(ThisMachine, ByItselfPrefersTheOutputsToTheBios) {
   EXPECT_FALSE(HasRealBios(Make(EEdidSource::kAuto)));
 }
 
-TEST_F(ThisMachine, ByItselfAsksTheBiosWithoutAnyEdid) {
+TEST_F(ThisMachine, ByItselfStaysWithTheKernelWhereAnythingIsConnected) {
   AddOutputWithEdid("card0-DP-1", "");
+  const TMachine machine = Make(EEdidSource::kAuto);
+  EXPECT_FALSE(HasRealBios(machine));
+  EXPECT_THAT(machine.connectors, ElementsAre(Pair(0, "card0-DP-1")));
+}
+
+TEST_F(ThisMachine, ByItselfAsksTheBiosWhereNothingIsConnected) {
+  drm.Write("card0/dev", "226:0\n");
   const TMachine machine = Make(EEdidSource::kAuto);
   EXPECT_TRUE(HasRealBios(machine));
   EXPECT_EQ(machine.edidOrigin.describe(1), "video BIOS, unit 1");
+}
+
+TEST_F(ThisMachine, NamesTheOutputWhoseEdidCannotBeReadAndSaysWhy) {
+  AddOutput("card0-DP-2", "A");
+  drm.Write("card0-DP-1/status", "connected\n");
+  std::filesystem::create_directory(drm.GetPath() / "card0-DP-1/edid");
+  const TMachine machine = Make(EEdidSource::kAuto);
+  EXPECT_THAT(machine.connectors, ElementsAre(Pair(0, "card0-DP-2"), Pair(1, "card0-DP-1")));
+  ASSERT_EQ(machine.damagedEdids.size(), 1U);
+  EXPECT_EQ(
+      Describe(machine.damagedEdids.at(1)),
+      drm.GetPath().string() +
+          "/card0-DP-1/edid cannot be read: Is a directory, so its unit counts as one without an EDID; try again");
 }
 
 TEST_F(ThisMachine, AsksTheBiosWhenToldToAlthoughThereAreOutputs) {
@@ -150,6 +173,52 @@ TEST_F(ThisMachine, HasNoConfigurationOfAKernelThatKnowsNoCard) {
   EXPECT_FALSE(machine.host.files->Exists(kMadeFile));
   EXPECT_EQ(machine.getXconfigOrigin(), "");
   EXPECT_THAT(machine.getNotes(), IsEmpty());
+}
+
+TEST_F(ThisMachine, HasTheControllersWithoutADriverInTheConfigurationOfTheKernel) {
+  drm.Write("pci/0000:00:02.0/class", "0x030000\n");
+  const std::string text = Make(EEdidSource::kDrm, EXconfigSource::kKernel).host.files->Read(kMadeFile);
+  EXPECT_THAT(text, HasSubstr("Section \"Device\"\n\tIdentifier \"0000:00:02.0\"\n\tBusID \"PCI:0:2:0\"\n"));
+  EXPECT_THAT(text, Not(HasSubstr("Section \"Screen\"")));
+}
+
+TEST_F(ThisMachine, SaysOnceThatTheModesThatAreSetCannotBeAskedFor) {
+  AddOutput("card0-DP-1", "A");
+  AddOutput("card1-DP-1", "B");
+  AddOutput("card2-DP-1", "C");
+  for (const char* const connector : {"card0-DP-1", "card2-DP-1"}) {
+    drm.Write(connector + std::string("/enabled"), "enabled\n");
+    drm.Write(connector + std::string("/dpms"), "On\n");
+  }
+  const TMachine machine = Make(EEdidSource::kDrm, EXconfigSource::kKernel);
+  machine.host.files->Read(kMadeFile);
+  EXPECT_THAT(machine.getNotes(), Contains(StartsWith("the modes that are set now on card0, card2 are not known: ")));
+}
+
+TEST_F(ThisMachine, WakesNoCard) {
+  AddOutput("card0-DP-1", "A");
+  drm.Write("card0-DP-1/enabled", "enabled\n");
+  drm.Write("card0-DP-1/dpms", "Off\n");
+  const TMachine machine = Make(EEdidSource::kDrm, EXconfigSource::kKernel);
+  machine.host.files->Read(kMadeFile);
+  EXPECT_THAT(machine.getNotes(), Contains("the modes that are set now on card0 are not known: card0 is asleep, and "
+                                           "asking its driver would wake it"));
+}
+
+TEST_F(ThisMachine, OpensNoCardThatIsOff) {
+  AddOutput("card0-DP-1", "A");
+  drm.Write("card0-DP-1/enabled", "disabled\n");
+  const TMachine machine = Make(EEdidSource::kDrm, EXconfigSource::kKernel);
+  machine.host.files->Read(kMadeFile);
+  EXPECT_THAT(machine.getNotes(), Not(Contains(HasSubstr("the modes that are set now"))));
+}
+
+TEST_F(ThisMachine, NamesTheSourceThatHelpsWhereItsConfigurationYieldsNoController) {
+  EXPECT_EQ(Make(EEdidSource::kDrm, EXconfigSource::kFile).xconfigCure, "");  // the kernel knows no card
+  AddOutput("card0-DP-1", "A");
+  EXPECT_EQ(Make(EEdidSource::kDrm, EXconfigSource::kFile).xconfigCure,
+            "; --xconfig-source kernel tells what the kernel knows instead");
+  EXPECT_EQ(Make(EEdidSource::kDrm, EXconfigSource::kKernel).xconfigCure, "");
 }
 
 TEST_F(ThisMachine, HasTheNameOfItsSystem) {
