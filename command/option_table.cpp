@@ -111,7 +111,7 @@ constexpr TOptionRow kEdidSource = {
     "auto|bios|drm",
     "Where this machine's EDIDs come from",
     "drm: the graphics drivers, which needs no privilege. bios: the video BIOS, which needs root. auto (default): the "
-    "drivers if they have any, else the BIOS.",
+    "drivers if anything is connected to them, else the BIOS.",
     [](TCommandLine& line, const TOptionValue& value) { line.options.edidSource = value.As<EEdidSource>(); },
     ECompletion::kNothing,
     false,

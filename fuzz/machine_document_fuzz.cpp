@@ -54,6 +54,9 @@ void RequireUnits(const TMachineDocument& machine, const json& units, const json
   for (const auto& [number, connector] : machine.connectors) {
     Require(units.at(std::to_string(number)).at("connector") == connector, "a connector is the given one");
   }
+  for (const auto& [number, path] : machine.paths) {
+    Require(units.at(std::to_string(number)).at("path") == path, "a path is the given one");
+  }
 }
 
 void RequireRead(const TMachineDocument& machine, const std::string& text) {

@@ -44,7 +44,7 @@ constexpr const char* kMachineDocuments[] = {
     R"({"captured": 1, "systemName": "a", "collected": "2026-11-21T21:30:00Z", "systemCreationClassName": "b",
         "systemType": 2, "provider": true,
         "bios": {"present": true, "memory": false, "ignoresUnit": true,
-                 "units": {"0": {"connector": "card0-DP-1", "failAtBlock": 1}, "1": {"errorAtBlock": 0}}},
+                 "units": {"0": {"connector": "card0-DP-1", "path": "0000:01:00.0/DP-1", "failAtBlock": 1}, "1": {"errorAtBlock": 0}}},
         "files": {"/etc/X11/xorg.conf": {"text": "\u00e9"}, "/etc/X11/XF86Config": {"base64": "/wA="}},
         "edids": {"2": ""}})",
     R"({"captured": 2})",

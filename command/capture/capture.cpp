@@ -247,9 +247,13 @@ TCapture MakeCapture(TMachine machine, const fs::path& plugin, const fs::path& t
   machine.damagedEdids.clear();  // they are not written, so the capture knows nothing of them
   TAnswer answer = Ask(machine, plugin);
   RequireReadable(machine, answer);
-  TMachineDocument document = {machine.host,       machine.getUnits(),
-                               machine.connectors, ReadFiles(machine.host, answer.fileQueries),
-                               machine.collected,  {}};
+  TMachineDocument document = {machine.host,
+                               machine.getUnits(),
+                               machine.connectors,
+                               machine.paths,
+                               ReadFiles(machine.host, answer.fileQueries),
+                               machine.collected,
+                               {}};
   afterAsking();
   RequireContent(document);
   TCapture capture;

@@ -70,6 +70,7 @@ class TMachineWriter {
   void WriteUnits() {
     std::set<unsigned int> numbers;
     for (const auto& [number, connector] : m_machine.connectors) numbers.insert(number);
+    for (const auto& [number, path] : m_machine.paths) numbers.insert(number);
     for (const auto& [number, unit] : m_machine.bios.units) {
       if (unit.failAtBlock || unit.errorAtBlock) numbers.insert(number);
     }
@@ -82,6 +83,8 @@ class TMachineWriter {
     BeginObject(std::to_string(number));
     const auto connector = m_machine.connectors.find(number);
     if (connector != m_machine.connectors.end()) WriteText("connector", connector->second);
+    const auto path = m_machine.paths.find(number);
+    if (path != m_machine.paths.end()) WriteText("path", path->second);
     const auto unit = m_machine.bios.units.find(number);
     if (unit != m_machine.bios.units.end()) {
       if (unit->second.failAtBlock) WriteNumber("failAtBlock", *unit->second.failAtBlock);

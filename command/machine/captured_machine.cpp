@@ -139,6 +139,7 @@ TMachine MakeMachine(TMachineDocument document) {
   machine.bios = std::make_shared<TVirtualVideoBios>(document.bios);
   machine.getUnits = [bios = std::move(document.bios)] { return bios; };
   machine.connectors = std::move(document.connectors);
+  machine.paths = std::move(document.paths);
   machine.collected = std::move(document.collected);
   machine.damagedEdids = std::move(document.damagedEdids);
   machine.edidOrigin.describe = [connectors = machine.connectors](std::size_t unit) {

@@ -65,9 +65,21 @@ std::vector<std::string> ListNames(const fs::path& folder) {
   return names;
 }
 
-TDrmOutput ReadOutput(const fs::path& folder, const std::string& connector) {
+/// The kernel gives the channel of a port behind a hub that name.
+bool IsBehindHub(const fs::path& connector) {
+  const std::string channel = "drm_dp_aux";
+  const std::vector<std::string> names = ListNames(connector);
+  return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+    return name.compare(0, channel.size(), channel) == 0 && ReadWord(connector / name / "name") == "DPMST";
+  });
+}
+
+TDrmOutput ReadOutput(const fs::path& folder, const TDrmCard& card, const std::string& connector) {
   TDrmEdid edid = ReadDrmEdid(folder / connector / "edid");
-  return {connector, std::move(edid.bytes), std::move(edid.fault)};
+  TDrmOutput output = {connector, std::move(edid.bytes), std::move(edid.fault)};
+  output.isBehindHub = IsBehindHub(folder / connector);
+  if (!output.isBehindHub) output.path = MakeOutputPath(card, connector.substr(card.name.size() + 1));
+  return output;
 }
 
 ECardPower ReadPower(const fs::path& connector) {
@@ -83,11 +95,14 @@ ECardPower Combine(ECardPower left, ECardPower right) {
 
 /// `names`: of all that is in the folder.
 TDrmCard ReadCard(const fs::path& folder, const std::string& name, const std::vector<std::string>& names) {
-  TDrmCard card = {name, ReadPciDevice(folder / name / "device"), ReadVideoMemory(folder / name / "device"), {}};
+  const fs::path device = folder / name / "device";
+  TDrmCard card = {name, ReadPciDevice(device), ReadVideoMemory(device), {}};
+  card.address = GetRealPath(device).filename().string();
   for (const std::string& connector : names) {
     if (connector.compare(0, name.size() + 1, name + "-") != 0) continue;
     card.power = Combine(card.power, ReadPower(folder / connector));
-    if (ReadWord(folder / connector / "status") == "connected") card.outputs.push_back(ReadOutput(folder, connector));
+    if (ReadWord(folder / connector / "status") == "connected")
+      card.outputs.push_back(ReadOutput(folder, card, connector));
   }
   return card;
 }
@@ -110,6 +125,10 @@ void AddCardsWithoutDriver(const fs::path& folder, const std::vector<fs::path>& 
 }
 
 }  // namespace
+
+std::string MakeOutputPath(const TDrmCard& card, const std::string& connector) {
+  return card.address.empty() || connector.empty() ? std::string() : card.address + "/" + connector;
+}
 
 std::vector<TDrmCard> ReadDrmCards(const TKernelFolders& folders) {
   std::vector<TDrmCard> cards;

@@ -19,6 +19,8 @@ struct TDrmOutput {
   std::string connector;           // such as "card0-DP-1"
   std::vector<std::uint8_t> edid;  // whole 128-byte blocks; empty when the driver has none, or at a fault
   std::string edidFault = {};      // such as "cannot be read: No such device"; else empty
+  std::string path = {};           // where it is, such as "0000:01:00.0/DP-1"; empty where that is not known
+  bool isBehindHub = false;        // of DisplayPort's multi-stream transport: only the device knows its path
 };
 
 /// Off: none of its connectors is switched on. Asleep: one that is switched on saves power, such as a console's that is
@@ -26,11 +28,12 @@ struct TDrmOutput {
 enum class ECardPower { kOff, kAsleep, kOn };
 
 struct TDrmCard {
-  std::string name;                          // such as "card0"; without a driver its address, such as "0000:01:00.0"
+  std::string name;                          // such as "card0"; without a driver its address
   std::optional<TPciDevice> pci;             // of a card on the PCI bus
   std::optional<std::uint64_t> videoMemory;  // kilobytes, if the driver shows it
   std::vector<TDrmOutput> outputs;           // in the order of their names, numbers counting as numbers
   ECardPower power = ECardPower::kOff;
+  std::string address = {};  // on its bus, such as "0000:01:00.0"; of a platform device its name
 };
 
 /// Where the kernel shows what it knows of the graphics. The folders need not exist.
@@ -42,3 +45,7 @@ struct TKernelFolders {
 
 /// Every card in the order of their names, then the display controllers of the PCI bus that no graphics driver serves.
 std::vector<TDrmCard> ReadDrmCards(const TKernelFolders& folders);
+
+/// Where an output of the card is, whatever number the card has: "0000:01:00.0/DP-1". Empty when one of both is not
+/// known. `connector`: without its card.
+std::string MakeOutputPath(const TDrmCard& card, const std::string& connector);

@@ -28,6 +28,8 @@ struct TMachine {
   /// The output that the EDID of a unit was read from, such as "card0-DP-1", where that is known. An output without an
   /// EDID is named too.
   std::map<unsigned int, std::string> connectors;
+  /// Where that output is, such as "0000:01:00.0/DP-1", where that is known: it lasts when the cards' numbers change.
+  std::map<unsigned int, std::string> paths;
   /// The units of a captured machine whose EDIDs cannot be used.
   std::map<unsigned int, TDamagedEdid> damagedEdids;
   /// What is known of the units, asked after a collection: all of them, or those that the plug-in asked a real BIOS

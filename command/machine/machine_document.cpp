@@ -271,6 +271,7 @@ class TMachineReader {
 
   const TTable m_unitKeys = {
       {"connector", Value([this](json& value) { m_machine.connectors[m_unit] = TakeText(value); })},
+      {"path", Value([this](json& value) { m_machine.paths[m_unit] = TakeText(value); })},
       {"failAtBlock", Block(&TVirtualBiosConfiguration::TUnit::failAtBlock)},
       {"errorAtBlock", Block(&TVirtualBiosConfiguration::TUnit::errorAtBlock)}};
   const TReader m_unitReader = Object(m_unitKeys);

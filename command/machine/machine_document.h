@@ -30,6 +30,7 @@ struct TMachineDocument {
   THostConfiguration host;                            // without files
   TVirtualBiosConfiguration bios;                     // with the EDIDs
   std::map<unsigned int, std::string> connectors;     // the output that a unit's EDID was read from, where it is known
+  std::map<unsigned int, std::string> paths;          // where that output is, where it is known
   std::map<std::string, std::string> files;           // content by absolute path
   std::string collected;                              // when, as utc_time.h writes it; empty where it is not known
   std::map<unsigned int, TDamagedEdid> damagedEdids;  // of units that have none in `bios` for this reason

@@ -23,6 +23,7 @@ namespace {
 struct TKernel {
   TKernelFolders folders;
   TKernelGraphics graphics;
+  std::map<std::string, TDrmDevice> devices;  // that were asked, by card
   std::vector<std::string> notes;
 };
 
@@ -38,18 +39,34 @@ void ReadNames(TKernel& kernel) {
   }
 }
 
-/// The card is not off.
-TDrmDevice AskDevice(const TKernel& kernel, const TDrmCard& card) {
-  if (card.power == ECardPower::kOn) return ReadDrmDevice(kernel.folders.devices / card.name);
-  return {{}, {}, card.name + " is asleep, and asking its driver would wake it"};
+/// Asks the device of a card, once. One that is off is left alone: it has nothing to tell.
+const TDrmDevice& AskDevice(TKernel& kernel, const TDrmCard& card) {
+  const auto [asked, isNew] = kernel.devices.try_emplace(card.name);
+  TDrmDevice& device = asked->second;
+  if (isNew && card.power == ECardPower::kOn) device = ReadDrmDevice(kernel.folders.devices / card.name);
+  if (isNew && card.power == ECardPower::kAsleep) {
+    device.fault = card.name + " is asleep, and asking its driver would wake it";
+  }
+  return device;
+}
+
+/// Adds the paths that only the devices know.
+void FindPortsBehindHubs(TKernel& kernel) {
+  for (TDrmCard& card : kernel.graphics.cards) {
+    for (TDrmOutput& output : card.outputs) {
+      if (!output.isBehindHub) continue;
+      const std::map<std::string, std::string>& ports = AskDevice(kernel, card).ports;
+      const auto port = ports.find(output.connector.substr(card.name.size() + 1));
+      if (port != ports.end()) output.path = MakeOutputPath(card, port->second);
+    }
+  }
 }
 
 void ReadModes(TKernel& kernel) {
   std::string unasked;
   std::string fault;
   for (const TDrmCard& card : kernel.graphics.cards) {
-    if (card.power == ECardPower::kOff) continue;
-    const TDrmDevice device = AskDevice(kernel, card);
+    const TDrmDevice& device = AskDevice(kernel, card);
     for (const auto& [connector, mode] : device.modes) kernel.graphics.modes[card.name + "-" + connector] = mode;
     if (device.fault.empty()) continue;
     unasked += (unasked.empty() ? "" : ", ") + card.name;
@@ -116,9 +133,13 @@ void UseDrm(TMachine& machine, const TKernel& kernel) {
   const std::string folder = kernel.folders.cards.string();
   TVirtualBiosConfiguration bios;
   unsigned int unit = 0;
+  const auto name = [&](const TDrmOutput& output) {
+    if (!output.path.empty()) machine.paths[unit] = output.path;
+    machine.connectors[unit++] = output.connector;
+  };
   for (const TDrmOutput& output : kernel.graphics.units) {
     bios.units[unit].edid = output.edid;
-    machine.connectors[unit++] = output.connector;
+    name(output);
   }
   for (const TDrmCard& card : kernel.graphics.cards) {
     for (const TDrmOutput& output : card.outputs) {
@@ -126,7 +147,7 @@ void UseDrm(TMachine& machine, const TKernel& kernel) {
       if (!output.edidFault.empty()) {
         machine.damagedEdids[unit] = {folder + "/" + output.connector + "/edid", output.edidFault, "try again"};
       }
-      machine.connectors[unit++] = output.connector;
+      name(output);
     }
   }
   machine.bios = std::make_shared<TVirtualVideoBios>(bios);
@@ -168,6 +189,7 @@ TMachine MakeThisMachine(EEdidSource edidSource, EXconfigSource xconfigSource, c
   const auto kernel = std::make_shared<TKernel>();
   kernel->folders = folders;
   kernel->graphics.cards = ReadDrmCards(folders);
+  FindPortsBehindHubs(*kernel);
   kernel->graphics.units = OrderOutputs(kernel->graphics.cards);
   TMachine machine;
   machine.host.systemName = GetHostName();

@@ -307,12 +307,14 @@ TEST_F(Capture, InOneFileMustFitIntoOneThatCanBeRead) {
 }
 
 TEST_F(Capture, NamesEveryOutput) {
-  live.Json(R"({"bios": {"units": {"0": {"connector": "card0-DP-1"}, "7": {"connector": "card0-DP-8"}}}})")
+  live.Json(
+          R"({"bios": {"units": {"0": {"connector": "card0-DP-1"}, "7": {"connector": "card0-DP-8", "path": "0000:01:00.0/DP-8"}}}})")
       .Edid(0, TEdidBuilder().Build());
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, false);
   for (const fs::path& captured : {target, document}) {
     EXPECT_THAT(ReadCapturedMachine(captured).connectors, ElementsAre(Pair(0, "card0-DP-1"), Pair(7, "card0-DP-8")));
+    EXPECT_THAT(ReadCapturedMachine(captured).paths, ElementsAre(Pair(7, "0000:01:00.0/DP-8")));
   }
 }
 

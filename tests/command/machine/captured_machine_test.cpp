@@ -225,7 +225,8 @@ TEST_F(CapturedMachine, NamesAnUnknownKeyAndTheKnownOnes) {
             "machine.json: \"bios.absent\" is not a known key; known here: ignoresUnit, memory, present, units");
   EXPECT_EQ(
       GetJsonFailure(R"({"bios": {"units": {"0": {"failAt": 1}}}})"),
-      "machine.json: \"bios.units.0.failAt\" is not a known key; known here: connector, errorAtBlock, failAtBlock");
+      "machine.json: \"bios.units.0.failAt\" is not a known key; known here: connector, errorAtBlock, failAtBlock, "
+      "path");
 }
 
 TEST_F(CapturedMachine, NamesAValueOfTheWrongType) {

@@ -120,6 +120,35 @@ TEST_F(DrmCards, TellNoPciDeviceOfACardOnAnotherBus) {
   EXPECT_FALSE(Read().at(0).pci);
 }
 
+TEST_F(DrmCards, TellWhereTheirOutputsAre) {
+  AddCard("card0", "0000:01:00.0");
+  AddCard("card1", "simple-framebuffer.0");
+  AddOutput("card0-HDMI-A-1", "connected", whole);
+  AddOutput("card1-Unknown-1", "connected", whole);
+  EXPECT_EQ(Read().at(0).outputs.at(0).path, "0000:01:00.0/HDMI-A-1");
+  EXPECT_EQ(Read().at(1).outputs.at(0).path, "simple-framebuffer.0/Unknown-1");
+}
+
+TEST_F(DrmCards, DoNotTellWhereAnOutputBehindAHubIs) {
+  AddCard("card0", "0000:01:00.0");
+  AddOutput("card0-DP-1", "connected", whole);
+  AddOutput("card0-DP-3", "connected", whole);
+  sys.Write("drm/card0-DP-1/drm_dp_aux0/name", "AUX A/DDI A/PHY A\n");
+  sys.Write("drm/card0-DP-3/drm_dp_aux4/name", "DPMST\n");
+  const std::vector<TDrmOutput> outputs = Read().at(0).outputs;
+  EXPECT_FALSE(outputs.at(0).isBehindHub);
+  EXPECT_EQ(outputs.at(0).path, "0000:01:00.0/DP-1");
+  EXPECT_TRUE(outputs.at(1).isBehindHub);
+  EXPECT_EQ(outputs.at(1).path, "");
+}
+
+TEST(OutputPath, IsNotKnownWithoutTheAddressOfItsCard) {
+  TDrmCard card;
+  EXPECT_EQ(MakeOutputPath(card, "DP-1"), "");
+  card.address = "0000:01:00.0";
+  EXPECT_EQ(MakeOutputPath(card, "DP-1-1-8"), "0000:01:00.0/DP-1-1-8");
+}
+
 TEST_F(DrmCards, TellTheVideoMemoryInKilobytesWhereTheDriverDoes) {
   AddCard("card0", "0000:01:00.0");
   EXPECT_EQ(Read().at(0).videoMemory, std::nullopt);

@@ -72,7 +72,7 @@ TEST(MachineDocument, TellsAllOfAMachine) {
     "captured": 1,
     "systemName": "ws-17", "systemCreationClassName": "X", "systemType": -3, "provider": false,
     "bios": {"present": false, "memory": false, "ignoresUnit": true,
-             "units": {"0": {"connector": "card0-DP-1", "failAtBlock": 1}, "7": {"errorAtBlock": 4294967295}}},
+             "units": {"0": {"connector": "card0-DP-1", "path": "0000:01:00.0/DP-1", "failAtBlock": 1}, "7": {"errorAtBlock": 4294967295}}},
     "files": {"/etc/X11/xorg.conf": {"text": "\u00e9\u0000"}, "/etc/b": {"base64": "/wA="}, "/c": {"text": ""}},
     "edids": {"0": ")" + Edid(256) + R"(", "2": ""}})");
   EXPECT_EQ(machine.host.systemName, "ws-17");
@@ -83,6 +83,7 @@ TEST(MachineDocument, TellsAllOfAMachine) {
   EXPECT_FALSE(machine.bios.memory);
   EXPECT_TRUE(machine.bios.ignoresUnit);
   EXPECT_THAT(machine.connectors, ElementsAre(Pair(0, "card0-DP-1")));
+  EXPECT_THAT(machine.paths, ElementsAre(Pair(0, "0000:01:00.0/DP-1")));
   ASSERT_THAT(machine.bios.units, SizeIs(3));
   EXPECT_EQ(machine.bios.units.at(0).failAtBlock, 1U);
   EXPECT_EQ(machine.bios.units.at(0).errorAtBlock, std::nullopt);

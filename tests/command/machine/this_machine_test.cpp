@@ -58,6 +58,16 @@ TEST_F(ThisMachine, ServesTheOutputsAsUnitsAndNamesThem) {
   EXPECT_EQ(machine.getBiosFailure(), "");
 }
 
+TEST_F(ThisMachine, NamesWhereItsOutputsAreAsFarAsThatIsKnown) {
+  for (const char* const connector : {"card0-DP-1", "card0-DP-2", "card0-DP-3"}) AddOutput(connector, connector);
+  AddOutputWithEdid("card0-DP-4", "");
+  drm.Write("card0-DP-2/drm_dp_aux4/name", "DPMST\n");  // and the card is off, so its device is not asked
+  drm.Write("0000:01:00.0/vendor", "0x1af4\n");
+  std::filesystem::create_directory_symlink(drm.GetPath() / "0000:01:00.0", drm.GetPath() / "card0/device");
+  EXPECT_THAT(Make(EEdidSource::kDrm).paths,
+              ElementsAre(Pair(0, "0000:01:00.0/DP-1"), Pair(2, "0000:01:00.0/DP-3"), Pair(3, "0000:01:00.0/DP-4")));
+}
+
 TEST_F(ThisMachine, IsCollectedFromNow) {
   const std::string before = WriteUtcTime(std::time(nullptr));
   const std::string collected = Make(EEdidSource::kDrm).collected;
