@@ -43,6 +43,7 @@
 #include "command/report/output_view.h"
 #include "command/report/schema_document.h"
 #include "command/report/text_report.h"
+#include "command/watch.h"
 #include "embedded_host/schema.h"
 
 namespace {
@@ -154,6 +155,11 @@ int RunComparison(const TOptions& options, TCompareOptions compare) {
   compare.plugin = ChoosePlugin(options);
   compare.timeout = options.timeout;
   return Compare(compare);
+}
+
+int RunWatch(const TOptions& options) {
+  Watch({options.timeout, ChoosePlugin(options)});
+  return kDone;
 }
 
 int RunServer(const TOptions& options, TServeOptions serve) {
@@ -286,6 +292,8 @@ int RunSubcommand(const TCommandLine& line) {
       return RunCapture(line.options, line.capture);
     case ESubcommand::kCompare:
       return RunComparison(line.options, line.compare);
+    case ESubcommand::kWatch:
+      return RunWatch(line.options);
     case ESubcommand::kServe:
       return RunServer(line.options, line.serve);
     case ESubcommand::kSchema:

@@ -235,6 +235,7 @@ const std::vector<TPage> kPages = {
       kPlugin,
       kHelp},
      FinishComparison},
+    {"watch", "Tell when a monitor comes or goes", ESubcommand::kWatch, {kTimeout, kPlugin, kHelp}, nullptr},
     {"serve",
      "Answer CIM clients",
      ESubcommand::kServe,

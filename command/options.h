@@ -17,7 +17,7 @@
 enum class EFormat { kText, kJson, kRows, kCsv, kMof, kHtml };
 enum class ESchemaFormat { kText, kMof, kJsonSchema };
 
-enum class ESubcommand { kNone, kCapture, kCompare, kServe, kSchema };
+enum class ESubcommand { kNone, kCapture, kCompare, kWatch, kServe, kSchema };
 
 constexpr unsigned int kMaxJobs = 1000;
 

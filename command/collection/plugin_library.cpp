@@ -94,7 +94,12 @@ void RequirePlugin(const fs::path& file) {
 }
 
 fs::path FindPlugin() {
-  const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
+  std::error_code error;
+  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
+  if (error) {
+    throw TUnusable("the plug-in beside the command cannot be found: /proc/self/exe: " + error.message() +
+                    "; mount /proc (mount -t proc proc /proc), or " + kCure);
+  }
   const fs::path beside = folder / kFileName;
   const fs::path installed = folder / DISPLAYINFO_PLUGIN_FOLDER / kFileName;
   return fs::exists(beside) || !fs::exists(installed) ? beside : installed;

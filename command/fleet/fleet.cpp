@@ -7,10 +7,10 @@
 #include <chrono>
 #include <csignal>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <utility>
 
+#include "command/base/signals.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
 #include "command/collection/memory_budget.h"
@@ -32,64 +32,6 @@ typedef std::chrono::steady_clock TClock;
 constexpr std::chrono::nanoseconds kMaxStep = std::chrono::seconds(1);
 
 constexpr long kFreshMemory = 256L * 1024;  // KiB: what a worker may use and still serve others
-
-volatile std::sig_atomic_t gSignal = 0;
-
-// By which people, the system and its limits end a run. A worker that one of them ends says nothing of its machine.
-constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGXCPU};
-
-/// While it lives, the first of these signals is noted instead of ending the process, so that a line can be finished.
-/// The second one ends it.
-class TSignals {
- public:
-  TSignals() {
-    gSignal = 0;
-    sigemptyset(&m_noted);
-    for (const int signal : kEndingSignals) NoteNext(signal);
-  }
-  ~TSignals() {
-    for (const int signal : kEndingSignals) {
-      if (sigismember(&m_noted, signal) == 1) std::signal(signal, SIG_DFL);
-    }
-  }
-  TSignals(const TSignals&) = delete;
-  TSignals& operator=(const TSignals&) = delete;
-
-  /// The signal that has come, or 0.
-  static int Get() { return gSignal; }
-  /// One that came to a worker: most are sent to the whole run.
-  static void Note(int signal) { gSignal = signal; }
-
-  /// poll, which a signal ends even when it comes just before.
-  void Wait(std::vector<pollfd>& descriptors, const std::optional<std::chrono::nanoseconds>& longest) const {
-    sigset_t before;
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(longest.value_or(kMaxStep));
-    const timespec time = {seconds.count(), static_cast<long>((longest.value_or(kMaxStep) - seconds).count())};
-    sigprocmask(SIG_BLOCK, &m_noted, &before);
-    if (gSignal != 0 || ppoll(descriptors.data(), descriptors.size(), longest ? &time : nullptr, &before) < 0) {
-      for (pollfd& descriptor : descriptors) descriptor.revents = 0;
-    }
-    sigprocmask(SIG_SETMASK, &before, nullptr);
-  }
-
- private:
-  void NoteNext(int signal) {
-    struct sigaction before = {};
-    sigaction(signal, nullptr, &before);
-    if (signal == SIGHUP && before.sa_handler == SIG_IGN) return;  // nohup
-    struct sigaction action = {};
-    action.sa_handler = Note;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaddset(&m_noted, signal);
-    sigaction(signal, &action, nullptr);
-  }
-
-  sigset_t m_noted;
-};
-
-bool IsEndingSignal(int signal) {
-  return std::find(std::begin(kEndingSignals), std::end(kEndingSignals), signal) != std::end(kEndingSignals);
-}
 
 /// The collection that a single machine gets, in a freshly loaded plug-in.
 std::string MakeLine(const std::string& machine, const TFleet& fleet) {

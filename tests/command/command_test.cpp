@@ -183,7 +183,7 @@ TEST_F(Command, DoesNotObeyWhatAMonitorIsCalled) {
 TEST_F(Command, AnswersAnUnknownWordWithAllThatItMayHaveMeant) {
   for (const std::string word : {"QRXSG_Desktopmonitor", "captur"}) {
     ExpectWrongUsage(word, "\"" + word + "\" is neither a class nor a subcommand; the classes are " + kClassNames +
-                               "; the subcommands are capture, compare, serve, schema");
+                               "; the subcommands are capture, compare, watch, serve, schema");
   }
 }
 
@@ -432,7 +432,7 @@ TEST_F(Command, ExplainsItself) {
 
 TEST_F(Command, ExplainsEachSubcommandOnItsOwnPage) {
   const std::string help = RunShell(kCommand + " --help").output;
-  for (const char* const name : {"capture", "compare", "serve", "schema"}) {
+  for (const char* const name : {"capture", "compare", "watch", "serve", "schema"}) {
     EXPECT_THAT(help, HasSubstr(std::string("\n       displayinfo ") + name + " "));
     const TProcessResult page = RunShell(kCommand + " " + name + " --help");
     EXPECT_EQ(page.status, 0);
@@ -668,4 +668,21 @@ TEST_F(Command, SaysHowToUseAPackedFolder) {
                  packed +
                      ": is a packed folder, which is not read; unpack it (tar -xzf FILE) and name the folder: "
                      "--machine DIR");
+}
+
+TEST_F(Command, WatchesThisMachineUntilItIsToldToEnd) {
+  const TProcessResult result =
+      RunShell("cd " + machine.GetPath().string() + " && mkfifo lines && exec 3<>lines && { " + kCommand +
+               " watch >&3 & } && read -r line <&3 && echo \"$line\" && kill -TERM $! && wait $!");
+  EXPECT_EQ(result.status, 0) << result.errors;
+  const json state = json::parse(result.output);
+  EXPECT_EQ(state["requests"][0]["classes"].size(), 6U);
+  EXPECT_TRUE(state["outputs"].is_array());
+  EXPECT_EQ(state.count("log"), 0U);
+}
+
+TEST_F(Command, WatchesUntilNobodyReads) {
+  const TProcessResult result = RunShell("{ " + kCommand + " watch; echo $? >&2; } | head -n 1 | wc -l");
+  EXPECT_EQ(result.output, "1\n");
+  EXPECT_EQ(result.errors, "0\n");
 }
