@@ -243,8 +243,8 @@ const std::vector<TPage> kPages = {
        [](TCommandLine& line, const TOptionValue& value) {
          line.serve.port = static_cast<unsigned short>(ReadNumber(value, 0, kMaxPort));
        }},
-      {"--listen", "ADDRESS", "127.0.0.1 (default) or ::1", "",
-       [](TCommandLine& line, const TOptionValue& value) { line.serve.address = ReadListenAddress(value); }},
+      {"--listen", "ADDRESS", "127.0.0.1 or ::1 (default: both)", "",
+       [](TCommandLine& line, const TOptionValue& value) { line.serve.addresses = {ReadListenAddress(value)}; }},
       {"--machine", "PATH", "Answer for that captured machine instead", "",
        [](TCommandLine& line, const TOptionValue& value) { line.serve.machine = ReadName(value); },
        ECompletion::kFiles},

@@ -6,3 +6,7 @@
 /// capabilities it would still own the system's files; where it may not change the user, it stays root. No program that
 /// this process starts gets any of them back.
 void DropPrivileges(bool keepsReading);
+
+/// Makes nobody the real user of this process and of those that it starts, if it is root, and leaves root's rights as
+/// they are: a process of nobody's may then end them, and the system does so at such a parent's death.
+void LetNobodyEndProcesses();

@@ -1,8 +1,8 @@
 #include "command/base/xml_text.h"
 
-#include <algorithm>
+#include <utf8.h>
 
-#include "command/base/text_encoding.h"
+#include <algorithm>
 
 namespace {
 
@@ -24,6 +24,42 @@ std::size_t GetBadLength(std::string_view text) {
 
 bool IsPlain(char byte) { return static_cast<unsigned char>(byte) < 0x80 && !IsBadControl(byte); }
 
+/// U+FFFD in place of a character that XML does not have, or of a byte that is not UTF-8.
+void AppendReplacement(std::string& target, std::string_view bad, bool isNumbered) {
+  constexpr const char* digits = "0123456789ABCDEF";
+  if (!isNumbered) target += kReplacement;
+  for (const char byte : isNumbered ? bad : std::string_view()) {
+    const auto value = static_cast<unsigned char>(byte);
+    target.append(kReplacement).append(1, digits[value >> 4]).append(1, digits[value & 15]);
+  }
+}
+
+void AppendValid(std::string& target, std::string_view valid, bool isNumbered) {
+  while (!valid.empty()) {
+    const std::size_t bad = GetBadLength(valid);
+    if (bad == 0) {
+      target += valid.front();
+    } else {
+      AppendReplacement(target, valid.substr(0, bad), isNumbered);
+    }
+    valid.remove_prefix(std::max<std::size_t>(bad, 1));
+  }
+}
+
+std::string ReplaceBad(const std::string& text, bool isNumbered) {
+  if (std::all_of(text.begin(), text.end(), IsPlain)) return text;  // as most texts are
+  std::string clean;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::size_t valid = static_cast<std::size_t>(utf8::find_invalid(rest.begin(), rest.end()) - rest.begin());
+    AppendValid(clean, rest.substr(0, valid), isNumbered);
+    rest.remove_prefix(valid);
+    if (rest.empty()) break;
+    AppendReplacement(clean, rest.substr(0, 1), isNumbered);
+    rest.remove_prefix(1);
+  }
+  return clean;
+}
+
 }  // namespace
 
 bool IsXmlCharacter(unsigned long code) {
@@ -36,21 +72,9 @@ bool IsXmlText(std::string_view text) {
   return std::all_of(text.begin(), text.end(), IsPlain) || ToXmlText(std::string(text)) == text;
 }
 
-std::string ToXmlText(const std::string& text) {
-  if (std::all_of(text.begin(), text.end(), IsPlain)) return text;  // as most texts are
-  const std::string valid = ToUtf8(text);
-  std::string clean;
-  for (std::string_view rest = valid; !rest.empty();) {
-    const std::size_t bad = GetBadLength(rest);
-    if (bad == 0) {
-      clean += rest.front();
-    } else {
-      clean += kReplacement;
-    }
-    rest.remove_prefix(std::max<std::size_t>(bad, 1));
-  }
-  return clean;
-}
+std::string ToXmlText(const std::string& text) { return ReplaceBad(text, false); }
+
+std::string NumberXmlText(const std::string& text) { return ReplaceBad(text, true); }
 
 std::string EscapeXml(std::string_view text) {
   std::string escaped;

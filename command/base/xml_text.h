@@ -13,5 +13,9 @@ bool IsXmlText(std::string_view text);
 /// have. One of them would make a client refuse the whole answer.
 std::string ToXmlText(const std::string& text);
 
+/// The same, but each byte that is replaced is told by two hexadecimal digits after U+FFFD, so that texts that differ
+/// in such bytes still differ.
+std::string NumberXmlText(const std::string& text);
+
 /// What IsXmlText accepts, as the content of an element or as an attribute in double quotes.
 std::string EscapeXml(std::string_view text);

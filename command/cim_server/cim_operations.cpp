@@ -103,7 +103,7 @@ struct TCall {
 TShown GetShown(const TCall& call, bool showsQualifiers) {
   TShown shown;
   if (const auto* const properties = call.parameters.Find<std::vector<std::string>>("PropertyList")) {
-    shown.properties = *properties;
+    shown.properties.emplace(properties->begin(), properties->end());
   }
   shown.hasQualifiers = showsQualifiers && call.parameters.GetFlag("IncludeQualifiers", true);
   shown.hasOrigin = call.parameters.GetFlag("IncludeClassOrigin", false);

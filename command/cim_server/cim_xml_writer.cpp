@@ -1,7 +1,5 @@
 #include "command/cim_server/cim_xml_writer.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr const char* kTrue = "TRUE";
@@ -12,9 +10,7 @@ bool IsReference(const TPropertyDeclaration& property) {
 }
 
 bool IsShown(const TPropertyDeclaration& property, const TShown& shown) {
-  if (!shown.properties) return true;
-  return std::any_of(shown.properties->begin(), shown.properties->end(),
-                     [&](const std::string& name) { return IsSameName(name, property.name); });
+  return !shown.properties || shown.properties->count(property.name) > 0;
 }
 
 const char* GetElement(const TPropertyDeclaration& property) {

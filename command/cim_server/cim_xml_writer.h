@@ -2,8 +2,8 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "command/cim_server/cim_model.h"
 #include "command/cim_server/xml_writer.h"
@@ -13,8 +13,8 @@ constexpr const char* kCimNamespace[] = {"root", "cimv2"};
 
 /// Which parts of a class or an instance are written.
 struct TShown {
-  std::optional<std::vector<std::string>> properties;  // only these; all when absent
-  bool hasQualifiers = false;                          // of classes
+  std::optional<std::set<std::string, TNameLess>> properties;  // only these; all when absent
+  bool hasQualifiers = false;                                  // of classes
   bool hasOrigin = false;
 };
 

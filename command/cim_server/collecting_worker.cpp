@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -54,10 +55,24 @@ TMachineLine CollectApart(const TWorker::TWork& work, std::chrono::seconds timeo
   return MakeFailedLine(error.what());
 }
 
-TCollected MakeFailure(const std::string& reason) { return {nullptr, reason}; }
+TCollected MakeFailure(const std::string& reason) { return {nullptr, reason, {}}; }
+
+std::vector<std::string> SplitLines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+/// Remarks, a line each, and then the line of an answer.
+TCollected ReadLines(const std::string& text) {
+  const std::size_t end = text.size() < 2 ? std::string::npos : text.rfind('\n', text.size() - 2);
+  const std::size_t answer = end == std::string::npos ? 0 : end + 1;
+  return {std::make_shared<const TCimModel>(text.substr(answer)), "", SplitLines(text.substr(0, answer))};
+}
 
 TCollected ReadLine(const TMachineLine& line) try {
-  if (!line.hasFailed) return {std::make_shared<const TCimModel>(line.text), ""};
+  if (!line.hasFailed) return ReadLines(line.text);
   return MakeFailure(nlohmann::json::parse(line.text).at("error").get<std::string>());
 } catch (const std::exception& error) {
   return MakeFailure(std::string("the answer cannot be used: ") + error.what());

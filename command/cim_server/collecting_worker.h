@@ -12,7 +12,8 @@
 
 class TCollectingWorker {
  public:
-  /// Starts the process, with the privileges that this one has now. `work` collects in it. `canBeReplaced`: another
+  /// Starts the process, with the privileges that this one has now. `work` collects in it: its line
+  /// may have remarks before it, a line each. `canBeReplaced`: another
   /// process may take its place when it dies or hangs; false when it has privileges that this one is about to give up.
   /// Throws TUnusable when the system has no room for it.
   TCollectingWorker(TWorker::TWork work, std::chrono::seconds timeout, bool canBeReplaced);

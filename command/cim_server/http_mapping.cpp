@@ -1,7 +1,11 @@
 #include "command/cim_server/http_mapping.h"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <string_view>
 
 #include "command/base/text_encoding.h"
 #include "command/base/xml_text.h"
@@ -17,17 +21,53 @@ constexpr unsigned int kNotExtended = 510;
 
 constexpr const char* kPost = "POST";
 constexpr const char* kExtendedPost = "M-POST";
+constexpr std::string_view kMapping = "http://www.dmtf.org/cim/mapping/http/";  // and its version
 constexpr const char* kUnsupported = "unsupported-operation";
 constexpr const char* kMismatch = "header-mismatch";
 
-/// RFC 2774: the headers of an M-POST begin with the number that its header Man gives to the extension, such as "73-".
+std::string_view Trim(std::string_view text) {
+  constexpr std::string_view blanks = " \t";
+  const std::size_t first = std::min(text.size(), text.find_first_not_of(blanks));
+  return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+/// Cuts the text up to the next separator off its front, and the separator too.
+std::string_view CutUpTo(std::string_view& text, char separator) {
+  const std::string_view piece = text.substr(0, text.find(separator));
+  text.remove_prefix(std::min(text.size(), piece.size() + 1));
+  return Trim(piece);
+}
+
+std::string_view RemoveQuotes(std::string_view text) {
+  const bool isQuoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+  return isQuoted ? text.substr(1, text.size() - 2) : text;
+}
+
+/// RFC 2774: the header Man lists extensions, such as "http://..."; ns=73, with the number that the headers of each
+/// begin with. That of CIM operations; empty when they are not among them.
+std::string FindNumber(std::string_view extensions) {
+  while (!extensions.empty()) {
+    std::string_view extension = CutUpTo(extensions, ',');
+    if (!IsSameName(RemoveQuotes(CutUpTo(extension, ';')).substr(0, kMapping.size()), kMapping)) continue;
+    while (!extension.empty()) {
+      std::string_view parameter = CutUpTo(extension, ';');
+      if (!IsSameName(CutUpTo(parameter, '='), "ns")) continue;
+      const std::string_view number = RemoveQuotes(Trim(parameter));
+      const bool isNumber = number.find_first_not_of("0123456789") == std::string_view::npos;
+      if (isNumber) return std::string(number);
+    }
+  }
+  return "";
+}
+
+/// What the names of the headers of an M-POST begin with, such as "73-".
 std::string GetPrefix(const THttpRequest& request) {
   if (request.method != kExtendedPost) return "";
-  const std::string man = request.GetHeader("Man");
-  const std::size_t first = man.find("ns=");
-  if (first == std::string::npos) throw TRefused(kNotExtended, "", "an M-POST without the header Man: ...; ns=NN");
-  const std::size_t last = std::min(man.size(), man.find_first_not_of("0123456789", first + 3));
-  return man.substr(first + 3, last - first - 3) + "-";
+  for (const auto& [name, value] : request.headers) {
+    const std::string number = IsSameName(name, "Man") ? FindNumber(value) : "";
+    if (!number.empty()) return number + "-";
+  }
+  throw TRefused(kNotExtended, "", "an M-POST without the header Man: " + std::string(kMapping) + "...; ns=NN");
 }
 
 void RequireMethod(const THttpRequest& request) {
@@ -38,6 +78,30 @@ void RequireMethod(const THttpRequest& request) {
 void RequireNoWebPage(const THttpRequest& request) {
   if (request.GetHeader("Origin").empty()) return;
   throw TRefused(kForbidden, "", "web pages are not answered (the header Origin)");
+}
+
+bool IsLoopback(std::string host) {
+  const std::size_t colon = host.find(':', host.front() == '[' ? host.find(']') : 0);
+  if (colon != std::string::npos) {
+    if (host.find_first_not_of("0123456789", colon + 1) != std::string::npos) return false;
+    host.resize(colon);
+  }
+  in_addr address = {};
+  constexpr std::uint32_t loopback = 127;  // its first byte
+  const bool isNumber = inet_pton(AF_INET, host.c_str(), &address) == 1 && ntohl(address.s_addr) >> 24 == loopback;
+  return isNumber || host == "[::1]" || IsSameName(host, "localhost");
+}
+
+/// The page of a stranger whose name leads to this machine is a web page that a browser shows without Origin. No client
+/// calls the server by any name but these; a reverse proxy says what it is called in another header.
+void RequireLoopbackName(const THttpRequest& request) {
+  for (const auto& [name, value] : request.headers) {
+    if (!IsSameName(name, "Host") || value.empty() || IsLoopback(value)) continue;
+    throw TRefused(kForbidden, "",
+                   "the header Host is " + value +
+                       " and not localhost, 127.0.0.1 or [::1]; a reverse proxy sends "
+                       "Host: localhost, and the name that its client used as X-Forwarded-Host");
+  }
 }
 
 /// "root%2Fcimv2" as "root/cimv2".
@@ -71,6 +135,7 @@ std::string THttpRequest::GetHeader(const std::string& name) const {
 TCimRequest ReadHttpRequest(const THttpRequest& request) {
   RequireMethod(request);
   RequireNoWebPage(request);
+  RequireLoopbackName(request);
   const std::string prefix = GetPrefix(request);
   if (!IsSameName(request.GetHeader(prefix + "CIMOperation"), "MethodCall")) {
     throw TRefused(kBadRequest, kUnsupported, "not a CIM operation: no header " + prefix + "CIMOperation: MethodCall");
@@ -89,8 +154,7 @@ THttpAnswer MakeHttpAnswer(const THttpRequest& request, std::string xml) {
                     {prefix + "CIMOperation", "MethodResponse"}};
   if (!prefix.empty()) {
     answer.headers.emplace_back("Ext", "");
-    answer.headers.emplace_back("Man",
-                                "http://www.dmtf.org/cim/mapping/http/v1.0; ns=" + prefix.substr(0, prefix.size() - 1));
+    answer.headers.emplace_back("Man", std::string(kMapping) + "v1.0; ns=" + prefix.substr(0, prefix.size() - 1));
   }
   answer.body = std::move(xml);
   return answer;
@@ -108,6 +172,9 @@ THttpAnswer MakeRefusal(const TRefused& refused) {
 
 std::string GetHost(const THttpRequest& request, const std::string& fallback) {
   constexpr std::size_t maxSize = 255;
-  const std::string host = request.GetHeader("Host");
-  return host.empty() || host.size() > maxSize || !IsXmlText(host) ? fallback : host;
+  for (const char* const name : {"X-Forwarded-Host", "Host"}) {
+    const std::string host = request.GetHeader(name);
+    if (!host.empty() && host.size() <= maxSize && IsXmlText(host)) return host;
+  }
+  return fallback;
 }

@@ -25,7 +25,8 @@ struct THttpAnswer {
 };
 
 /// The operation that the request carries. Throws TRefused for what is not one simple CIM operation, and for the
-/// requests of web pages: a browser would send them to any address of its own machine.
+/// requests of web pages, by Origin or by a Host that is no loopback name: a browser would send them to any address of
+/// its own machine.
 TCimRequest ReadHttpRequest(const THttpRequest& request);
 
 /// The answer that holds the XML of an operation's answer.
@@ -34,5 +35,6 @@ THttpAnswer MakeHttpAnswer(const THttpRequest& request, std::string xml);
 /// The answer to a request that is refused.
 THttpAnswer MakeRefusal(const TRefused& refused);
 
-/// What the client calls this server, for the object paths of the answer; `fallback` when it does not say.
+/// What the client calls this server, for the object paths of the answer: as a reverse proxy says, else by Host;
+/// `fallback` when neither says.
 std::string GetHost(const THttpRequest& request, const std::string& fallback);

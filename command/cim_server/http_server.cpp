@@ -1,5 +1,7 @@
 #include "command/cim_server/http_server.h"
 
+#include <poll.h>
+
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/posix/stream_descriptor.hpp>
 #include <boost/asio/signal_set.hpp>
@@ -8,10 +10,11 @@
 #include <boost/beast/http.hpp>
 #include <csignal>
 #include <iostream>
+#include <iterator>
+#include <list>
 #include <optional>
-#include <utility>
-
-#include "command/base/unusable.h"
+#include <set>
+#include <string>
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -28,11 +31,14 @@ constexpr std::chrono::milliseconds kPause(100);  // before the next try to acce
 // at once would reset the connection, and with it go answers that the client has not read.
 constexpr std::chrono::seconds kLingering(1);
 
+class TConnection;
+
 /// What all connections share.
 struct TShared {
   THttpLimits limits;
   THttpServer::THandler handler;
   std::size_t connections = 0;
+  std::set<std::shared_ptr<TConnection>> waiting;  // for an answer
 };
 
 THttpRequest MakeRequest(const http::request<http::string_body>& message) {
@@ -57,7 +63,7 @@ std::optional<TRefused> ExplainFailure(error_code error) {
 class TConnection : public std::enable_shared_from_this<TConnection> {
  public:
   TConnection(tcp::socket socket, std::shared_ptr<TShared> shared)
-      : m_stream(std::move(socket)), m_shared(std::move(shared)) {
+      : m_stream(std::move(socket)), m_shared(std::move(shared)), m_buffer(GetBufferSize(m_shared->limits)) {
     ++m_shared->connections;
   }
   ~TConnection() { --m_shared->connections; }
@@ -73,7 +79,17 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
     Read();
   }
 
+  /// True when the client sends nothing more. It is gone, or it only listens: nobody can tell which.
+  bool HasLeft() {
+    pollfd descriptor = {m_stream.socket().native_handle(), POLLRDHUP, 0};
+    return poll(&descriptor, 1, 0) > 0;
+  }
+
  private:
+  /// What may wait to be understood, bytes: the headers, and a little more. It bounds what a chunk or a trailer may
+  /// bring beside the body.
+  static std::size_t GetBufferSize(const THttpLimits& limits) { return limits.headerSize + 4096; }
+
   void Read() {
     m_parser.emplace();
     m_parser->header_limit(static_cast<std::uint32_t>(m_shared->limits.headerSize));
@@ -110,9 +126,20 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
     m_stream.expires_never();  // the answer may have to be collected first
     const http::request<http::string_body> message = m_parser->release();
     const bool keepsAlive = message.keep_alive();
-    m_shared->handler(MakeRequest(message), [self = shared_from_this(), keepsAlive](THttpAnswer answer) {
-      self->Write(std::move(answer), keepsAlive);
-    });
+    const auto write = [client = weak_from_this(), keepsAlive](THttpAnswer answer) {
+      if (const auto self = client.lock()) self->Reply(std::move(answer), keepsAlive);
+    };
+    m_shared->waiting.insert(shared_from_this());
+    try {
+      m_shared->handler(MakeRequest(message), THttpServer::TReply(weak_from_this(), write));
+    } catch (...) {
+      m_shared->waiting.erase(shared_from_this());
+      throw;
+    }
+  }
+
+  void Reply(THttpAnswer answer, bool keepsAlive) {
+    if (m_shared->waiting.erase(shared_from_this()) > 0) Write(std::move(answer), keepsAlive);
   }
 
   void Write(THttpAnswer answer, bool keepsAlive) {
@@ -144,7 +171,7 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
 
   beast::tcp_stream m_stream;
   std::shared_ptr<TShared> m_shared;
-  beast::flat_buffer m_buffer;
+  beast::flat_buffer m_buffer;  // bytes that were received and not yet understood
   std::optional<http::request_parser<http::string_body>> m_parser;
   http::response<http::empty_body> m_continue;
   http::response<http::string_body> m_answer;
@@ -154,53 +181,66 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
 }  // namespace
 
 struct THttpServer::TState {
-  TState(const std::string& address, unsigned short port, const THttpLimits& limits)
-      : shared(std::make_shared<TShared>(TShared{limits, {}, 0})) {
-    const tcp::endpoint endpoint(asio::ip::make_address(address), port);
-    acceptor.open(endpoint.protocol());
-    acceptor.set_option(tcp::acceptor::reuse_address(true));
-    acceptor.bind(endpoint);
-    acceptor.listen();
+  TState(std::vector<TDescriptor> listeners, const THttpLimits& limits)
+      : shared(std::make_shared<TShared>(TShared{limits, {}, 0, {}})) {
+    for (TDescriptor& listener : listeners) {
+      tcp::acceptor& acceptor = acceptors.emplace_back(context);
+      acceptor.assign(GetProtocol(listener), listener.Get());
+      listener.Release();
+    }
+  }
+  ~TState() { shared->waiting.clear(); }  // connections hold what holds them
+  TState(const TState&) = delete;
+  TState& operator=(const TState&) = delete;
+
+  static tcp GetProtocol(const TDescriptor& listener) {
+    sockaddr_storage address = {};
+    socklen_t size = sizeof address;
+    getsockname(listener.Get(), reinterpret_cast<sockaddr*>(&address), &size);
+    return address.ss_family == AF_INET6 ? tcp::v6() : tcp::v4();
   }
 
-  void Accept() {
-    acceptor.async_accept([this](error_code error, tcp::socket socket) {
+  void Accept(tcp::acceptor& acceptor) {
+    acceptor.async_accept([this, &acceptor](error_code error, tcp::socket socket) {
       if (error == asio::error::operation_aborted) return;
-      if (error) return AcceptLater();
-      // Up to twice the limit are answered, those past it with 503; further connections are closed without an answer.
-      if (shared->connections < 2 * shared->limits.connections) {
-        std::make_shared<TConnection>(std::move(socket), shared)->Start();
-      }
-      Accept();
+      if (error) return AcceptLater(acceptor);
+      Welcome(std::move(socket));
+      Accept(acceptor);
     });
   }
 
-  void AcceptLater() {
-    pause.expires_after(kPause);
-    pause.async_wait([this](error_code error) {
-      if (!error) Accept();
+  void Welcome(tcp::socket socket) {
+    const std::size_t limit = shared->limits.connections;
+    if (shared->connections >= limit) EndDeserted();
+    // Up to twice the limit are answered, those past it with 503; further connections are closed without an answer.
+    if (shared->connections < 2 * limit) std::make_shared<TConnection>(std::move(socket), shared)->Start();
+  }
+
+  /// Ends the connections that wait for an answer and whose clients have left.
+  void EndDeserted() {
+    for (auto connection = shared->waiting.begin(); connection != shared->waiting.end();) {
+      connection = (*connection)->HasLeft() ? shared->waiting.erase(connection) : std::next(connection);
+    }
+  }
+
+  void AcceptLater(tcp::acceptor& acceptor) {
+    const auto pause = std::make_shared<asio::steady_timer>(context, kPause);
+    pause->async_wait([this, &acceptor, pause](error_code error) {
+      if (!error) Accept(acceptor);
     });
   }
 
   asio::io_context context = asio::io_context(1);
-  tcp::acceptor acceptor = tcp::acceptor(context);
+  std::list<tcp::acceptor> acceptors;
   asio::signal_set signals = asio::signal_set(context, SIGINT, SIGTERM);
-  asio::steady_timer pause = asio::steady_timer(context);
-  asio::steady_timer timer = asio::steady_timer(context);
   asio::posix::stream_descriptor watched = asio::posix::stream_descriptor(context);
   std::shared_ptr<TShared> shared;
 };
 
-THttpServer::THttpServer(const std::string& address, unsigned short port, const THttpLimits& limits) try
-    : m_state(std::make_unique<TState>(address, port, limits)) {
-} catch (const boost::system::system_error& error) {
-  throw TUnusable("cannot listen on " + address + ", port " + std::to_string(port) + ": " + error.code().message() +
-                  "; --port N takes another port, --port 0 a free one");
-}
+THttpServer::THttpServer(std::vector<TDescriptor> listeners, const THttpLimits& limits)
+    : m_state(std::make_unique<TState>(std::move(listeners), limits)) {}
 
 THttpServer::~THttpServer() { Unwatch(); }
-
-unsigned short THttpServer::GetPort() const { return m_state->acceptor.local_endpoint().port(); }
 
 void THttpServer::WatchOnce(int descriptor, std::function<void()> ready) {
   m_state->watched.assign(descriptor);
@@ -216,21 +256,21 @@ void THttpServer::Unwatch() {
   if (m_state->watched.is_open()) m_state->watched.release();
 }
 
-void THttpServer::StartTimer(std::chrono::milliseconds time, std::function<void()> done) {
-  m_state->timer.expires_after(time);
-  m_state->timer.async_wait([done = std::move(done)](error_code error) {
-    if (!error) done();
+THttpServer::TTimer THttpServer::StartTimer(std::chrono::milliseconds time, std::function<void()> done) {
+  const auto timer = std::make_shared<asio::steady_timer>(m_state->context, time);
+  const std::weak_ptr<asio::steady_timer> self = timer;  // its end may be on the way already when it is destroyed
+  timer->async_wait([self, done = std::move(done)](error_code error) {
+    if (!error && !self.expired()) done();
   });
+  return timer;
 }
-
-void THttpServer::StopTimer() { m_state->timer.cancel(); }
 
 void THttpServer::Run(THandler handler) {
   m_state->shared->handler = std::move(handler);
   m_state->signals.async_wait([this](error_code error, int) {
     if (!error) Stop();
   });
-  m_state->Accept();
+  for (tcp::acceptor& acceptor : m_state->acceptors) m_state->Accept(acceptor);
   while (!m_state->context.stopped()) {
     try {
       m_state->context.run();

@@ -1,4 +1,4 @@
-// The listening half of the server: HTTP over TCP on a loopback address, with limits on all that a client can make it
+// The listening half of the server: HTTP over TCP with limits on all that a client can make it
 // spend. It runs on one thread, and knows nothing of CIM.
 #pragma once
 
@@ -6,14 +6,17 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <string>
+#include <utility>
+#include <vector>
 
+#include "command/base/descriptor.h"
 #include "command/cim_server/http_mapping.h"
 
 struct THttpLimits {
   std::size_t headerSize = std::size_t{64} * 1024;  // bytes; more is answered with 431
   std::size_t bodySize = std::size_t{64} * 1024;    // bytes; more is answered with 413
-  std::size_t connections = 64;                     // at a time; the next one is answered with 503
+  // At a time; the next one is answered with 503, unless the client of another one has left while it waited.
+  std::size_t connections = 64;
   // For a request to arrive whole, from the moment when the server is ready for it, and for an answer to be taken; a
   // connection that needs longer is cut off, whatever comes in the meantime.
   std::chrono::milliseconds time = std::chrono::seconds(10);
@@ -21,27 +24,38 @@ struct THttpLimits {
 
 class THttpServer {
  public:
-  typedef std::function<void(THttpAnswer)> TReply;
-  /// Answers a request, now or later, by calling `reply` once, even if the client has gone by then.
-  typedef std::function<void(const THttpRequest& request, const TReply& reply)> THandler;
+  /// The way back to the client that sent a request; calls after the first do nothing.
+  class TReply {
+   public:
+    TReply(std::weak_ptr<void> client, std::function<void(THttpAnswer)> write)
+        : m_client(std::move(client)), m_write(std::move(write)) {}
+    void operator()(THttpAnswer answer) const {
+      if (IsWanted()) m_write(std::move(answer));
+    }
+    /// False once the client has left and its place was needed.
+    bool IsWanted() const { return !m_client.expired(); }
 
-  /// Listens on the address, a number such as 127.0.0.1 or ::1; port 0 takes a free one. Throws TUnusable when that
-  /// fails.
-  THttpServer(const std::string& address, unsigned short port, const THttpLimits& limits = {});
+   private:
+    std::weak_ptr<void> m_client;
+    std::function<void(THttpAnswer)> m_write;
+  };
+  /// Answers a request, now or later, by calling `reply`.
+  typedef std::function<void(const THttpRequest& request, const TReply& reply)> THandler;
+  typedef std::shared_ptr<void> TTimer;
+
+  /// `listeners`: sockets that listen for TCP connections.
+  explicit THttpServer(std::vector<TDescriptor> listeners, const THttpLimits& limits = {});
   ~THttpServer();
   THttpServer(const THttpServer&) = delete;
   THttpServer& operator=(const THttpServer&) = delete;
-
-  unsigned short GetPort() const;
 
   /// Calls `ready` once, when there is something to read from the descriptor, which stays the caller's. Watches one at
   /// a time.
   void WatchOnce(int descriptor, std::function<void()> ready);
   /// Gives up watching: before the descriptor is closed.
   void Unwatch();
-  /// Calls `done` once, after that time; a later call takes the place of an earlier one.
-  void StartTimer(std::chrono::milliseconds time, std::function<void()> done);
-  void StopTimer();
+  /// Calls `done` once, after that time, unless the timer has been destroyed by then. It must not outlive the server.
+  [[nodiscard]] TTimer StartTimer(std::chrono::milliseconds time, std::function<void()> done);
 
   /// Serves until Stop, SIGINT or SIGTERM.
   void Run(THandler handler);

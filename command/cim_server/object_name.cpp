@@ -89,6 +89,11 @@ bool IsSameName(std::string_view one, std::string_view other) {
                     [](char left, char right) { return ToLower(left) == ToLower(right); });
 }
 
+bool TNameLess::operator()(std::string_view one, std::string_view other) const {
+  return std::lexicographical_compare(one.begin(), one.end(), other.begin(), other.end(),
+                                      [](char left, char right) { return ToLower(left) < ToLower(right); });
+}
+
 std::string MakeIdentity(const TObjectName& name) {
   const TClassDeclaration* const declaration = FindCimClass(name.className);
   std::vector<std::string> keys;

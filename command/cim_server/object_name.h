@@ -28,6 +28,11 @@ TObjectName ParseObjectPath(const std::string& path);
 /// Class, property and namespace names are compared without regard to case.
 bool IsSameName(std::string_view one, std::string_view other);
 
+/// Orders names without regard to case.
+struct TNameLess {
+  bool operator()(std::string_view one, std::string_view other) const;
+};
+
 /// A text that is the same for two names of one instance, and for no other: the class, and the keys in ascending order
 /// of their names. Case, order and a name left out make no difference.
 std::string MakeIdentity(const TObjectName& name);

@@ -2,23 +2,27 @@
 
 #include <unistd.h>
 
-#include <csignal>
+#include <algorithm>
 #include <iostream>
+#include <map>
 
 #include "command/base/privileges.h"
 #include "command/base/remark.h"
 #include "command/base/standard_output.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
+#include "command/base/xml_text.h"
 #include "command/cim_server/answer_keeper.h"
 #include "command/cim_server/cim_operations.h"
 #include "command/cim_server/collecting_worker.h"
 #include "command/cim_server/http_mapping.h"
 #include "command/cim_server/http_server.h"
+#include "command/cim_server/listening.h"
 #include "command/collection/collection.h"
 #include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
 #include "command/machine/captured_machine.h"
+#include "command/report/empty_classes.h"
 #include "command/report/json_report.h"
 #include "embedded_host/schema.h"
 
@@ -32,12 +36,37 @@ TRequest MakeRequest() {
   return request;
 }
 
-std::string MakeLine(const TServeOptions& options) {
+/// What the command says of such an answer, a sentence each.
+std::vector<std::string> ListRemarks(const TAnswer& answer) {
+  std::vector<std::string> remarks = answer.notes;
+  for (const TRequestAnswer& request : answer.requests) {
+    for (const EPart part : {EPart::kVideo, EPart::kMonitors}) {
+      for (const std::string& gap : ExplainGaps(answer, request, part)) remarks.push_back(gap);
+    }
+  }
+  return remarks;
+}
+
+/// True when two object paths differ only in what XML cannot carry.
+bool HasLookAlikes(const TAnswer& answer) {
+  std::map<std::string, const std::string*> paths;  // by what clients would see
+  for (const TRequestAnswer& request : answer.requests) {
+    for (const auto& instance : request.instances) {
+      const std::string& path = instance->GetPathText();
+      if (*paths.emplace(ToXmlText(path), &path).first->second != path) return true;
+    }
+  }
+  return false;
+}
+
+/// The remarks, a line each, and then the line of the answer.
+std::string MakeLines(const TServeOptions& options) {
   const TMachine machine = options.machine ? ReadCapturedMachine(*options.machine)
                                            : MakeThisMachine(options.edidSource, options.xconfigSource);
   const TAnswer answer = Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {});
-  for (const std::string& note : answer.notes) ShowRemark(note);
-  return MakeMachineLine("", answer);
+  std::string lines;
+  for (const std::string& remark : ListRemarks(answer)) lines += ToMessage(remark) + "\n";
+  return lines + MakeMachineLine("", answer, ELogPart::kLeftOut, HasLookAlikes(answer) ? NumberXmlText : nullptr);
 }
 
 /// What a collector does.
@@ -45,7 +74,7 @@ TMachineLine CollectLine(const TServeOptions& options) {
   if (options.machine) DropPrivileges(true);  // a captured machine only has to be read
   OnThrowingPlugin([](const std::string& reason) { TWorker::EndWith({MakeErrorLine("", ToMessage(reason)), true}); });
   try {
-    return {WithinMemory([&] { return MakeLine(options); }), false, true};
+    return {WithinMemory([&] { return MakeLines(options); }), false, true};
   } catch (const std::exception& error) {
     return {MakeErrorLine("", ToMessage(error.what())), true, true};
   }
@@ -56,35 +85,59 @@ void GiveUpPrivileges() {
   if (geteuid() == 0) throw TUnusable("root's rights cannot be given up; run displayinfo serve as another user");
 }
 
+TCollectingWorker StartWorker(const TServeOptions& options) {
+  LetNobodyEndProcesses();  // the server, once it is nobody, must be able to end what it starts here
+  // A worker that is started later has the rights of this process, which are none.
+  return TCollectingWorker([options](const std::string&) { return CollectLine(options); }, options.timeout,
+                           geteuid() != 0);
+}
+
+/// Tells people each thing once, when it becomes true.
+class TNews {
+ public:
+  void Tell(const TCollected& collected) {
+    if (collected.failure != m_failure) {
+      ShowRemark(collected.failure.empty() ? "collecting works again" : "collecting failed: " + collected.failure);
+      m_failure = collected.failure;
+    }
+    if (collected.model == nullptr) return;
+    for (const std::string& remark : collected.remarks) {
+      if (std::find(m_remarks.begin(), m_remarks.end(), remark) == m_remarks.end()) ShowRemark(remark);
+    }
+    m_remarks = collected.remarks;
+  }
+
+ private:
+  std::string m_failure;
+  std::vector<std::string> m_remarks;
+};
+
 /// The listening process: HTTP on one side, the worker on the other.
 class TServing {
  public:
   explicit TServing(const TServeOptions& options)
       : m_options(options),
-        m_worker([options](const std::string&) { return CollectLine(options); }, options.timeout, CanReplaceWorker()),
-        m_server((GiveUpPrivileges(), options.address), options.port),
+        m_worker(StartWorker(options)),
+        m_listeners((GiveUpPrivileges(), Listen(options.addresses, options.port))),
+        m_address(GetAddress(m_listeners.front())),
+        m_server(std::move(m_listeners)),
         m_keeper(
-            options.maxAge, [this] { Collect(); }, std::chrono::steady_clock::now) {}
+            options.maxAge, [this] { Collect(); }, std::chrono::steady_clock::now,
+            [this](std::chrono::milliseconds time, std::function<void()> wake) {
+              m_wakeTimer = m_server.StartTimer(time, std::move(wake));
+            }) {}
 
   void Run() {
-    WriteStandardOutput("http://" + GetAddress() + "/root/cimv2\n");
+    WriteStandardOutput("http://" + m_address + "/root/cimv2\n");
     m_keeper.Start();
     m_server.Run([this](const THttpRequest& request, const THttpServer::TReply& reply) { Answer(request, reply); });
   }
 
  private:
-  /// A worker that is started later has the rights of this process, which are none.
-  static bool CanReplaceWorker() { return geteuid() != 0; }
-
-  std::string GetAddress() const {
-    const bool isVersion6 = m_options.address.find(':') != std::string::npos;
-    return (isVersion6 ? "[" + m_options.address + "]" : m_options.address) + ":" + std::to_string(m_server.GetPort());
-  }
-
   void Collect() {
     if (auto failed = m_worker.Begin()) return Put(std::move(*failed));
     WaitForWorker();
-    m_server.StartTimer(m_options.timeout + kGrace, [this] {
+    m_timer = m_server.StartTimer(m_options.timeout + kGrace, [this] {
       m_server.Unwatch();  // before its descriptor is closed
       Put(m_worker.GiveUp());
     });
@@ -94,35 +147,41 @@ class TServing {
     m_server.WatchOnce(m_worker.GetDescriptor(), [this] {
       auto collected = m_worker.Take();
       if (!collected) return WaitForWorker();
-      m_server.StopTimer();
+      m_timer.reset();
       Put(std::move(*collected));
     });
   }
 
   void Put(TCollected collected) {
     collected.failure = ToMessage(collected.failure);
-    if (collected.model == nullptr) std::cerr << "displayinfo: collecting failed: " << collected.failure << '\n';
+    m_news.Tell(collected);
     m_keeper.Put(std::move(collected));
   }
 
   void Answer(const THttpRequest& request, const THttpServer::TReply& reply) try {
     const TCimRequest operation = ReadHttpRequest(request);
     if (!NeedsInstances(operation)) {
-      return reply(MakeHttpAnswer(request, AnswerCim(operation, TCimModel(), GetHost(request, GetAddress()))));
+      return reply(MakeHttpAnswer(request, AnswerCim(operation, TCimModel(), GetHost(request, m_address))));
     }
-    m_keeper.Ask([=](const TCollected& collected) {
+    const auto tell = [=](const TCollected& collected) {
       reply(MakeHttpAnswer(request, collected.model == nullptr
                                         ? AnswerFailure(operation, collected.failure)
-                                        : AnswerCim(operation, *collected.model, GetHost(request, GetAddress()))));
-    });
+                                        : AnswerCim(operation, *collected.model, GetHost(request, m_address))));
+    };
+    m_keeper.Ask({tell, [reply] { return reply.IsWanted(); }});
   } catch (const TRefused& refused) {
     reply(MakeRefusal(refused));
   }
 
   TServeOptions m_options;
   TCollectingWorker m_worker;
+  std::vector<TDescriptor> m_listeners;  // empty once the server has them
+  std::string m_address;                 // the first of those where it listens
   THttpServer m_server;
-  TAnswerKeeper m_keeper;  // goes before the server, whose connections wait in it
+  THttpServer::TTimer m_timer;      // of a collection
+  THttpServer::TTimer m_wakeTimer;  // of the keeper
+  TNews m_news;
+  TAnswerKeeper m_keeper;
 };
 
 }  // namespace

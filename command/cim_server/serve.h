@@ -5,13 +5,14 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "command/machine/this_machine.h"
 
 constexpr unsigned short kCimXmlPort = 5988;  // the one registered for CIM-XML over HTTP
 
 struct TServeOptions {
-  std::string address = "127.0.0.1";   // or ::1
+  std::vector<std::string> addresses = {"127.0.0.1", "::1"};
   unsigned short port = kCimXmlPort;   // 0: a free one
   std::optional<std::string> machine;  // a captured one; this one when absent
   EEdidSource edidSource = EEdidSource::kAuto;

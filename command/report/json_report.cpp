@@ -241,8 +241,10 @@ std::string MakeJsonReport(const TAnswer& answer, ELogPart log) {
   return json.TakeText();
 }
 
-std::string MakeMachineLine(const std::string& machine, const TAnswer& answer, ELogPart log) try {
+std::string MakeMachineLine(const std::string& machine, const TAnswer& answer, ELogPart log,
+                            std::string (*change)(const std::string& text)) try {
   TJsonWriter json(TJsonWriter::ELayout::kOneLine, kMaxLine);
+  json.ChangeStrings(change);
   json.BeginObject();
   WriteMember(json, "machine", machine);
   WriteAnswer(json, answer, log);

@@ -29,7 +29,11 @@ void TJsonWriter::Key(std::string_view name) {
 
 void TJsonWriter::String(std::string_view text) {
   Separate();
-  AppendJson(m_text, text);
+  if (m_change == nullptr) {
+    AppendJson(m_text, text);
+  } else {
+    AppendJson(m_text, m_change(std::string(text)));
+  }
   CheckSize();
 }
 

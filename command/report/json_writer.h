@@ -27,6 +27,9 @@ class TJsonWriter {
   /// A string, as QuoteJson makes it of any bytes.
   void String(std::string_view text);
 
+  /// From now on a string is written as `change` makes it; null: as it is.
+  void ChangeStrings(std::string (*change)(const std::string& text)) { m_change = change; }
+
   /// A value that is JSON already, such as a number or null.
   void Literal(std::string_view text);
 
@@ -44,6 +47,7 @@ class TJsonWriter {
   void CheckSize() const;
 
   ELayout m_layout;
+  std::string (*m_change)(const std::string& text) = nullptr;
   std::size_t m_maxSize;
   TTextBuffer m_text;
   std::size_t m_depth = 0;

@@ -28,3 +28,19 @@ TEST(XmlText, KnowsTheCharactersOfXml) {
 TEST(XmlText, EscapesMarkupAndKeepsCarriageReturns) {
   EXPECT_EQ(EscapeXml("<a b=\"c\">&'\r\n"), "&lt;a b=&quot;c&quot;&gt;&amp;'&#13;\n");
 }
+
+TEST(XmlText, IsNumberedSoThatWhatDiffersStillDiffers) {
+  EXPECT_EQ(NumberXmlText("a\xE4z"),
+            "a\xEF\xBF\xBD"
+            "E4z");
+  EXPECT_EQ(NumberXmlText("\x01\xF6\xC3\xA9"),
+            "\xEF\xBF\xBD"
+            "01\xEF\xBF\xBD"
+            "F6\xC3\xA9");
+  EXPECT_EQ(NumberXmlText("\xEF\xBF\xBE"),
+            "\xEF\xBF\xBD"
+            "EF\xEF\xBF\xBD"
+            "BF\xEF\xBF\xBD"
+            "BE");
+  EXPECT_EQ(NumberXmlText("plain"), "plain");
+}

@@ -4,22 +4,52 @@
 
 namespace {
 
-/// A keeper whose collections are counted and whose clock stands.
+typedef std::function<void()> TWake;
+
+/// A keeper whose collections are counted, whose clock stands, and whose alarm the test rings.
 class AnswerKeeper : public testing::Test {
  protected:
-  /// What it tells: the reason of a failure, "instances", or "nothing yet".
+  /// Appends what it tells, once it does: the reason of a failure, or "instances", with a space.
+  void Ask(std::string& told) {
+    m_keeper.Ask(
+        {[&told](const TCollected& collected) { told += (collected.model ? "instances" : collected.failure) + " "; },
+         [] { return true; }});
+  }
+
   std::string Ask() {
-    std::string told = "nothing yet";
-    m_keeper.Ask([&](const TCollected& collected) { told = collected.model ? "instances" : collected.failure; });
+    std::string told;
+    Ask(told);
     return told;
   }
 
-  static TCollected MakeModel() { return {std::make_shared<const TCimModel>(), ""}; }
+  static TCollected MakeModel() { return {std::make_shared<const TCimModel>(), "", {}}; }
+  static TCollected MakeFailure(const std::string& reason) { return {nullptr, reason, {}}; }
+
+  void Pass(std::chrono::milliseconds time) { m_now += time; }
+
+  void Wake() {
+    const TWake wake = std::move(m_wake);
+    m_wake = nullptr;
+    wake();
+  }
+
+  /// An answer that is too old, and the next collection under way.
+  void MakeOld() {
+    m_keeper.Start();
+    m_keeper.Put(MakeModel());
+    Pass(std::chrono::hours(1));
+  }
 
   int m_collections = 0;
   std::chrono::steady_clock::time_point m_now;
+  std::chrono::milliseconds m_wakeTime{-1};
+  TWake m_wake;
   TAnswerKeeper m_keeper = TAnswerKeeper(
-      std::chrono::seconds(60), [this] { ++m_collections; }, [this] { return m_now; });
+      std::chrono::seconds(60), [this] { ++m_collections; }, [this] { return m_now; },
+      [this](std::chrono::milliseconds time, TWake wake) {
+        m_wakeTime = time;
+        m_wake = std::move(wake);
+      });
 };
 
 }  // namespace
@@ -29,55 +59,94 @@ TEST_F(AnswerKeeper, CollectsAtTheStart) {
   EXPECT_EQ(m_collections, 1);
 }
 
-TEST_F(AnswerKeeper, LetsThoseWhoAskWaitForTheFirstCollection) {
+TEST_F(AnswerKeeper, LetsThoseWhoAskWaitForTheFirstCollectionHoweverLong) {
   m_keeper.Start();
   std::string told;
-  m_keeper.Ask([&](const TCollected&) { told += "a"; });
-  m_keeper.Ask([&](const TCollected&) { told += "b"; });
+  Ask(told);
+  Pass(std::chrono::hours(1));
+  Ask(told);
   EXPECT_EQ(told, "");
+  EXPECT_FALSE(m_wake);
   m_keeper.Put(MakeModel());
-  EXPECT_EQ(told, "ab");
+  EXPECT_EQ(told, "instances instances ");
   EXPECT_EQ(m_collections, 1);
 }
 
-TEST_F(AnswerKeeper, CollectsAnewWhenTheAnswerIsTooOld) {
+TEST_F(AnswerKeeper, TellsAnAnswerAtOnceAsLongAsItIsNotTooOld) {
   m_keeper.Start();
   m_keeper.Put(MakeModel());
-  m_now += std::chrono::seconds(60);
-  EXPECT_EQ(Ask(), "instances");
+  Pass(std::chrono::seconds(60));
+  EXPECT_EQ(Ask(), "instances ");
   EXPECT_EQ(m_collections, 1);
-  m_now += std::chrono::seconds(1);
-  EXPECT_EQ(Ask(), "instances");
+}
+
+TEST_F(AnswerKeeper, LetsThoseWhoAskWaitForANewAnswerWhenTheOldOneIsTooOld) {
+  MakeOld();
+  std::string told;
+  Ask(told);
+  Ask(told);
+  EXPECT_EQ(m_collections, 2);
+  EXPECT_EQ(told, "");
+  m_keeper.Put(MakeFailure("new"));
+  EXPECT_EQ(told, "new new ");
+}
+
+TEST_F(AnswerKeeper, TellsTheOldAnswerAfterTwoSeconds) {
+  MakeOld();
+  std::string first;
+  std::string second;
+  Ask(first);
+  EXPECT_EQ(m_wakeTime, std::chrono::seconds(2));
+  Pass(std::chrono::milliseconds(1500));
+  Ask(second);
+  Pass(std::chrono::milliseconds(500));
+  Wake();
+  EXPECT_EQ(first, "instances ");
+  EXPECT_EQ(second, "");
+  EXPECT_EQ(m_wakeTime, std::chrono::milliseconds(1500));
+  Pass(std::chrono::milliseconds(1500));
+  Wake();
+  EXPECT_EQ(second, "instances ");
+  EXPECT_FALSE(m_wake);
   EXPECT_EQ(m_collections, 2);
 }
 
-TEST_F(AnswerKeeper, CollectsOnceAtATime) {
-  m_keeper.Start();
+TEST_F(AnswerKeeper, WakesInVainWhenTheAnswerCameInTime) {
+  MakeOld();
+  std::string told;
+  Ask(told);
   m_keeper.Put(MakeModel());
-  m_now += std::chrono::hours(1);
-  Ask();
-  Ask();
-  EXPECT_EQ(m_collections, 2);
+  Pass(std::chrono::seconds(2));
+  Wake();
+  EXPECT_EQ(told, "instances ");
+  EXPECT_FALSE(m_wake);
 }
 
-TEST_F(AnswerKeeper, TellsTheOldAnswerUntilTheNewOneIsThere) {
+TEST_F(AnswerKeeper, RepeatsACollectionThatFailedOnceASecondAtMost) {
   m_keeper.Start();
-  m_keeper.Put({nullptr, "old"});
-  EXPECT_EQ(Ask(), "old");
-  EXPECT_EQ(Ask(), "old");
+  m_keeper.Put(MakeFailure("it died"));
+  for (int request = 0; request < 1000; ++request) EXPECT_EQ(Ask(), "it died ");
+  Pass(std::chrono::seconds(1));
+  EXPECT_EQ(Ask(), "it died ");
+  EXPECT_EQ(m_collections, 1);
+  Pass(std::chrono::milliseconds(1));
+  std::string told;
+  Ask(told);
+  EXPECT_EQ(m_collections, 2);
   m_keeper.Put(MakeModel());
-  EXPECT_EQ(Ask(), "instances");
+  EXPECT_EQ(told, "instances ");
 }
 
-TEST_F(AnswerKeeper, TellsAFailureAndTriesAgainAtOnce) {
+TEST_F(AnswerKeeper, ForgetsThoseWhoHaveGoneBeforeAnotherWaits) {
   m_keeper.Start();
+  const auto held = std::make_shared<int>();
+  m_keeper.Ask({[held](const TCollected&) { FAIL() << "told to nobody"; }, [] { return false; }});
+  EXPECT_EQ(held.use_count(), 2);
+  std::string told;
+  Ask(told);
+  EXPECT_EQ(held.use_count(), 1);
   m_keeper.Put(MakeModel());
-  m_now += std::chrono::hours(1);
-  Ask();
-  m_keeper.Put({nullptr, "it died"});
-  EXPECT_EQ(m_collections, 2);
-  EXPECT_EQ(Ask(), "it died");
-  EXPECT_EQ(m_collections, 3);
+  EXPECT_EQ(told, "instances ");
 }
 
 TEST(AnswerKeeperAlone, TakesACollectionThatEndsAtOnce) {
@@ -85,12 +154,12 @@ TEST(AnswerKeeperAlone, TakesACollectionThatEndsAtOnce) {
   TAnswerKeeper keeper(
       std::chrono::seconds(60),
       [&] {
-        self->Put({nullptr, "no process"});
+        self->Put({nullptr, "no process", {}});
       },
-      std::chrono::steady_clock::now);
+      std::chrono::steady_clock::now, [](std::chrono::milliseconds, const TWake&) {});
   self = &keeper;
   keeper.Start();
   std::string told;
-  keeper.Ask([&](const TCollected& collected) { told = collected.failure; });
+  keeper.Ask({[&](const TCollected& collected) { told = collected.failure; }, [] { return true; }});
   EXPECT_EQ(told, "no process");
 }

@@ -1,6 +1,7 @@
 // An answer of two monitors with a mode each, in the JSON that the server takes its instances from.
 #pragma once
 
+#include <algorithm>
 #include <string>
 
 inline std::string MakeMonitorJson(const std::string& id) {
@@ -31,9 +32,11 @@ inline std::string MakeSettingJson(const std::string& monitor, const std::string
          element + R"("}, "Setting": {"type": "reference", "value": ")" + setting + R"("}}})";
 }
 
-/// `instances`: in JSON, with commas between them.
+/// `instances`: in JSON, with commas between them. The answer is one line, as a collector sends it.
 inline std::string MakeAnswerJson(const std::string& instances) {
-  return R"({"requests": [{"instances": [)" + instances + "]}]}\n";
+  std::string text = R"({"requests": [{"instances": [)" + instances + "]}]}";
+  text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());
+  return text + "\n";
 }
 
 inline std::string MakeTwoMonitorsJson() {

@@ -4,6 +4,7 @@ import http.client
 import json
 import os
 import re
+import select
 import subprocess
 import tempfile
 import xml.etree.ElementTree as ElementTree
@@ -12,13 +13,41 @@ NAMESPACE = "root/cimv2"
 REPLACED = re.compile("[\x00-\x08\x0b\x0c\x0e-\x1f\ufffe\uffff]")  # what XML 1.0 does not have
 
 
+def list_session(session):
+    """The processes of that session, without those that have ended and that nobody has asked for their status."""
+    members = []
+    for name in filter(str.isdigit, os.listdir("/proc")):
+        try:
+            with open(f"/proc/{name}/stat") as file:
+                state, _, _, its_session = file.read().rsplit(")", 1)[1].split()[:4]
+        except OSError:
+            continue
+        if int(its_session) == session and state != "Z":
+            members.append(int(name))
+    return members
+
+
+def require_no_process_left(session):
+    """What the server started ends with it, though the system may need a moment to say so."""
+    for member in list_session(session):
+        try:
+            process = os.pidfd_open(member)
+        except ProcessLookupError:
+            continue
+        readable, _, _ = select.select([process], [], [], 20)
+        os.close(process)
+        assert readable, f"process {member} outlives the server that started it"
+    assert not list_session(session), list_session(session)
+
+
 class Server:
-    """displayinfo serve on a free port, for as long as a with statement lasts. It must be there at its end."""
+    """displayinfo serve on a free port, for as long as a with statement lasts. It must be there at its end, and leave no
+    process."""
 
     def __init__(self, command, *options):
         self.errors = tempfile.TemporaryFile(mode="w+")
         self.process = subprocess.Popen([command, "serve", "--port", "0", *options], stdout=subprocess.PIPE,
-                                        stderr=self.errors, text=True)
+                                        stderr=self.errors, text=True, start_new_session=True)
         self.url = self.process.stdout.readline().strip()
         assert self.url, f"the server says no address: {self.read_errors()}"
         self.address = self.url.split("/")[2]
@@ -30,6 +59,7 @@ class Server:
         is_there = self.process.poll() is None
         self.process.terminate()
         status = self.process.wait(timeout=60)
+        require_no_process_left(self.process.pid)
         if kind is None:
             assert is_there and status == 0, f"the server ended with status {status}: {self.read_errors()}"
 

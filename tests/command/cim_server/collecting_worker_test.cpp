@@ -35,6 +35,17 @@ TEST(CollectingWorker, BringsTheInstances) {
   EXPECT_NE(Collect(worker).model, nullptr);
 }
 
+TEST(CollectingWorker, BringsTheRemarksThatComeBeforeTheAnswer) {
+  TCollectingWorker worker(
+      [](const std::string&) {
+        return TMachineLine{"one\ntwo\n" + MakeTwoMonitorsJson(), false};
+      },
+      kLong, true);
+  const TCollected collected = Collect(worker);
+  ASSERT_NE(collected.model, nullptr) << collected.failure;
+  EXPECT_EQ(collected.remarks, (std::vector<std::string>{"one", "two"}));
+}
+
 TEST(CollectingWorker, KeepsTheStarterWhenACollectorEnds) {
   TCollectingWorker worker(
       [](const std::string&) {

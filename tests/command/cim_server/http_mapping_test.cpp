@@ -51,6 +51,41 @@ TEST(HttpMapping, RefusesWebPages) {
   EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"Origin", "http://localhost:5988"}}), "403 ");
 }
 
+TEST(HttpMapping, RefusesRequestsToNamesThatAreNotOfThisMachineAlone) {
+  const auto refuse = [](const std::string& host) {
+    return Refuse("POST", {{"CIMOperation", "MethodCall"}, {"Host", host}});
+  };
+  for (const char* const host :
+       {"localhost", "LocalHost:5988", "127.0.0.1", "127.1.2.3:1", "[::1]", "[::1]:5988", ""}) {
+    EXPECT_EQ(refuse(host), "") << host;
+  }
+  for (const char* const host :
+       {"example.org", "example.org:5988", "localhost.example.org", "localhost:5988.example.org",
+        "127.0.0.1.example.org", "10.0.0.1", "128.0.0.1", "[::2]", "[::1", "[", "::1", ":1"}) {
+    EXPECT_EQ(refuse(host), "403 ") << host;
+  }
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"Host", "localhost"}, {"Host", "example.org"}}), "403 ");
+}
+
+TEST(HttpMapping, FindsItsExtensionAmongOthersHoweverItIsWritten) {
+  for (const char* const man : {
+           "http://www.dmtf.org/cim/mapping/http/v1.0;ns=73",
+           "\"http://www.dmtf.org/cim/mapping/http/v1.0\" ; ns=73",
+           "\"HTTP://WWW.DMTF.ORG/CIM/MAPPING/HTTP/V1.0\"; NS = \"73\"",
+           "\"http://example.org/other\"; ns=11, \"http://www.dmtf.org/cim/mapping/http/v1.1\"; a=b; ns=73",
+       }) {
+    EXPECT_EQ(Refuse("M-POST", {{"MAN", man}, {"73-CIMOPERATION", "MethodCall"}}), "") << man;
+  }
+  EXPECT_EQ(Refuse("M-POST", {{"Man", "http://example.org; ns=11"},
+                              {"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
+                              {"73-CIMOperation", "MethodCall"}}),
+            "");
+  for (const char* const man : {"http://example.org/other; ns=73", "http://www.dmtf.org/cim/mapping/http/v1.0",
+                                "http://www.dmtf.org/cim/mapping/http/v1.0; ns=a", ";;,,=", "ns=73"}) {
+    EXPECT_EQ(Refuse("M-POST", {{"Man", man}, {"73-CIMOperation", "MethodCall"}}), "510 ") << man;
+  }
+}
+
 TEST(HttpMapping, TakesTheExtendedMethodWithItsPrefix) {
   const THeaders headers = {{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
                             {"73-CIMOperation", "MethodCall"}};
@@ -78,6 +113,7 @@ TEST(HttpMapping, TellsWhyItRefuses) {
 
 TEST(HttpMapping, IsCalledAsTheClientCallsIt) {
   EXPECT_EQ(GetHost({"POST", {{"host", "there:2"}}, ""}, "here:1"), "there:2");
+  EXPECT_EQ(GetHost({"POST", {{"Host", "localhost"}, {"X-Forwarded-Host", "ws-17:5989"}}, ""}, "here:1"), "ws-17:5989");
   EXPECT_EQ(GetHost({"POST", {}, ""}, "here:1"), "here:1");
   EXPECT_EQ(GetHost({"POST", {{"Host", "\x01"}}, ""}, "here:1"), "here:1");
   EXPECT_EQ(GetHost({"POST", {{"Host", std::string(256, 'a')}}, ""}, "here:1"), "here:1");

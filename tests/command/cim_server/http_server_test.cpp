@@ -6,10 +6,12 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <thread>
 
 #include "command/base/descriptor.h"
-#include "command/base/unusable.h"
+#include "command/cim_server/listening.h"
 
 namespace {
 
@@ -30,6 +32,8 @@ class TClient {
     send(m_socket.Get(), text.data(), text.size(), MSG_NOSIGNAL);
     return *this;
   }
+
+  void EndSending() { shutdown(m_socket.Get(), SHUT_WR); }
 
   /// What comes until the server closes the connection.
   std::string ReadAll() { return ReadUntil(""); }
@@ -60,19 +64,29 @@ class TClient {
 class THttpFixture {
  public:
   explicit THttpFixture(const THttpLimits& limits = {}, THttpServer::THandler handler = Echo)
-      : m_server("127.0.0.1", 0, limits), m_thread([this, handler] { m_server.Run(handler); }) {}
+      : m_listeners(Listen({"127.0.0.1"}, 0)),
+        m_port(GetPort()),
+        m_server(std::move(m_listeners), limits),
+        m_thread([this, handler] { m_server.Run(handler); }) {}
   ~THttpFixture() {
     m_server.Stop();
     m_thread.join();
   }
 
-  TClient Connect() const { return TClient(m_server.GetPort()); }
+  TClient Connect() const { return TClient(m_port); }
 
  private:
   static void Echo(const THttpRequest& request, const THttpServer::TReply& reply) {
     reply({200, {{"Echo", request.GetHeader("Host")}}, request.method + ":" + request.body});
   }
 
+  unsigned short GetPort() const {
+    const std::string address = GetAddress(m_listeners.front());
+    return static_cast<unsigned short>(std::stoi(address.substr(address.find(':') + 1)));
+  }
+
+  std::vector<TDescriptor> m_listeners;
+  unsigned short m_port;
   THttpServer m_server;
   std::thread m_thread;
 };
@@ -207,26 +221,63 @@ TEST(HttpServer, OutlivesClientsThatGoAway) {
   EXPECT_EQ(GetStatus(server.Connect().Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
 }
 
-TEST(HttpServer, SaysWhyItCannotListen) {
-  const THttpServer first("127.0.0.1", 0);
-  try {
-    const THttpServer second("127.0.0.1", first.GetPort());
-    FAIL() << "two listen on one port";
-  } catch (const TUnusable& error) {
-    EXPECT_NE(std::string(error.what()).find("--port"), std::string::npos) << error.what();
+TEST(HttpServer, BoundsWhatAChunkOrATrailerBringsBesideTheBody) {
+  const THttpFixture server;
+  const std::string head = "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
+  const std::string much(1000000, 'e');
+  for (const std::string& beside : {"1;" + much, "1;e=\"" + much, "0\r\nTrailer: " + much}) {
+    EXPECT_EQ(GetStatus(server.Connect().Send(head + beside).ReadAll()), "HTTP/1.1 431 Request Header Fields Too Large")
+        << beside.substr(0, 10);
   }
+  TClient client = server.Connect();
+  client.Send(head + "1;a=b\r\nh\r\n1\r\ni\r\n0\r\nTrailer: c\r\n\r\n");
+  EXPECT_EQ(GetStatus(client.ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
+}
+
+TEST(HttpServer, GivesThePlacesOfClientsThatLeftToOthers) {
+  THttpLimits limits;
+  limits.connections = 2;
+  std::vector<THttpServer::TReply> replies;
+  std::atomic<std::size_t> count = 0;
+  const THttpFixture server(limits, [&](const THttpRequest& request, const THttpServer::TReply& reply) {
+    if (request.body == "hi") {
+      replies.push_back(reply);
+      ++count;
+    } else {
+      reply({200, {}, std::to_string(std::count_if(replies.begin(), replies.end(), [](const THttpServer::TReply& one) {
+               return one.IsWanted();
+             }))});
+    }
+  });
+  for (std::size_t client = 1; client <= 2; ++client) {
+    TClient left = server.Connect();
+    left.Send(kRequest);
+    while (count < client) std::this_thread::yield();
+  }
+  EXPECT_EQ(server.Connect().Send("POST / HTTP/1.1\r\nConnection: close\r\nContent-Length: 0\r\n\r\n").ReadAll().back(),
+            '0');
+}
+
+TEST(HttpServer, AnswersAClientThatOnlyListensWhenNobodyNeedsItsPlace) {
+  const THttpFixture server;
+  TClient client = server.Connect();
+  client.Send(kRequest).EndSending();
+  EXPECT_EQ(GetStatus(client.ReadAll()), "HTTP/1.1 200 OK");
 }
 
 TEST(HttpServer, WatchesADescriptorAndATimer) {
-  THttpServer server("127.0.0.1", 0);
+  THttpServer server(Listen({"127.0.0.1"}, 0));
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   const TDescriptor reading(ends[0]);
   const TDescriptor writing(ends[1]);
   std::string heard;
+  THttpServer::TTimer timer;
+  THttpServer::TTimer destroyed = server.StartTimer(std::chrono::milliseconds(0), [&] { heard += "destroyed"; });
+  destroyed.reset();
   server.WatchOnce(reading.Get(), [&] {
     heard += "readable ";
-    server.StartTimer(std::chrono::milliseconds(0), [&] {
+    timer = server.StartTimer(std::chrono::milliseconds(0), [&] {
       heard += "timer";
       server.Stop();
     });
