@@ -40,12 +40,13 @@ void RequireAnswer(const TCimRequest& request, const std::string& answer) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const TCimModel model(MakeTwoMonitorsJson());
+  static TEnumerations enumerations;
   const std::string text = TInput(data, size).TakeRest();
   try {
     const TCimRequest request = ReadCimRequest(text);
     Require(IsWellFormed(text), "what is read is well-formed");
-    RequireAnswer(request, AnswerCim(request, model, "host"));
-    RequireAnswer(request, AnswerFailure(request, text));
+    RequireAnswer(request, AnswerCim(request, model, enumerations, "host").xml);
+    RequireAnswer(request, AnswerFailure(request, text).xml);
   } catch (const TRefused& refused) {
     RequireRefusal(refused, text);
   }

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "command/base/version.h"
 #include "command/base/xml_text.h"
 
 using nlohmann::json;
@@ -41,13 +42,32 @@ TCimProperty ReadProperty(const TClassDeclaration& declaration, const std::strin
 
 TCimInstance ReadInstance(const json& instance) {
   const std::string& className = instance.at("class").get_ref<const std::string&>();
-  const TClassDeclaration* const declaration = FindCimClass(className);
+  const TCimClass* const declaration = FindCimClass(className);
   if (declaration == nullptr) throw std::invalid_argument("there is no class " + className);
   TCimInstance read = {declaration, ParseObjectPath(instance.at("path").get_ref<const std::string&>()), {}};
   for (const auto& [name, property] : instance.at("properties").items()) {
     read.properties.push_back(ReadProperty(*declaration, name, property.at("value")));
   }
   return read;
+}
+
+typedef std::map<std::string, std::string> TTexts;
+
+TTexts operator+(TTexts first, const TTexts& second) {
+  first.insert(second.begin(), second.end());
+  return first;
+}
+
+/// `texts`: the values of its properties, by their names.
+TCimInstance MakeInstance(const char* className, const TTexts& texts) {
+  const TCimClass& declaration = *FindCimClass(className);
+  TCimInstance made = {&declaration, {className, {}}, {}};
+  for (const auto& [name, text] : texts) {
+    const TPropertyDeclaration& property = *declaration.Find(name);
+    made.properties.push_back({&property, false, {text}, {}});
+    if (property.isKey) made.name.keys.push_back({name, text});
+  }
+  return made;
 }
 
 bool IsReference(const TCimProperty& property) {
@@ -68,7 +88,26 @@ TCimModel::TCimModel(const std::string& answer) {
   for (const json& request : document.at("requests")) {
     for (const json& instance : request.at("instances")) Put(ReadInstance(instance));
   }
+  DescribeServer(ToXmlText(document.value("machine", "")));
   Link();
+}
+
+void TCimModel::DescribeServer(const std::string& systemName) {
+  const std::string program = "displayinfo";
+  const TTexts system = {{"SystemCreationClassName", "CIM_ComputerSystem"}, {"SystemName", systemName}};
+  const std::string name = program + ":" + systemName;
+  Put(MakeInstance(kObjectManagerClass, system + TTexts{{"CreationClassName", kObjectManagerClass},
+                                                        {"Name", name},
+                                                        {"ElementName", program},
+                                                        {"Description", program + " " + kCommandVersion},
+                                                        {"Version", kCommandVersion},
+                                                        {"GatherStatisticalData", "FALSE"}}));
+  for (const char* const nameSpace : {kInteropNamespace, kCimNamespace}) {
+    Put(MakeInstance(kNamespaceClass, system + TTexts{{"ObjectManagerCreationClassName", kObjectManagerClass},
+                                                      {"ObjectManagerName", name},
+                                                      {"CreationClassName", kNamespaceClass},
+                                                      {"Name", nameSpace}}));
+  }
 }
 
 void TCimModel::Put(TCimInstance instance) {

@@ -1,5 +1,5 @@
-// The instances that CIM clients see: an answer of the plug-in, each object path once, with its references
-// resolved.
+// The instances that CIM clients see: an answer of the plug-in, each object path once, with its references resolved,
+// and what the server says of itself.
 #pragma once
 
 #include <map>
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "command/cim_server/cim_classes.h"
 #include "command/cim_server/object_name.h"
-#include "embedded_host/schema.h"
 
 struct TCimProperty {
   const TPropertyDeclaration* declaration;
@@ -18,7 +18,7 @@ struct TCimProperty {
 };
 
 struct TCimInstance {
-  const TClassDeclaration* declaration;
+  const TCimClass* declaration;
   TObjectName name;
   std::vector<TCimProperty> properties;  // those that are set, in ascending order of their names
 
@@ -38,9 +38,9 @@ class TCimModel {
   /// Without instances.
   TCimModel() = default;
 
-  /// Takes the instances from an answer in JSON, as MakeJsonReport and MakeMachineLine write it. Of several commits of
-  /// one path the last one counts, in the place of the first, as in the host's store. Throws std::exception for a text
-  /// that is no such answer.
+  /// Takes the instances from an answer in JSON, as MakeMachineLine writes it, and the system's name from its
+  /// `machine`. If a path was committed more than once, the last commit wins and keeps the first one's position, as in
+  /// the host's store. Throws std::exception for a text that is no such answer.
   explicit TCimModel(const std::string& answer);
 
   const std::vector<TCimInstance>& GetInstances() const { return m_instances; }
@@ -55,6 +55,7 @@ class TCimModel {
  private:
   std::optional<std::size_t> FindExactly(const TObjectName& name) const;
   void Put(TCimInstance instance);
+  void DescribeServer(const std::string& systemName);
   void Link();
 
   std::vector<TCimInstance> m_instances;

@@ -5,13 +5,20 @@
 
 #include "command/cim_server/cim_model.h"
 #include "command/cim_server/cim_request.h"
+#include "command/cim_server/enumerations.h"
 
 /// True if the answer depends on the instances; false for an operation that is answered from the schema, or refused.
 bool NeedsInstances(const TCimRequest& request);
 
-/// The answer's XML: what was asked for, or a CIM error with its reason. `host`: what clients call this server, for
-/// object paths.
-std::string AnswerCim(const TCimRequest& request, const TCimModel& model, const std::string& host);
+struct TCimAnswer {
+  std::string xml;
+  int error;  // the number that DSP0200 gives it; 0: none
+};
 
-/// The XML of the answer that the operation failed (CIM_ERR_FAILED).
-std::string AnswerFailure(const TCimRequest& request, const std::string& reason);
+/// What was asked for, or a CIM error with its reason. `enumerations`: those that clients have opened. `host`: what
+/// clients call this server, for object paths.
+TCimAnswer AnswerCim(const TCimRequest& request, const TCimModel& model, TEnumerations& enumerations,
+                     const std::string& host);
+
+/// The answer that the operation failed (CIM_ERR_FAILED).
+TCimAnswer AnswerFailure(const TCimRequest& request, const std::string& reason);

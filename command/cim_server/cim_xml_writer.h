@@ -9,25 +9,39 @@
 #include "command/cim_server/xml_writer.h"
 #include "command/report/qualifiers.h"
 
-constexpr const char* kCimNamespace[] = {"root", "cimv2"};
+/// A qualifier that classes carry for clients.
+struct TCimQualifier {
+  TQualifier declaration;
+  bool isArray;
+};
+
+constexpr TQualifier kValueMapQualifier = {"ValueMap", kPropertyScope | kMethodScope | kParameterScope, false, true,
+                                           false};
+constexpr TQualifier kValuesQualifier = {"Values", kPropertyScope | kMethodScope | kParameterScope, false, true, true};
+
+constexpr TCimQualifier kCimQualifiers[] = {{kKeyQualifier, false},         {kAssociationQualifier, false},
+                                            {kDescriptionQualifier, false}, {kUnitsQualifier, false},
+                                            {kValueMapQualifier, true},     {kValuesQualifier, true}};
 
 /// Which parts of a class or an instance are written.
 struct TShown {
   std::optional<std::set<std::string, TNameLess>> properties;  // only these; all when absent
+  const TCimClass* ofClass = nullptr;                          // only the properties of this class; all when null
+  bool isLocalOnly = false;                                    // of classes: without what the superclass has
   bool hasQualifiers = false;                                  // of classes
   bool hasOrigin = false;
 };
 
 void WriteInstanceName(TXmlWriter& xml, const TObjectName& name);
 
-/// The name with namespace and host.
-void WriteInstancePath(TXmlWriter& xml, const TObjectName& name, const std::string& host);
+/// The instance's name with namespace and host.
+void WriteInstancePath(TXmlWriter& xml, const TCimInstance& instance, const std::string& host);
 
 void WriteInstance(TXmlWriter& xml, const TCimInstance& instance, const TShown& shown);
 
 /// The value of a property; nothing when it is null.
 void WriteValue(TXmlWriter& xml, const TCimProperty& property);
 
-void WriteClass(TXmlWriter& xml, const TClassDeclaration& declaration, const TShown& shown);
+void WriteClass(TXmlWriter& xml, const TCimClass& declaration, const TShown& shown);
 
-void WriteQualifierDeclaration(TXmlWriter& xml, const TQualifier& qualifier);
+void WriteQualifierDeclaration(TXmlWriter& xml, const TCimQualifier& qualifier);

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "command/base/xml_text.h"
-#include "embedded_host/schema.h"
+#include "command/cim_server/cim_classes.h"
 
 namespace {
 
@@ -105,14 +105,6 @@ std::string MakeIdentity(const TObjectName& name) {
   std::string identity = Measure(ToLower(name.className));
   for (const std::string& key : keys) identity += key;
   return identity;
-}
-
-const TClassDeclaration* FindCimClass(const std::string& name) {
-  const auto& schema = GetSchema();
-  const auto found = std::find_if(schema.begin(), schema.end(), [&](const TClassDeclaration& declaration) {
-    return IsSameName(declaration.name, name);
-  });
-  return found == schema.end() ? nullptr : &*found;
 }
 
 TObjectName UndoEscapes(const TObjectName& name) {

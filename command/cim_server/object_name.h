@@ -6,8 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "embedded_host/schema.h"
-
 struct TObjectName;
 
 struct TKeyBinding {
@@ -36,9 +34,6 @@ struct TNameLess {
 /// A text that is the same for two names of one instance, and for no other: the class, and the keys in ascending order
 /// of their names. Case, order and a name left out make no difference.
 std::string MakeIdentity(const TObjectName& name);
-
-/// The class of that name, or null.
-const TClassDeclaration* FindCimClass(const std::string& name);
 
 /// The name with the backslash taken away before each character of a key's value that it escapes: wbemcli sends the
 /// keys of a path as it printed them, which is with escapes.

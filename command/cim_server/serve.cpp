@@ -66,7 +66,8 @@ std::string MakeLines(const TServeOptions& options) {
   const TAnswer answer = Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {});
   std::string lines;
   for (const std::string& remark : ListRemarks(answer)) lines += ToMessage(remark) + "\n";
-  return lines + MakeMachineLine("", answer, ELogPart::kLeftOut, HasLookAlikes(answer) ? NumberXmlText : nullptr);
+  return lines + MakeMachineLine(answer.identity.systemName, answer, ELogPart::kLeftOut,
+                                 HasLookAlikes(answer) ? NumberXmlText : nullptr);
 }
 
 /// What a collector does.
@@ -160,13 +161,12 @@ class TServing {
 
   void Answer(const THttpRequest& request, const THttpServer::TReply& reply) try {
     const TCimRequest operation = ReadHttpRequest(request);
-    if (!NeedsInstances(operation)) {
-      return reply(MakeHttpAnswer(request, AnswerCim(operation, TCimModel(), GetHost(request, m_address))));
-    }
+    const auto answer = [=](const TCimAnswer& made) { reply(MakeHttpAnswer(request, made.xml)); };
+    const std::string host = GetHost(request, m_address);
+    if (!NeedsInstances(operation)) return answer(AnswerCim(operation, TCimModel(), m_enumerations, host));
     const auto tell = [=](const TCollected& collected) {
-      reply(MakeHttpAnswer(request, collected.model == nullptr
-                                        ? AnswerFailure(operation, collected.failure)
-                                        : AnswerCim(operation, *collected.model, GetHost(request, m_address))));
+      answer(collected.model == nullptr ? AnswerFailure(operation, collected.failure)
+                                        : AnswerCim(operation, *collected.model, m_enumerations, host));
     };
     m_keeper.Ask({tell, [reply] { return reply.IsWanted(); }});
   } catch (const TRefused& refused) {
@@ -181,6 +181,7 @@ class TServing {
   THttpServer::TTimer m_timer;      // of a collection
   THttpServer::TTimer m_wakeTimer;  // of the keeper
   TNews m_news;
+  TEnumerations m_enumerations;
   TAnswerKeeper m_keeper;
 };
 

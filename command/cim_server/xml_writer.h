@@ -19,6 +19,9 @@ class TXmlWriter {
   /// An element that holds a text. Text and attributes must be UTF-8 of characters that XML has.
   void Text(const char* element, std::string_view text, TAttributes attributes = {});
 
+  /// Elements that another writer wrote.
+  void Append(const std::string& elements) { m_text += elements; }
+
   /// The text so far, without a line end.
   const std::string& GetText() const { return m_text; }
 

@@ -12,8 +12,8 @@ enum class ELogPart { kKept, kLeftOut };
 std::string MakeJsonReport(const TAnswer& answer, ELogPart log = ELogPart::kKept);
 
 /// One line, with its end, of the answer for many machines: the answer's members after the machine's name. Throws
-/// TUnusable when it would be longer than 64 MiB: a fleet holds some lines in memory to put them in order. `change`: how each text is written; null:
-/// as it is.
+/// TUnusable when it would be longer than 64 MiB: a fleet holds some lines in memory to put them in order. `change`:
+/// how each text is written; null: as it is.
 std::string MakeMachineLine(const std::string& machine, const TAnswer& answer, ELogPart log = ELogPart::kKept,
                             std::string (*change)(const std::string& text) = nullptr);
 

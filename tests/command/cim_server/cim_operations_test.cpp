@@ -21,6 +21,7 @@ const TObjectName kOne = {"QRXSG_DesktopMonitor",
 const TClassName kMonitors = {"QRXSG_DesktopMonitor"};
 
 typedef std::vector<std::pair<std::string, TParameterValue>> TGiven;
+typedef std::vector<std::string> TNames;
 
 TCimRequest MakeRequest(const std::string& operation, const TGiven& parameters) {
   return {"<7>", operation, "Root/CIMv2", parameters};
@@ -37,7 +38,8 @@ ptree Parse(const std::string& text) {
 const ptree& GetResponse(const ptree& answer) { return answer.get_child("CIM.MESSAGE.SIMPLERSP.IMETHODRESPONSE"); }
 
 std::string Answer(const std::string& operation, const TGiven& parameters) {
-  return AnswerCim(MakeRequest(operation, parameters), TCimModel(MakeTwoMonitorsJson()), "here:1");
+  TEnumerations enumerations;
+  return AnswerCim(MakeRequest(operation, parameters), TCimModel(MakeTwoMonitorsJson()), enumerations, "here:1").xml;
 }
 
 ptree Call(const std::string& operation, const TGiven& parameters) {
@@ -69,8 +71,6 @@ std::vector<std::string> ListProperties(const ptree& instance) {
   return names;
 }
 
-typedef std::vector<std::string> TNames;
-
 }  // namespace
 
 TEST(CimOperations, AnswerWithTheRequestsIdAndName) {
@@ -101,8 +101,13 @@ TEST(CimOperations, ShowAnInstanceWithTheTypesOfItsValues) {
 
 TEST(CimOperations, ShowWhereAPropertyComesFromWhenAsked) {
   const TGiven parameters = {{"InstanceName", kOne}, {"IncludeClassOrigin", "true"}};
-  EXPECT_EQ(Call("GetInstance", parameters).get<std::string>("INSTANCE.PROPERTY.<xmlattr>.CLASSORIGIN"),
-            kMonitors.name);
+  TNames origins;
+  const ptree instance = Call("GetInstance", parameters).get_child("INSTANCE");
+  for (const auto& [element, property] : instance) {
+    if (element != "<xmlattr>") origins.push_back(property.get<std::string>("<xmlattr>.CLASSORIGIN"));
+  }
+  const std::string superclass = "CIM_DesktopMonitor";
+  EXPECT_EQ(origins, (TNames{superclass, kMonitors.name, superclass, kMonitors.name, superclass, superclass}));
 }
 
 TEST(CimOperations, ShowThePropertiesThatAreListed) {
@@ -124,7 +129,7 @@ TEST(CimOperations, GetAProperty) {
 }
 
 TEST(CimOperations, ShowClassesWithTheirQualifiersUnlessToldNotTo) {
-  const TGiven setting = {{"ClassName", TClassName{"QRXSG_MonitorSetting"}}};
+  const TGiven setting = {{"ClassName", TClassName{"QRXSG_MonitorSetting"}}, {"LocalOnly", "FALSE"}};
   const ptree shown = Call("GetClass", setting).get_child("CLASS");
   EXPECT_EQ(ListProperties(shown), (TNames{"Element", "Setting"}));
   EXPECT_EQ(shown.get<std::string>("QUALIFIER.<xmlattr>.NAME"), "Association");
@@ -135,15 +140,217 @@ TEST(CimOperations, ShowClassesWithTheirQualifiersUnlessToldNotTo) {
   EXPECT_EQ(Answer("EnumerateClasses", {{"IncludeQualifiers", "FALSE"}}).find("QUALIFIER"), std::string::npos);
 }
 
-TEST(CimOperations, EnumerateClassesOfWhichNoneHasSubclasses) {
+TEST(CimOperations, EnumerateClassesAtTheDepthThatIsAskedFor) {
   EXPECT_EQ(Call("EnumerateClassNames", {}).count("CLASSNAME"), 6U);
+  EXPECT_EQ(Call("EnumerateClassNames", {}).get<std::string>("CLASSNAME.<xmlattr>.NAME"), "CIM_VideoController");
+  EXPECT_EQ(Call("EnumerateClassNames", {{"DeepInheritance", "true"}}).count("CLASSNAME"), 12U);
   EXPECT_TRUE(Call("EnumerateClassNames", {{"ClassName", kMonitors}}).empty());
-  EXPECT_EQ(Call("EnumerateClasses", {}).count("CLASS"), 6U);
+  EXPECT_EQ(Call("EnumerateClassNames", {{"ClassName", TClassName{"CIM_DesktopMonitor"}}})
+                .get<std::string>("CLASSNAME.<xmlattr>.NAME"),
+            kMonitors.name);
+  EXPECT_EQ(Call("EnumerateClasses", {{"DeepInheritance", "TRUE"}}).count("CLASS"), 12U);
+}
+
+TEST(CimOperations, ShowOnlyWhatAClassDeclaresItselfUnlessToldOtherwise) {
+  const auto show = [](const TGiven& more) {
+    TGiven given = {{"ClassName", TClassName{"QRXSG_VideoHead"}}};
+    given.insert(given.end(), more.begin(), more.end());
+    return Call("GetClass", given).get_child("CLASS");
+  };
+  EXPECT_EQ(show({}).get<std::string>("<xmlattr>.SUPERCLASS"), "CIM_VideoHead");
+  EXPECT_EQ(ListProperties(show({})),
+            (TNames{"DisplayId", "VideoProcessor", "DACType", "VideoRamSize", "MonitorString", "HeadNumber"}));
+  const ptree all = show({{"LocalOnly", "FALSE"}, {"IncludeClassOrigin", "TRUE"}});
+  EXPECT_EQ(ListProperties(all).size(), 14U);
+  EXPECT_EQ(all.get<std::string>("PROPERTY.<xmlattr>.CLASSORIGIN"), "CIM_VideoHead");
+  EXPECT_EQ(all.get<std::string>("PROPERTY.<xmlattr>.PROPAGATED"), "true");
+}
+
+TEST(CimOperations, EnumerateTheInstancesOfASuperclass) {
+  const TClassName superclass = {"CIM_DesktopMonitor"};
+  const auto list = [&](const TGiven& more) {
+    TGiven given = {{"ClassName", superclass}};
+    given.insert(given.end(), more.begin(), more.end());
+    const ptree found = Call("EnumerateInstances", given);
+    EXPECT_EQ(found.size(), 2U);
+    const ptree instance = found.get_child(ptree::path_type("VALUE.NAMEDINSTANCE/INSTANCE", '/'));
+    EXPECT_EQ(instance.get<std::string>("<xmlattr>.CLASSNAME"), kMonitors.name);
+    return ListProperties(instance);
+  };
+  const TNames all = {"Bandwidth", "DPMSStandby", "DeviceID", "EDIDVersion", "Name", "OperationalStatus"};
+  EXPECT_EQ(list({}), all);
+  EXPECT_EQ(list({{"LocalOnly", "TRUE"}}), all);
+  EXPECT_EQ(list({{"DeepInheritance", "FALSE"}}), (TNames{"Bandwidth", "DeviceID", "Name", "OperationalStatus"}));
+  EXPECT_EQ(Call("EnumerateInstanceNames", {{"ClassName", superclass}}).size(), 2U);
+  EXPECT_EQ(
+      Call("AssociatorNames", {{"ObjectName", kOne}, {"ResultClass", TClassName{"CIM_MonitorResolution"}}}).size(), 1U);
+  EXPECT_EQ(Call("AssociatorNames", {{"ObjectName", kOne}, {"AssocClass", TClassName{"CIM_MonitorSetting"}}}).size(),
+            1U);
+  EXPECT_TRUE(Call("AssociatorNames", {{"ObjectName", kOne}, {"AssocClass", TClassName{"CIM_Dependency"}}}).empty());
+}
+
+TEST(CimOperations, SayWhatValuesMean) {
+  const std::string shown = Answer("GetClass", {{"ClassName", TClassName{"CIM_MonitorResolution"}}});
+  EXPECT_NE(shown.find(R"(<QUALIFIER NAME="ValueMap" TYPE="string"><VALUE.ARRAY><VALUE>1</VALUE><VALUE>2</VALUE>)"),
+            std::string::npos);
+  EXPECT_NE(
+      shown.find(R"(<QUALIFIER NAME="Values" TYPE="string" TRANSLATABLE="true"><VALUE.ARRAY><VALUE>Other</VALUE>)"),
+      std::string::npos);
 }
 
 TEST(CimOperations, DeclareTheQualifiersThatTheClassesUse) {
-  EXPECT_EQ(Call("EnumerateQualifiers", {}).size(), 4U);
+  EXPECT_EQ(Call("EnumerateQualifiers", {}).size(), 6U);
   EXPECT_EQ(Call("GetQualifier", {{"QualifierName", "key"}}).size(), 1U);
+}
+
+TEST(CimOperations, DescribeTheServerInTheInteropNamespace) {
+  TCimRequest request = MakeRequest("EnumerateInstances", {});
+  request.nameSpace = "root/Interop";
+  const auto call = [&](const std::string& name) {
+    request.parameters = {{"ClassName", TClassName{name}}};
+    TEnumerations enumerations;
+    return AnswerCim(request, TCimModel(MakeTwoMonitorsJson()), enumerations, "").xml;
+  };
+  const ptree namespaces = GetResponse(Parse(call("CIM_Namespace"))).get_child("IRETURNVALUE");
+  TNames names;
+  for (const auto& [element, named] : namespaces) {
+    for (const auto& [tag, property] : named.get_child("INSTANCE")) {
+      if (property.get("<xmlattr>.NAME", "") == "Name") names.push_back(property.get<std::string>("VALUE"));
+    }
+  }
+  EXPECT_EQ(names, (TNames{"root/interop", "root/cimv2"}));
+  EXPECT_NE(call("CIM_ObjectManager").find("<VALUE>displayinfo</VALUE>"), std::string::npos);
+  EXPECT_TRUE(GetResponse(Parse(call("CIM_RegisteredProfile"))).get_child("IRETURNVALUE").empty());
+  EXPECT_EQ(GetError(call("QRXSG_DesktopMonitor")), 5);
+  EXPECT_EQ(Refuse("EnumerateInstances", {{"ClassName", TClassName{"CIM_Namespace"}}}), 5);
+  request.operation = "GetInstance";
+  request.parameters = {{"InstanceName", kOne}};
+  TEnumerations enumerations;
+  EXPECT_EQ(GetError(AnswerCim(request, TCimModel(MakeTwoMonitorsJson()), enumerations, "").xml), 6);
+}
+
+namespace {
+
+/// A client that opens and pulls.
+class Pulling : public testing::Test {
+ protected:
+  /// The answer, whose context is kept.
+  ptree Ask(const std::string& operation, const TGiven& parameters, const std::string& nameSpace = "root/cimv2") {
+    TCimRequest request = MakeRequest(operation, parameters);
+    request.nameSpace = nameSpace;
+    const ptree response = GetResponse(Parse(AnswerCim(request, m_model, m_enumerations, "here:1").xml));
+    m_error = response.get("ERROR.<xmlattr>.CODE", 0);
+    for (const auto& [element, value] : response) {
+      if (element != "PARAMVALUE") continue;
+      (value.get<std::string>("<xmlattr>.NAME") == "EndOfSequence" ? m_end : m_context) =
+          value.get<std::string>("VALUE");
+    }
+    return response.get_child("IRETURNVALUE", ptree());
+  }
+
+  int Refuse(const std::string& operation, const TGiven& parameters, const std::string& nameSpace = "root/cimv2") {
+    Ask(operation, parameters, nameSpace);
+    return m_error;
+  }
+
+  TCimModel m_model = TCimModel(MakeTwoMonitorsJson());
+  TEnumerations m_enumerations;
+  std::string m_context;
+  std::string m_end;
+  int m_error = 0;
+};
+
+}  // namespace
+
+TEST_F(Pulling, BringsInstancesPieceByPiece) {
+  EXPECT_TRUE(Ask("OpenEnumerateInstances", {{"ClassName", kMonitors}}).empty());
+  EXPECT_EQ(m_end, "FALSE");
+  EXPECT_EQ(Ask("PullInstancesWithPath", {{"EnumerationContext", m_context}, {"MaxObjectCount", "1"}})
+                .count("VALUE.INSTANCEWITHPATH"),
+            1U);
+  EXPECT_EQ(m_end, "FALSE");
+  EXPECT_TRUE(Ask("PullInstancesWithPath", {{"EnumerationContext", m_context}, {"MaxObjectCount", "0"}}).empty());
+  const ptree last =
+      Ask("PullInstancesWithPath", {{"EnumerationContext", m_context}, {"MaxObjectCount", "4294967295"}});
+  EXPECT_EQ(m_end, "TRUE");
+  EXPECT_EQ(m_context, "");
+  const ptree one = last.get_child(ptree::path_type("VALUE.INSTANCEWITHPATH", '/'));
+  EXPECT_EQ(one.get<std::string>("INSTANCEPATH.NAMESPACEPATH.HOST"), "here:1");
+  EXPECT_EQ(one.count("INSTANCE"), 1U);
+}
+
+TEST_F(Pulling, BringsAllAtOnceWhenAskedTo) {
+  EXPECT_EQ(
+      Ask("OpenEnumerateInstancePaths", {{"ClassName", kMonitors}, {"MaxObjectCount", "2"}}).count("INSTANCEPATH"), 2U);
+  EXPECT_EQ(m_end, "TRUE");
+  EXPECT_EQ(m_context, "");
+}
+
+TEST_F(Pulling, FollowsAssociations) {
+  const TGiven one = {{"InstanceName", kOne}, {"MaxObjectCount", "9"}};
+  EXPECT_EQ(Ask("OpenAssociatorInstances", one).count("VALUE.INSTANCEWITHPATH"), 1U);
+  EXPECT_EQ(Ask("OpenAssociatorInstancePaths", one).count("INSTANCEPATH"), 1U);
+  EXPECT_EQ(Ask("OpenReferenceInstances", one).count("VALUE.INSTANCEWITHPATH"), 1U);
+  EXPECT_EQ(Ask("OpenReferenceInstancePaths", one).count("INSTANCEPATH"), 1U);
+  EXPECT_EQ(Refuse("OpenAssociatorInstances", {{"ObjectName", kOne}}), 4);
+}
+
+TEST_F(Pulling, EndsWhenItIsClosed) {
+  Ask("OpenEnumerateInstancePaths", {{"ClassName", kMonitors}});
+  EXPECT_EQ(Refuse("CloseEnumeration", {{"EnumerationContext", m_context}}), 0);
+  EXPECT_EQ(Refuse("CloseEnumeration", {{"EnumerationContext", m_context}}), 21);
+  EXPECT_EQ(Refuse("PullInstancePaths", {{"EnumerationContext", m_context}, {"MaxObjectCount", "1"}}), 21);
+}
+
+TEST_F(Pulling, KnowsAContextOnlyForWhatItWasOpened) {
+  Ask("OpenEnumerateInstancePaths", {{"ClassName", kMonitors}});
+  const TGiven pull = {{"EnumerationContext", m_context}, {"MaxObjectCount", "1"}};
+  EXPECT_EQ(Refuse("PullInstancesWithPath", pull), 21);
+  EXPECT_EQ(Refuse("PullInstancePaths", pull, "root/interop"), 21);
+  EXPECT_EQ(Refuse("CloseEnumeration", {pull[0]}, "root/interop"), 21);
+  EXPECT_EQ(Refuse("PullInstancePaths", pull, "ROOT/CIMV2"), 0);
+  EXPECT_EQ(Refuse("PullInstancePaths", {{"EnumerationContext", "nope"}, {"MaxObjectCount", "1"}}), 21);
+}
+
+TEST_F(Pulling, RefusesWithTheErrorOfTheStandard) {
+  const auto refuse = [&](const char* name, const char* value) {
+    return Refuse("OpenEnumerateInstances", {{"ClassName", kMonitors}, {name, value}});
+  };
+  EXPECT_EQ(refuse("OperationTimeout", "0"), 22);
+  EXPECT_EQ(refuse("OperationTimeout", "601"), 22);
+  EXPECT_EQ(refuse("OperationTimeout", "600"), 0);
+  EXPECT_EQ(refuse("OperationTimeout", "-1"), 4);
+  EXPECT_EQ(refuse("FilterQueryLanguage", "DMTF:FQL"), 25);
+  EXPECT_EQ(refuse("FilterQuery", "a = 1"), 25);
+  EXPECT_EQ(refuse("FilterQuery", ""), 0);
+  EXPECT_EQ(refuse("ContinueOnError", "TRUE"), 26);
+  EXPECT_EQ(refuse("ContinueOnError", "FALSE"), 0);
+  EXPECT_EQ(refuse("MaxObjectCount", "4294967296"), 4);
+  EXPECT_EQ(Refuse("PullInstancesWithPath", {{"EnumerationContext", m_context}}), 4);
+  EXPECT_EQ(Refuse("OpenEnumerateInstances", {{"ClassName", TClassName{"Nope"}}}), 5);
+}
+
+TEST_F(Pulling, IsRefusedWhenTooManyAreOpen) {
+  const TGiven monitors = {{"ClassName", kMonitors}};
+  for (std::size_t number = 0; number < TEnumerations::kMaxCount; ++number) {
+    EXPECT_EQ(Refuse("OpenEnumerateInstancePaths", monitors), 0);
+  }
+  EXPECT_EQ(Refuse("OpenEnumerateInstancePaths", monitors), 27);
+  EXPECT_EQ(Refuse("CloseEnumeration", {{"EnumerationContext", m_context}}), 0);
+  EXPECT_EQ(Refuse("OpenEnumerateInstancePaths", monitors), 0);
+}
+
+TEST_F(Pulling, NeedsNoInstancesToGoOn) {
+  EXPECT_TRUE(NeedsInstances(MakeRequest("OpenEnumerateInstances", {{"ClassName", kMonitors}})));
+  EXPECT_FALSE(NeedsInstances(MakeRequest("PullInstancesWithPath", {{"EnumerationContext", "a"}})));
+}
+
+TEST(CimOperations, RefuseFlagsThatAreNeitherTrueNorFalse) {
+  for (const char* const flag : {"LocalOnly", "DeepInheritance", "IncludeQualifiers", "IncludeClassOrigin"}) {
+    EXPECT_EQ(Refuse("EnumerateInstances", {{"ClassName", kMonitors}, {flag, "maybe"}}), 4) << flag;
+    EXPECT_EQ(Refuse("EnumerateInstances", {{"ClassName", kMonitors}, {flag, ""}}), 4) << flag;
+    EXPECT_EQ(Refuse("EnumerateInstances", {{"ClassName", kMonitors}, {flag, "False"}}), 0) << flag;
+  }
 }
 
 TEST(CimOperations, FollowAssociations) {
@@ -192,7 +399,7 @@ TEST(CimOperations, RefuseWithTheErrorOfTheStandard) {
   EXPECT_EQ(Refuse("Associators", {{"ObjectName", kMonitors}}), 7);
   EXPECT_EQ(Refuse("Associators", {{"ObjectName", kOne}, {"AssocClass", nope}}), 4);
   for (const char* const name : {"CreateInstance", "ModifyInstance", "DeleteInstance", "SetProperty", "CreateClass",
-                                 "DeleteClass", "ExecQuery", "OpenEnumerateInstances", "PullInstances", "Nope"}) {
+                                 "DeleteClass", "ExecQuery", "OpenQueryInstances", "EnumerationCount", "Nope"}) {
     EXPECT_EQ(Refuse(name, {{"NewInstance", TOtherElement()}}), 7) << name;
   }
 }
@@ -200,11 +407,12 @@ TEST(CimOperations, RefuseWithTheErrorOfTheStandard) {
 TEST(CimOperations, RefuseOtherNamespaces) {
   TCimRequest request = MakeRequest("EnumerateClassNames", {});
   request.nameSpace = "root/other";
-  EXPECT_EQ(GetError(AnswerCim(request, TCimModel(), "")), 3);
+  TEnumerations enumerations;
+  EXPECT_EQ(GetError(AnswerCim(request, TCimModel(), enumerations, "").xml), 3);
 }
 
 TEST(CimOperations, TellWhyACollectionFailed) {
-  const std::string answer = AnswerFailure(MakeRequest("GetInstance", {}), "it died \x01");
+  const std::string answer = AnswerFailure(MakeRequest("GetInstance", {}), "it died \x01").xml;
   EXPECT_EQ(GetError(answer), 1);
   EXPECT_NE(answer.find("CIM_ERR_FAILED: it died \xEF\xBF\xBD"), std::string::npos);
 }

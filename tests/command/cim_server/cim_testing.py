@@ -51,6 +51,7 @@ class Server:
         self.url = self.process.stdout.readline().strip()
         assert self.url, f"the server says no address: {self.read_errors()}"
         self.address = self.url.split("/")[2]
+        self.answers = set()
 
     def __enter__(self):
         return self
@@ -62,6 +63,7 @@ class Server:
         require_no_process_left(self.process.pid)
         if kind is None:
             assert is_there and status == 0, f"the server ended with status {status}: {self.read_errors()}"
+            require_valid(self.answers)
 
     def read_errors(self):
         self.errors.seek(0)
@@ -81,6 +83,8 @@ class Server:
         content = answer.read()
         if connection is None:
             used.close()
+        if answer.status == 200:
+            self.answers.add(content)
         return answer.status, answer.headers, content
 
     def call(self, operation, parameters="", namespace=NAMESPACE):
@@ -101,6 +105,10 @@ def make_request(operation, parameters="", namespace=NAMESPACE):
 
 def class_name(name, parameter="ClassName"):
     return f'<IPARAMVALUE NAME="{parameter}"><CLASSNAME NAME="{name}"/></IPARAMVALUE>'
+
+
+def flag(parameter, value="TRUE"):
+    return f'<IPARAMVALUE NAME="{parameter}"><VALUE>{value}</VALUE></IPARAMVALUE>'
 
 
 def collect(command, machine):
@@ -186,12 +194,14 @@ def list_examples(examples):
                   if os.path.exists(os.path.join(examples, name, "machine.json")))
 
 
-def require_well_formed(answers, folder):
-    """Holds the answers against xmllint."""
-    files = []
-    for number, answer in enumerate(answers):
-        files.append(os.path.join(folder, f"{number}.xml"))
-        with open(files[-1], "wb") as file:
-            file.write(answer)
-    for first in range(0, len(files), 1000):
-        subprocess.run(["xmllint", "--noout", "--nonet", *files[first:first + 1000]], check=True)
+def require_valid(answers):
+    """Holds the answers against what the server may send, with xmllint."""
+    dtd = os.path.join(os.path.dirname(os.path.abspath(__file__)), "cim_answers.dtd")
+    with tempfile.TemporaryDirectory() as folder:
+        files = []
+        for number, answer in enumerate(answers):
+            files.append(os.path.join(folder, f"{number}.xml"))
+            with open(files[-1], "wb") as file:
+                file.write(answer)
+        for first in range(0, len(files), 1000):
+            subprocess.run(["xmllint", "--noout", "--nonet", "--dtdvalid", dtd, *files[first:first + 1000]], check=True)
