@@ -9,6 +9,7 @@ TAnswerKeeper::TAnswerKeeper(std::chrono::seconds maxAge, std::function<void()> 
 
 void TAnswerKeeper::Start() {
   m_isCollecting = true;
+  m_isDropped = false;
   m_collect();
 }
 
@@ -29,7 +30,11 @@ void TAnswerKeeper::Put(TCollected collected) {
   for (const TWaiting& waiting : std::exchange(m_waiting, {})) waiting.asker.tell(m_collected);
 }
 
-bool TAnswerKeeper::IsTooOld() const { return m_now() - m_time > (m_collected.model == nullptr ? kPause : m_maxAge); }
+void TAnswerKeeper::Drop() { m_isDropped = true; }
+
+bool TAnswerKeeper::IsTooOld() const {
+  return m_isDropped || m_now() - m_time > (m_collected.model == nullptr ? kPause : m_maxAge);
+}
 
 void TAnswerKeeper::WakeLater() {
   if (!m_hasCollected || m_isWaking || m_waiting.empty()) return;

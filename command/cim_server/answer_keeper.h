@@ -45,6 +45,9 @@ class TAnswerKeeper {
   /// A collection has ended.
   void Put(TCollected collected);
 
+  /// The machine has changed: the newest result is too old now, and so is that of a collection that is under way.
+  void Drop();
+
  private:
   struct TWaiting {
     TAsker asker;
@@ -61,8 +64,9 @@ class TAnswerKeeper {
   TLater m_later;
   bool m_isCollecting = false;
   bool m_hasCollected = false;
-  bool m_isWaking = false;  // TellImpatient will be called
-  TTime m_time;             // of m_collected
+  bool m_isDropped = false;  // since the last collection began
+  bool m_isWaking = false;   // TellImpatient will be called
+  TTime m_time;              // of m_collected
   TCollected m_collected;
   std::deque<TWaiting> m_waiting;  // in the order in which their patience ends
 };

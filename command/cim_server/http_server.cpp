@@ -233,14 +233,28 @@ struct THttpServer::TState {
   asio::io_context context = asio::io_context(1);
   std::list<tcp::acceptor> acceptors;
   asio::signal_set signals = asio::signal_set(context, SIGINT, SIGTERM);
+  /// Until the descriptor is released.
+  void CallWhenever(std::function<void()> ready) {
+    watchedAlways.async_wait(asio::posix::stream_descriptor::wait_read,
+                             [this, ready = std::move(ready)](error_code error) {
+                               if (error) return;
+                               ready();
+                               CallWhenever(ready);
+                             });
+  }
+
   asio::posix::stream_descriptor watched = asio::posix::stream_descriptor(context);
+  asio::posix::stream_descriptor watchedAlways = asio::posix::stream_descriptor(context);
   std::shared_ptr<TShared> shared;
 };
 
 THttpServer::THttpServer(std::vector<TDescriptor> listeners, const THttpLimits& limits)
     : m_state(std::make_unique<TState>(std::move(listeners), limits)) {}
 
-THttpServer::~THttpServer() { Unwatch(); }
+THttpServer::~THttpServer() {
+  Unwatch();
+  if (m_state->watchedAlways.is_open()) m_state->watchedAlways.release();
+}
 
 void THttpServer::WatchOnce(int descriptor, std::function<void()> ready) {
   m_state->watched.assign(descriptor);
@@ -250,6 +264,11 @@ void THttpServer::WatchOnce(int descriptor, std::function<void()> ready) {
                                 Unwatch();  // `ready` may close it
                                 ready();
                               });
+}
+
+void THttpServer::Watch(int descriptor, std::function<void()> ready) {
+  m_state->watchedAlways.assign(descriptor);
+  m_state->CallWhenever(std::move(ready));
 }
 
 void THttpServer::Unwatch() {

@@ -54,6 +54,9 @@ class THttpServer {
   void WatchOnce(int descriptor, std::function<void()> ready);
   /// Gives up watching: before the descriptor is closed.
   void Unwatch();
+  /// Calls `ready` whenever there is something to read from the descriptor, which stays the caller's and open. One at a
+  /// time.
+  void Watch(int descriptor, std::function<void()> ready);
   /// Calls `done` once, after that time, unless the timer has been destroyed by then. It must not outlive the server.
   [[nodiscard]] TTimer StartTimer(std::chrono::milliseconds time, std::function<void()> done);
 

@@ -22,6 +22,7 @@
 #include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
 #include "command/machine/captured_machine.h"
+#include "command/machine/graphics_events.h"
 #include "command/report/empty_classes.h"
 #include "command/report/json_report.h"
 #include "embedded_host/schema.h"
@@ -113,6 +114,15 @@ class TNews {
   std::vector<std::string> m_remarks;
 };
 
+/// Of this machine. Without them an answer is as old as it may be.
+std::optional<TGraphicsEvents> ListenToGraphics(const TServeOptions& options) try {
+  if (options.machine) return std::nullopt;
+  return std::optional<TGraphicsEvents>(std::in_place);
+} catch (const TUnusable& failure) {
+  ShowRemark(std::string(failure.what()) + "; answers are kept until they are too old");
+  return std::nullopt;
+}
+
 /// The listening process: HTTP on one side, the worker on the other.
 class TServing {
  public:
@@ -129,6 +139,11 @@ class TServing {
             }) {}
 
   void Run() {
+    if (m_events) {
+      m_server.Watch(m_events->GetDescriptor(), [this] {
+        if (m_events->Take()) m_keeper.Drop();
+      });
+    }
     WriteStandardOutput("http://" + m_address + "/root/cimv2\n");
     m_keeper.Start();
     m_server.Run([this](const THttpRequest& request, const THttpServer::TReply& reply) { Answer(request, reply); });
@@ -175,6 +190,7 @@ class TServing {
 
   TServeOptions m_options;
   TCollectingWorker m_worker;
+  std::optional<TGraphicsEvents> m_events = ListenToGraphics(m_options);
   std::vector<TDescriptor> m_listeners;  // empty once the server has them
   std::string m_address;                 // the first of those where it listens
   THttpServer m_server;

@@ -163,3 +163,28 @@ TEST(AnswerKeeperAlone, TakesACollectionThatEndsAtOnce) {
   keeper.Ask({[&](const TCollected& collected) { told = collected.failure; }, [] { return true; }});
   EXPECT_EQ(told, "no process");
 }
+
+TEST_F(AnswerKeeper, CollectsAgainForWhoAsksAfterTheMachineHasChanged) {
+  m_keeper.Start();
+  m_keeper.Put(MakeModel());
+  m_keeper.Drop();
+  EXPECT_EQ(m_collections, 1);  // only when somebody asks
+  std::string told;
+  Ask(told);
+  EXPECT_EQ(told, "");
+  EXPECT_EQ(m_collections, 2);
+  m_keeper.Put(MakeModel());
+  EXPECT_EQ(told, "instances ");
+  EXPECT_EQ(Ask(), "instances ");
+  EXPECT_EQ(m_collections, 2);
+}
+
+TEST_F(AnswerKeeper, CollectsAgainWhenTheMachineHasChangedDuringACollection) {
+  m_keeper.Start();
+  m_keeper.Drop();
+  m_keeper.Put(MakeModel());
+  std::string told;
+  Ask(told);
+  EXPECT_EQ(told, "");
+  EXPECT_EQ(m_collections, 2);
+}

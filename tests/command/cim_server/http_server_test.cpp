@@ -286,3 +286,21 @@ TEST(HttpServer, WatchesADescriptorAndATimer) {
   server.Run([](const THttpRequest&, const THttpServer::TReply&) {});
   EXPECT_EQ(heard, "readable timer");
 }
+
+TEST(HttpServer, CallsWheneverThereIsSomethingToRead) {
+  THttpServer server(Listen({"127.0.0.1"}, 0));
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const TDescriptor reading(ends[0]);
+  const TDescriptor writing(ends[1]);
+  std::string heard;
+  server.Watch(reading.Get(), [&] {
+    char byte = 0;
+    ASSERT_EQ(read(reading.Get(), &byte, 1), 1);
+    heard += byte;
+    if (heard == "ab") server.Stop();
+  });
+  ASSERT_EQ(write(writing.Get(), "ab", 2), 2);
+  server.Run([](const THttpRequest&, const THttpServer::TReply&) {});
+  EXPECT_EQ(heard, "ab");
+}
