@@ -52,7 +52,7 @@ std::string MakeReport(const TMachineReport& machine) {
   ++counts[static_cast<std::size_t>(machine.state)];
   const std::string begin = report.Begin();
   const std::string text = begin + report.Add(machine);
-  return text + report.End(counts);
+  return text + report.End(counts, {});
 }
 
 void RequireReports(const TMachineDifference& difference) {

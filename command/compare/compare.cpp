@@ -1,8 +1,8 @@
 #include "command/compare/compare.h"
 
 #include <cstdlib>
+#include <deque>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <new>
 #include <optional>
@@ -21,6 +21,7 @@
 #include "command/collection/time_limit.h"
 #include "command/compare/compared_side.h"
 #include "command/compare/difference_report.h"
+#include "command/compare/moves.h"
 #include "command/machine/reasons.h"
 #include "embedded_host/schema.h"
 
@@ -50,57 +51,71 @@ TReadAnswer Ask(const std::string& name, const std::function<TMachine()>& read, 
   });
 }
 
+/// What a machine is known again by.
+struct TMachineKey {
+  std::string path;        // how its line or its file calls it
+  std::string systemName;  // empty where its answer has none, or where machines are known by their paths
+};
+
 /// The machines of the older side, kept until their counterpart comes.
 class TKnownMachines {
  public:
-  explicit TKnownMachines(TComparedSide& side) {
-    while (side.HasNext()) {
-      const TComparedMachine machine = side.TakeNext();
-      m_machines[machine.name].waiting.push_back({m_count++, Pack(MakeFacts(machine.answer))});
+  void Add(TMachineKey key, const TMachineFacts& facts) {
+    m_byPath[key.path].push_back(m_machines.size());
+    if (!key.systemName.empty()) m_bySystemName[key.systemName].push_back(m_machines.size());
+    m_machines.push_back({std::move(key), Pack(facts)});
+  }
+
+  std::size_t CountAll() const { return m_machines.size(); }
+
+  /// The packed facts of the only machine.
+  std::string TakeOnly() { return TakeAt(0); }
+
+  /// The packed facts of the machine with the system name, where it is the only one; else of that with the path, which
+  /// must not have another system name. Several with one path come in their order. Nothing when none is left.
+  std::optional<std::string> Take(const TMachineKey& key) {
+    const auto namesakes = m_bySystemName.find(key.systemName);
+    if (namesakes != m_bySystemName.end() && namesakes->second.size() == 1) {
+      const std::size_t only = namesakes->second.front();
+      if (!m_machines[only].isTaken) return TakeAt(only);
     }
+    const auto found = m_byPath.find(key.path);
+    if (found == m_byPath.end()) return std::nullopt;
+    std::deque<std::size_t>& waiting = found->second;
+    while (!waiting.empty() && m_machines[waiting.front()].isTaken) waiting.pop_front();
+    if (waiting.empty()) return std::nullopt;
+    const std::string& systemName = m_machines[waiting.front()].key.systemName;
+    const bool isOther = !systemName.empty() && !key.systemName.empty() && systemName != key.systemName;
+    if (isOther) return std::nullopt;
+    return TakeAt(waiting.front());
   }
 
-  std::size_t CountAll() const { return m_count; }
-
-  /// The packed facts of the machine of that name; nothing when none is left. Several of one name come in their order.
-  std::optional<std::string> Take(const std::string& name) {
-    const auto found = m_machines.find(name);
-    if (found == m_machines.end() || found->second.IsUsedUp()) return std::nullopt;
-    return std::move(found->second.waiting[found->second.next++].packed);
-  }
-
-  /// The names of those that are left, in their order.
-  std::vector<std::string> ListLeft() const {
-    std::map<std::size_t, std::string> left;  // by their numbers
-    for (const auto& [name, machines] : m_machines) {
-      for (std::size_t index = machines.next; index < machines.waiting.size(); ++index) {
-        left[machines.waiting[index].number] = name;
-      }
+  /// Reports of those that are left, in their order.
+  std::vector<TMachineReport> ListGone() const {
+    std::vector<TMachineReport> reports;
+    for (const TMachine& machine : m_machines) {
+      if (machine.isTaken) continue;
+      reports.push_back(
+          {machine.key.path, EMachineState::kGone, {ListMonitors(Unpack(machine.packed), EState::kGone), {}}});
     }
-    std::vector<std::string> names;
-    names.reserve(left.size());
-    for (auto& [number, name] : left) names.push_back(std::move(name));
-    return names;
+    return reports;
   }
-
-  /// The name of the only machine.
-  const std::string& GetOnlyName() const { return m_machines.begin()->first; }
 
  private:
   struct TMachine {
-    std::size_t number;
+    TMachineKey key;
     std::string packed;
+    bool isTaken = false;
   };
 
-  struct TNamesakes {
-    std::vector<TMachine> waiting;
-    std::size_t next = 0;
+  std::string TakeAt(std::size_t index) {
+    m_machines[index].isTaken = true;
+    return std::move(m_machines[index].packed);
+  }
 
-    bool IsUsedUp() const { return next == waiting.size(); }
-  };
-
-  std::unordered_map<std::string, TNamesakes> m_machines;
-  std::size_t m_count = 0;
+  std::vector<TMachine> m_machines;
+  std::unordered_map<std::string, std::deque<std::size_t>> m_byPath;  // in m_machines
+  std::unordered_map<std::string, std::vector<std::size_t>> m_bySystemName;
 };
 
 void RequireComparable(const std::string& name, const TMachineFacts& before, const TMachineFacts& after) {
@@ -135,25 +150,47 @@ class TComparison {
     TComparedSide after(m_options.after, ask);
     if (before.HasBytes() != after.HasBytes()) (before.HasBytes() ? before : after).LoseBytes();
     const bool hasNames = before.HasNames() && after.HasNames();
-    TKnownMachines known(before);
-    Write(m_report->Begin());
-    while (after.HasNext()) {
-      const TComparedMachine machine = after.TakeNext();
-      // Of one machine on each side it does not matter what the file is called.
-      const bool isOnlyOne = !hasNames && m_done++ == 0 && known.CountAll() == 1 && !after.HasNext();
-      AddNew(machine, isOnlyOne ? known.GetOnlyName() : machine.name, known);
+    TKnownMachines known;
+    while (before.HasNext()) {
+      const TComparedMachine machine = before.TakeNext();
+      const TMachineFacts facts = MakeFacts(machine.answer);
+      m_moves.CountOld(facts);
+      known.Add(GetKey(machine), facts);
     }
-    for (const std::string& name : known.ListLeft()) Add({name, EMachineState::kGone, {}});
-    Write(m_report->End(m_counts));
+    Write(m_report->Begin());
+    try {
+      AddAll(after, hasNames, known);
+    } catch (const TUnusable&) {
+      WriteReports();  // of the machines before
+      throw;
+    }
+    for (TMachineReport& machine : known.ListGone()) Add(std::move(machine));
+    const std::vector<TDoubtfulSerial> doubtful = m_moves.Find(m_reports);
+    WriteReports();
+    Write(m_report->End(m_counts, doubtful));
     RequireAsked();
     return m_isDifferent ? kDifferent : kEqual;
   }
 
  private:
-  void AddNew(const TComparedMachine& machine, const std::string& oldName, TKnownMachines& known) {
-    const std::optional<std::string> before = known.Take(oldName);
-    if (!before) return Add({machine.name, EMachineState::kCame, {}});
+  void AddAll(TComparedSide& after, bool hasNames, TKnownMachines& known) {
+    while (after.HasNext()) {
+      const TComparedMachine machine = after.TakeNext();
+      // Of one machine on each side it does not matter what the file is called.
+      const bool isOnlyOne = !hasNames && m_done++ == 0 && known.CountAll() == 1 && !after.HasNext();
+      AddNew(machine, isOnlyOne ? known.TakeOnly() : known.Take(GetKey(machine)));
+    }
+  }
+
+  TMachineKey GetKey(const TComparedMachine& machine) const {
+    return {machine.name, m_options.isByPath ? std::string() : GetSystemName(machine.answer)};
+  }
+
+  /// `before`: the packed facts of its counterpart; nothing when it has none.
+  void AddNew(const TComparedMachine& machine, const std::optional<std::string>& before) {
     const TMachineFacts facts = MakeFacts(machine.answer);
+    m_moves.CountNew(facts);
+    if (!before) return Add({machine.name, EMachineState::kCame, {ListMonitors(facts, EState::kCame), {}}});
     if (*before == Pack(facts) && !facts.error) {
       RequireComparable(machine.name, facts, facts);
       return Add({machine.name, EMachineState::kEqual, {}});
@@ -161,12 +198,19 @@ class TComparison {
     Add(CompareMachines(machine.name, Unpack(*before), facts));
   }
 
-  void Add(const TMachineReport& machine) {
+  void Add(TMachineReport machine) {
     ++m_counts[static_cast<std::size_t>(machine.state)];
     if (machine.state == EMachineState::kEqual) return;
     // One that could be asked neither then nor now may be the same.
     m_isDifferent = m_isDifferent || !machine.before || !machine.after;
-    Write(m_report->Add(machine));
+    m_reports.push_back(std::move(machine));
+  }
+
+  void WriteReports() {
+    for (TMachineReport& machine : m_reports) {
+      RemoveWhatIsNotTold(machine);
+      Write(m_report->Add(machine));
+    }
   }
 
   /// Nothing is equal where each machine is an error on both sides.
@@ -180,6 +224,8 @@ class TComparison {
 
   const TCompareOptions& m_options;
   std::unique_ptr<IDifferenceReport> m_report;
+  TMoves m_moves;
+  std::vector<TMachineReport> m_reports;  // kept until it is known what came from which machine
   TMachineCounts m_counts = {};
   std::size_t m_done = 0;
   bool m_isDifferent = false;

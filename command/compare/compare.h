@@ -8,6 +8,7 @@ struct TCompareOptions {
   std::filesystem::path before;
   std::filesystem::path after;
   bool isJson = false;
+  bool isByPath = false;             // the machines of fleets are known again by their paths, not by system names
   std::filesystem::path plugin;      // that captured machines are asked with
   std::chrono::seconds timeout{60};  // for each of them
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <map>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -29,11 +30,25 @@ void EraseHeadProperties(TProperties& properties) {
   }
 }
 
+/// The kernel tells the modes of a card only to those who may open its device. Then no connector of it has one.
+bool ShowsModes(const TController& controller) {
+  const auto isConnector = [](const THead& head) { return IsConnector(head.name); };
+  const auto hasMode = [](const THead& head) { return head.properties.count("CurrentHorizontalResolution") != 0; };
+  return std::none_of(controller.heads.begin(), controller.heads.end(), isConnector) ||
+         std::any_of(controller.heads.begin(), controller.heads.end(), hasMode);
+}
+
 /// Leaves of each device what two machines can be compared by.
 class TComparableFacts {
  public:
   TComparableFacts(const TMachineFacts& before, const TMachineFacts& after)
-      : m_before(before), m_after(after), m_old(ListConnected(before)), m_new(ListConnected(after)) {}
+      : m_before(before), m_after(after), m_old(ListConnected(before)), m_new(ListConnected(after)) {
+    for (const TMachineFacts* const machine : {&before, &after}) {
+      for (const TController& controller : machine->controllers) {
+        if (!ShowsModes(controller)) m_withoutModes.insert(controller.identity);
+      }
+    }
+  }
 
   bool AreAsked(const char* className) const {
     return m_before.classes.count(className) != 0 && m_after.classes.count(className) != 0;
@@ -48,7 +63,7 @@ class TComparableFacts {
     if (AreAsked(kVideoHeadClass)) {
       // The heads tell it themselves, each its own.
       EraseHeadProperties(controller.properties);
-      for (THead& head : controller.heads) ChooseHead(head);
+      for (THead& head : controller.heads) ChooseHead(head, controller.identity);
       return controller;
     }
     controller.heads.clear();
@@ -58,11 +73,13 @@ class TComparableFacts {
   }
 
  private:
-  void ChooseHead(THead& head) const {
+  /// `controller`: its identity.
+  void ChooseHead(THead& head, const std::string& controller) const {
     if (!IsConnector(head.name)) return;
     // The monitor at a connector is told of as one. It takes its mode with it, which is no change of the controller.
     head.properties.erase(kMonitorString);
-    if (!HasSameMonitor(head.name)) EraseHeadProperties(head.properties);
+    const bool isComparable = HasSameMonitor(head.name) && m_withoutModes.count(controller) == 0;
+    if (!isComparable) EraseHeadProperties(head.properties);
   }
 
   bool HasSameMonitor(const std::string& connector) const {
@@ -76,6 +93,7 @@ class TComparableFacts {
   const TMachineFacts& m_after;
   const TConnected m_old;
   const TConnected m_new;
+  std::set<std::string> m_withoutModes;  // identities of controllers whose modes one side could not see
 };
 
 TPropertyValue Get(const TProperties& properties, const std::string& name) {
@@ -247,6 +265,13 @@ std::vector<TDeviceDifference<TDevice>> ComparePairs(const std::vector<TDevice>&
 bool AreComparable(const TMachineFacts& before, const TMachineFacts& after) {
   const TComparableFacts comparable(before, after);
   return comparable.AreAsked(kDesktopMonitorClass) || comparable.AreAsked(kVideoControllerClass);
+}
+
+TMonitorDifferences ListMonitors(const TMachineFacts& machine, EState state) {
+  TMonitorDifferences differences;
+  if (machine.classes.count(kDesktopMonitorClass) == 0) return differences;
+  for (const TMonitor& monitor : machine.monitors) differences.push_back({state, monitor, {}});
+  return differences;
 }
 
 TMachineDifference Compare(const TMachineFacts& before, const TMachineFacts& after) {

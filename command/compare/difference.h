@@ -7,7 +7,8 @@
 
 #include "command/compare/machine_facts.h"
 
-enum class EState { kCame, kGone, kChanged };
+/// Moved: it came from another machine. Left: it is gone to one, where its move is told.
+enum class EState { kCame, kGone, kChanged, kMoved, kLeft };
 
 template <typename TFact>
 struct TChanged {
@@ -26,6 +27,7 @@ struct TDeviceDifference {
   EState state;
   TDevice device;                // the old one when it is gone, else the new one
   std::vector<TChange> changes;  // of one that has changed, sorted by their names
+  std::string origin = {};       // of one that has moved: the machine that it was at
 };
 
 typedef std::vector<TDeviceDifference<TMonitor>> TMonitorDifferences;
@@ -40,6 +42,9 @@ struct TMachineDifference {
 
 /// Whether both were asked for monitors, or both for controllers. Else no difference can be found.
 bool AreComparable(const TMachineFacts& before, const TMachineFacts& after);
+
+/// The differences of a machine that came or is gone: each monitor that it was asked for.
+TMonitorDifferences ListMonitors(const TMachineFacts& machine, EState state);
 
 /// Where devices stand in their lists is no difference. What one of the two was not asked for is not compared.
 TMachineDifference Compare(const TMachineFacts& before, const TMachineFacts& after);

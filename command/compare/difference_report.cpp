@@ -20,7 +20,10 @@ const char* GetName(EState state) {
     case EState::kCame:
       return "came";
     case EState::kGone:
+    case EState::kLeft:
       return "gone";
+    case EState::kMoved:
+      return "moved";
     case EState::kChanged:
       break;
   }
@@ -148,10 +151,14 @@ std::string GetName(const TController& controller) {
 }
 
 template <typename TDevice>
-std::string MakeText(const char* kind, const std::vector<TDeviceDifference<TDevice>>& differences) {
+std::string MakeText(const char* kind, const TMachineReport& machine,
+                     const std::vector<TDeviceDifference<TDevice>>& differences) {
   std::string text;
   for (const auto& difference : differences) {
-    text += "  " + std::string(kind) + " " + GetName(difference.state) + ": " + GetName(difference.device) + "\n";
+    const std::string way = difference.state == EState::kMoved
+                                ? " from " + ToPrintable(difference.origin) + " to " + ToPrintable(machine.name)
+                                : std::string();
+    text += "  " + std::string(kind) + " " + GetName(difference.state) + way + ": " + GetName(difference.device) + "\n";
     for (const TChange& change : difference.changes) text += MakeText(change);
   }
   return text;
@@ -184,16 +191,26 @@ void WriteChange(TJsonWriter& writer, const TChange& change) {
 }
 
 template <typename TDevice>
-void WriteDevices(TJsonWriter& writer, const char* name, const std::vector<TDeviceDifference<TDevice>>& differences) {
+void WriteDescription(TJsonWriter& writer, const TDevice& device) {
+  for (const auto& [key, value] : Describe(device)) {
+    writer.Key(key);
+    WriteValue(writer, value);
+  }
+}
+
+template <typename TDevice>
+void WriteDevices(TJsonWriter& writer, const char* name, const TMachineReport& machine,
+                  const std::vector<TDeviceDifference<TDevice>>& differences) {
   writer.Key(name);
   writer.BeginArray();
   for (const auto& difference : differences) {
     writer.BeginObject();
     WriteMember(writer, "state", GetName(difference.state));
-    for (const auto& [key, value] : Describe(difference.device)) {
-      writer.Key(key);
-      WriteValue(writer, value);
+    if (difference.state == EState::kMoved) {
+      WriteMember(writer, "from", difference.origin);
+      WriteMember(writer, "to", machine.name);
     }
+    WriteDescription(writer, difference.device);
     if (difference.state == EState::kChanged) {
       writer.Key("changes");
       writer.BeginArray();
@@ -205,13 +222,23 @@ void WriteDevices(TJsonWriter& writer, const char* name, const std::vector<TDevi
   writer.EndArray();
 }
 
+void WriteDoubtful(TJsonWriter& writer, const TDoubtfulSerial& serial) {
+  writer.BeginObject();
+  WriteDescription(writer, serial.monitor);
+  writer.Key("old");
+  writer.Literal(std::to_string(serial.before));
+  writer.Key("new");
+  writer.Literal(std::to_string(serial.after));
+  writer.EndObject();
+}
+
 void WriteMachine(TJsonWriter& writer, const TMachineReport& machine) {
   writer.BeginObject();
   WriteMember(writer, "machine", machine.name);
   WriteMember(writer, "state", GetName(machine.state));
-  if (machine.state == EMachineState::kChanged) {
-    WriteDevices(writer, "monitors", machine.difference.monitors);
-    WriteDevices(writer, "controllers", machine.difference.controllers);
+  if (machine.state == EMachineState::kChanged || !machine.difference.IsEmpty()) {
+    WriteDevices(writer, "monitors", machine, machine.difference.monitors);
+    WriteDevices(writer, "controllers", machine, machine.difference.controllers);
   }
   if (machine.before) WriteMember(writer, "oldError", *machine.before);
   if (machine.after) WriteMember(writer, "newError", *machine.after);
@@ -222,21 +249,21 @@ void WriteMachine(TJsonWriter& writer, const TMachineReport& machine) {
 
 std::string TTextDifferenceReport::Add(const TMachineReport& machine) {
   const std::string name = ToPrintable(machine.name);
-  switch (machine.state) {
-    case EMachineState::kChanged:
-      return name + "\n" + MakeText("Monitor", machine.difference.monitors) +
-             MakeText("Controller", machine.difference.controllers);
-    case EMachineState::kUnknown:
-      return name + " could not be asked\n" + ExplainUnknown(machine);
-    case EMachineState::kCame:
-    case EMachineState::kGone:
-    case EMachineState::kEqual:
-      break;
-  }
-  return name + " " + GetName(machine.state) + "\n";
+  if (machine.state == EMachineState::kUnknown) return name + " could not be asked\n" + ExplainUnknown(machine);
+  const std::string devices = MakeText("Monitor", machine, machine.difference.monitors) +
+                              MakeText("Controller", machine, machine.difference.controllers);
+  // Where nothing else has changed than that monitors left, that is told where they are now.
+  const bool hasState = machine.state != EMachineState::kChanged || devices.empty();
+  return name + (hasState ? std::string(" ") + GetName(machine.state) : "") + "\n" + devices;
 }
 
-std::string TTextDifferenceReport::End(const TMachineCounts& counts) {
+std::string TTextDifferenceReport::End(const TMachineCounts& counts, const std::vector<TDoubtfulSerial>& doubtful) {
+  std::string remarks;
+  for (const TDoubtfulSerial& serial : doubtful) {
+    remarks += "Serial number doubtful: " + GetName(serial.monitor) +
+               ": machines that have it: " + std::to_string(serial.before) + " of OLD, " +
+               std::to_string(serial.after) + " of NEW\n";
+  }
   std::string text;
   std::size_t all = 0;
   for (std::size_t state = 0; state < kMachineStates; ++state) {
@@ -246,7 +273,7 @@ std::string TTextDifferenceReport::End(const TMachineCounts& counts) {
     text += (text.empty() ? "" : ", ") + std::to_string(counts[state]) + " " +
             (isUnknown ? "could not be asked" : kMachineStateNames[state]);
   }
-  return (all == 1 ? "1 machine: " : std::to_string(all) + " machines: ") + text + ".\n";
+  return remarks + (all == 1 ? "1 machine: " : std::to_string(all) + " machines: ") + text + ".\n";
 }
 
 std::string TJsonDifferenceReport::Begin() { return "{\n  \"machines\": ["; }
@@ -259,13 +286,20 @@ std::string TJsonDifferenceReport::Add(const TMachineReport& machine) {
   return separator + writer.TakeText();
 }
 
-std::string TJsonDifferenceReport::End(const TMachineCounts& counts) {
+std::string TJsonDifferenceReport::End(const TMachineCounts& counts, const std::vector<TDoubtfulSerial>& doubtful) {
+  std::string text = std::string(m_isFirst ? "" : "\n  ") + "],\n";
   TJsonWriter writer(TJsonWriter::ELayout::kOneLine);
+  if (!doubtful.empty()) {
+    writer.BeginArray();
+    for (const TDoubtfulSerial& serial : doubtful) WriteDoubtful(writer, serial);
+    writer.EndArray();
+    text += "  \"doubtful\": " + writer.TakeText() + ",\n";
+  }
   writer.BeginObject();
   for (std::size_t state = 0; state < kMachineStates; ++state) {
     writer.Key(kMachineStateNames[state]);
     writer.Literal(std::to_string(counts[state]));
   }
   writer.EndObject();
-  return std::string(m_isFirst ? "" : "\n  ") + "],\n  \"counts\": " + writer.TakeText() + "\n}\n";
+  return text + "  \"counts\": " + writer.TakeText() + "\n}\n";
 }

@@ -16,6 +16,7 @@ namespace {
 
 constexpr const char* kDisplayId = "DisplayId";
 constexpr const char* kDeviceId = "DeviceID";
+constexpr const char* kSystemName = "SystemName";
 
 /// Properties that say which device it is, or where it stands in a row. A controller's OtherIdentifyingInfo repeats its
 /// DeviceID.
@@ -72,13 +73,18 @@ bool IsSerial(const std::string& text) {
                      [](unsigned char byte) { return std::isalnum(byte) != 0 && byte != '0'; });
 }
 
-std::string IdentifyMonitor(const TEdid& edid) {
+struct TIdentity {
+  std::string text;
+  bool isNumbered;
+};
+
+TIdentity IdentifyMonitor(const TEdid& edid) {
   const TEdidFacts facts = ReadEdidFacts(edid);
   const bool hasText = IsSerial(facts.serialText);
-  if (!facts.isVersion1 || (!facts.serialNumber && !hasText)) return std::string(edid.begin(), edid.end());
-  return json({facts.manufacturer, facts.productCode, facts.serialNumber.value_or(0),
-               hasText ? ToUtf8(facts.serialText) : std::string()})
-      .dump();
+  if (!facts.isVersion1 || (!facts.serialNumber && !hasText)) return {std::string(edid.begin(), edid.end()), false};
+  const json parts = json::array({facts.manufacturer, facts.productCode, facts.serialNumber.value_or(0),
+                                  hasText ? ToUtf8(facts.serialText) : std::string()});
+  return {parts.dump(), true};
 }
 
 /// The modes of each monitor, by its DeviceID.
@@ -105,7 +111,8 @@ std::vector<TMonitor> MakeMonitors(const TReadAnswer& answer) {
   std::vector<TMonitor> monitors;
   for (const TReadOutput& output : answer.outputs) {
     if (output.edid.empty()) continue;
-    TMonitor monitor = {IdentifyMonitor(output.edid), output, {}, {}};
+    TIdentity identity = IdentifyMonitor(output.edid);
+    TMonitor monitor = {std::move(identity.text), identity.isNumbered, output, {}, {}};
     if (monitor.IsListed()) {
       // Only the first of several outputs with one DeviceID, which no plug-in makes: copies for each could be endless.
       monitor.properties = std::exchange(properties[output.deviceId], {});
@@ -144,12 +151,13 @@ std::vector<TController> MakeControllers(const TReadAnswer& answer) {
 // Packing.
 
 json PackMonitor(const TMonitor& monitor) {
-  return json::array({monitor.identity, monitor.output.deviceId, monitor.output.connector,
+  return json::array({monitor.identity, monitor.isNumbered, monitor.output.deviceId, monitor.output.connector,
                       json::binary(monitor.output.edid), monitor.modes, monitor.properties});
 }
 
 TMonitor UnpackMonitor(const json& packed) {
-  return {packed[0], {packed[1], packed[2], packed[3].get_binary()}, packed[4], packed[5].get<TProperties>()};
+  return {
+      packed[0], packed[1], {packed[2], packed[3], packed[4].get_binary()}, packed[5], packed[6].get<TProperties>()};
 }
 
 json PackController(const TController& controller) {
@@ -198,6 +206,16 @@ TMachineFacts MakeFacts(const TReadAnswer& answer) {
     machine.classes.insert(request.classes.begin(), request.classes.end());
   }
   return machine;
+}
+
+std::string GetSystemName(const TReadAnswer& answer) {
+  for (const TReadRequest& request : answer.requests) {
+    for (const TReadInstance& instance : request.instances) {
+      std::string name = GetText(instance.properties, kSystemName);
+      if (!name.empty()) return name;
+    }
+  }
+  return std::string();
 }
 
 std::string Pack(const TMachineFacts& machine) {

@@ -17,6 +17,7 @@ struct TMonitor {
   /// of its serial number descriptor, unless that has no letter and no digit but 0). Its whole EDID when it has
   /// neither, or is not of version 1.
   std::string identity;
+  bool isNumbered;         // its identity is made of a serial number
   TReadOutput output;      // where it is, and its EDID
   TModes modes;            // what QRXSG_MonitorResolution says of it
   TProperties properties;  // of the plug-in's instance, without those that say where it is
@@ -55,6 +56,9 @@ bool IsConnector(const std::string& name);
 bool IsCard(const std::string& name);
 
 TMachineFacts MakeFacts(const TReadAnswer& answer);
+
+/// What the machine calls itself, as its devices say; empty for one without devices.
+std::string GetSystemName(const TReadAnswer& answer);
 
 /// The facts in few bytes, to be kept. Equal texts are equal facts.
 std::string Pack(const TMachineFacts& machine);

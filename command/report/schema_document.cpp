@@ -202,7 +202,9 @@ ordered_json MakeRowsSchema() {
 ordered_json MakeDifferencesSchema(const ordered_json& known) {
   const ordered_json change = MakeObject(
       {{"property", {{"type", "string"}}}, {"old", ordered_json::object()}, {"new", ordered_json::object()}});
-  ordered_json members = {{"state", {{"enum", {"came", "gone", "changed"}}}}};
+  const ordered_json string = {{"type", "string"}};
+  ordered_json members = {
+      {"state", {{"enum", {"came", "gone", "changed", "moved"}}}}, {"from", string}, {"to", string}};
   members.update(known);
   members["changes"] = MakeArray(change);
   return MakeArray(MakeObject(members, {"state"}));
@@ -211,13 +213,10 @@ ordered_json MakeDifferencesSchema(const ordered_json& known) {
 ordered_json MakeComparisonSchema() {
   const ordered_json number = {{"type", "integer"}, {"minimum", 0}};
   const ordered_json string = {{"type", "string"}};
-  const ordered_json monitors = MakeDifferencesSchema({{"manufacturer", string},
-                                                       {"productCode", number},
-                                                       {"serialNumber", number},
-                                                       {"serial", string},
-                                                       {"name", string},
-                                                       {"connector", string},
-                                                       {"deviceID", string}});
+  const ordered_json monitor = {{"manufacturer", string}, {"productCode", number}, {"serialNumber", number},
+                                {"serial", string},       {"name", string},        {"connector", string},
+                                {"deviceID", string}};
+  const ordered_json monitors = MakeDifferencesSchema(monitor);
   const ordered_json controllers =
       MakeDifferencesSchema({{"DisplayId", string}, {"DeviceID", string}, {"Name", string}});
   const ordered_json machine = MakeObject({{"machine", string},
@@ -229,7 +228,12 @@ ordered_json MakeComparisonSchema() {
                                           {"machine", "state"});
   const ordered_json counts =
       MakeObject({{"equal", number}, {"came", number}, {"gone", number}, {"changed", number}, {"unknown", number}});
-  ordered_json schema = MakeObject({{"machines", MakeArray(machine)}, {"counts", counts}});
+  ordered_json doubtful = monitor;
+  doubtful.update({{"old", number}, {"new", number}});
+  ordered_json schema = MakeObject({{"machines", MakeArray(machine)},
+                                    {"doubtful", MakeArray(MakeObject(doubtful, {"old", "new"}))},
+                                    {"counts", counts}},
+                                   {"machines", "counts"});
   schema["description"] = "What displayinfo compare --format json writes";
   return schema;
 }

@@ -229,6 +229,79 @@ TEST_F(Comparison, TellsOfEachOfTheHeadsThatHaveOneIdentifier) {
   EXPECT_THAT(Run("one two").output, HasSubstr("    Heads: Card0 -> Card0, Card0\n"));
 }
 
+TEST_F(Comparison, TellsThatMonitorsMovedFromMachineToMachine) {
+  const auto write = [&](const char* file, const std::map<std::string, std::vector<std::uint8_t>>& monitors) {
+    for (const char* const name : {"a", "b", "c"}) {
+      std::filesystem::remove_all(folder.GetPath() / name);
+      const auto monitor = monitors.find(name);
+      if (monitor == monitors.end()) continue;
+      MakeMachine(name, {{"edid/0.bin", monitor->second}});
+    }
+    RunIn("ls -d [abc] | " + kCommand + " --machines - --no-log >" + file);
+  };
+  write("before", {{"a", MakeEdid("A190", "S1")}, {"b", MakeEdid("Wide", "S2")}});
+  write("after", {{"b", MakeEdid("A190", "S1")}, {"c", MakeEdid("Wide", "S2")}});
+  const TProcessResult result = Run("before after");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output,
+            "b\n  Monitor moved from a to b: A190 (ACM, product 0, serial S1, Monitor 1)\n"
+            "c came\n  Monitor moved from b to c: Wide (ACM, product 0, serial S2, Monitor 1)\n"
+            "a gone\n3 machines: 1 came, 1 gone, 1 changed.\n");
+  EXPECT_EQ(json::parse(Run("--format json before after").output)["machines"][1], json::parse(R"({
+      "machine": "c", "state": "came", "controllers": [], "monitors": [
+          {"state": "moved", "from": "b", "to": "c", "deviceID": "Monitor 1", "manufacturer": "ACM", "name": "Wide",
+           "productCode": 0, "serial": "S2"}]})"));
+}
+
+TEST_F(Comparison, SaysWhichSerialNumberIsDoubtful) {
+  for (const char* const name : {"a", "b", "c"}) MakeMachine(name, {});
+  MakeMachine("a", {{"edid/0.bin", MakeEdid("A190", "S1")}});
+  MakeMachine("b", {{"edid/0.bin", MakeEdid("A190", "S1")}});
+  RunIn("printf '%s\\n' a b c | " + kCommand + " --machines - --no-log >before");
+  MakeMachine("c", {{"edid/0.bin", MakeEdid("A190", "S1")}});
+  RunIn("rm a/edid/0.bin; printf '%s\\n' a b c | " + kCommand + " --machines - --no-log >after");
+  EXPECT_EQ(
+      Run("before after").output,
+      "a\n  Monitor gone: A190 (ACM, product 0, serial S1, Monitor 1)\n"
+      "c\n  Monitor came: A190 (ACM, product 0, serial S1, Monitor 1)\n"
+      "Serial number doubtful: A190 (ACM, product 0, serial S1, Monitor 1): machines that have it: 2 of OLD, 2 of "
+      "NEW\n3 machines: 1 equal, 2 changed.\n");
+  const json report = json::parse(Run("--format json before after").output);
+  EXPECT_EQ(report["doubtful"], json::parse(R"([{"deviceID": "Monitor 1", "manufacturer": "ACM", "name": "A190",
+      "productCode": 0, "serial": "S1", "old": 2, "new": 2}])"));
+}
+
+TEST_F(Comparison, KnowsMachinesAgainByTheirSystemNamesWhereBothSidesHaveThem) {
+  for (const char* const name : {"x/a", "x/b", "y/a", "y/b"}) {
+    MakeMachine(name, {{"edid/0.bin", MakeEdid("A190", std::string("S") + name[2])}});
+    folder.Write(std::string(name) + "/machine.json", std::string(R"({"systemName": "ws-)") + name[2] + "\"}");
+  }
+  RunIn("ls -d x/* | " + kCommand + " --machines - --no-log >before; ls -dr y/* | " + kCommand +
+        " --machines - --no-log >after");
+  EXPECT_EQ(Run("before after").output, "2 machines: 2 equal.\n");
+  EXPECT_EQ(Run("before after --by name").output, "2 machines: 2 equal.\n");
+  EXPECT_THAT(Run("before after --by path").output, HasSubstr("4 machines: 2 came, 2 gone.\n"));
+}
+
+TEST_F(Comparison, KnowsMachinesAgainByTheirPathsWhereTheirSystemNamesDoNotTellThemApart) {
+  for (const char* const name : {"a", "b", "c"}) {
+    MakeMachine(name, {{"edid/0.bin", MakeEdid("A190", name)}});
+    folder.Write(std::string(name) + "/machine.json", R"({"systemName": "localhost"})");
+  }
+  RunIn("printf '%s\\n' a c | " + kCommand + " --machines - --no-log >before; printf '%s\\n' c b a | " + kCommand +
+        " --machines - --no-log >after");
+  EXPECT_EQ(Run("before after").output, "b came\n3 machines: 2 equal, 1 came.\n");
+}
+
+TEST_F(Comparison, TakesAMachineOfAnotherSystemNameForAnotherOne) {
+  MakeMachine("a", {});
+  RunIn("echo a | " + kCommand + " --machines - --no-log >before");
+  folder.Write("a/machine.json", R"({"systemName": "renamed"})");
+  RunIn("echo a | " + kCommand + " --machines - --no-log >after");
+  EXPECT_EQ(Run("before after").output, "a came\na gone\n2 machines: 1 came, 1 gone.\n");
+  EXPECT_EQ(Run("before after --by path").output, "1 machine: 1 equal.\n");
+}
+
 TEST_F(Comparison, WritesValuesOfStrangersAsTheyAre) {
   const auto write = [&](const char* name, const char* value) {
     folder.Write(name, R"({"requests": [{"classes": ["QRXSG_VideoController"], "instances": [{"class":

@@ -58,6 +58,7 @@ TAnswerBuilder MakeKernelMachine(const std::vector<TConnected>& all) {
     answer.Monitor(output.edid, output.connector)
         .Head("PCI:0:2:0", output.connector,
               {{"Name", "Card"},
+               {"CurrentHorizontalResolution", 800},
                {"CurrentVerticalResolution", output.height},
                {"MonitorString", {"Of " + std::to_string(output.height)}}});
   }
@@ -179,6 +180,16 @@ TEST(ControllerDifference, TellsTheModeOfAKernelsConnectorWithTheSameMonitor) {
   EXPECT_THAT(CompareControllers(MakeKernelMachine({{"card0-DP-1", kLeft, 600}}),
                                  MakeKernelMachine({{"card0-DP-1", kLeft, 768}})),
               ElementsAre("changed Head card0-DP-1: CurrentVerticalResolution 600 768"));
+}
+
+TEST(ControllerDifference, SaysNothingOfTheModesThatOneSideCouldNotSee) {
+  const TAnswerBuilder seen = MakeKernelMachine({{"card0-DP-1", kLeft, 600}});
+  const TAnswerBuilder unseen = TAnswerBuilder()
+                                    .Controller("PCI:0:2:0", {{"Name", "Card"}, {"DeviceID", "card0-DP-1"}})
+                                    .Monitor(kLeft, "card0-DP-1")
+                                    .Head("PCI:0:2:0", "card0-DP-1", {{"Name", "Card"}});
+  EXPECT_THAT(CompareControllers(seen, unseen), IsEmpty());
+  EXPECT_THAT(CompareControllers(unseen, seen), IsEmpty());
 }
 
 TEST(ControllerDifference, SaysNothingOfAKernelsConnectorWhereHeadsWereNotAskedFor) {
