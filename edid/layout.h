@@ -53,7 +53,8 @@ constexpr unsigned char kStandby = 0x80;
 
 // Established timings [3.8]: a bit for each.
 constexpr std::size_t kEstablishedTimings = 35;
-constexpr std::size_t kEstablishedTimingsSize = 2;  // bytes, without the manufacturer's own at 37
+constexpr std::size_t kEstablishedTimingsSize = 2;   // bytes, without the manufacturer's own at 37
+constexpr std::size_t kEstablishedTimingCount = 17;  // with the one of the manufacturer's own that has a meaning
 
 // Standard timings [3.9]: two bytes each.
 constexpr std::size_t kStandardTimings = 38;
@@ -72,6 +73,11 @@ constexpr unsigned int GetStandardHeight(unsigned int width, unsigned char secon
   return width * aspects[second >> 6][1] / aspects[second >> 6][0];
 }
 
+/// Of an entry before EDID 1.3, whose aspect ratio of code 0 is 1:1.
+constexpr unsigned int GetOldStandardHeight(unsigned int width, unsigned char second) {
+  return second >> 6 == 0 ? width : GetStandardHeight(width, second);
+}
+
 /// Of an entry's second byte, in Hz.
 constexpr unsigned int GetStandardRefresh(unsigned char second) { return (second & 63U) + 60U; }
 
@@ -87,14 +93,23 @@ constexpr std::size_t kWidthHighBits = 4;   // of the active width in its upper 
 constexpr std::size_t kActiveHeight = 5;    // lines, of one field when it is interlaced
 constexpr std::size_t kBlankHeight = 6;     // lines
 constexpr std::size_t kHeightHighBits = 7;  // as those of the widths
+constexpr std::size_t kImageWidth = 12;     // mm
+constexpr std::size_t kImageHeight = 13;    // mm
+constexpr std::size_t kImageHighBits = 14;  // as those of the widths
+constexpr std::size_t kBorderWidth = 15;    // pixels at each side
+constexpr std::size_t kBorderHeight = 16;   // lines at each side
 constexpr std::size_t kTimingFlags = 17;
 constexpr unsigned char kInterlaced = 0x80;
 
 // A display descriptor [3.10.3].
 constexpr std::size_t kDescriptorReserved = 2;  // 0
 constexpr std::size_t kDescriptorTag = 3;
+constexpr int kTagEstablished3 = 0xF7;
+constexpr int kTagCvt = 0xF8;
+constexpr int kTagStandardTimings = 0xFA;
 constexpr int kTagName = 0xFC;
 constexpr int kTagRangeLimits = 0xFD;
+constexpr int kTagText = 0xFE;
 constexpr int kTagSerialNumber = 0xFF;
 
 // One that holds a text, which ends at a line feed or at the end of the slot.
@@ -115,11 +130,47 @@ constexpr std::size_t kMaxHorizFreq = 8;  // kHz
 constexpr std::size_t kBandwidth = 9;     // 10 MHz
 constexpr unsigned char kNoBandwidth = 0xFF;
 
+// One of established timings III [3.10.3.9]: bits, as those of the base block.
+constexpr std::size_t kEstablished3 = 6;
+
+// One of standard timings [3.10.3.6].
+constexpr std::size_t kMoreStandardTimings = 5;
+constexpr std::size_t kMoreStandardTimingCount = 6;
+
+// One of CVT codes [3.10.3.8]: three bytes each.
+constexpr std::size_t kCvtCodes = 6;
+constexpr std::size_t kCvtCodeCount = 4;
+constexpr std::size_t kCvtCodeSize = 3;      // bytes
+constexpr std::size_t kCvtUpperBits = 1;     // the height's upper four bits, and the aspect ratio
+constexpr unsigned int kCvtAspectShift = 2;  // of two bits: 4:3, 16:9, 16:10, 15:9
+constexpr unsigned int kCvtAspects[4][2] = {{4, 3}, {16, 9}, {16, 10}, {15, 9}};
+constexpr std::size_t kCvtRates = 2;  // bits
+
+struct TCvtRate {
+  unsigned char bit;
+  unsigned char refresh;  // Hz
+  bool isReduced;         // its blanking
+};
+constexpr TCvtRate kCvtRateBits[] = {
+    {0x10, 50, false}, {0x08, 60, false}, {0x04, 75, false}, {0x02, 85, false}, {0x01, 60, true}};
+
+// An aspect ratio in place of an image size, since EDID 1.4: one of the two bytes is 0 [3.6.2].
+constexpr unsigned int kAspectOffset = 99;  // a ratio of 1:1 would be 0
+constexpr unsigned int kAspectUnit = 100;
+
 constexpr std::size_t kExtensionCount = 126;  // of the blocks that follow the base block [3.11]
 
 // An extension block.
 constexpr std::size_t kExtensionTag = 0;
+constexpr unsigned char kVideoTimingExtension = 0x10;         // VESA Video Timing Block Extension (VTB-EXT)
+constexpr unsigned char kBlockMap = 0xF0;                     // the tags of the other extensions
 constexpr unsigned char kDisplayInformationExtension = 0x40;  // VESA Display Information Extension (DI-EXT)
 constexpr std::size_t kDigitalInterface = 2;                  // in such a block
+
+// A video timing extension [VTB-EXT 2003]: counts, then detailed timings, CVT codes and standard timings.
+constexpr std::size_t kVtbDetailed = 2;  // counts
+constexpr std::size_t kVtbCvt = 3;
+constexpr std::size_t kVtbStandard = 4;
+constexpr std::size_t kVtbTimings = 5;
 
 }  // namespace edid

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <numeric>
 
+#include "command/edid/sha256.h"
 #include "edid/layout.h"
 
 namespace {
@@ -56,7 +57,7 @@ std::string ReadMaker(const TBytes& edid) {
 }
 
 std::optional<TMade> ReadMade(const TBytes& edid) {
-  constexpr unsigned int weeks = 54;
+  constexpr unsigned int weeks = 53;
   // Before the standard's first year, and in 2245, it is a filler.
   constexpr unsigned int firstYear = 1994;
   constexpr unsigned int lastYear = edid::kFirstYear + 0xFE;
@@ -71,7 +72,7 @@ std::optional<TMade> ReadMade(const TBytes& edid) {
 bool IsAtLeast14(const TBytes& edid) { return edid[edid::kRevision] >= 4; }
 
 TVideoInput ReadInput(const TBytes& edid) {
-  constexpr const char* interfaces[] = {"", "DVI", "HDMI", "HDMI", "MDDI", "DisplayPort"};  // HDMI-a and HDMI-b
+  constexpr const char* interfaces[] = {"", "DVI", "HDMI-a", "HDMI-b", "MDDI", "DisplayPort"};
   constexpr unsigned int depths = 6;
   const std::uint8_t byte = edid[edid::kVideoInput];
   TVideoInput input;
@@ -117,7 +118,7 @@ unsigned int ReadBlank(const std::uint8_t* timing, std::size_t low, std::size_t 
   return timing[low] | (timing[high] & 0x0FU) << 8;
 }
 
-std::optional<TPreferredMode> ReadPreferredMode(const TBytes& edid) {
+std::optional<TMode> ReadPreferredMode(const TBytes& edid) {
   constexpr double hertzPerUnit = 10000;
   const std::uint8_t* const timing = edid.data() + edid::kDescriptors[0];
   const std::uint32_t clock = ReadNumber(edid, edid::kDescriptors[0] + edid::kPixelClock, 2);
@@ -129,27 +130,39 @@ std::optional<TPreferredMode> ReadPreferredMode(const TBytes& edid) {
   const bool isInterlaced = (timing[edid::kTimingFlags] & edid::kInterlaced) != 0;
   // Two fields share a line between them.
   const double linesOfField = isInterlaced ? lines + 0.5 : lines;
-  return TPreferredMode{width, isInterlaced ? 2 * height : height, clock * hertzPerUnit / (columns * linesOfField)};
+  const double refresh = clock * hertzPerUnit / (columns * linesOfField);
+  return TMode{width, isInterlaced ? 2 * height : height, std::round(refresh * 1000) / 1000, isInterlaced};
 }
 
 std::optional<TImageSize> ReadImageSize(const TBytes& edid) {
-  const TImageSize size = {edid[edid::kHorizontalImageSize], edid[edid::kVerticalImageSize]};
+  constexpr unsigned int millimetres = 10;  // of a centimetre
+  const TImageSize size = {edid[edid::kHorizontalImageSize] * millimetres,
+                           edid[edid::kVerticalImageSize] * millimetres};
   if (size.width == 0 || size.height == 0) return std::nullopt;  // one side only is an aspect ratio
   return size;
 }
 
 double GetDiagonal(const TImageSize& size) {
-  constexpr double centimetresPerInch = 2.54;
-  return std::hypot(size.width, size.height) / centimetresPerInch;
+  constexpr double millimetresPerInch = 25.4;
+  return std::hypot(size.width, size.height) / millimetresPerInch;
 }
 
 }  // namespace
 
+const char* GetName(EModeSource source) {
+  constexpr const char* names[] = {"detailed", "displayid", "cta detailed", "vic",
+                                   "hdmi vic", "cvt",       "standard",     "established"};
+  return names[static_cast<std::size_t>(source)];
+}
+
 TEdidFacts ReadEdidFacts(const TBytes& edid) {
   TEdidFacts facts;
   facts.hasValidChecksums = HasValidChecksums(edid);
+  facts.extensions = static_cast<unsigned int>(edid.size() / edid::kBlockSize - 1);
+  facts.sha256 = HashSha256(edid);
   facts.isVersion1 = std::equal(edid::kHeader.begin(), edid::kHeader.end(), edid.begin()) && edid[edid::kVersion] == 1;
   if (!facts.isVersion1) return facts;
+  facts.version = "1." + std::to_string(edid[edid::kRevision]);
   facts.name = ReadText(edid, edid::kTagName);
   facts.serialText = ReadText(edid, edid::kTagSerialNumber);
   facts.maker = ReadMaker(edid);
@@ -157,6 +170,7 @@ TEdidFacts ReadEdidFacts(const TBytes& edid) {
   facts.productCode = ReadNumber(edid, edid::kProductCode, 2);
   facts.serialNumber = ReadSerialNumber(edid);
   facts.preferredMode = ReadPreferredMode(edid);
+  facts.serial = FindSerial(facts.maker, facts.productCode, facts.serialNumber, facts.serialText);
   facts.made = ReadMade(edid);
   facts.input = ReadInput(edid);
   facts.limits = ReadLimits(edid);

@@ -1,4 +1,5 @@
-// What the command itself reads from an EDID (VESA Enhanced EDID standard), in addition to what the plug-in reports.
+// What an EDID says (VESA Enhanced EDID standard, with its CTA-861, DisplayID and VTB extensions). ReadEdidFacts is the
+// one place of the command where the bytes get their meaning: everything else takes these values.
 #pragma once
 
 #include <cstdint>
@@ -6,15 +7,31 @@
 #include <string>
 #include <vector>
 
-struct TPreferredMode {
+#include "command/edid/serial_rules.h"
+
+struct TMode {
   unsigned int width;   // pixels
   unsigned int height;  // lines of a whole picture, of both fields when it is interlaced
-  double refresh;       // Hz, of fields when it is interlaced
+  double refresh;       // Hz with three decimals, of fields when it is interlaced
+  bool isInterlaced = false;
+};
+
+/// Where an EDID declares a mode, the best first.
+enum class EModeSource : std::uint8_t { Detailed, DisplayId, CtaDetailed, Vic, HdmiVic, Cvt, Standard, Established };
+
+/// "detailed", "displayid", "cta detailed", "vic", "hdmi vic", "cvt", "standard" or "established".
+const char* GetName(EModeSource source);
+
+enum class EYcbcr420 : std::uint8_t { No, Also, Only };
+
+struct TListedMode : TMode {
+  EModeSource source;  // the best that has it
+  EYcbcr420 ycbcr420;  // whether it works with YCbCr 4:2:0 sampling, or with that only
 };
 
 /// When a monitor, or its model, was made.
 struct TMade {
-  std::optional<unsigned int> week;  // of the year, 1 to 54
+  std::optional<unsigned int> week;  // of the year, 1 to 53
   unsigned int year;
   bool isModelYear;  // the year of the model; the EDID does not say when the monitor was made
 };
@@ -22,7 +39,7 @@ struct TMade {
 struct TVideoInput {
   bool isDigital = false;
   // Since EDID 1.4, of a digital input:
-  const char* interface = "";              // such as "DisplayPort"; empty where the EDID does not say
+  const char* interface = "";              // such as "DisplayPort" or "HDMI-a"; empty where the EDID does not say
   std::optional<unsigned int> colourBits;  // of each colour
 };
 
@@ -38,26 +55,88 @@ struct TRangeLimits {
   std::optional<unsigned int> pixelClock;  // MHz, at most
 };
 
+/// The rates between which the monitor can vary while it shows.
+struct TRefreshRange {
+  unsigned int min;                 // Hz
+  std::optional<unsigned int> max;  // Hz
+  const char* from;                 // "FreeSync", "HDMI" or "DisplayID"
+};
+
 struct TImageSize {
-  unsigned int width;   // cm
-  unsigned int height;  // cm
+  unsigned int width;   // mm
+  unsigned int height;  // mm
+};
+
+struct THdr {
+  std::vector<const char*> transfers;  // "SDR", "HDR", "PQ", "HLG"
+  // cd/m2 with three decimals:
+  std::optional<double> maxLuminance;
+  std::optional<double> maxFrameAverageLuminance;
+  std::optional<double> minLuminance;
+  std::string hdr10Plus;    // the version, such as "1"; empty without HDR10+
+  std::string dolbyVision;  // the version, such as "V2"; empty without Dolby Vision
+};
+
+struct TAudioFormat {
+  std::string name;                       // as edid-decode names it
+  std::optional<unsigned int> channels;   // at most
+  std::vector<double> sampleRates;        // kHz
+  std::vector<unsigned int> sampleSizes;  // bits, of uncompressed formats
+};
+
+struct THdmi {
+  std::optional<unsigned int> maxTmdsClock;  // MHz
+  const char* fixedRateLink = "";            // the fastest, such as "4 lanes at 12 Gbps"; empty without one
+  bool hasCompression = false;               // Display Stream Compression (DSC)
+  std::vector<unsigned int> deepColourBits;  // of each colour: 10, 12, 16
+};
+
+/// The place of a panel in a display that is made of several.
+struct TTile {
+  unsigned int columns;
+  unsigned int rows;
+  unsigned int column;  // from 0
+  unsigned int row;     // from 0
+  unsigned int width;   // pixels
+  unsigned int height;  // lines
 };
 
 struct TEdidFacts {
-  bool isVersion1 = false;                      // has the header and the version of an EDID 1.x; else no more is known
-  std::string name;                             // the monitor's name; empty when it has none
-  std::string serialText;                       // a serial number as a text; empty when it has none
-  unsigned int manufacturer = 0;                // its three letters as the EDID packs them
-  std::string maker;                            // the three letters; empty when they are none
-  unsigned int productCode = 0;                 // the maker's own number of the model
-  std::optional<std::uint32_t> serialNumber;    // in the header; not 0 or 0x01010101, which mean none
-  std::optional<TPreferredMode> preferredMode;  // the first detailed timing, when it comes first
+  // Known of any EDID:
+  bool isVersion1 = false;         // has the header and the version of an EDID 1.x; else only these four are known
+  bool hasValidChecksums = false;  // of every block
+  unsigned int extensions = 0;     // blocks after the first
+  std::string sha256;              // of all blocks, in lower-case hex
+
+  std::string version;                        // "1.4"
+  std::string name;                           // the monitor's name; empty when it has none
+  std::string serialText;                     // a serial number as a text; empty when it has none
+  std::vector<std::string> texts;             // others, such as a panel's part number
+  unsigned int manufacturer = 0;              // its three letters as the EDID packs them
+  std::string maker;                          // the three letters; empty when they are none
+  unsigned int productCode = 0;               // the maker's own number of the model
+  std::optional<std::uint32_t> serialNumber;  // in the header; not 0 or 0x01010101, which mean none
+  std::optional<TSerial> serial;              // that is printed on its case
   std::optional<TMade> made;
   TVideoInput input;
-  std::optional<TRangeLimits> limits;
+
   std::optional<TImageSize> imageSize;
-  std::optional<double> diagonalInches;  // of the image, whose sides the EDID has in whole centimetres
-  bool hasValidChecksums = false;        // of every block; known of any EDID
+  std::optional<double> aspectRatio;  // of the image, width to height, with two decimals
+  std::optional<double> diagonalInches;
+
+  std::optional<TMode> preferredMode;  // the first detailed timing, when it comes first
+  std::vector<TListedMode> modes;      // each once: the largest first, then progressive ones, then the highest rate
+  std::optional<TRangeLimits> limits;
+  std::optional<TRefreshRange> refreshRange;
+
+  std::optional<THdr> hdr;
+  std::vector<const char*> colorimetry;  // as edid-decode names them
+  std::vector<TAudioFormat> audio;
+  std::vector<const char*> speakers;  // as edid-decode names them, such as "FL/FR"
+  std::optional<THdmi> hdmi;
+  std::optional<TTile> tile;
+
+  std::vector<std::string> contradictions;  // sentences: where the EDID disagrees with itself or its standard
 };
 
 /// `edid`: whole 128-byte blocks, at least one.

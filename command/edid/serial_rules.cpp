@@ -135,6 +135,11 @@ std::optional<TSerial> FindPlainSerial(std::optional<TNumber> number, const std:
 
 }  // namespace
 
+const char* GetName(ESerialSource source) {
+  constexpr const char* names[] = {"rule", "text", "number"};
+  return names[static_cast<std::size_t>(source)];
+}
+
 std::optional<TSerial> FindSerial(const std::string& maker, unsigned int productCode, std::optional<TNumber> number,
                                   const std::string& text) {
   if (number && IsFillerSerial(std::to_string(*number))) number.reset();

@@ -15,6 +15,9 @@ enum class ESerialSource {
   kNumber,  // in decimal digits
 };
 
+/// "rule", "text" or "number".
+const char* GetName(ESerialSource source);
+
 struct TSerial {
   std::string serial;
   ESerialSource source;

@@ -28,7 +28,7 @@ TInstances SortModes(TInstances modes) {
 
 bool IsPreferred(const TInstanceView& mode, const TOutput* output) {
   if (output == nullptr || !output->facts || !output->facts->preferredMode) return false;
-  const TPreferredMode& preferred = *output->facts->preferredMode;
+  const TMode& preferred = *output->facts->preferredMode;
   return mode.Number("HorizontalResolution") == preferred.width &&
          mode.Number("VerticalResolution") == preferred.height &&
          std::lround(preferred.refresh) == static_cast<long>(mode.Number("RefreshRate"));

@@ -30,7 +30,8 @@ std::string WriteYear(const TEdidFacts& facts) { return facts.made ? std::to_str
 
 std::string WriteSize(const TEdidFacts& facts) {
   if (!facts.imageSize) return std::string();
-  return std::to_string(facts.imageSize->width) + " x " + std::to_string(facts.imageSize->height) + " cm";
+  const auto write = [](unsigned int millimetres) { return std::to_string((millimetres + 5) / 10); };
+  return write(facts.imageSize->width) + " x " + write(facts.imageSize->height) + " cm";
 }
 
 std::string WriteInches(const TEdidFacts& facts) {

@@ -32,7 +32,7 @@ std::string DescribeSerialNumber(const TAnswer& answer, const TOutput& output) {
 
 }  // namespace
 
-std::string WriteRefresh(const TPreferredMode& mode) { return WriteFixed(mode.refresh, 3); }
+std::string WriteRefresh(const TMode& mode) { return WriteFixed(mode.refresh, 3); }
 
 std::string WriteDiagonal(double inches) { return WriteFixed(inches, 1); }
 

@@ -23,5 +23,5 @@ std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& out
 std::vector<std::string> ExplainUnlisted(const TAnswer& answer);
 
 /// The same numbers as JSON has them: Hz with three decimals, inches with one.
-std::string WriteRefresh(const TPreferredMode& mode);
+std::string WriteRefresh(const TMode& mode);
 std::string WriteDiagonal(double inches);

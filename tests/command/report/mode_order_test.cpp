@@ -20,7 +20,7 @@ class ModeOrder : public TAnswerTest {
     return TInstanceView(*answer.requests.back().instances.front());
   }
 
-  static TOutput MakeOutput(const TPreferredMode& preferred) {
+  static TOutput MakeOutput(const TMode& preferred) {
     TEdidFacts facts;
     facts.isVersion1 = true;
     facts.preferredMode = preferred;

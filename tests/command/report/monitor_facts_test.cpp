@@ -102,8 +102,8 @@ TEST_F(MonitorFacts, TakeTheSerialNumberOfTheHeaderWhereThereIsNoText) {
 }
 
 TEST_F(MonitorFacts, SayTheYearWithoutAWeekThatIsNone) {
-  for (const unsigned int week : {0U, 55U, 254U}) EXPECT_EQ(Describe(TEdidBuilder().Made(week, 2008)).made, "2008");
-  EXPECT_EQ(Describe(TEdidBuilder().Made(54, 2008)).made, "week 54 of 2008");
+  for (const unsigned int week : {0U, 54U, 254U}) EXPECT_EQ(Describe(TEdidBuilder().Made(week, 2008)).made, "2008");
+  EXPECT_EQ(Describe(TEdidBuilder().Made(53, 2008)).made, "week 53 of 2008");
 }
 
 TEST_F(MonitorFacts, SayTheYearOfAModel) {
@@ -139,7 +139,7 @@ TEST_F(MonitorFacts, SayTheInputInWords) {
   EXPECT_EQ(input(3, 0x81), "digital");
   EXPECT_EQ(input(4, 0x80), "digital");
   EXPECT_EQ(input(4, 0x81), "digital: DVI");
-  EXPECT_EQ(input(4, 0xA3), "digital: HDMI, 8 bits per colour");
+  EXPECT_EQ(input(4, 0xA3), "digital: HDMI-b, 8 bits per colour");
   EXPECT_EQ(input(4, 0xB5), "digital: DisplayPort, 10 bits per colour");
   EXPECT_EQ(input(4, 0xF6), "digital");
   EXPECT_EQ(input(4, 0xEF), "digital: 16 bits per colour");

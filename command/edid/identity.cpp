@@ -1,0 +1,39 @@
+#include "command/edid/identity.h"
+
+#include <map>
+
+namespace {
+
+constexpr std::size_t kHashDigits = 16;  // of an identity without a serial number
+
+std::string WriteHex(unsigned int code) {
+  std::string text;
+  for (const unsigned int shift : {12U, 8U, 4U, 0U}) text += "0123456789ABCDEF"[code >> shift & 0xFU];
+  return text;
+}
+
+/// The year and the week; 0 for what is not known.
+std::string WriteDate(const std::optional<TMade>& made) {
+  if (!made) return "0.0";
+  return std::to_string(made->year) + "." + std::to_string(made->week.value_or(0));
+}
+
+}  // namespace
+
+TIdentity Identify(const TEdidFacts& facts) {
+  const std::string model = facts.maker + "-" + WriteHex(facts.productCode) + "-" + WriteDate(facts.made) + "-";
+  if (!facts.serial) return {model + facts.sha256.substr(0, kHashDigits), "edid"};
+  return {model + facts.serial->serial, facts.serial->source == ESerialSource::kNumber ? "number" : "serial"};
+}
+
+std::vector<TIdentity> IdentifyAll(const std::vector<TIdentified>& monitors) {
+  std::map<std::string, unsigned int> copies;  // by hash
+  for (const TIdentified& monitor : monitors) ++copies[monitor.facts->sha256];
+  std::vector<TIdentity> identities;
+  for (const TIdentified& monitor : monitors) {
+    TIdentity identity = Identify(*monitor.facts);
+    if (copies[monitor.facts->sha256] > 1) identity = {identity.text + "@" + monitor.place, "connector"};
+    identities.push_back(std::move(identity));
+  }
+  return identities;
+}
