@@ -27,12 +27,14 @@ constexpr unsigned int kTagExtended = 7;  // the payload's first byte says which
 constexpr unsigned int kExtendedVendorVideo = 1;
 constexpr unsigned int kExtendedColorimetry = 5;
 constexpr unsigned int kExtendedHdrStatic = 6;
+constexpr unsigned int kExtendedPreference = 13;  // video codes, and numbers of other timings from 128 to 192
 constexpr unsigned int kExtendedYcbcr420Video = 14;
 constexpr unsigned int kExtendedYcbcr420Map = 15;
-constexpr unsigned int kExtendedTypeVii = 34;  // timings as DisplayID has them
-constexpr unsigned int kExtendedTypeViii = 35;
+constexpr unsigned int kExtendedTypeVII = 34;  // timings as DisplayID has them
+constexpr unsigned int kExtendedTypeVIII = 35;
 constexpr unsigned int kExtendedTypeX = 42;
-constexpr unsigned int kExtendedForumSink = 0x79;  // HDMI Forum Sink Capability [HDMI 2.1, 10.3.6]
+constexpr unsigned int kExtendedBlockCount = 0x78;  // overrides the base block's count of extensions [HDMI 2.1, 10.3.6]
+constexpr unsigned int kExtendedForumSink = 0x79;   // HDMI Forum Sink Capability [HDMI 2.1, 10.3.6]
 
 /// The video code of a short video descriptor [7.5.1]; 0 and 128 have none. In 129 to 192 bit 7 marks a native one.
 constexpr unsigned int GetVideoCode(unsigned int descriptor) {
@@ -145,8 +147,8 @@ constexpr std::size_t kForumVrrMax = 6;  // Hz
 constexpr std::size_t kForumDsc = 7;
 constexpr unsigned int kForumDscBit = 0x80;
 
-/// The fastest fixed rate link by its code; null for none and for those that are reserved [HDMI 2.1, table 10-6].
-constexpr const char* kFixedRateLinks[] = {nullptr,
+/// The fastest fixed rate link by its code, empty for none; further codes are reserved [HDMI 2.1, table 10-6].
+constexpr const char* kFixedRateLinks[] = {"",
                                            "3 lanes at 3 Gbps",
                                            "3 lanes at 6 Gbps",
                                            "4 lanes at 6 Gbps",
@@ -160,7 +162,6 @@ constexpr std::size_t kFreeSyncMax = 3;  // Hz
 
 // HDR10+ and Dolby Vision, after the identifier.
 constexpr std::size_t kHdr10PlusVersion = 0;
-constexpr unsigned int kHdr10PlusVersionBits = 0x03;
 constexpr std::size_t kDolbyVersion = 0;
 constexpr unsigned int kDolbyVersionShift = 5;
 

@@ -45,6 +45,9 @@ constexpr unsigned int kTagAdaptiveSync = 0x2B;  // [2.1a]
 constexpr unsigned int kTagCta = 0x81;           // data blocks as CTA-861 has them
 
 // Product identification [4.1].
+constexpr std::size_t kProductMaker = 0;  // three letters; in version 2 an identifier of IEEE's
+constexpr std::size_t kProductMakerSize = 3;
+constexpr std::size_t kProductCode = 3;  // two bytes, the lower first
 constexpr std::size_t kProductSerial = 5;
 constexpr std::size_t kProductSerialSize = 4;
 constexpr std::size_t kContainerIdSize = 16;
@@ -97,6 +100,10 @@ constexpr unsigned int kDmtCodes = 0;
 constexpr unsigned int kVicCodes = 1;
 constexpr unsigned int kHdmiCodes = 2;
 constexpr unsigned int kTwoByteCodes = 0x08;
+
+// Timings as bits of codes [4.4.7, 4.4.8].
+constexpr std::size_t kDmtBitCount = 80;
+constexpr std::size_t kVicBitCount = 64;
 
 // Timings of type V, IX and X [4.4.5, 2.0 4.3.3, 2.1a]: a size and a rate, from which VESA Coordinated Video Timings
 // (CVT) make the rest.

@@ -73,7 +73,9 @@ constexpr unsigned int GetStandardHeight(unsigned int width, unsigned char secon
   return width * aspects[second >> 6][1] / aspects[second >> 6][0];
 }
 
-/// Of an entry before EDID 1.3, whose aspect ratio of code 0 is 1:1.
+constexpr unsigned int kFirstWith16By10 = 3;  // revision: before it, the aspect ratio of code 0 is 1:1
+
+/// Of an entry in an EDID before that revision.
 constexpr unsigned int GetOldStandardHeight(unsigned int width, unsigned char second) {
   return second >> 6 == 0 ? width : GetStandardHeight(width, second);
 }
@@ -86,18 +88,17 @@ constexpr std::array<std::size_t, 4> kDescriptors = {54, 72, 90, 108};
 constexpr std::size_t kDescriptorSize = 18;  // bytes
 
 // A detailed timing [3.10.2]. Its numbers of 12 bits have their low eight in a byte of their own.
-constexpr std::size_t kPixelClock = 0;      // two bytes, the lower first, in 10 kHz; 0 in a display descriptor
-constexpr std::size_t kActiveWidth = 2;     // pixels
-constexpr std::size_t kBlankWidth = 3;      // pixels
-constexpr std::size_t kWidthHighBits = 4;   // of the active width in its upper half, of the blank one in its lower
-constexpr std::size_t kActiveHeight = 5;    // lines, of one field when it is interlaced
-constexpr std::size_t kBlankHeight = 6;     // lines
-constexpr std::size_t kHeightHighBits = 7;  // as those of the widths
-constexpr std::size_t kImageWidth = 12;     // mm
-constexpr std::size_t kImageHeight = 13;    // mm
-constexpr std::size_t kImageHighBits = 14;  // as those of the widths
-constexpr std::size_t kBorderWidth = 15;    // pixels at each side
-constexpr std::size_t kBorderHeight = 16;   // lines at each side
+constexpr std::size_t kPixelClock = 0;         // two bytes, the lower first, in 10 kHz; 0 in a display descriptor
+constexpr unsigned int kMinPixelClock = 1000;  // in the same unit: what is slower is no timing
+constexpr std::size_t kActiveWidth = 2;        // pixels
+constexpr std::size_t kBlankWidth = 3;         // pixels
+constexpr std::size_t kWidthHighBits = 4;      // of the active width in its upper half, of the blank one in its lower
+constexpr std::size_t kActiveHeight = 5;       // lines, of one field when it is interlaced
+constexpr std::size_t kBlankHeight = 6;        // lines
+constexpr std::size_t kHeightHighBits = 7;     // as those of the widths
+constexpr std::size_t kImageWidth = 12;        // mm
+constexpr std::size_t kImageHeight = 13;       // mm
+constexpr std::size_t kImageHighBits = 14;     // as those of the widths
 constexpr std::size_t kTimingFlags = 17;
 constexpr unsigned char kInterlaced = 0x80;
 
@@ -117,8 +118,9 @@ constexpr std::size_t kDescriptorText = 5;
 constexpr std::size_t kDescriptorTextSize = 13;  // bytes
 
 // One of range limits.
-constexpr std::size_t kRateOffsets = 4;    // since EDID 1.4: what kMinVertFreq and the three after it lack
-constexpr unsigned int kRateOffset = 255;  // in the unit of the rate
+constexpr unsigned int kFirstWithRateOffsets = 4;  // revision
+constexpr std::size_t kRateOffsets = 4;            // since EDID 1.4: what kMinVertFreq and the three after it lack
+constexpr unsigned int kRateOffset = 255;          // in the unit of the rate
 constexpr unsigned char kMaxVertOffset = 0x02;
 constexpr unsigned char kMinVertOffset = 0x01;
 constexpr unsigned char kMaxHorizOffset = 0x08;
@@ -131,7 +133,7 @@ constexpr std::size_t kBandwidth = 9;     // 10 MHz
 constexpr unsigned char kNoBandwidth = 0xFF;
 
 // One of established timings III [3.10.3.9]: bits, as those of the base block.
-constexpr std::size_t kEstablished3 = 6;
+constexpr std::size_t kEstablished3Bits = 6;
 
 // One of standard timings [3.10.3.6].
 constexpr std::size_t kMoreStandardTimings = 5;
@@ -154,7 +156,7 @@ struct TCvtRate {
 constexpr TCvtRate kCvtRateBits[] = {
     {0x10, 50, false}, {0x08, 60, false}, {0x04, 75, false}, {0x02, 85, false}, {0x01, 60, true}};
 
-// An aspect ratio in place of an image size, since EDID 1.4: one of the two bytes is 0 [3.6.2].
+// An aspect ratio in place of an image size: one of the two bytes is 0 [3.6.2].
 constexpr unsigned int kAspectOffset = 99;  // a ratio of 1:1 would be 0
 constexpr unsigned int kAspectUnit = 100;
 

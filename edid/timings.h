@@ -2,6 +2,7 @@
 // the video codes of CTA-861 (VICs), and those of HDMI 1.4.
 #pragma once
 
+#include <algorithm>
 #include <iterator>
 
 namespace edid {
@@ -110,7 +111,8 @@ constexpr TTiming kDmtTimings[] = {
 };
 // clang-format on
 
-/// A standard timing is a DMT timing when its two bytes are these, the first in the upper half [DMT 1.13, table 2-1].
+/// A standard timing is a DMT timing when its two bytes are these, the first in the upper half; in ascending order
+/// [DMT 1.13, table 2-1].
 struct TStandardCode {
   unsigned short code;
   unsigned char dmt;
@@ -347,11 +349,12 @@ constexpr const TTiming* FindVic(unsigned int code) {
 }
 
 /// Null when no DMT timing has these two bytes of a standard timing.
-constexpr const TTiming* FindStandardTiming(unsigned int first, unsigned int second) {
-  for (const TStandardCode& entry : kStandardCodes) {
-    if (entry.code == (first << 8 | second)) return FindDmtTiming(entry.dmt);
-  }
-  return nullptr;
+inline const TTiming* FindStandardTiming(unsigned int first, unsigned int second) {
+  const unsigned int code = first << 8 | second;
+  const auto isBefore = [](const TStandardCode& entry, unsigned int wanted) { return entry.code < wanted; };
+  const TStandardCode* const found =
+      std::lower_bound(std::begin(kStandardCodes), std::end(kStandardCodes), code, isBefore);
+  return found != std::end(kStandardCodes) && found->code == code ? FindDmtTiming(found->dmt) : nullptr;
 }
 
 }  // namespace edid

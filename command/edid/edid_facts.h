@@ -103,10 +103,9 @@ struct TTile {
 
 struct TEdidFacts {
   // Known of any EDID:
-  bool isVersion1 = false;         // has the header and the version of an EDID 1.x; else only these four are known
+  bool isVersion1 = false;         // has the header and the version of an EDID 1.x; else only these three are known
   bool hasValidChecksums = false;  // of every block
   unsigned int extensions = 0;     // blocks after the first
-  std::string sha256;              // of all blocks, in lower-case hex
 
   std::string version;                        // "1.4"
   std::string name;                           // the monitor's name; empty when it has none

@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "command/edid/sha256.h"
+
 namespace {
 
 constexpr std::size_t kHashDigits = 16;  // of an identity without a serial number
@@ -20,19 +22,20 @@ std::string WriteDate(const std::optional<TMade>& made) {
 
 }  // namespace
 
-TIdentity Identify(const TEdidFacts& facts) {
+TIdentity Identify(const TIdentified& monitor) {
+  const TEdidFacts& facts = monitor.facts;
   const std::string model = facts.maker + "-" + WriteHex(facts.productCode) + "-" + WriteDate(facts.made) + "-";
-  if (!facts.serial) return {model + facts.sha256.substr(0, kHashDigits), "edid"};
+  if (!facts.serial) return {model + HashSha256(monitor.edid).substr(0, kHashDigits), "edid"};
   return {model + facts.serial->serial, facts.serial->source == ESerialSource::kNumber ? "number" : "serial"};
 }
 
-std::vector<TIdentity> IdentifyAll(const std::vector<TIdentified>& monitors) {
-  std::map<std::string, unsigned int> copies;  // by hash
-  for (const TIdentified& monitor : monitors) ++copies[monitor.facts->sha256];
+std::vector<TIdentity> IdentifyAll(const std::vector<TPlacedMonitor>& monitors) {
+  std::map<std::vector<std::uint8_t>, unsigned int> copies;  // by EDID
+  for (const TPlacedMonitor& placed : monitors) ++copies[placed.monitor.edid];
   std::vector<TIdentity> identities;
-  for (const TIdentified& monitor : monitors) {
-    TIdentity identity = Identify(*monitor.facts);
-    if (copies[monitor.facts->sha256] > 1) identity = {identity.text + "@" + monitor.place, "connector"};
+  for (const auto& [monitor, place] : monitors) {
+    TIdentity identity = Identify(monitor);
+    if (copies[monitor.edid] > 1) identity = {identity.text + "@" + place, "connector"};
     identities.push_back(std::move(identity));
   }
   return identities;

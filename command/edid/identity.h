@@ -16,15 +16,21 @@ struct TIdentity {
 /// True for the same monitor, even at another input or on another machine.
 inline bool SameMonitor(const TIdentity& left, const TIdentity& right) { return left.text == right.text; }
 
-/// The identity that the EDID gives: maker, product code, year and week, and serial number; without a serial number the
-/// beginning of its hash.
-TIdentity Identify(const TEdidFacts& facts);
-
-/// An output with an EDID, of one machine.
+/// A monitor's EDID, whole 128-byte blocks, and what it says.
 struct TIdentified {
-  const TEdidFacts* facts;
-  std::string place;  // the connector, or the unit where none is known
+  const TEdidFacts& facts;
+  const std::vector<std::uint8_t>& edid;
+};
+
+/// The identity that the EDID gives: maker, product code, year and week, and serial number; without a serial number the
+/// beginning of the EDID's SHA-256 hash.
+TIdentity Identify(const TIdentified& monitor);
+
+/// The same at a place of a machine: the connector, or the unit where none is known.
+struct TPlacedMonitor {
+  TIdentified monitor;
+  std::string place;
 };
 
 /// The identities of a machine's monitors, in their order. Byte-equal EDIDs get the place at the end.
-std::vector<TIdentity> IdentifyAll(const std::vector<TIdentified>& monitors);
+std::vector<TIdentity> IdentifyAll(const std::vector<TPlacedMonitor>& monitors);

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstdio>
 #include <iterator>
+#include <string_view>
 
 namespace {
 
@@ -62,7 +63,7 @@ enum class EUse { kSerial, kAlternative };
 
 /// A maker's models, and what is made of their numbers and texts.
 struct TRule {
-  const char* maker;
+  std::string_view maker;
   unsigned int first;  // product code
   unsigned int last;
   EText text;

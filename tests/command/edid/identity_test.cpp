@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "command/edid/sha256.h"
 #include "tests/support/edid_builder.h"
 
 namespace {
@@ -14,7 +15,17 @@ TEdidBuilder Monitor() {
       .Byte(edid::kProductCode + 1, 0xA0);
 }
 
-TEdidFacts ReadMonitor(const TEdidBuilder& builder) { return ReadEdidFacts(builder.Build()); }
+/// A monitor with its EDID.
+struct TMonitor {
+  explicit TMonitor(const TEdidBuilder& builder) : edid(builder.Build()), facts(ReadEdidFacts(edid)) {}
+
+  TIdentified Get() const { return {facts, edid}; }
+
+  std::vector<std::uint8_t> edid;
+  TEdidFacts facts;
+};
+
+TIdentity IdentifyMonitor(const TEdidBuilder& builder) { return Identify(TMonitor(builder).Get()); }
 
 void ExpectIdentity(const TIdentity& identity, const std::string& text, const std::string& from) {
   EXPECT_EQ(identity.text, text);
@@ -24,28 +35,28 @@ void ExpectIdentity(const TIdentity& identity, const std::string& text, const st
 }  // namespace
 
 TEST(Identity, IsMakerProductDateAndSerialText) {
-  ExpectIdentity(Identify(ReadMonitor(Monitor().Serial(2, "CN0ABC"))), "DEL-A0EF-2021.14-CN0ABC", "serial");
+  ExpectIdentity(IdentifyMonitor(Monitor().Serial(2, "CN0ABC")), "DEL-A0EF-2021.14-CN0ABC", "serial");
 }
 
 TEST(Identity, HasTheNumberOfTheHeaderWhereThereIsNoText) {
-  ExpectIdentity(Identify(ReadMonitor(Monitor().Byte(edid::kSerialNumber + 1, 1))), "DEL-A0EF-2021.14-256", "number");
+  ExpectIdentity(IdentifyMonitor(Monitor().Byte(edid::kSerialNumber + 1, 1)), "DEL-A0EF-2021.14-256", "number");
 }
 
 TEST(Identity, HasTheBeginningOfTheHashWithoutASerialNumber) {
-  const TEdidFacts facts = ReadMonitor(Monitor());
-  ExpectIdentity(Identify(facts), "DEL-A0EF-2021.14-" + facts.sha256.substr(0, 16), "edid");
+  const TMonitor monitor(Monitor());
+  ExpectIdentity(Identify(monitor.Get()), "DEL-A0EF-2021.14-" + HashSha256(monitor.edid).substr(0, 16), "edid");
 }
 
 TEST(Identity, HasTheYearOfTheModelAndZerosForWhatIsNotKnown) {
-  ExpectIdentity(Identify(ReadMonitor(Monitor().Made(edid::kModelYear, 2019).Serial(2, "A"))), "DEL-A0EF-2019.0-A",
-                 "serial");
-  ExpectIdentity(Identify(ReadMonitor(Monitor().Made(0, 1990).Serial(2, "A"))), "DEL-A0EF-0.0-A", "serial");
+  ExpectIdentity(IdentifyMonitor(Monitor().Made(edid::kModelYear, 2019).Serial(2, "A")), "DEL-A0EF-2019.0-A", "serial");
+  ExpectIdentity(IdentifyMonitor(Monitor().Made(0, 1990).Serial(2, "A")), "DEL-A0EF-0.0-A", "serial");
 }
 
 TEST(Identity, HasThePlaceWhereTwoEdidsAreEqual) {
-  const TEdidFacts twin = ReadMonitor(Monitor().Serial(2, "A"));
-  const TEdidFacts other = ReadMonitor(Monitor().Serial(2, "B"));
-  const std::vector<TIdentity> identities = IdentifyAll({{&twin, "card0-DP-1"}, {&other, "card0-DP-2"}, {&twin, "2"}});
+  const TMonitor twin(Monitor().Serial(2, "A"));
+  const TMonitor other(Monitor().Serial(2, "B"));
+  const std::vector<TIdentity> identities =
+      IdentifyAll({{twin.Get(), "card0-DP-1"}, {other.Get(), "card0-DP-2"}, {twin.Get(), "2"}});
   ASSERT_EQ(identities.size(), 3U);
   ExpectIdentity(identities[0], "DEL-A0EF-2021.14-A@card0-DP-1", "connector");
   ExpectIdentity(identities[1], "DEL-A0EF-2021.14-B", "serial");
@@ -54,8 +65,8 @@ TEST(Identity, HasThePlaceWhereTwoEdidsAreEqual) {
 }
 
 TEST(Identity, IsOneForAMonitorAtTwoInputs) {
-  const TEdidFacts first = ReadMonitor(Monitor().Serial(2, "A"));
-  const TEdidFacts second = ReadMonitor(Monitor().Serial(2, "A").Extension({0x02}));
-  const std::vector<TIdentity> identities = IdentifyAll({{&first, "DP-1"}, {&second, "HDMI-1"}});
+  const TMonitor first(Monitor().Serial(2, "A"));
+  const TMonitor second(Monitor().Serial(2, "A").Extension({0x02}));
+  const std::vector<TIdentity> identities = IdentifyAll({{first.Get(), "DP-1"}, {second.Get(), "HDMI-1"}});
   EXPECT_TRUE(SameMonitor(identities[0], identities[1]));
 }

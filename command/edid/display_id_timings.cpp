@@ -1,0 +1,178 @@
+#include <iterator>
+
+#include "command/edid/cvt.h"
+#include "command/edid/edid_draft.h"
+#include "edid/display_id_layout.h"
+#include "edid/timings.h"
+
+namespace displayid = edid::displayid;
+
+namespace {
+
+/// A timing in full, as DisplayID numbers it: the lines are those of a whole picture.
+TMode MakeFullMode(double clock, unsigned int width, unsigned int blankWidth, unsigned int height,
+                   unsigned int blankHeight, bool isInterlaced) {
+  // Two fields share a line between them.
+  const double fieldLines = isInterlaced ? (height + blankHeight) / 2 + 0.5 : height + blankHeight;
+  return MakeMode(width, height, clock, width + blankWidth, fieldLines, isInterlaced);
+}
+
+TMode ReadTypeIOrVII(double clockUnit, TBytes timing) {
+  const auto read = [&](std::size_t offset) { return timing.Number(offset, 2) + 1; };
+  return MakeFullMode((timing.Number(displayid::kClock, 3) + 1) * clockUnit, read(displayid::kTypeIWidth),
+                      read(displayid::kTypeIBlankWidth), read(displayid::kTypeIHeight),
+                      read(displayid::kTypeIBlankHeight), (timing[displayid::kFlags] & displayid::kInterlaced) != 0);
+}
+
+TMode ReadTypeI(TBytes timing) { return ReadTypeIOrVII(displayid::kTypeIClock, timing); }
+
+TMode ReadTypeVII(TBytes timing) { return ReadTypeIOrVII(1, timing); }
+
+TMode ReadTypeII(TBytes timing) {
+  const double clock = (timing.Number(displayid::kClock, 3) + 1) * static_cast<double>(displayid::kTypeIClock);
+  const unsigned int widths = timing.Number(displayid::kTypeIIWidth, 2);
+  const unsigned int width = ((widths & displayid::kTypeIIWidthBits) + 1) * displayid::kCell;
+  const unsigned int blankWidth = ((widths >> displayid::kTypeIIBlankShift) + 1) * displayid::kCell;
+  const unsigned int height = (timing.Number(displayid::kTypeIIHeight, 2) & displayid::kTypeIIHeightBits) + 1;
+  return MakeFullMode(clock, width, blankWidth, height, timing[displayid::kTypeIIBlankHeight] + 1,
+                      (timing[displayid::kFlags] & displayid::kInterlaced) != 0);
+}
+
+TMode ReadTypeIII(TBytes timing) {
+  const unsigned int aspect = timing[0] & displayid::kAspectBits;
+  if (aspect >= std::size(displayid::kAspects)) return {};
+  const unsigned int formula = timing[0] >> displayid::kTypeIIIFormulaShift & displayid::kTypeIIIFormulaBits;
+  const unsigned int width = (timing[displayid::kTypeIIIWidth] + 1) * displayid::kCell;
+  const unsigned int height = width * displayid::kAspects[aspect].height / displayid::kAspects[aspect].width;
+  const double refresh = (timing[displayid::kTypeIIIRate] & displayid::kTypeIIIRateBits) + 1;
+  return MakeCvtMode({width, height, refresh, formula == 1 ? EBlanking::Reduced : EBlanking::Standard});
+}
+
+TMode ReadTypeV(TBytes timing) {
+  const auto read = [&](std::size_t offset) { return timing.Number(offset, 2) + 1; };
+  const double refresh = timing[displayid::kTypeVRate] + 1;
+  return MakeCvtMode({read(displayid::kTypeVWidth), read(displayid::kTypeVHeight), refresh, EBlanking::Reduced2});
+}
+
+TMode ReadTypeVI(TBytes timing) {
+  const auto read = [&](std::size_t offset) { return (timing.Number(offset, 2) & displayid::kTypeVIBits) + 1; };
+  const double clock = (timing.Number(displayid::kClock, 3) & displayid::kTypeVIClockBits) + 1;
+  const unsigned int blankWidth =
+      timing[displayid::kTypeVIBlankWidth] + ((timing[displayid::kTypeVIUpperBits] & 0x0FU) << 8) + 1;
+  return MakeFullMode(clock, read(displayid::kTypeVIWidth), blankWidth, read(displayid::kTypeVIHeight),
+                      timing[displayid::kTypeVIBlankHeight] + 1,
+                      (timing[displayid::kTypeVIFlags] & displayid::kTypeVIInterlaced) != 0);
+}
+
+/// The size and the formula of type IX and X, which have the rate in different sizes.
+TCvtRequest ReadCvtRequest(TBytes timing, unsigned int refresh) {
+  constexpr EBlanking blankings[] = {EBlanking::Standard, EBlanking::Reduced, EBlanking::Reduced2, EBlanking::Reduced3};
+  const unsigned int formula = timing[0] & displayid::kFormulaBits;
+  TCvtRequest request;
+  request.width = timing.Number(displayid::kTypeIXWidth, 2) + 1;
+  request.height = timing.Number(displayid::kTypeIXHeight, 2) + 1;
+  request.refresh = refresh;
+  request.blanking = formula < std::size(blankings) ? blankings[formula] : EBlanking::Standard;
+  return request;
+}
+
+TMode ReadTypeIX(TBytes timing) {
+  TCvtRequest request = ReadCvtRequest(timing, timing[displayid::kTypeIXRate] + 1);
+  if (request.blanking == EBlanking::Reduced3) request.blanking = EBlanking::Standard;
+  return MakeCvtMode(request);
+}
+
+/// Version 3 of reduced blanking may add to the blank, or take away from a wide one.
+TMode ReadTypeX(TBytes timing) {
+  constexpr unsigned int wide = 160;  // pixels
+  constexpr unsigned int pixels = 8;  // of a step
+  constexpr unsigned int steps = 7;
+  constexpr unsigned int microseconds = 35;  // of a step
+  const bool hasLongRate = timing.GetSize() > displayid::kTypeIXSize;
+  const unsigned int rate =
+      timing.Number(displayid::kTypeIXRate, 2) & (hasLongRate ? displayid::kTypeXRateBits : 0xFFU);
+  TCvtRequest request = ReadCvtRequest(timing, rate + 1);
+  const unsigned int blank = timing[displayid::kTypeXBlank];
+  const unsigned int addedWidth = (blank >> 2 & steps) * pixels;
+  request.blankWidth += addedWidth;
+  if ((timing[0] & displayid::kWideBlank) != 0) request.blankWidth = wide - addedWidth;
+  request.minBlankTime += (blank >> 5) * microseconds;
+  return MakeCvtMode(request);
+}
+
+/// Timings one after the other, each of so many bytes.
+void ReadEach(TBytes payload, std::size_t size, TMode (*read)(TBytes timing), TEdidDraft& draft) {
+  for (; payload.GetSize() >= size; payload = payload.From(size)) {
+    draft.modes.Add(read(payload.Part(0, size)), EModeSource::DisplayId);
+  }
+}
+
+/// Timings of type VI tell their own size.
+void ReadEachTypeVI(TBytes payload, TEdidDraft& draft) {
+  while (payload.GetSize() >= displayid::kTypeVISize) {
+    const bool isLong = (payload[displayid::kTypeVIClockFlags] & displayid::kTypeVIIsLong) != 0;
+    draft.modes.Add(ReadTypeVI(payload), EModeSource::DisplayId);
+    payload = payload.From(isLong ? displayid::kTypeVILongSize : displayid::kTypeVISize);
+  }
+}
+
+const edid::TTiming* FindByCode(unsigned int revision, unsigned int code) {
+  switch (revision >> displayid::kCodesShift) {
+    case displayid::kDmtCodes:
+      return edid::FindDmtTiming(code);
+    case displayid::kVicCodes:
+      return edid::FindVic(code);
+    case displayid::kHdmiCodes:
+      return edid::FindHdmiVic(code);
+    default:
+      return nullptr;
+  }
+}
+
+void ReadCodes(unsigned int revision, std::size_t size, TBytes payload, TEdidDraft& draft) {
+  for (; payload.GetSize() >= size; payload = payload.From(size)) {
+    draft.modes.Add(FindByCode(revision, payload.Number(0, size)), EModeSource::DisplayId);
+  }
+}
+
+/// The timing of code n at bit n - 1.
+void ReadBits(TBytes payload, std::size_t count, const edid::TTiming* (*find)(unsigned int), TEdidDraft& draft) {
+  for (unsigned int index = 0; index < count; ++index) {
+    if ((payload[index / 8] >> index % 8 & 1U) != 0) draft.modes.Add(find(index + 1), EModeSource::DisplayId);
+  }
+}
+
+}  // namespace
+
+void ReadDisplayIdTimings(unsigned int tag, unsigned int revision, TBytes payload, TEdidDraft& draft) {
+  switch (tag) {
+    case displayid::kTagTypeI:
+      return ReadEach(payload, displayid::kTypeISize, ReadTypeI, draft);
+    case displayid::kTagTypeII:
+      return ReadEach(payload, displayid::kTypeIISize, ReadTypeII, draft);
+    case displayid::kTagTypeIII:
+      return ReadEach(payload, displayid::kTypeIIISize, ReadTypeIII, draft);
+    case displayid::kTagTypeIV:
+      return ReadCodes(revision, 1, payload, draft);
+    case displayid::kTagDmtBits:
+      return ReadBits(payload, displayid::kDmtBitCount, edid::FindDmtTiming, draft);
+    case displayid::kTagVicBits:
+      return ReadBits(payload, displayid::kVicBitCount, edid::FindVic, draft);
+    case displayid::kTagTypeV:
+      return ReadEach(payload, displayid::kTypeVSize, ReadTypeV, draft);
+    case displayid::kTagTypeVI:
+      return ReadEachTypeVI(payload, draft);
+    case displayid::kTagTypeVII:
+      return ReadEach(payload, displayid::kTypeISize, ReadTypeVII, draft);
+    case displayid::kTagTypeVIII:
+      return ReadCodes(revision, (revision & displayid::kTwoByteCodes) != 0 ? 2 : 1, payload, draft);
+    case displayid::kTagTypeIX:
+      return ReadEach(payload, displayid::kTypeIXSize, ReadTypeIX, draft);
+    case displayid::kTagTypeX:
+      return ReadEach(payload,
+                      displayid::kTypeIXSize + (revision >> displayid::kTypeXSizeShift & displayid::kTypeXSizeBits),
+                      ReadTypeX, draft);
+    default:
+      return;
+  }
+}
