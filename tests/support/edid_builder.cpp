@@ -4,6 +4,9 @@
 #include <numeric>
 #include <utility>
 
+#include "edid/cta_layout.h"
+#include "edid/display_id_layout.h"
+
 namespace {
 
 constexpr std::uint8_t kTagDummy = 0x10;  // of a descriptor that says nothing
@@ -101,6 +104,22 @@ TEdidBuilder& TEdidBuilder::Extension(const std::vector<std::uint8_t>& head) {
   m_bytes.resize(offset + edid::kBlockSize);
   std::copy(head.begin(), head.end(), m_bytes.begin() + static_cast<std::ptrdiff_t>(offset));
   return *this;
+}
+
+TEdidBuilder& TEdidBuilder::Cta(const std::vector<std::uint8_t>& dataBlocks, const std::vector<std::uint8_t>& timings) {
+  std::vector<std::uint8_t> head = {edid::cta::kExtension, edid::cta::kFirstWithDataBlocks,
+                                    ToByte(static_cast<unsigned int>(edid::cta::kDataBlocks + dataBlocks.size())), 0};
+  head.insert(head.end(), dataBlocks.begin(), dataBlocks.end());
+  head.insert(head.end(), timings.begin(), timings.end());
+  return Extension(head);
+}
+
+TEdidBuilder& TEdidBuilder::DisplayId(unsigned int version, const std::vector<std::uint8_t>& dataBlocks) {
+  std::vector<std::uint8_t> head = {edid::displayid::kExtension, ToByte(version),
+                                    ToByte(static_cast<unsigned int>(dataBlocks.size())), 0, 0};
+  head.insert(head.end(), dataBlocks.begin(), dataBlocks.end());
+  head.push_back(ToByte(0U - std::accumulate(head.begin() + 1, head.end(), 0U)));
+  return Extension(head);
 }
 
 TEdidBuilder& TEdidBuilder::Byte(std::size_t offset, unsigned int value) {

@@ -44,6 +44,12 @@ class TEdidBuilder {
   /// Appends an extension block that begins with these bytes and is zero after them.
   TEdidBuilder& Extension(const std::vector<std::uint8_t>& head);
 
+  /// Appends a CTA-861 extension of revision 3 with these data blocks, and then these detailed timings.
+  TEdidBuilder& Cta(const std::vector<std::uint8_t>& dataBlocks, const std::vector<std::uint8_t>& timings = {});
+
+  /// Appends a DisplayID extension, `version` such as 0x12 or 0x20, with these data blocks and the section's checksum.
+  TEdidBuilder& DisplayId(unsigned int version, const std::vector<std::uint8_t>& dataBlocks);
+
   /// Sets any byte, after all else; the checksums still come out right, unless this sets them.
   TEdidBuilder& Byte(std::size_t offset, unsigned int value);
 

@@ -1,0 +1,60 @@
+#include <gmock/gmock.h>
+
+#include "tests/command/edid/edid_texts.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+std::vector<std::string> FindAll(const TEdidBuilder& builder) { return ReadEdidFacts(builder.Build()).contradictions; }
+
+std::vector<std::uint8_t> MakeBase() { return TEdidBuilder().Build(); }
+
+}  // namespace
+
+TEST(Contradictions, AreNoneInASoundEdid) {
+  EXPECT_THAT(FindAll(TEdidBuilder().DetailedTiming(0, false).RangeLimits(1, 50, 75, 30, 80, 15).Cta({0x41, 16})),
+              IsEmpty());
+}
+
+TEST(Contradictions, NameTheBlockWhoseChecksumIsWrong) {
+  EXPECT_THAT(FindAll(TEdidBuilder().Cta({}).Byte(edid::kBlockSize + edid::kChecksum, 1)),
+              ElementsAre("Block 1 has a wrong checksum."));
+}
+
+TEST(Contradictions, TellOfExtensionsThatAreMissing) {
+  EXPECT_THAT(FindAll(TEdidBuilder().Byte(edid::kExtensionCount, 2)),
+              ElementsAre("It declares 2 extension blocks but has no extension block."));
+}
+
+TEST(Contradictions, TellOfTheExtensionsOfAnotherEdid) {
+  std::vector<std::uint8_t> other = MakeBase();
+  other[edid::kProductCode] = 1;
+  EXPECT_THAT(FindAll(TEdidBuilder().Extension(other)), ElementsAre("Block 1 is the base block of another EDID."));
+  EXPECT_THAT(
+      FindAll(TEdidBuilder().Manufacturer("DEL").DisplayId(0x12, {0, 0, 12, 'A', 'C', 'M', 5, 0, 0, 0, 0, 0, 0, 0, 0})),
+      ElementsAre("Its DisplayID extension is about ACM 5, its base block about DEL 0."));
+}
+
+TEST(Contradictions, TellOfSizesThatDiffer) {
+  const std::size_t timing = edid::kDescriptors[0];
+  const TEdidBuilder small = TEdidBuilder().DetailedTiming(0, false).ImageSize(60, 34);
+  EXPECT_THAT(FindAll(TEdidBuilder(small).Byte(timing + edid::kImageWidth, 100).Byte(timing + edid::kImageHeight, 50)),
+              testing::Contains(testing::StartsWith("Its image is 60 x 34 cm, but ")));
+}
+
+TEST(Contradictions, TellOfAnAspectRatioThatStandsAsASize) {
+  EXPECT_THAT(FindAll(TEdidBuilder().ImageSize(16, 9)), ElementsAre("Its image size of 16 x 9 cm is an aspect ratio."));
+}
+
+TEST(Contradictions, TellOfAPreferredModeOutsideTheLimits) {
+  EXPECT_THAT(FindAll(TEdidBuilder().DetailedTiming(0, false).RangeLimits(1, 70, 75, 30, 60, 10)),
+              ElementsAre("Its preferred mode needs 60.020 Hz, but its limits are 70 to 75 Hz.",
+                          "Its preferred mode needs 63.981 kHz, but its limits are 30 to 60 kHz.",
+                          "Its preferred mode needs a pixel clock of 108.000 MHz, but its limit is 100 MHz."));
+}
+
+TEST(Contradictions, AreNoneWhereAPanelHasOneRateForALimit) {
+  EXPECT_THAT(FindAll(TEdidBuilder().DetailedTiming(0, false).RangeLimits(1, 48, 144, 160, 160, 15)), IsEmpty());
+}
