@@ -10,6 +10,7 @@
 
 #include "command/base/base64.h"
 #include "tests/support/edid_builder.h"
+#include "tests/support/rich_edids.h"
 
 namespace fs = std::filesystem;
 
@@ -196,6 +197,7 @@ int main(int argumentCount, char** arguments) try {
     units += MakeUnit(builder);
   }
   seeds.Add("monitors", units);
+  for (const auto& [name, edid] : MakeRichEdids()) seeds.Add("edid_facts", std::string(edid.begin(), edid.end()));
   for (const char* text : kSections) seeds.Add("sections", text);
   for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
   for (const char* text : kMachineDocuments) seeds.Add("machine_document", text);

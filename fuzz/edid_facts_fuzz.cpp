@@ -1,0 +1,45 @@
+// What any bytes say as an EDID: each mode once, in order, with pixels and a rate, and nothing of what is no EDID.
+//
+// Input: the EDID; what is left of a block of 128 bytes is zeros.
+#include "command/edid/edid_facts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <tuple>
+
+#include "command/edid/identity.h"
+#include "edid/layout.h"
+#include "fuzz/require.h"
+
+namespace {
+
+auto GetOrder(const TListedMode& mode) {
+  return std::tuple(std::uint64_t{mode.width} * mode.height, mode.width, !mode.isInterlaced, mode.refresh);
+}
+
+void RequireModes(const std::vector<TListedMode>& modes) {
+  const auto isNotBefore = [](const TListedMode& left, const TListedMode& right) {
+    return GetOrder(left) <= GetOrder(right);
+  };
+  Require(std::adjacent_find(modes.begin(), modes.end(), isNotBefore) == modes.end(),
+          "each mode is there once, in order");
+  for (const TListedMode& mode : modes) {
+    Require(mode.width > 0 && mode.height > 0 && mode.refresh > 0, "a mode has pixels and a rate");
+    Require(std::isfinite(mode.refresh), "a rate is a number");
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  constexpr std::size_t maxBlocks = 256;
+  std::vector<std::uint8_t> edid(data, data + std::min(size, maxBlocks * edid::kBlockSize));
+  edid.resize(std::max<std::size_t>(1, (edid.size() + edid::kBlockSize - 1) / edid::kBlockSize) * edid::kBlockSize);
+  const TEdidFacts facts = ReadEdidFacts(edid);
+  RequireModes(facts.modes);
+  Require(facts.isVersion1 || (facts.modes.empty() && facts.name.empty()), "what is no EDID says nothing");
+  Require(facts.imageSize.has_value() == facts.diagonalInches.has_value(), "a size has a diagonal");
+  Require(!Identify({facts, edid}).text.empty(), "every monitor has an identity");
+  return 0;
+}
