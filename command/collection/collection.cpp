@@ -1,6 +1,8 @@
 #include "command/collection/collection.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <ctime>
 #include <utility>
 
 #include "command/base/unusable.h"
@@ -40,11 +42,32 @@ bool HasGap(const TAnswer& answer) {
   return false;
 }
 
+/// While it lives, the process has the time zone that the system has now. Without TZ the C library looks at the zone's
+/// file for every date, whether it has changed; with the file's name in TZ it does not.
+class TTimeZone {
+ public:
+  TTimeZone() : m_isSet(std::getenv(kVariable) == nullptr) {
+    if (!m_isSet) return;
+    tzset();
+    setenv(kVariable, ":/etc/localtime", 1);
+  }
+  ~TTimeZone() {
+    if (m_isSet) unsetenv(kVariable);
+  }
+  TTimeZone(const TTimeZone&) = delete;
+  TTimeZone& operator=(const TTimeZone&) = delete;
+
+ private:
+  static constexpr const char* kVariable = "TZ";
+  bool m_isSet;
+};
+
 }  // namespace
 
 TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile, const std::vector<TRequest>& requests,
                 std::function<void(const TLogEntry&)> logListener) try {
   ChooseVideoBios(machine.bios);
+  const TTimeZone zone;
   TEmbeddedHost host(machine.host, std::move(logListener));
   TAnswer answer;
   answer.identity = {machine.host.systemName, machine.collected, kCommandVersion};
