@@ -255,6 +255,12 @@ const std::vector<TPage> kPages = {
       kXconfigSource,
       {"--max-age", "SECONDS", "How old an answer may be (default: 60)", "",
        [](TCommandLine& line, const TOptionValue& value) { line.serve.maxAge = ReadSeconds(value, 0); }},
+      {"--log-level", "error|warning|status|debug|verbose", "Log to show (default: status)",
+       "Each request of a client is a line of the log at level status.",
+       [](TCommandLine& line, const TOptionValue& value) {
+         typedef NQRXZELT20::ILogger TLogger;
+         line.serve.logsClients = value.As<TLogger::EZELTLogSeverity>() >= TLogger::kStatus;
+       }},
       kTimeout,
       kPlugin,
       kHelp},

@@ -13,6 +13,7 @@ struct THttpRequest {
   std::string method;
   std::vector<std::pair<std::string, std::string>> headers;
   std::string body;
+  std::string client = "";  // its address
 
   /// The value of the first header of that name, without regard to case; empty when there is none.
   std::string GetHeader(const std::string& name) const;

@@ -129,9 +129,12 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
     const auto write = [client = weak_from_this(), keepsAlive](THttpAnswer answer) {
       if (const auto self = client.lock()) self->Reply(std::move(answer), keepsAlive);
     };
+    THttpRequest request = MakeRequest(message);
+    error_code hasGone;
+    request.client = m_stream.socket().remote_endpoint(hasGone).address().to_string();
     m_shared->waiting.insert(shared_from_this());
     try {
-      m_shared->handler(MakeRequest(message), THttpServer::TReply(weak_from_this(), write));
+      m_shared->handler(request, THttpServer::TReply(weak_from_this(), write));
     } catch (...) {
       m_shared->waiting.erase(shared_from_this());
       throw;

@@ -1,13 +1,19 @@
 #include "command/cim_server/listening.h"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "command/base/unusable.h"
@@ -78,7 +84,50 @@ std::vector<TDescriptor> TryToListen(const std::vector<std::string>& addresses, 
   return listeners;
 }
 
+bool IsLoopback(const sockaddr_storage& address) {
+  constexpr unsigned int loopback = 127;  // the first byte of such an address of version 4
+  if (address.ss_family == AF_INET) {
+    return ntohl(reinterpret_cast<const sockaddr_in&>(address).sin_addr.s_addr) >> 24 == loopback;
+  }
+  const auto& version6 = reinterpret_cast<const sockaddr_in6&>(address);
+  return address.ss_family == AF_INET6 && IN6_IS_ADDR_LOOPBACK(&version6.sin6_addr);
+}
+
+/// The number that a variable of the environment holds; 0 for none.
+int ReadNumber(const char* variable) {
+  const char* const text = std::getenv(variable);
+  return text == nullptr ? 0 : static_cast<int>(std::strtol(text, nullptr, 10));
+}
+
 }  // namespace
+
+std::vector<TDescriptor> TakePassedSockets() {
+  constexpr int first = 3;
+  const int count = ReadNumber("LISTEN_PID") == getpid() ? ReadNumber("LISTEN_FDS") : 0;
+  std::vector<TDescriptor> listeners;
+  for (int descriptor = first; descriptor < first + count; ++descriptor) {
+    fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    fcntl(descriptor, F_SETFL, O_NONBLOCK);
+    listeners.emplace_back(descriptor);
+    if (!IsLoopback(ReadAddress(listeners.back()))) {
+      throw TUnusable("systemd passed a socket that listens elsewhere than on 127.0.0.1 or ::1; correct its unit");
+    }
+  }
+  return listeners;
+}
+
+void TellReady() {
+  const char* const name = std::getenv("NOTIFY_SOCKET");
+  sockaddr_un address = {};
+  if (name == nullptr || std::strlen(name) >= sizeof address.sun_path) return;
+  address.sun_family = AF_UNIX;
+  std::strcpy(address.sun_path, name);
+  if (address.sun_path[0] == '@') address.sun_path[0] = '\0';  // a name that is no file
+  const TDescriptor sender(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+  constexpr std::string_view message = "READY=1";
+  const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + std::strlen(name));
+  sendto(sender.Get(), message.data(), message.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&address), size);
+}
 
 std::vector<TDescriptor> Listen(const std::vector<std::string>& addresses, unsigned short port) {
   constexpr int maxTries = 20;  // a port that is free on one address may be taken on the other

@@ -94,6 +94,17 @@ TCollectingWorker StartWorker(const TServeOptions& options) {
                            geteuid() != 0);
 }
 
+std::vector<TDescriptor> FindListeners(const TServeOptions& options) {
+  std::vector<TDescriptor> passed = TakePassedSockets();
+  return passed.empty() ? Listen(options.addresses, options.port) : std::move(passed);
+}
+
+/// A line of the log for each request.
+void LogClient(const THttpRequest& request, const std::string& operation, const std::string& status) {
+  const std::string agent = request.GetHeader("User-Agent");
+  ShowRemark(request.client + " (" + (agent.empty() ? "no user agent" : agent) + "): " + operation + ": " + status);
+}
+
 /// Tells people each thing once, when it becomes true.
 class TNews {
  public:
@@ -129,7 +140,7 @@ class TServing {
   explicit TServing(const TServeOptions& options)
       : m_options(options),
         m_worker(StartWorker(options)),
-        m_listeners((GiveUpPrivileges(), Listen(options.addresses, options.port))),
+        m_listeners((GiveUpPrivileges(), FindListeners(options))),
         m_address(GetAddress(m_listeners.front())),
         m_server(std::move(m_listeners)),
         m_keeper(
@@ -145,6 +156,7 @@ class TServing {
       });
     }
     WriteStandardOutput("http://" + m_address + "/root/cimv2\n");
+    TellReady();
     m_keeper.Start();
     m_server.Run([this](const THttpRequest& request, const THttpServer::TReply& reply) { Answer(request, reply); });
   }
@@ -176,7 +188,12 @@ class TServing {
 
   void Answer(const THttpRequest& request, const THttpServer::TReply& reply) try {
     const TCimRequest operation = ReadHttpRequest(request);
-    const auto answer = [=](const TCimAnswer& made) { reply(MakeHttpAnswer(request, made.xml)); };
+    const auto answer = [=](const TCimAnswer& made) {
+      if (m_options.logsClients) {
+        LogClient(request, operation.operation, made.error == 0 ? "done" : "error " + std::to_string(made.error));
+      }
+      reply(MakeHttpAnswer(request, made.xml));
+    };
     const std::string host = GetHost(request, m_address);
     if (!NeedsInstances(operation)) return answer(AnswerCim(operation, TCimModel(), m_enumerations, host));
     const auto tell = [=](const TCollected& collected) {
@@ -185,6 +202,9 @@ class TServing {
     };
     m_keeper.Ask({tell, [reply] { return reply.IsWanted(); }});
   } catch (const TRefused& refused) {
+    if (m_options.logsClients) {
+      LogClient(request, "no operation", "HTTP " + std::to_string(refused.GetStatus()) + ", " + refused.what());
+    }
     reply(MakeRefusal(refused));
   }
 

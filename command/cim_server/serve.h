@@ -20,9 +20,11 @@ struct TServeOptions {
   std::filesystem::path plugin;
   std::chrono::seconds maxAge{60};
   std::chrono::seconds timeout{60};  // for a collection
+  bool logsClients = true;           // a line on standard error for each request
 };
 
-/// Writes where it listens to standard output, one line such as http://127.0.0.1:5988/root/cimv2, and serves. Gives up
-/// every privilege first; only the process that collects keeps them, when the machine is this one. Throws TUnusable
-/// when it cannot listen, or has no plug-in.
+/// Listens on the sockets that systemd passed, if it passed any, else on the addresses. Writes where to standard
+/// output, one line such as http://127.0.0.1:5988/root/cimv2, and serves. Gives up every privilege first; only the
+/// process that collects keeps them, when the machine is this one. Throws TUnusable when it cannot listen, or has no
+/// plug-in.
 void Serve(const TServeOptions& options);
