@@ -6,16 +6,22 @@
 
 #include <cerrno>
 #include <cstring>
+#include <stdexcept>
 #include <utility>
 
 namespace {
 
 constexpr int kFullPrivilege = 3;
+/// Whether that error says what the device is. No other says anything of it, such as that no descriptor is left.
+bool IsOfTheDevice(int error) {
+  return error == ENOENT || error == ENXIO || error == ENODEV || error == EPERM || error == EACCES;
+}
+
 /// What helps against that error. Root is not told to become root.
 std::string GetCure(int error) {
   if (error == ENOENT) return "this system has no such device, as in a container; run outside of it";
   if (error == ENXIO || error == ENODEV) return "this kernel was built without it";
-  if (error != EPERM && error != EACCES) return "see what the kernel says of it (dmesg)";
+  if (!IsOfTheDevice(error)) return "see what the kernel says of it (dmesg)";
   if (geteuid() != 0) return "run as root (CAP_SYS_RAWIO), on a kernel that is not locked down";
   return "root needs CAP_SYS_RAWIO for it, and a kernel that is not locked down";
 }
@@ -34,7 +40,10 @@ std::string TThisPhysicalMachine::Open() {
   m_memory = open(m_memoryDevice.c_str(), O_RDONLY | O_CLOEXEC);
   if (m_memory < 0) {
     const int error = errno;
-    return "the video BIOS cannot be read from " + m_memoryDevice + ": " + std::strerror(error) + "; " + GetCure(error);
+    const std::string failure =
+        "the video BIOS cannot be read from " + m_memoryDevice + ": " + std::strerror(error) + "; " + GetCure(error);
+    if (!IsOfTheDevice(error)) throw std::runtime_error(failure);
+    return failure;
   }
   // Without it, the first IN or OUT of the BIOS would end the process.
   if (m_raisePrivilege(kFullPrivilege) != 0) {

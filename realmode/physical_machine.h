@@ -13,6 +13,7 @@ class IPhysicalMachine {
   virtual ~IPhysicalMachine() = default;
 
   /// Asks for the privilege to use memory and ports. The empty string, or which privilege is missing and what it needs.
+  /// Throws std::runtime_error when the system fails otherwise, from which nothing follows for the machine.
   virtual std::string Open() = 0;
 
   /// Copies `size` bytes of physical memory; false when they cannot be read.

@@ -15,11 +15,18 @@ bool HasRoom(TRealModeMemory& memory) {
 
 TBiosRecorder::TBiosRecorder(std::shared_ptr<IVideoBios> bios) : m_bios(std::move(bios)) {}
 
-bool TBiosRecorder::Start(TRealModeMemory& memory) {
+bool TBiosRecorder::Start(TRealModeMemory& memory) try {
   const bool isPresent = m_bios->Start(memory);
   if (!m_isPresent) m_isPresent = isPresent;
   if (isPresent && !m_hasMemory) m_hasMemory = HasRoom(memory);
   return isPresent;
+} catch (...) {
+  m_failure = std::current_exception();
+  throw;
+}
+
+void TBiosRecorder::RethrowFailure() {
+  if (m_failure) std::rethrow_exception(std::exchange(m_failure, nullptr));
 }
 
 bool TBiosRecorder::Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,6 +21,9 @@ class TBiosRecorder : public IVideoBios {
   bool Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) override;
   void Stop() override;
 
+  /// Throws again, once, what starting the BIOS threw: the LRMI calls have caught it.
+  void RethrowFailure();
+
   /// What a virtual BIOS needs to answer as this one did.
   TVirtualBiosConfiguration GetRecord() const;
 
@@ -33,6 +37,7 @@ class TBiosRecorder : public IVideoBios {
   static TVirtualBiosConfiguration::TUnit MakeUnit(const std::vector<TBlock>& blocks);
 
   std::shared_ptr<IVideoBios> m_bios;
+  std::exception_ptr m_failure;
   std::optional<bool> m_isPresent;
   std::optional<bool> m_hasMemory;
   std::map<unsigned int, std::vector<TBlock>> m_units;  // blocks 0, 1, ... as far as they were asked for

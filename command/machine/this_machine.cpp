@@ -176,7 +176,8 @@ void UseBios(TMachine& machine, const std::string& before) {
   machine.bios = recorder;
   machine.getUnits = [recorder] { return DropRepeats(recorder->GetRecord()); };
   machine.edidOrigin.none = before + "the video BIOS has no EDID of unit 0: it reaches no monitor that has one";
-  machine.getBiosFailure = [bios, before] {
+  machine.getBiosFailure = [bios, recorder, before] {
+    recorder->RethrowFailure();
     const std::string failure = bios->GetFailure();
     return failure.empty() ? failure : before + failure + "; a captured machine (--machine PATH) does without it";
   };

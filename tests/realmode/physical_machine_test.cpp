@@ -2,12 +2,14 @@
 #include "realmode/physical_machine.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/ucontext.h>
 
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -119,6 +121,16 @@ TEST_F(PhysicalMachine, TellsWhyTheMemoryCannotBeOpened) {
   EXPECT_EQ(machine.Open(), "the video BIOS cannot be read from " + GetPath("none") +
                                 ": No such file or directory; this system has no such device, as in a container; run "
                                 "outside of it");
+}
+
+TEST_F(PhysicalMachine, FailsWhenTheSystemDoes) {
+  TThisPhysicalMachine machine(GetPath("mem"), Grant);
+  rlimit before = {};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none = {0, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  EXPECT_THROW(machine.Open(), std::runtime_error);
+  setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST_F(PhysicalMachine, TellsNobodyToBecomeRootWhoIsRoot) {

@@ -2,7 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "realmode/real_mode_memory.h"
+
+namespace {
+
+class TFailingBios : public IVideoBios {
+ public:
+  bool Start(TRealModeMemory&) override { throw std::runtime_error("no descriptor is left"); }
+  bool Interrupt(int, LRMI_regs&, TRealModeMemory&) override { return false; }
+  void Stop() override {}
+};
+
+}  // namespace
 
 TEST(BiosRecorder, TellsUnitsApartByAllTheirBits) {
   TVirtualBiosConfiguration configuration;
@@ -23,4 +36,12 @@ TEST(BiosRecorder, TellsUnitsApartByAllTheirBits) {
   ASSERT_EQ(record.units.size(), 2U);
   EXPECT_EQ(record.units.at(0).edid, configuration.units[0].edid);
   EXPECT_EQ(record.units.at(0x10000).edid, configuration.units[0x10000].edid);
+}
+
+TEST(BiosRecorder, KeepsTheFailureOfTheStartThatTheCallsCatch) {
+  TBiosRecorder recorder(std::make_shared<TFailingBios>());
+  TRealModeMemory memory;
+  EXPECT_THROW(recorder.Start(memory), std::runtime_error);
+  EXPECT_THROW(recorder.RethrowFailure(), std::runtime_error);
+  EXPECT_NO_THROW(recorder.RethrowFailure()) << "it was told";
 }
