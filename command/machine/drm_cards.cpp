@@ -1,28 +1,45 @@
 #include "command/machine/drm_cards.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
+#include <sstream>
 #include <utility>
 
+#include "command/base/descriptor.h"
+#include "command/base/system_failure.h"
 #include "command/machine/drm_edid.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-/// The first word of a file; empty when it cannot be read.
+/// Throws when the error is one of the system that asks, from which nothing follows for the cards.
+void RequireKnown(const fs::path& path, int error) {
+  if (error != 0 && !DescribesFile(error)) FailToRead(path.string(), error);
+}
+
+/// The first word of a file, which is short; empty when the kernel does not give it.
 std::string ReadWord(const fs::path& file) {
+  char text[256];
+  const TDescriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  const ssize_t size = opened.IsOpen() ? read(opened.Get(), text, sizeof text) : -1;
+  if (size < 0) RequireKnown(file, errno);
   std::string word;
-  std::ifstream(file) >> word;
+  std::istringstream(std::string(text, static_cast<std::size_t>(std::max<ssize_t>(size, 0)))) >> word;
   return word;
 }
 
 /// Without links; empty when it does not exist.
 fs::path GetRealPath(const fs::path& path) {
   std::error_code error;
-  return fs::canonical(path, error);
+  fs::path real = fs::canonical(path, error);
+  RequireKnown(path, error.value());
+  return real;
 }
 
 /// Nothing for a card on another bus.
@@ -61,6 +78,7 @@ std::vector<std::string> ListNames(const fs::path& folder) {
   for (fs::directory_iterator entry(folder, error); entry != fs::directory_iterator(); entry.increment(error)) {
     names.push_back(entry->path().filename().string());
   }
+  RequireKnown(folder, error.value());
   std::sort(names.begin(), names.end(), ComesBefore);
   return names;
 }

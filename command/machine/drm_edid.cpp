@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "command/base/descriptor.h"
+#include "command/base/system_failure.h"
 #include "edid/layout.h"
 
 namespace {
@@ -45,6 +46,7 @@ TDrmEdid ReadDrmEdid(const TReadAt& readAt) {
 
 TDrmEdid ReadDrmEdid(const std::filesystem::path& file) {
   const TDescriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  if (!descriptor.IsOpen() && !DescribesFile(errno)) FailToRead(file.string(), errno);
   if (!descriptor.IsOpen()) return Fail();
   return ReadDrmEdid(
       [&](void* buffer, std::size_t size, off_t offset) { return pread(descriptor.Get(), buffer, size, offset); });

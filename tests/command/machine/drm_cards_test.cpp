@@ -2,13 +2,17 @@
 #include "command/machine/drm_cards.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <tuple>
 
+#include "command/base/unusable.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/temporary_folder.h"
 
 namespace fs = std::filesystem;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -206,3 +210,31 @@ TEST_F(DrmCards, AreServedWhenTheirDriverSitsOnADeviceOfTheirs) {
 }
 
 TEST_F(DrmCards, AreNoneWithoutTheFolders) { EXPECT_THAT(Read(), IsEmpty()); }
+
+TEST_F(DrmCards, AreReadWholeOrNotAtAllWhenFilesCannotBeOpened) {
+  AddCard("card0", "0000:00:02.0");
+  AddOutput("card0-HDMI-A-1", "connected", TEdidBuilder().Build());
+  const int lowest = dup(STDIN_FILENO);  // the first descriptor that is free
+  close(lowest);
+  rlimit before = {};
+  getrlimit(RLIMIT_NOFILE, &before);
+  constexpr int enough = 8;
+  for (int count = 0; count <= enough; ++count) {
+    const rlimit limit = {static_cast<rlim_t>(lowest + count), before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &limit);
+    std::vector<std::string> connectors;
+    try {
+      connectors = GetConnectors();
+    } catch (const TUnusable&) {
+      connectors = {"an error"};
+    }
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_THAT(connectors, AnyOf(ElementsAre("an error"), ElementsAre("card0-HDMI-A-1"))) << count;
+    if (count == 0) {
+      EXPECT_THAT(connectors, ElementsAre("an error"));
+    }
+    if (count == enough) {
+      EXPECT_THAT(connectors, ElementsAre("card0-HDMI-A-1"));
+    }
+  }
+}
