@@ -1,9 +1,13 @@
 #include "command/edid/edid_serials.h"
 
 #include <algorithm>
-#include <array>
 
+#include "edid/cta_layout.h"
+#include "edid/display_id_layout.h"
 #include "edid/layout.h"
+
+namespace cta = edid::cta;
+namespace displayid = edid::displayid;
 
 namespace {
 
@@ -16,42 +20,15 @@ constexpr const char* kInTopology = "in a DisplayID tiled display topology";
 constexpr const char* kContainerId = "as a container id";
 constexpr const char* kUnknown = "in a block that was emptied";
 
-// Extension blocks [their tags are those of the Enhanced EDID standard]. Others hold anything: localized strings
-// (0x50) the serial number in another script, a maker's own (0xFF) and repeated base blocks the serial number itself.
-constexpr unsigned char kCta = 0x02;
-constexpr unsigned char kVideoTimingExtension = 0x10;
-constexpr unsigned char kDisplayInformation = 0x40;
-constexpr unsigned char kDisplayId = 0x70;
-constexpr unsigned char kBlockMap = 0xF0;
-
 constexpr unsigned char kVersion1 = 1;
 constexpr std::size_t kAfterVersion = 20;      // of a base block; in other versions what follows is not known
 constexpr std::size_t kAfterExtensionTag = 2;  // and after its version
 
-// CTA-861: data blocks from byte 4 to where byte 2 says, then slots of 18 bytes.
-constexpr std::size_t kCtaSlots = 2;
-constexpr std::size_t kCtaDataBlocks = 4;
-constexpr unsigned int kVendorSpecific = 3;
-// A display of Microsoft's own kind: its registration, a version, its use, and the container id.
-constexpr std::array<unsigned char, 3> kMicrosoft = {0x5C, 0x12, 0xCA};
-constexpr std::size_t kMicrosoftContainerId = 5;
-
-constexpr std::size_t kVideoTimingSlots = 5;  // of a video timing extension
-
-// DisplayID: a section from byte 1, whose size byte 2 says; data blocks of three bytes and their content.
-constexpr std::size_t kSectionSize = 2;
-constexpr std::size_t kSectionBlocks = 5;
-constexpr unsigned char kProductIdentification1 = 0x00;  // version 1
-constexpr unsigned char kSerialNumberText = 0x0A;
-constexpr unsigned char kProductIdentification2 = 0x20;  // version 2
-constexpr unsigned char kContainerIdBlock = 0x29;
-constexpr unsigned char kTopology1 = 0x12;
-constexpr unsigned char kTopology2 = 0x28;
-constexpr unsigned char kCtaBlocks = 0x81;   // data blocks of CTA-861
-constexpr std::size_t kDisplayIdSerial = 5;  // in a product identification: after the maker and the product
-constexpr std::size_t kTopologySerial = 18;  // after the places of the tiles, the maker and the product
-constexpr std::size_t kDisplayIdSerialSize = 4;
-constexpr std::size_t kContainerIdSize = 16;
+/// Whether a DisplayID data block is of one of these kinds, one of version 1 and one of version 2.
+constexpr bool IsProduct(unsigned int tag) { return tag == displayid::kTagProduct || tag == displayid::kTagProduct2; }
+constexpr bool IsTopology(unsigned int tag) {
+  return tag == displayid::kTagTopology || tag == displayid::kTagTopology2;
+}
 
 }  // namespace
 
@@ -69,15 +46,17 @@ class TSerialFillers::TEditor {
 
   void EditExtension() {
     switch (At(edid::kExtensionTag)) {
-      case kCta:
+      case cta::kExtension:
         return EditCta();
-      case kVideoTimingExtension:
-        return EditSlots(kVideoTimingSlots);
-      case kDisplayId:
+      case edid::kVideoTimingExtension:
+        return EditSlots(edid::kVtbTimings);
+      case displayid::kExtension:
         return EditDisplayId();
-      case kDisplayInformation:
-      case kBlockMap:
+      case edid::kDisplayInformationExtension:
+      case edid::kBlockMap:
         return;  // what these hold is known, and is no serial number
+      // Others hold anything: localized strings (0x50) the serial number in another script, a maker's own (0xFF) and
+      // repeated base blocks the serial number itself.
       default:
         return EmptyFrom(kAfterExtensionTag);
     }
@@ -140,63 +119,61 @@ class TSerialFillers::TEditor {
   }
 
   void EditCta() {
-    const std::size_t slots = At(kCtaSlots);
-    if (slots < kCtaDataBlocks) return;
-    EditCtaBlocks(kCtaDataBlocks, std::min(slots, edid::kChecksum));
+    const std::size_t slots = At(cta::kTimings);
+    if (slots < cta::kDataBlocks) return;
+    EditCtaBlocks(cta::kDataBlocks, std::min(slots, edid::kChecksum));
     EditSlots(slots);
   }
 
   void EditCtaBlocks(std::size_t begin, std::size_t end) {
     for (std::size_t block = begin; block < end;) {
-      const std::size_t size = At(block) & 0x1FU;
-      if (block + 1 + size <= end && At(block) >> 5 == kVendorSpecific) EditVendorBlock(block + 1, size);
+      const std::size_t size = At(block) & cta::kSizeBits;
+      if (block + 1 + size <= end && At(block) >> cta::kTagShift == cta::kTagVendor) EditVendorBlock(block + 1, size);
       block += 1 + size;
     }
   }
 
   void EditVendorBlock(std::size_t content, std::size_t size) {
-    const bool hasId = size >= kMicrosoftContainerId + kContainerIdSize &&
-                       std::equal(kMicrosoft.begin(), kMicrosoft.end(), m_edid.begin() + Offset(content), IsSame);
-    if (hasId) EditNumber(kContainerId, content + kMicrosoftContainerId, kContainerIdSize);
+    constexpr std::size_t id = cta::kOuiSize + cta::kMicrosoftContainerId;
+    unsigned int oui = 0;
+    for (std::size_t byte = cta::kOuiSize; byte-- > 0;) oui = oui << 8 | At(content + byte);
+    const bool hasId = size >= id + displayid::kContainerIdSize && oui == cta::kMicrosoft;
+    if (hasId) EditNumber(kContainerId, content + id, displayid::kContainerIdSize);
   }
 
   /// The section has a checksum of its own, and the block keeps its sum when that is adjusted.
   void EditDisplayId() {
-    const std::size_t end = kSectionBlocks + At(kSectionSize);
+    const std::size_t end = displayid::kDataBlocks + At(displayid::kSectionSize);
     if (end >= edid::kChecksum || !HasWholeBlocks(end)) return EmptyFrom(kAfterExtensionTag);
     m_checksum = end;
-    for (std::size_t block = kSectionBlocks; block + 3 <= end; block += 3 + At(block + 2)) {
-      EditDisplayIdBlock(At(block), block + 3, At(block + 2));
+    for (std::size_t block = displayid::kDataBlocks; block + displayid::kPayload <= end;
+         block += displayid::kPayload + At(block + displayid::kPayloadSize)) {
+      EditDisplayIdBlock(At(block), block + displayid::kPayload, At(block + displayid::kPayloadSize));
     }
   }
 
   /// Whether each data block of a DisplayID section ends in it. Else it is not known what is where.
   bool HasWholeBlocks(std::size_t end) const {
-    std::size_t block = kSectionBlocks;
-    while (block + 3 <= end) block += 3 + At(block + 2);
+    std::size_t block = displayid::kDataBlocks;
+    while (block + displayid::kPayload <= end) block += displayid::kPayload + At(block + displayid::kPayloadSize);
     return block <= end;
   }
 
   void EditDisplayIdBlock(unsigned char tag, std::size_t content, std::size_t size) {
-    const bool isProduct = tag == kProductIdentification1 || tag == kProductIdentification2;
-    if (isProduct && size >= kDisplayIdSerial + kDisplayIdSerialSize) {
-      EditNumber(kInDisplayId, content + kDisplayIdSerial, kDisplayIdSerialSize);
+    if (IsProduct(tag) && size >= displayid::kProductSerial + displayid::kProductSerialSize) {
+      EditNumber(kInDisplayId, content + displayid::kProductSerial, displayid::kProductSerialSize);
     }
-    const bool isTopology = tag == kTopology1 || tag == kTopology2;
-    if (isTopology && size >= kTopologySerial + kDisplayIdSerialSize) {
-      EditNumber(kInTopology, content + kTopologySerial, kDisplayIdSerialSize);
+    if (IsTopology(tag) && size >= displayid::kTopologySize) {
+      EditNumber(kInTopology, content + displayid::kTopologySerial, displayid::kProductSerialSize);
     }
-    if (tag == kCtaBlocks) EditCtaBlocks(content, content + size);
-    if (tag == kSerialNumberText && size > 0) EditText(kDisplayIdText, content, size);
-    if (tag == kContainerIdBlock && size >= kContainerIdSize) EditNumber(kContainerId, content, kContainerIdSize);
+    if (tag == displayid::kTagCta) EditCtaBlocks(content, content + size);
+    if (tag == displayid::kTagSerialNumber && size > 0) EditText(kDisplayIdText, content, size);
+    if (tag == displayid::kTagContainerId && size >= displayid::kContainerIdSize)
+      EditNumber(kContainerId, content, displayid::kContainerIdSize);
   }
 
   /// Leaves nothing from there on but a number that stands for what was there.
   void EmptyFrom(std::size_t begin) { EditNumber(kUnknown, begin, edid::kChecksum - begin); }
-
-  std::ptrdiff_t Offset(std::size_t position) const { return static_cast<std::ptrdiff_t>(m_block + position); }
-
-  static bool IsSame(unsigned char wanted, char byte) { return wanted == static_cast<unsigned char>(byte); }
 
   TSerialFillers& m_fillers;
   std::string& m_edid;
