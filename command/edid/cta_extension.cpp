@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bitset>
 #include <iterator>
 
 #include "command/edid/edid_draft.h"
@@ -36,6 +37,7 @@ void ReadYcbcr420Map(TBytes payload, TEdidDraft& draft) { draft.ycbcr420Maps.pus
 template <typename TValue, std::size_t kCount>
 std::vector<TValue> Select(const TValue (&values)[kCount], unsigned int bits) {
   std::vector<TValue> selected;
+  selected.reserve(std::bitset<kCount>(bits).count());
   for (std::size_t index = 0; index < kCount; ++index) {
     if ((bits >> index & 1U) != 0) selected.push_back(values[index]);
   }

@@ -23,14 +23,6 @@ std::uint64_t GetRateKey(const TMode& mode, EModeSource source) {
   return rate << kSourceBits | (kLastSource - static_cast<unsigned int>(source));
 }
 
-TMode MakeMode(std::uint64_t sizeKey, std::uint64_t rateKey) {
-  const std::uint64_t size = sizeKey >> 1;
-  const std::uint64_t width = size & ((1U << kWidthBits) - 1);
-  const std::uint64_t height = (size >> kWidthBits) / width;
-  return {static_cast<unsigned int>(width), static_cast<unsigned int>(height),
-          static_cast<double>(rateKey >> kSourceBits) / kDecimals, (sizeKey & 1U) == 0};
-}
-
 EYcbcr420 Describe(unsigned int samplings) {
   constexpr EYcbcr420 descriptions[] = {EYcbcr420::No, EYcbcr420::No, EYcbcr420::Only, EYcbcr420::Also};
   return descriptions[samplings];
@@ -42,11 +34,17 @@ TModeList::TModeList() { m_entries.reserve(kUsualCount); }
 
 void TModeList::Add(const TMode& mode, EModeSource source, ESampling sampling) {
   if (mode.width == 0 || mode.height == 0 || mode.refresh == 0) return;
-  m_entries.push_back({GetSizeKey(mode), GetRateKey(mode, source), static_cast<unsigned int>(sampling)});
+  m_entries.push_back({GetSizeKey(mode), GetRateKey(mode, source), mode.height, static_cast<unsigned int>(sampling)});
 }
 
 void TModeList::Add(const edid::TTiming* timing, EModeSource source, ESampling sampling) {
-  if (timing != nullptr) Add(MakeMode(*timing), source, sampling);
+  if (timing != nullptr) Add(::MakeMode(*timing), source, sampling);
+}
+
+TMode TModeList::MakeMode(const TEntry& entry) {
+  const auto width = static_cast<unsigned int>(entry.sizeKey >> 1 & ((1U << kWidthBits) - 1));
+  const double refresh = static_cast<double>(entry.rateKey >> kSourceBits) / kDecimals;
+  return {width, entry.height, refresh, (entry.sizeKey & 1U) == 0};
 }
 
 std::vector<TListedMode> TModeList::Take() {
@@ -63,7 +61,7 @@ std::vector<TListedMode> TModeList::Take() {
     unsigned int samplings = 0;
     for (; entry != m_entries.end() && isSame(); ++entry) samplings |= entry->samplings;
     const auto source = static_cast<EModeSource>(kLastSource - (first->rateKey & kLastSource));
-    modes.push_back({MakeMode(first->sizeKey, first->rateKey), source, Describe(samplings)});
+    modes.push_back({MakeMode(*first), source, Describe(samplings)});
   }
   m_entries.clear();
   return modes;

@@ -26,8 +26,11 @@ class TModeList {
   struct TEntry {
     std::uint64_t sizeKey;
     std::uint64_t rateKey;
+    unsigned int height;
     unsigned int samplings;  // bits of ESampling
   };
+
+  static TMode MakeMode(const TEntry& entry);
 
   std::vector<TEntry> m_entries;
 };
