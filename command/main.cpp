@@ -74,7 +74,7 @@ void ShowRemarks(const TAnswer& answer, const std::map<unsigned int, TDamagedEdi
   }
   for (const TOutput& output : answer.outputs) {
     // What is wrong with a damaged EDID is among the notes, with its file.
-    if (!output.deviceId && damagedEdids.count(output.unit) == 0) ShowRemark(ExplainUnlisted(output));
+    if (IsUnlisted(output) && damagedEdids.count(output.unit) == 0) ShowRemark(ExplainUnlisted(output));
   }
 }
 

@@ -69,7 +69,7 @@ inline TAnswer CollectHere(const TMachine& machine) {
   answer.requests = {{request, store->TakeCommits(), answer.log}};
   answer.fileQueries = host.GetFileQueries();
   answer.edidOrigin = machine.edidOrigin;
-  answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.damagedEdids, machine.host.systemType);
+  answer.outputs = JoinOutputs(machine, answer.requests);
   answer.reasons = FindReasons(machine, answer.fileQueries, answer.outputs);
   return answer;
 }

@@ -18,10 +18,10 @@
 #include "command/capture/new_target.h"
 #include "command/collection/collection.h"
 #include "command/collection/memory_budget.h"
+#include "command/collection/reasons.h"
 #include "command/edid/edid_serials.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
-#include "command/machine/reasons.h"
 #include "command/report/json_report.h"
 #include "host/exception.h"
 

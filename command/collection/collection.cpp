@@ -82,7 +82,7 @@ TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile
   answer.log = host.TakeLog();
   answer.fileQueries = host.GetFileQueries();
   answer.edidOrigin = machine.edidOrigin;
-  answer.outputs = MakeOutputs(machine.getUnits(), machine.connectors, machine.damagedEdids, machine.host.systemType);
+  answer.outputs = JoinOutputs(machine, answer.requests);
   answer.xconfigOrigin = machine.getXconfigOrigin();
   if (HasGap(answer)) answer.reasons = FindReasons(machine, answer.fileQueries, answer.outputs);
   answer.notes = machine.getNotes();

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "command/collection/outputs.h"
+#include "command/collection/reasons.h"
 #include "command/machine/machine.h"
-#include "command/machine/outputs.h"
-#include "command/machine/reasons.h"
 #include "embedded_host/cim_store.h"
 #include "embedded_host/log.h"
 

@@ -18,11 +18,11 @@
 #include "command/collection/collection.h"
 #include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
+#include "command/collection/reasons.h"
 #include "command/collection/time_limit.h"
 #include "command/compare/compared_side.h"
 #include "command/compare/difference_report.h"
 #include "command/compare/moves.h"
-#include "command/machine/reasons.h"
 #include "embedded_host/schema.h"
 
 namespace {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "command/base/text_encoding.h"
+#include "command/collection/plugin_texts.h"
 #include "command/edid/edid_facts.h"
 #include "embedded_host/schema.h"
 
@@ -92,9 +93,9 @@ std::map<std::string, TModes> CollectModes(const TReadAnswer& answer) {
   std::map<std::string, TModes> modes;
   for (const TReadInstance* const mode : Select(answer, kMonitorResolutionClass)) {
     const std::string id = GetText(mode->properties, "SettingID");
-    modes[id.substr(0, id.rfind("\\ Setting "))].push_back(GetText(mode->properties, "HorizontalResolution") + "x" +
-                                                           GetText(mode->properties, "VerticalResolution") + "@" +
-                                                           GetText(mode->properties, "RefreshRate") + "Hz");
+    modes[GetMonitorOfMode(id)].push_back(GetText(mode->properties, "HorizontalResolution") + "x" +
+                                          GetText(mode->properties, "VerticalResolution") + "@" +
+                                          GetText(mode->properties, "RefreshRate") + "Hz");
   }
   for (auto& [id, list] : modes) std::sort(list.begin(), list.end());
   return modes;

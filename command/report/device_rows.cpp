@@ -1,5 +1,8 @@
 #include "command/report/device_rows.h"
 
+#include <utility>
+
+#include "command/base/text_encoding.h"
 #include "command/report/monitor_facts.h"
 
 namespace {
@@ -31,8 +34,11 @@ std::string ConfiguredMode(const TInstanceView& head) {
 
 /// The plug-in's instance of a monitor, and the facts that people read.
 struct TMonitorParts {
-  TInstanceView instance;
+  const TInstanceView* instance;  // null for a monitor that the answer does not have
   TMonitorFacts facts;
+  std::string notListed, connector, source;
+
+  std::string Text(const char* name) const { return instance == nullptr ? std::string() : instance->Text(name); }
 };
 
 // A label, and how its text comes out of what is known of the device.
@@ -54,23 +60,34 @@ const TRow<TInstanceView> kHeadRows[] = {
     {"Monitor model", [](const TInstanceView& i) { return i.Text("MonitorString"); }},
 };
 
+// What people ask for first stands first.
 const TRow<TMonitorParts> kMonitorRows[] = {
-    {"Manufacturer", [](const TMonitorParts& m) { return m.facts.GetMaker(); }},
-    {"Serial number", [](const TMonitorParts& m) { return m.facts.serialNumber; }},
-    {"Product code", [](const TMonitorParts& m) { return m.facts.productCode; }},
-    {"Manufactured", [](const TMonitorParts& m) { return m.facts.made; }},
+    {"Not listed", [](const TMonitorParts& m) { return m.notListed; }},
+    {"Largest mode", [](const TMonitorParts& m) { return m.facts.largestMode; }},
+    {"Highest rate", [](const TMonitorParts& m) { return m.facts.highestRate; }},
     {"Picture",
      [](const TMonitorParts& m) {
        return JoinTexts({m.facts.size, m.facts.diagonal});
      }},
+    {"Connector", [](const TMonitorParts& m) { return m.connector; }},
+    {"Serial number", [](const TMonitorParts& m) { return m.facts.serialNumber; }},
+    {"Preferred mode", [](const TMonitorParts& m) { return m.facts.preferredMode; }},
+    {"HDR", [](const TMonitorParts& m) { return m.facts.hdr; }},
+    {"Variable refresh", [](const TMonitorParts& m) { return m.facts.variableRate; }},
     {"Input", [](const TMonitorParts& m) { return m.facts.input; }},
+    {"Link", [](const TMonitorParts& m) { return m.facts.link; }},
+    {"Sound", [](const TMonitorParts& m) { return m.facts.sound; }},
+    {"Manufacturer", [](const TMonitorParts& m) { return m.facts.GetMaker(); }},
+    {"Product code", [](const TMonitorParts& m) { return m.facts.productCode; }},
+    {"Manufactured", [](const TMonitorParts& m) { return m.facts.made; }},
     {"Line rate", [](const TMonitorParts& m) { return m.facts.lineRate; }},
     {"Field rate", [](const TMonitorParts& m) { return m.facts.fieldRate; }},
     {"Pixel clock", [](const TMonitorParts& m) { return m.facts.pixelClock; }},
-    {"Gamma", [](const TMonitorParts& m) { return m.instance.Text("Gamma"); }},
-    {"Power saving", [](const TMonitorParts& m) { return PowerStates(m.instance); }},
-    {"Digital interface", [](const TMonitorParts& m) { return m.instance.Text("SupportedDigitalInterface"); }},
-    {"EDID version", [](const TMonitorParts& m) { return m.instance.Text("EDIDVersion"); }},
+    {"Gamma", [](const TMonitorParts& m) { return m.Text("Gamma"); }},
+    {"Power saving", [](const TMonitorParts& m) { return m.instance == nullptr ? "" : PowerStates(*m.instance); }},
+    {"Digital interface", [](const TMonitorParts& m) { return m.Text("SupportedDigitalInterface"); }},
+    {"EDID version", [](const TMonitorParts& m) { return m.Text("EDIDVersion"); }},
+    {"EDID read from", [](const TMonitorParts& m) { return m.source; }},
 };
 
 void AddRow(std::vector<TOutputRow>& rows, const char* label, const std::string& text) {
@@ -84,6 +101,18 @@ std::vector<TOutputRow> MakeRows(const TRow<T> (&sources)[count], const T& devic
   return rows;
 }
 
+std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& output, TMonitorParts parts) {
+  parts.connector = ToPrintable(output.path.empty() ? output.connector : output.connector + ", " + output.path);
+  parts.source = GetEdidSource(answer, output);
+  std::vector<TOutputRow> rows = DescribeProblems(output);
+  for (TOutputRow& row : MakeRows(kMonitorRows, parts)) rows.push_back(std::move(row));
+  const auto& facts = output.facts;
+  const bool hasNumber = facts && facts->isVersion1 && facts->serialNumber;
+  const std::string number = hasNumber ? std::to_string(*facts->serialNumber) : std::string();
+  if (number != parts.facts.serialNumber) AddRow(rows, "Serial in header", number);
+  return rows;
+}
+
 }  // namespace
 
 std::vector<TOutputRow> DescribeController(const TInstanceView& controller) {
@@ -92,19 +121,26 @@ std::vector<TOutputRow> DescribeController(const TInstanceView& controller) {
 
 std::vector<TOutputRow> DescribeHead(const TInstanceView& head) { return MakeRows(kHeadRows, head); }
 
+std::string NameMonitor(const TAnswer& answer, const TMonitorView& view) {
+  const TOutput* const output = FindOutput(answer, view.id);
+  return DescribeMonitor(output, view.monitor ? &*view.monitor : nullptr, TMakerNames()).model;
+}
+
+std::string NameMonitor(const TOutput& output) { return DescribeMonitor(&output, nullptr, TMakerNames()).model; }
+
 std::vector<TOutputRow> DescribeMonitor(const TAnswer& answer, const TMonitorView& view, const TMakerNames& makers) {
   const TOutput* const output = FindOutput(answer, view.id);
-  const TMonitorFacts facts = DescribeMonitor(output, view.monitor ? &*view.monitor : nullptr, makers);
+  const TInstanceView* const instance = view.monitor ? &*view.monitor : nullptr;
+  const TMonitorFacts facts = DescribeMonitor(output, instance, makers);
   std::vector<TOutputRow> rows;
-  if (view.monitor) {
-    rows = MakeRows(kMonitorRows, {*view.monitor, facts});
-    AddRow(rows, "EDID read from", GetEdidSource(*view.monitor, answer));
-    if (output != nullptr) {
-      for (const auto& [label, text] : DescribeHeader(answer, *output)) {
-        if (text != facts.serialNumber) AddRow(rows, label, text);  // the serial number is not said twice
-      }
-    }
+  if (instance == nullptr) {
+    AddRow(rows, "Preferred mode", facts.preferredMode);
+    return rows;
   }
-  AddRow(rows, "Preferred mode", facts.preferredMode);
-  return rows;
+  if (output == nullptr) return MakeRows(kMonitorRows, {instance, facts, "", "", ""});
+  return DescribeOutput(answer, *output, {instance, facts, "", "", ""});
+}
+
+std::vector<TOutputRow> DescribeUnlisted(const TAnswer& answer, const TOutput& output, const TMakerNames& makers) {
+  return DescribeOutput(answer, output, {nullptr, DescribeMonitor(&output, nullptr, makers), output.reason, "", ""});
 }

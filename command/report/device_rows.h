@@ -12,5 +12,12 @@ std::vector<TOutputRow> DescribeController(const TInstanceView& controller);
 
 std::vector<TOutputRow> DescribeHead(const TInstanceView& head);
 
-/// All but the modes. Of a monitor that the request did not ask for, only the mode that it prefers.
+/// The model's name, or the part number of a panel without one; empty where neither is known.
+std::string NameMonitor(const TAnswer& answer, const TMonitorView& view);
+std::string NameMonitor(const TOutput& output);
+
+/// What is known of an output whose monitor the plug-in does not list, with the reason, and without the modes.
+std::vector<TOutputRow> DescribeUnlisted(const TAnswer& answer, const TOutput& output, const TMakerNames& makers);
+
+/// Everything except the modes. Of a monitor that the request did not ask for, only the mode that it prefers.
 std::vector<TOutputRow> DescribeMonitor(const TAnswer& answer, const TMonitorView& view, const TMakerNames& makers);

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "command/base/text_encoding.h"
-#include "command/report/output_view.h"
+#include "command/collection/plugin_texts.h"
 
 namespace {
 
@@ -95,11 +95,9 @@ struct TUnusedValue {
 };
 
 constexpr TUnusedValue kUnusedValues[] = {
-    {"Could not convert to integer color quality from", "a head has no colour depth: its Depth \"%\" is no number"},
-    {"Could not convert to integer horizontal resolution from",
-     "a head has no configured mode: \"%\" in its Screen section is no number of pixels, nor a depth"},
-    {"Could not convert to integer vertical resolution from ",
-     "a head has no configured height: what follows \"%x\" in its Screen section is no number of lines"},
+    {kNoColourDepth, "a head has no colour depth: its Depth \"%\" is no number"},
+    {kNoWidthOrDepth, "a head has no configured mode: \"%\" in its Screen section is no number of pixels, nor a depth"},
+    {kNoHeight, "a head has no configured height: what follows \"%x\" in its Screen section is no number of lines"},
 };
 
 void Add(TSentences& sentences, const std::string& sentence) {
@@ -156,14 +154,8 @@ void AddCauses(const TAnswer& answer, const TRequestAnswer& request, EPart part,
 }  // namespace
 
 std::vector<std::string> ExplainGaps(const TAnswer& answer, const TRequestAnswer& request, EPart part) {
-  TSentences outputs;
-  if (part == EPart::kMonitors) {
-    for (const std::string& sentence : ExplainUnlisted(answer)) Add(outputs, sentence);
-  }
   TSentences sentences;
-  if (HasInstances(request, part)) sentences = outputs;  // what they say of a class need not be said again
   AddCauses(answer, request, part, sentences);
-  for (const std::string& sentence : outputs) Add(sentences, sentence);
   if (part == EPart::kVideo) AddUnusedValues(request, sentences);
   return sentences;
 }

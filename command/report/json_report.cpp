@@ -6,10 +6,9 @@
 #include <string_view>
 #include <utility>
 
-#include "command/base/base64.h"
 #include "command/base/unusable.h"
+#include "command/collection/output_keys.h"
 #include "command/report/json_writer.h"
-#include "command/report/output_view.h"
 
 using NQRXZELT20::TCIMValue;
 
@@ -110,48 +109,63 @@ void WritePlugin(TJsonWriter& json, const TPluginIdentity& plugin) {
   json.EndObject();
 }
 
-/// The members that only an EDID of version 1 has a value for, and then not always.
-void WriteFacts(TJsonWriter& json, const TEdidFacts& facts) {
-  json.Key("productCode");
-  json.Literal(std::to_string(facts.productCode));
-  if (facts.serialNumber) {
-    json.Key("serialNumber");
-    json.Literal(std::to_string(*facts.serialNumber));
-  }
-  if (facts.preferredMode) {
-    json.Key("preferredMode");
-    json.BeginObject();
-    json.Key("width");
-    json.Literal(std::to_string(facts.preferredMode->width));
-    json.Key("height");
-    json.Literal(std::to_string(facts.preferredMode->height));
-    json.Key("refresh");
-    json.Literal(WriteRefresh(*facts.preferredMode));
-    json.EndObject();
-  }
-  if (facts.diagonalInches) {
-    json.Key("diagonalInches");
-    json.Literal(WriteDiagonal(*facts.diagonalInches));
+void WriteKeyValue(TJsonWriter& json, std::monostate) { json.Literal("null"); }
+void WriteKeyValue(TJsonWriter& json, bool value) { json.Literal(value ? "true" : "false"); }
+void WriteKeyValue(TJsonWriter& json, const TNumber& value) { json.Literal(value.text); }
+void WriteKeyValue(TJsonWriter& json, const std::string& value) { json.String(value); }
+
+template <typename T>
+void WriteKeyValue(TJsonWriter& json, const std::vector<T>& values) {
+  json.BeginArray();
+  for (const T& value : values) WriteKeyValue(json, value);
+  json.EndArray();
+}
+
+/// Keys without a value are left out. `begin` is called before each key that is written.
+template <typename TBegin>
+void WriteKeys(TJsonWriter& json, const TKeyGroup& group, const TOutput& output, std::size_t element, TBegin begin) {
+  for (const TOutputKey* const key : group.keys) {
+    const TKeyValue value = key->get(output, element);
+    if (std::holds_alternative<std::monostate>(value) && !IsAlwaysThere(*key)) continue;
+    begin();
+    json.Key(key->name);
+    std::visit([&](const auto& known) { WriteKeyValue(json, known); }, value);
   }
 }
 
-/// Members without a value are left out, except the device id.
-void WriteOutputMembers(TJsonWriter& json, const TOutput& output) {
-  json.Key("unit");
-  json.Literal(std::to_string(output.unit));
-  if (!output.connector.empty()) WriteMember(json, "connector", output.connector);
-  json.Key("deviceID");
-  if (output.deviceId) {
-    json.String(*output.deviceId);
-  } else {
-    json.Literal("null");
-    WriteMember(json, "reason", output.reason);
+void WriteGroup(TJsonWriter& json, const TKeyGroup& group, const TOutput& output) {
+  bool isOpen = false;
+  WriteKeys(json, group, output, 0, [&] {
+    if (std::exchange(isOpen, true)) return;
+    json.Key(group.name);
+    json.BeginObject();
+  });
+  if (isOpen) json.EndObject();
+}
+
+/// An array without objects is left out too.
+void WriteArray(TJsonWriter& json, const TKeyGroup& group, const TOutput& output) {
+  const std::size_t count = group.count(output);
+  if (count == 0) return;
+  json.Key(group.name);
+  json.BeginArray();
+  for (std::size_t element = 0; element < count; ++element) {
+    json.BeginObject();
+    WriteKeys(json, group, output, element, [] {});
+    json.EndObject();
   }
-  if (output.facts) {
-    if (output.facts->isVersion1) WriteFacts(json, *output.facts);
-    json.Key("checksums");
-    json.Literal(output.facts->hasValidChecksums ? "true" : "false");
-    WriteMember(json, "edid", EncodeBase64(std::string(output.edid.begin(), output.edid.end())));
+  json.EndArray();
+}
+
+void WriteOutputMembers(TJsonWriter& json, const TOutput& output) {
+  for (const TKeyGroup& group : GetKeyGroups()) {
+    if (group.count != nullptr) {
+      WriteArray(json, group, output);
+    } else if (*group.name != '\0') {
+      WriteGroup(json, group, output);
+    } else {
+      WriteKeys(json, group, output, 0, [] {});
+    }
   }
 }
 

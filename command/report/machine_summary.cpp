@@ -1,6 +1,7 @@
 #include "command/report/machine_summary.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "command/base/text_encoding.h"
@@ -54,47 +55,58 @@ const TInstanceView* FindMonitor(const TViews& views, const std::string& id) {
 
 TMonitorSummary SummarizeMonitor(const TOutput& output, const TViews& views, const TMakerNames& makers) {
   TMonitorSummary monitor;
-  monitor.id = *output.deviceId;
+  if (output.deviceId) {
+    monitor.id = ToPrintable(*output.deviceId);
+  } else {
+    monitor.notListed = ToPrintable(GetReason(output));
+  }
   monitor.connector = ToPrintable(output.connector);
   Shorten(monitor.connector);
-  monitor.facts = DescribeMonitor(&output, FindMonitor(views, monitor.id), makers);
-  if (!output.facts) return monitor;
-  if (output.facts->diagonalInches) monitor.diagonal = WriteDiagonal(*output.facts->diagonalInches);
-  if (output.facts->made) {
-    monitor.year = output.facts->made->year;
-    monitor.week = output.facts->made->week.value_or(0);
-  }
+  monitor.facts = DescribeMonitor(&output, output.deviceId ? FindMonitor(views, *output.deviceId) : nullptr, makers);
+  if (!output.facts || !output.facts->made) return monitor;
+  monitor.year = output.facts->made->year;
+  monitor.week = output.facts->made->week.value_or(0);
   return monitor;
 }
 
-bool AreAlike(const TEdidFacts& left, const TEdidFacts& right) {
-  return left.maker == right.maker && left.productCode == right.productCode && left.name == right.name &&
-         left.serialNumber == right.serialNumber && left.serialText == right.serialText;
+/// The outputs, and the monitors of the answer that stand for none of them.
+std::vector<TMonitorSummary> SummarizeMonitors(const TAnswer& answer, const TViews& views, const TMakerNames& makers) {
+  std::vector<TMonitorSummary> monitors;
+  std::set<std::string> known;
+  for (const TOutput& output : answer.outputs) {
+    if (output.deviceId) known.insert(*output.deviceId);
+    monitors.push_back(SummarizeMonitor(output, views, makers));
+  }
+  for (const TRequestView& view : views) {
+    for (const TMonitorView& monitor : view.GetMonitors()) {
+      if (!monitor.monitor || !known.insert(monitor.id).second) continue;
+      monitors.emplace_back();
+      monitors.back().id = monitor.id;
+      monitors.back().facts = DescribeMonitor(nullptr, &*monitor.monitor, makers);
+    }
+  }
+  return monitors;
 }
 
-/// Says which of the monitors that are reported has the same model and serial number as an earlier one.
-void FindTwins(const std::vector<const TOutput*>& monitors, std::vector<std::string>& problems) {
-  for (auto later = monitors.begin(); later != monitors.end(); ++later) {
-    const auto twin = std::find_if(monitors.begin(), later,
-                                   [&](const TOutput* earlier) { return AreAlike(*earlier->facts, *(*later)->facts); });
+/// Says which monitors have equal EDIDs, so that only their connectors tell them apart.
+void FindTwins(const std::vector<TOutput>& outputs, std::vector<std::string>& problems) {
+  for (auto later = outputs.begin(); later != outputs.end(); ++later) {
+    if (later->edid.empty()) continue;
+    const auto twin =
+        std::find_if(outputs.begin(), later, [&](const TOutput& earlier) { return earlier.edid == later->edid; });
     if (twin == later) continue;
-    const bool hasSerial = (*later)->facts->serialNumber || !(*later)->facts->serialText.empty();
-    problems.push_back(*(*twin)->deviceId + " and " + *(*later)->deviceId + " cannot be told apart: the same model, " +
-                       (hasSerial ? "the same serial number" : "no serial number"));
+    problems.push_back(GetName(*twin) + " and " + GetName(*later) +
+                       " have equal EDIDs: only the connectors tell the monitors apart");
   }
 }
 
 std::vector<std::string> ListProblems(const TAnswer& answer) {
   std::vector<std::string> problems = ExplainUnlisted(answer);
-  std::vector<const TOutput*> monitors;
   for (const TOutput& output : answer.outputs) {
-    if (!output.deviceId || !output.facts) continue;
-    if (!output.facts->hasValidChecksums) {
-      problems.push_back(*output.deviceId + ": the checksum of its EDID is wrong, so a byte is damaged");
-    }
-    monitors.push_back(&output);
+    if (!output.deviceId || !output.facts || output.facts->hasValidChecksums) continue;
+    problems.push_back(ToPrintable(*output.deviceId) + ": the checksum of its EDID is wrong, so a byte is damaged");
   }
-  FindTwins(monitors, problems);
+  FindTwins(answer.outputs, problems);
   return problems;
 }
 
@@ -107,9 +119,7 @@ TMachineSummary Summarize(const std::string& machine, const TAnswer& answer, con
   summary.systemName = ToPrintable(answer.identity.systemName);
   summary.collected = answer.identity.collected;
   summary.controllers = ListControllers(views);
-  for (const TOutput& output : answer.outputs) {
-    if (output.deviceId) summary.monitors.push_back(SummarizeMonitor(output, views, makers));
-  }
+  summary.monitors = SummarizeMonitors(answer, views, makers);
   summary.problems = ListProblems(answer);
   if (summary.monitors.empty() && summary.problems.empty()) summary.noMonitors = ToPrintable(answer.reasons.noMonitors);
   Shorten(summary.systemName);

@@ -8,12 +8,12 @@
 #include "command/collection/collection.h"
 #include "command/report/monitor_facts.h"
 
-/// A monitor that the plug-in reports. Printable texts; empty where a fact is not known.
+/// A connected monitor. Printable texts; empty where a fact is not known.
 struct TMonitorSummary {
-  std::string id;         // under which the plug-in reports it: "Monitor 1"
+  std::string id;         // under which the plug-in reports it: "Monitor 1"; empty when it does not
+  std::string notListed;  // why the plug-in does not report it; empty when it does
   std::string connector;  // that its EDID was read from
   TMonitorFacts facts;
-  std::string diagonal;   // inches, a number only
   unsigned int year = 0;  // of the manufacture or of the model; 0 when that is not known
   unsigned int week = 0;  // of the manufacture; 0 when that is not known
 };
@@ -30,8 +30,9 @@ struct TMachineSummary {
   std::string noMonitors;             // why it has none, where no problem says it
 };
 
-/// Problems are outputs that the plug-in does not report, EDIDs with wrong checksums, and monitors that nothing tells
-/// apart. Of more than 16 controllers or problems, the last says how many were left out.
+/// Every output is a monitor, and every monitor of the answer that stands for no output. Problems are outputs that the
+/// plug-in does not report, EDIDs with wrong checksums, and monitors that only their connectors tell apart. Of more
+/// than 16 controllers or problems, the last says how many were left out.
 TMachineSummary Summarize(const std::string& machine, const TAnswer& answer, const TMakerNames& makers);
 
 /// A machine that could not be asked.

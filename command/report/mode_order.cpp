@@ -5,31 +5,60 @@
 #include <cstdint>
 #include <tuple>
 
+#include "command/report/monitor_facts.h"
+
 namespace {
 
-auto GetOrder(const TInstanceView& mode) {
-  const unsigned int width = mode.Number("HorizontalResolution");
-  const std::uint64_t pixels = std::uint64_t{width} * mode.Number("VerticalResolution");
-  return std::tuple(pixels, width, mode.Number("RefreshRate"));
+auto GetOrder(const TShownMode& mode) {
+  const std::uint64_t pixels = std::uint64_t{mode.width} * mode.height;
+  return std::tuple(pixels, mode.width, !mode.isInterlaced, mode.refresh);
+}
+
+/// `tolerance`: in Hz, of the mode's rate.
+bool IsPreferred(const TOutput* output, const TShownMode& mode, double tolerance) {
+  if (output == nullptr || !output->facts || !output->facts->preferredMode) return false;
+  const TMode& preferred = *output->facts->preferredMode;
+  return preferred.width == mode.width && preferred.height == mode.height &&
+         preferred.isInterlaced == mode.isInterlaced && std::abs(preferred.refresh - mode.refresh) <= tolerance;
+}
+
+/// True when a mode of the EDID stands for the one of the answer.
+bool IsShown(const std::vector<TShownMode>& modes, const TShownMode& resolution) {
+  return std::any_of(modes.begin(), modes.end(), [&](const TShownMode& mode) {
+    return mode.width == resolution.width && mode.height == resolution.height &&
+           std::lround(mode.refresh) == std::lround(resolution.refresh);
+  });
 }
 
 }  // namespace
 
-TInstances SortModes(TInstances modes) {
-  std::stable_sort(modes.begin(), modes.end(), [](const TInstanceView& left, const TInstanceView& right) {
-    return GetOrder(left) > GetOrder(right);
-  });
-  const auto areSame = [](const TInstanceView& left, const TInstanceView& right) {
-    return GetOrder(left) == GetOrder(right);
-  };
-  modes.erase(std::unique(modes.begin(), modes.end(), areSame), modes.end());
+std::vector<TShownMode> ListModes(const TInstances& resolutions, const TOutput* output) {
+  constexpr double exactly = 0.0005;  // Hz: rates have three decimals
+  constexpr double rounded = 0.5;     // Hz
+  std::vector<TShownMode> modes;
+  if (output != nullptr && output->facts) {
+    for (const TMode& mode : output->facts->modes) {
+      modes.push_back({mode.width, mode.height, mode.refresh, mode.isInterlaced, IsInClasses(*output, mode), false});
+      modes.back().isPreferred = IsPreferred(output, modes.back(), exactly);
+    }
+  }
+  for (const TInstanceView& resolution : resolutions) {
+    TShownMode mode = {resolution.Number("HorizontalResolution"),
+                       resolution.Number("VerticalResolution"),
+                       static_cast<double>(resolution.Number("RefreshRate")),
+                       false,
+                       true,
+                       false};
+    mode.isPreferred = IsPreferred(output, mode, rounded);
+    if (!IsShown(modes, mode)) modes.push_back(mode);
+  }
+  std::stable_sort(modes.begin(), modes.end(),
+                   [](const TShownMode& left, const TShownMode& right) { return GetOrder(left) > GetOrder(right); });
   return modes;
 }
 
-bool IsPreferred(const TInstanceView& mode, const TOutput* output) {
-  if (output == nullptr || !output->facts || !output->facts->preferredMode) return false;
-  const TMode& preferred = *output->facts->preferredMode;
-  return mode.Number("HorizontalResolution") == preferred.width &&
-         mode.Number("VerticalResolution") == preferred.height &&
-         std::lround(preferred.refresh) == static_cast<long>(mode.Number("RefreshRate"));
+std::string WriteRate(const TShownMode& mode) { return WriteNumber(mode.refresh) + (mode.isInterlaced ? "i" : ""); }
+
+bool AreAllInClasses(const std::vector<TShownMode>& modes) {
+  return std::all_of(modes.begin(), modes.end(), [](const TShownMode& mode) { return mode.isInClasses; });
 }

@@ -1,12 +1,29 @@
 // The modes of a monitor in the order in which people look for one.
 #pragma once
 
-#include "command/machine/outputs.h"
+#include <string>
+#include <vector>
+
+#include "command/collection/outputs.h"
 #include "command/report/request_view.h"
 
-/// The modes by the size of the picture, the largest first; those of one resolution, which then follow each other, by
-/// their rate. A mode that an EDID declares twice comes once.
-TInstances SortModes(TInstances modes);
+/// A mode that the EDID has, or the answer, or both.
+struct TShownMode {
+  unsigned int width;   // pixels
+  unsigned int height;  // lines
+  double refresh;       // Hz
+  bool isInterlaced;
+  bool isInClasses;  // one of the answer's resolutions
+  bool isPreferred;  // the mode that the monitor prefers
+};
 
-/// True for the mode that the output's EDID prefers, whose rate the plug-in has in whole Hz. `output` may be null.
-bool IsPreferred(const TInstanceView& mode, const TOutput* output);
+/// The modes of the output's EDID, and those of the answer that it does not have, whose rates the plug-in has in whole
+/// Hz. The largest picture comes first; the modes of one resolution follow each other by their rates. `output` may be
+/// null.
+std::vector<TShownMode> ListModes(const TInstances& resolutions, const TOutput* output);
+
+/// True when there is no use in marking those that the answer has.
+bool AreAllInClasses(const std::vector<TShownMode>& modes);
+
+/// The rate with as many decimals as it has, three at most, without its unit; "i" follows that of an interlaced mode.
+std::string WriteRate(const TShownMode& mode);

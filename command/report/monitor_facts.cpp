@@ -1,16 +1,40 @@
 #include "command/report/monitor_facts.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
 #include "command/base/text_encoding.h"
+#include "command/edid/serial_rules.h"
 #include "command/report/output_view.h"
+#include "command/report/request_view.h"
 
 namespace {
 
+typedef const TEdidFacts& TFacts;
+
+std::string Write(unsigned int number) { return std::to_string(number); }
+
+/// A panel often has no name, but texts: its maker, and its part number, which has digits.
+std::string WriteModel(const TEdidFacts& facts) {
+  if (!facts.name.empty() || facts.texts.empty()) return ToPrintable(facts.name);
+  const auto hasDigit = [](const std::string& text) {
+    return std::any_of(text.begin(), text.end(), [](unsigned char character) { return std::isdigit(character) != 0; });
+  };
+  const auto part = std::find_if(facts.texts.begin(), facts.texts.end(), hasDigit);
+  return ToPrintable(part == facts.texts.end() ? facts.texts.front() : *part);
+}
+
 std::string WriteSerialNumber(const TEdidFacts& facts) {
-  if (!facts.serialText.empty()) return ToPrintable(facts.serialText);
-  return facts.serialNumber ? std::to_string(*facts.serialNumber) : std::string();
+  const std::optional<TSerial> serial = FindSerial(facts);
+  return serial ? ToPrintable(serial->serial) : std::string();
+}
+
+std::string ReadSerialNumber(const TInstanceView& monitor) {
+  const std::string text = monitor.Text("SerialNumber");
+  return IsFillerSerial(text) ? std::string() : text;
 }
 
 std::string WriteProductCode(const TEdidFacts& facts) {
@@ -29,9 +53,10 @@ std::string WriteMade(const TEdidFacts& facts) {
 std::string WriteYear(const TEdidFacts& facts) { return facts.made ? std::to_string(facts.made->year) : std::string(); }
 
 std::string WriteSize(const TEdidFacts& facts) {
-  if (!facts.imageSize) return std::string();
-  const auto write = [](unsigned int millimetres) { return std::to_string((millimetres + 5) / 10); };
-  return write(facts.imageSize->width) + " x " + write(facts.imageSize->height) + " cm";
+  if (facts.imageSize) {
+    return std::to_string(facts.imageSize->width) + " x " + std::to_string(facts.imageSize->height) + " mm";
+  }
+  return facts.aspectRatio ? "aspect ratio " + WriteNumber(*facts.aspectRatio) : std::string();
 }
 
 std::string WriteInches(const TEdidFacts& facts) {
@@ -68,19 +93,92 @@ std::string WritePixelClock(const TEdidFacts& facts) {
   return WriteClock(isKnown ? std::to_string(*facts.limits->pixelClock) + " MHz" : "");
 }
 
+std::string WriteResolution(const TMode& mode) {
+  return std::to_string(mode.width) + " x " + std::to_string(mode.height);
+}
+
+std::string WriteMode(const TMode& mode) {
+  return WriteResolution(mode) + " at " + WriteRefresh(mode) + " Hz" + (mode.isInterlaced ? ", interlaced" : "");
+}
+
 std::string WritePreferredMode(const TEdidFacts& facts) {
-  if (!facts.preferredMode) return std::string();
-  return std::to_string(facts.preferredMode->width) + " x " + std::to_string(facts.preferredMode->height) + " at " +
-         WriteRefresh(*facts.preferredMode) + " Hz";
+  return facts.preferredMode ? WriteMode(*facts.preferredMode) : std::string();
+}
+
+std::string WriteLargestMode(const TEdidFacts& facts) {
+  return facts.modes.empty() ? std::string() : WriteMode(facts.modes.front());
+}
+
+/// Of several with the highest rate the largest; null where no mode is known.
+const TMode* FindFastestMode(const TEdidFacts& facts) {
+  const auto fastest =
+      std::max_element(facts.modes.begin(), facts.modes.end(),
+                       [](const TMode& left, const TMode& right) { return left.refresh < right.refresh; });
+  return fastest == facts.modes.end() ? nullptr : &*fastest;
+}
+
+std::string WriteHighestRate(const TEdidFacts& facts) {
+  const TMode* const mode = FindFastestMode(facts);
+  if (mode == nullptr) return std::string();
+  return std::to_string(std::lround(mode->refresh)) + " Hz (" + WriteResolution(*mode) + ")";
+}
+
+/// Every block of HDR metadata has SDR's transfer function too.
+bool HasHdr(const TEdidFacts& facts) {
+  if (!facts.hdr) return false;
+  const auto isHdr = [](const std::string& transfer) { return transfer != "SDR"; };
+  return !facts.hdr->hdr10Plus.empty() || !facts.hdr->dolbyVision.empty() ||
+         std::any_of(facts.hdr->transfers.begin(), facts.hdr->transfers.end(), isHdr);
+}
+
+std::string WriteHdr(const TEdidFacts& facts) {
+  if (!HasHdr(facts)) return std::string();
+  std::vector<std::string> texts;
+  for (const std::string transfer : facts.hdr->transfers) {
+    if (transfer != "SDR") texts.push_back(transfer);
+  }
+  if (!facts.hdr->hdr10Plus.empty()) texts.push_back("HDR10+ " + facts.hdr->hdr10Plus);
+  if (!facts.hdr->dolbyVision.empty()) texts.push_back("Dolby Vision " + facts.hdr->dolbyVision);
+  if (facts.hdr->maxLuminance) texts.push_back("up to " + WriteNumber(*facts.hdr->maxLuminance) + " cd/m2");
+  return JoinTexts(texts);
+}
+
+std::string WriteVariableRate(const TEdidFacts& facts) {
+  if (!facts.refreshRange) return std::string();
+  const auto& [min, max, from] = *facts.refreshRange;
+  const std::string rates = max ? std::to_string(min) + " to " + std::to_string(*max) : "from " + std::to_string(min);
+  return rates + " Hz (" + from + ")";
+}
+
+std::string WriteLink(const TEdidFacts& facts) {
+  if (!facts.hdmi) return std::string();
+  std::vector<std::string> texts;
+  const THdmi& hdmi = *facts.hdmi;
+  if (hdmi.maxTmdsClock) texts.push_back("TMDS up to " + std::to_string(*hdmi.maxTmdsClock) + " MHz");
+  if (*hdmi.fixedRateLink != '\0') texts.push_back("FRL of " + std::string(hdmi.fixedRateLink));
+  if (hdmi.hasCompression) texts.emplace_back("DSC");
+  std::string bits;
+  for (const unsigned int depth : hdmi.deepColourBits) bits += (bits.empty() ? "" : " or ") + std::to_string(depth);
+  if (!bits.empty()) texts.push_back(bits + " bits per colour");
+  return texts.empty() ? "HDMI" : "HDMI: " + JoinTexts(texts);
+}
+
+std::string WriteSound(const TEdidFacts& facts) {
+  std::vector<std::string> texts;
+  for (const TAudioFormat& format : facts.audio) {
+    texts.push_back(format.name + (format.channels ? " (" + std::to_string(*format.channels) + " channels)" : ""));
+  }
+  return JoinTexts(texts);
 }
 
 std::string Range(const TInstanceView& monitor, const char* min, const char* max) {
   return monitor.Number(max) != 0 ? monitor.Text(min) + " to " + monitor.TextWithUnit(max) : std::string();
 }
 
+/// One side without the other is an aspect ratio.
 std::string ReadSize(const TInstanceView& monitor) {
-  const std::string size = monitor.Size("HorizontalImageSize", "VerticalImageSize");
-  return size.empty() ? size : size + " " + monitor.Unit("HorizontalImageSize");
+  if (!monitor.Has("HorizontalImageSize") || !monitor.Has("VerticalImageSize")) return std::string();
+  return monitor.Size("HorizontalImageSize", "VerticalImageSize") + " " + monitor.Unit("HorizontalImageSize");
 }
 
 /// Of the filler that year 2245 is in an EDID, the plug-in makes a date all the same.
@@ -106,9 +204,8 @@ struct TSource {
 const TSource kSources[] = {
     {&TMonitorFacts::makerCode, [](const TEdidFacts& facts) { return facts.maker; },
      [](const TInstanceView& i) { return i.Text("MonitorManufacturer"); }},
-    {&TMonitorFacts::model, [](const TEdidFacts& facts) { return ToPrintable(facts.name); },
-     [](const TInstanceView& i) { return i.Text("Name"); }},
-    {&TMonitorFacts::serialNumber, WriteSerialNumber, [](const TInstanceView& i) { return i.Text("SerialNumber"); }},
+    {&TMonitorFacts::model, WriteModel, [](const TInstanceView& i) { return i.Text("Name"); }},
+    {&TMonitorFacts::serialNumber, WriteSerialNumber, ReadSerialNumber},
     {&TMonitorFacts::productCode, WriteProductCode, nullptr},
     {&TMonitorFacts::made, WriteMade, ReadDate},
     {&TMonitorFacts::year, WriteYear, ReadYear},
@@ -122,9 +219,44 @@ const TSource kSources[] = {
     {&TMonitorFacts::pixelClock, WritePixelClock,
      [](const TInstanceView& i) { return WriteClock(i.TextWithUnit("Bandwidth")); }},
     {&TMonitorFacts::preferredMode, WritePreferredMode, nullptr},
+    {&TMonitorFacts::largestMode, WriteLargestMode, nullptr},
+    {&TMonitorFacts::highestRate, WriteHighestRate, nullptr},
+    {&TMonitorFacts::hdr, WriteHdr, nullptr},
+    {&TMonitorFacts::variableRate, WriteVariableRate, nullptr},
+    {&TMonitorFacts::link, WriteLink, nullptr},
+    {&TMonitorFacts::sound, WriteSound, nullptr},
+    {&TMonitorFacts::preferredWidth, [](TFacts f) { return f.preferredMode ? Write(f.preferredMode->width) : ""; },
+     nullptr},
+    {&TMonitorFacts::preferredHeight, [](TFacts f) { return f.preferredMode ? Write(f.preferredMode->height) : ""; },
+     nullptr},
+    {&TMonitorFacts::preferredRefresh,
+     [](TFacts f) { return f.preferredMode ? WriteNumber(f.preferredMode->refresh) : ""; }, nullptr},
+    {&TMonitorFacts::largestWidth, [](TFacts f) { return f.modes.empty() ? "" : Write(f.modes.front().width); },
+     nullptr},
+    {&TMonitorFacts::largestHeight, [](TFacts f) { return f.modes.empty() ? "" : Write(f.modes.front().height); },
+     nullptr},
+    {&TMonitorFacts::highestRefresh,
+     [](TFacts f) { return f.modes.empty() ? "" : WriteNumber(FindFastestMode(f)->refresh); }, nullptr},
+    {&TMonitorFacts::hasHdr, [](TFacts f) { return std::string(HasHdr(f) ? "yes" : "no"); }, nullptr},
+    {&TMonitorFacts::variableMin, [](TFacts f) { return f.refreshRange ? Write(f.refreshRange->min) : ""; }, nullptr},
+    {&TMonitorFacts::variableMax,
+     [](TFacts f) { return f.refreshRange && f.refreshRange->max ? Write(*f.refreshRange->max) : ""; }, nullptr},
+    {&TMonitorFacts::width, [](TFacts f) { return f.imageSize ? Write(f.imageSize->width) : ""; }, nullptr},
+    {&TMonitorFacts::height, [](TFacts f) { return f.imageSize ? Write(f.imageSize->height) : ""; }, nullptr},
+    {&TMonitorFacts::inches, [](TFacts f) { return f.diagonalInches ? WriteDiagonal(*f.diagonalInches) : ""; },
+     nullptr},
 };
 
 }  // namespace
+
+std::string WriteNumber(double number) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.3f", number);
+  std::string written = text;
+  written.erase(written.find_last_not_of('0') + 1);
+  if (written.back() == '.') written.pop_back();
+  return written;
+}
 
 TMonitorFacts DescribeMonitor(const TOutput* output, const TInstanceView* monitor, const TMakerNames& makers) {
   const bool hasEdid = output != nullptr && output->facts && output->facts->isVersion1;

@@ -3,30 +3,46 @@
 
 #include <string>
 
+#include "command/collection/outputs.h"
 #include "command/machine/maker_names.h"
-#include "command/machine/outputs.h"
 #include "command/report/instance_view.h"
 
 /// Printable texts; empty where a fact is not known.
 struct TMonitorFacts {
   std::string makerCode;      // the maker's three letters: "DEL"
   std::string makerName;      // "Dell Inc."; only where the list of makers is installed
-  std::string model;          // the monitor's own name
-  std::string serialNumber;   // the text of it, else the number in the header
+  std::string model;          // the monitor's own name; of a panel without one, its part number
+  std::string serialNumber;   // what the EDID says of it, without fillers
   std::string productCode;    // "41199 (0xA0EF)"
   std::string made;           // "week 14 of 2008", "2008" or "model of 2008"
   std::string year;           // of the manufacture or of the model: "2008"
-  std::string size;           // of the picture: "60 x 34 cm"
+  std::string size;           // of the picture: "597 x 336 mm", or "aspect ratio 1.78"
   std::string diagonal;       // "27.2 inches"
   std::string input;          // "analogue", "digital", "digital: DisplayPort, 10 bits per colour"
   std::string lineRate;       // "30 to 83 kHz"
   std::string fieldRate;      // "56 to 76 Hz"
   std::string pixelClock;     // "140 MHz at most"
   std::string preferredMode;  // "3840 x 2160 at 59.997 Hz"
+  std::string largestMode;    // of the most pixels
+  std::string highestRate;    // with its size: "144 Hz (1920 x 1080)"
+  std::string hdr;            // "PQ, HLG, HDR10+ 1, up to 465 cd/m2"
+  std::string variableRate;   // "48 to 144 Hz (FreeSync)"
+  std::string link;           // of HDMI: "TMDS up to 600 MHz, FRL of 4 lanes at 12 Gbps, 10 or 12 bits per colour"
+  std::string sound;          // "Linear PCM (2 channels)"
+
+  // Numbers only, for tables. Rates in Hz, sizes in pixels and mm.
+  std::string preferredWidth, preferredHeight, preferredRefresh;
+  std::string largestWidth, largestHeight, highestRefresh;
+  std::string hasHdr;  // "yes" or "no"
+  std::string variableMin, variableMax;
+  std::string width, height, inches;
 
   /// The letters and the name: "DEL (Dell Inc.)".
   std::string GetMaker() const { return makerName.empty() ? makerCode : makerCode + " (" + makerName + ")"; }
 };
+
+/// With as many decimals as it has, three at most.
+std::string WriteNumber(double number);
 
 /// What the output's EDID says, and where that says nothing, what the plug-in's instance of the monitor
 /// (QRXSG_DesktopMonitor) does. Either may be null.

@@ -13,23 +13,6 @@ std::string WriteFixed(double number, int decimals) {
   return text;
 }
 
-/// Another output of the same model that has no serial number either.
-const TOutput* FindTwin(const TAnswer& answer, const TOutput& output) {
-  const auto isTwin = [&](const TOutput& other) {
-    return other.unit != output.unit && other.facts && other.facts->isVersion1 && !other.facts->serialNumber &&
-           other.facts->manufacturer == output.facts->manufacturer &&
-           other.facts->productCode == output.facts->productCode;
-  };
-  const auto twin = std::find_if(answer.outputs.begin(), answer.outputs.end(), isTwin);
-  return twin == answer.outputs.end() ? nullptr : &*twin;
-}
-
-std::string DescribeSerialNumber(const TAnswer& answer, const TOutput& output) {
-  if (output.facts->serialNumber) return std::to_string(*output.facts->serialNumber);
-  const TOutput* const twin = FindTwin(answer, output);
-  return twin == nullptr ? "" : "none; " + GetName(*twin) + " is of the same model and has none either";
-}
-
 }  // namespace
 
 std::string WriteRefresh(const TMode& mode) { return WriteFixed(mode.refresh, 3); }
@@ -42,12 +25,11 @@ const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId) {
   return output == answer.outputs.end() ? nullptr : &*output;
 }
 
-std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& output) {
+std::vector<TOutputRow> DescribeProblems(const TOutput& output) {
   std::vector<TOutputRow> rows;
   if (!output.facts || !output.facts->isVersion1) return rows;
-  const std::string serialNumber = DescribeSerialNumber(answer, output);
-  if (!serialNumber.empty()) rows.push_back({"Serial in header", serialNumber});
-  if (!output.facts->hasValidChecksums) rows.push_back({"EDID checksums", "wrong: a byte is damaged"});
+  if (!output.facts->hasValidChecksums) rows.push_back({"Problem", "an EDID checksum is wrong: a byte is damaged"});
+  for (const std::string& sentence : output.facts->contradictions) rows.push_back({"Problem", ToPrintable(sentence)});
   return rows;
 }
 

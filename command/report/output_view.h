@@ -15,9 +15,8 @@ struct TOutputRow {
 /// The output that the plug-in reports under that id, or null.
 const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId);
 
-/// What matters beside the facts of the monitor (monitor_facts.h): the header's serial number and the checksums. Rows
-/// without a text are left out.
-std::vector<TOutputRow> DescribeHeader(const TAnswer& answer, const TOutput& output);
+/// A row for each thing that is wrong with the output's EDID.
+std::vector<TOutputRow> DescribeProblems(const TOutput& output);
 
 /// A sentence for each output that the plug-in does not report, which names it and says why.
 std::vector<std::string> ExplainUnlisted(const TAnswer& answer);

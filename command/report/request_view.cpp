@@ -1,19 +1,16 @@
 #include "command/report/request_view.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 #include <set>
+
+#include "command/collection/plugin_texts.h"
 
 namespace {
 
 bool Belongs(const std::string& className, EPart part) {
   const TClassDeclaration* const declaration = FindClass(className);
   return declaration != nullptr && declaration->part == part;
-}
-
-std::string GetResolution(const TInstanceView& instance, const char* width, const char* height) {
-  return instance.Text(width) + "x" + instance.Text(height);
 }
 
 /// The one head of which that is true; null where there is none, or more. The instances of one head count once.
@@ -28,12 +25,6 @@ const TInstanceView* FindOnly(const TInstances& heads, TIsIt isIt) {
     found = &head;
   }
   return found;
-}
-
-/// The unit whose EDID made the monitor: a unit without a monitor ends the walk, so "Monitor 1" is unit 0.
-std::size_t GetUnit(const TInstanceView& monitor) {
-  const std::string id = monitor.Text("DeviceID");
-  return std::strtoul(id.c_str() + id.find_first_of("0123456789"), nullptr, 10) - 1;
 }
 
 }  // namespace
@@ -73,8 +64,7 @@ void TRequestView::JoinMonitors() {
     m_monitors.push_back({id, monitor, {}});
   }
   for (const TInstanceView& mode : Select(kMonitorResolutionClass)) {
-    const std::string settingId = mode.Text("SettingID");
-    const std::string id = settingId.substr(0, settingId.rfind("\\ Setting "));
+    const std::string id = GetMonitorOfMode(mode.Text("SettingID"));
     const auto [position, isNew] = positions.emplace(id, m_monitors.size());
     if (isNew) m_monitors.push_back({id, std::nullopt, {}});
     m_monitors[position->second].modes.push_back(mode);
@@ -105,7 +95,7 @@ const TInstanceView* TRequestView::FindHead(const TMonitorView& monitor, const T
 }
 
 std::vector<std::string> TRequestView::GetComplaints(EPart part) const {
-  const std::string marker = "Received request for class ";
+  const std::string marker = kServesClass;
   std::vector<std::string> complaints;
   std::set<std::string> known;
   bool concerns = false;
@@ -128,10 +118,9 @@ const TInstances& TRequestView::Select(const std::string& className) const {
   return found == m_instances.end() ? none : found->second;
 }
 
-bool IsConfigured(const TInstanceView* head, const TInstanceView& mode) {
+bool IsConfigured(const TInstanceView* head, unsigned int width, unsigned int height) {
   return head != nullptr && head->Has("CurrentHorizontalResolution") &&
-         GetResolution(*head, "CurrentHorizontalResolution", "CurrentVerticalResolution") ==
-             GetResolution(mode, "HorizontalResolution", "VerticalResolution");
+         head->Number("CurrentHorizontalResolution") == width && head->Number("CurrentVerticalResolution") == height;
 }
 
 std::string JoinTexts(const std::vector<std::string>& texts) {
@@ -140,9 +129,4 @@ std::string JoinTexts(const std::vector<std::string>& texts) {
     if (!text.empty()) joined += (joined.empty() ? "" : ", ") + text;
   }
   return joined;
-}
-
-std::string GetEdidSource(const TInstanceView& monitor, const TAnswer& answer) {
-  const auto& describe = answer.edidOrigin.describe;
-  return describe ? ToPrintable(describe(GetUnit(monitor))) : std::string();
 }

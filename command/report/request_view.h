@@ -55,11 +55,8 @@ class TRequestView {
   std::vector<TMonitorView> m_monitors;
 };
 
-/// True when the configuration sets the head to the mode's resolution. `head`: may be null.
-bool IsConfigured(const TInstanceView* head, const TInstanceView& mode);
+/// True when the configuration sets the head to that resolution. `head`: may be null.
+bool IsConfigured(const TInstanceView* head, unsigned int width, unsigned int height);
 
 /// The texts that are not empty, with ", " between them.
 std::string JoinTexts(const std::vector<std::string>& texts);
-
-/// Where the monitor's EDID was read from, as printable text; empty when that is not known.
-std::string GetEdidSource(const TInstanceView& monitor, const TAnswer& answer);

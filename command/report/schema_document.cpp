@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "command/base/text_encoding.h"
+#include "command/collection/output_keys.h"
 #include "command/report/qualifiers.h"
 #include "embedded_host/log.h"
 #include "embedded_host/schema.h"
@@ -123,21 +124,32 @@ ordered_json MakeLogSchema() {
   return MakeArray(MakeObject({{"severity", {{"enum", severities}}}, {"message", {{"type", "string"}}}}));
 }
 
+/// The JSON form of a key's value.
+ordered_json MakeKeySchema(const TOutputKey& key) {
+  const std::string type = GetName(key.type);
+  const std::size_t brackets = type.find("[]");
+  ordered_json value = {{"type", type.substr(0, brackets)}};
+  if (key.type == EKeyType::kString && IsAlwaysThere(key)) value["type"] = {"string", "null"};
+  if (type[0] != 's' && type[0] != 'b') value["minimum"] = 0;
+  ordered_json schema = brackets == std::string::npos ? value : MakeArray(value);
+  schema["description"] = key.meaning + (*key.unit == '\0' ? "" : " In " + std::string(key.unit) + ".");
+  return schema;
+}
+
 /// What the command itself reads from the EDIDs: next to the plug-in's instances, and never one of them.
 ordered_json MakeOutputMembers() {
-  const ordered_json number = {{"type", "integer"}, {"minimum", 0}};
-  const ordered_json real = {{"type", "number"}, {"exclusiveMinimum", 0}};
-  const ordered_json text = {{"type", "string"}};
-  return {{"unit", number},
-          {"connector", text},
-          {"deviceID", {{"type", {"string", "null"}}}},
-          {"reason", text},
-          {"productCode", number},
-          {"serialNumber", number},
-          {"preferredMode", MakeObject({{"width", number}, {"height", number}, {"refresh", real}})},
-          {"diagonalInches", real},
-          {"checksums", {{"type", "boolean"}}},
-          {"edid", text}};
+  ordered_json members = ordered_json::object();
+  for (const TKeyGroup& group : GetKeyGroups()) {
+    ordered_json keys = ordered_json::object();
+    for (const TOutputKey* const key : group.keys) keys[key->name] = MakeKeySchema(*key);
+    if (*group.name == '\0') {
+      members.update(keys);
+    } else {
+      const ordered_json object = MakeObject(keys, ordered_json::array());
+      members[group.name] = group.count == nullptr ? object : MakeArray(object);
+    }
+  }
+  return members;
 }
 
 ordered_json MakeOutputSchema() {

@@ -1,5 +1,7 @@
 #include "command/report/text_report.h"
 
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "command/report/answer_identity.h"
@@ -16,6 +18,8 @@ constexpr const char* kConfiguredMark = "*";
 constexpr const char* kConfiguredLegend = "* the resolution that the configuration names";
 constexpr const char* kPreferredMark = "+";
 constexpr const char* kPreferredLegend = "+ the mode that the monitor prefers";
+constexpr const char* kListedMark = "=";
+constexpr const char* kListedLegend = "= a mode that the plug-in lists";
 
 /// The text of one request.
 class TRequestReport {
@@ -75,30 +79,42 @@ class TRequestReport {
     std::string text = "Monitors\n";
     for (const TMonitorView& monitor : m_view.GetMonitors()) text += MakeMonitor(monitor);
     if (m_view.GetMonitors().empty()) text += MakeLinks(kMonitorSettingClass, "Links of monitors to modes: ");
-    return text + MakeGaps(EPart::kMonitors);
+    text += MakeGaps(EPart::kMonitors);
+    for (const TOutput& output : m_answer.outputs) {
+      if (IsUnlisted(output)) text += MakeUnlisted(output);
+    }
+    return text;
   }
 
   std::string MakeMonitor(const TMonitorView& view) const {
-    return MakeTitle("  ", view.id, view.monitor ? view.monitor->Text("Name") : "") +
-           MakeRows("    ", DescribeMonitor(m_answer, view, m_makers)) + MakeModes(view, FindOutput(m_answer, view.id));
+    const TOutput* const output = FindOutput(m_answer, view.id);
+    return MakeTitle("  ", view.id, view.monitor ? NameMonitor(m_answer, view) : "") +
+           MakeRows("    ", DescribeMonitor(m_answer, view, m_makers)) +
+           MakeModes(m_view.FindHead(view, output), ListModes(view.modes, output));
   }
 
-  std::string MakeModes(const TMonitorView& monitor, const TOutput* output) const {
-    const TInstanceView* const head = m_view.FindHead(monitor, output);
+  std::string MakeUnlisted(const TOutput& output) const {
+    return MakeTitle("  ", GetName(output), NameMonitor(output)) +
+           MakeRows("    ", DescribeUnlisted(m_answer, output, m_makers)) + MakeModes(nullptr, ListModes({}, &output));
+  }
+
+  std::string MakeModes(const TInstanceView* head, const std::vector<TShownMode>& modes) const {
     std::vector<std::string> texts;
-    bool hasConfigured = false;
-    bool hasPreferred = false;
-    for (const TInstanceView& mode : SortModes(monitor.modes)) {
-      const bool isConfigured = IsConfigured(head, mode);
-      const bool isPreferred = IsPreferred(mode, output);
-      hasConfigured = hasConfigured || isConfigured;
-      hasPreferred = hasPreferred || isPreferred;
-      texts.push_back(mode.Text("HorizontalResolution") + "x" + mode.Text("VerticalResolution") + "@" +
-                      mode.Text("RefreshRate") + mode.Unit("RefreshRate") + (isConfigured ? kConfiguredMark : "") +
-                      (isPreferred ? kPreferredMark : ""));
+    std::set<std::string> marks;
+    const bool areAllListed = AreAllInClasses(modes);
+    for (const TShownMode& mode : modes) {
+      texts.push_back(std::to_string(mode.width) + "x" + std::to_string(mode.height) + "@" + WriteRate(mode) + "Hz");
+      const bool isConfigured = IsConfigured(head, mode.width, mode.height);
+      for (const auto& [isMarked, mark] :
+           {std::pair(isConfigured, kConfiguredMark), std::pair(mode.isPreferred, kPreferredMark),
+            std::pair(mode.isInClasses && !areAllListed, kListedMark)}) {
+        if (isMarked) texts.back() += *marks.insert(mark).first;
+      }
     }
-    return MakeRow("Modes", JoinTexts(texts)) + MakeRow("", hasConfigured ? kConfiguredLegend : "") +
-           MakeRow("", hasPreferred ? kPreferredLegend : "");
+    return MakeRow("Modes", JoinTexts(texts)) +
+           MakeRow("", marks.count(kConfiguredMark) != 0 ? kConfiguredLegend : "") +
+           MakeRow("", marks.count(kPreferredMark) != 0 ? kPreferredLegend : "") +
+           MakeRow("", marks.count(kListedMark) != 0 ? kListedLegend : "");
   }
 
   std::string MakeComplaints(EPart part) const {

@@ -27,7 +27,8 @@ void WriteMember(TJsonWriter& line, const char* name, const std::vector<std::str
 
 /// The model's name, else the number that its maker gave it.
 std::string NameModel(const TMonitorFacts& facts) {
-  return facts.model.empty() ? "product code " + facts.productCode : facts.model;
+  if (!facts.model.empty()) return facts.model;
+  return facts.productCode.empty() ? "unknown" : "product code " + facts.productCode;
 }
 
 }  // namespace
@@ -49,6 +50,9 @@ std::string WriteFleetMachine(const TMachineSummary& machine) {
     WriteMember(line, "model", NameModel(monitor.facts));
     WriteMember(line, "serialNumber", monitor.facts.serialNumber);
     WriteMember(line, "made", monitor.facts.made);
+    WriteMember(line, "largestMode", monitor.facts.largestMode);
+    WriteMember(line, "connector", monitor.connector);
+    WriteMember(line, "isListed", monitor.notListed.empty() ? 1 : 0);
     WriteMember(line, "year", monitor.year);
     WriteMember(line, "week", monitor.week);
     line.EndObject();
@@ -66,7 +70,8 @@ TFleetMachine ReadFleetMachine(std::string_view line) {
   machine.problems = members["problems"].get<std::vector<std::string>>();
   for (const json& monitor : members["monitors"]) {
     machine.monitors.push_back({monitor["maker"], monitor["model"], monitor["serialNumber"], monitor["made"],
-                                monitor["year"], monitor["week"]});
+                                monitor["largestMode"], monitor["connector"], monitor["isListed"] == 1, monitor["year"],
+                                monitor["week"]});
   }
   machine.monitors.shrink_to_fit();
   return machine;

@@ -21,6 +21,7 @@ TFleetMonitors::TFleetMonitors(const std::deque<TFleetMachine>& machines, const 
       m_byAge.push_back({machine, monitor});
       const TFleetMonitor& which = machines[machine].monitors[monitor];
       m_models[{which.maker, which.model}].push_back(machine);
+      m_modes[{"", which.largestMode.empty() ? "not known" : which.largestMode}].push_back(machine);
     }
   }
   std::stable_sort(m_byAge.begin(), m_byAge.end(), [this](const TPlace& left, const TPlace& right) {
@@ -36,11 +37,13 @@ std::size_t TFleetMonitors::CountUndated() const {
 void TFleetMonitors::PutAges(THtmlPieces& page) const {
   page.Put(MakeHeading(2, "By age of monitor", kAges));
   if (m_byAge.empty()) return page.Put(MakeElement("p", "None: no machine has a monitor."));
-  const auto [begin, end] = Part(MakeTable("The oldest first, unknown years last",
-                                           MakeColumnName("Made") + MakeColumnName("Maker") + MakeColumnName("Model") +
-                                               MakeColumnName("Serial number") + MakeColumnName("Machine"),
-                                           {}),
-                                 "<tbody>");
+  const auto [begin, end] =
+      Part(MakeFolded(CountNouns(CountMonitors(), "monitor"),
+                      MakeTable("The oldest first, unknown years last",
+                                MakeColumnName("Made") + MakeColumnName("Maker") + MakeColumnName("Model") +
+                                    MakeColumnName("Serial number") + MakeColumnName("Machine"),
+                                {})),
+           "<tbody>");
   page.Put(begin);
   for (auto first = m_byAge.begin(); first != m_byAge.end();) {
     const auto isOther = [&](const TPlace& place) { return Get(place).year != Get(*first).year; };
@@ -68,27 +71,39 @@ TMarkup TFleetMonitors::MakeYear(TPlaceIterator first, TPlaceIterator last) cons
 
 void TFleetMonitors::PutModels(THtmlPieces& page) const {
   page.Put(MakeHeading(2, "By model", kModels));
-  if (m_models.empty()) return page.Put(MakeElement("p", "None: no machine has a monitor."));
-  const auto [begin, end] = Part(MakeTable("The most frequent first",
-                                           MakeColumnName("Maker") + MakeColumnName("Model") +
-                                               MakeColumnName("Monitors") + MakeColumnName("Machines"),
-                                           {}),
-                                 "</tbody>");
+  PutGroups(page, m_models, {"Maker", "Model"});
+}
+
+void TFleetMonitors::PutModes(THtmlPieces& page) const {
+  page.Put(MakeHeading(2, "By largest mode", kModes));
+  PutGroups(page, m_modes, {"Largest mode"});
+}
+
+void TFleetMonitors::PutGroups(THtmlPieces& page, const TGroups& groups,
+                               const std::vector<const char*>& columns) const {
+  if (groups.empty()) return page.Put(MakeElement("p", "None: no machine has a monitor."));
+  TMarkup names;
+  for (const char* const column : columns) names += MakeColumnName(column);
+  const auto [begin, end] = Part(
+      MakeFolded(
+          CountNouns(groups.size(), "group"),
+          MakeTable("The most frequent first", names + MakeColumnName("Monitors") + MakeColumnName("Machines"), {})),
+      "</tbody>");
   page.Put(begin);
-  std::vector<const TModel*> models;
-  for (const TModel& model : m_models) models.push_back(&model);
-  std::stable_sort(models.begin(), models.end(),
-                   [](const TModel* left, const TModel* right) { return left->second.size() > right->second.size(); });
-  for (const TModel* const model : models) PutModel(page, *model);
+  std::vector<const TGroup*> sorted;
+  for (const TGroup& group : groups) sorted.push_back(&group);
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const TGroup* left, const TGroup* right) { return left->second.size() > right->second.size(); });
+  for (const TGroup* const group : sorted) PutGroup(page, *group, columns.size() > 1);
   page.Put(end);
 }
 
-/// The machines of a model may be very many.
-void TFleetMonitors::PutModel(THtmlPieces& page, const TModel& model) const {
-  const auto& [name, machines] = model;
+/// The machines of a group may be very many.
+void TFleetMonitors::PutGroup(THtmlPieces& page, const TGroup& group, bool hasTwoTexts) const {
+  const auto& [name, machines] = group;
   const auto [begin, end] =
       Part(TMarkup::Element("tr", {{"class", "long"}},
-                            MakeElement("td", name.first) + MakeRowName(name.second) +
+                            (hasTwoTexts ? MakeElement("td", name.first) : TMarkup()) + MakeRowName(name.second) +
                                 MakeElement("td", std::to_string(machines.size())) + MakeElement("td", "listing", "")),
            "</td>\n</tr>");
   page.Put(begin);

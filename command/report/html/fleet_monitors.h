@@ -1,4 +1,4 @@
-// The monitors of many machines in the orders that people ask for: by age and by model.
+// The monitors of many machines in the orders that people ask for: by age, by model and by largest mode.
 #pragma once
 
 #include <cstddef>
@@ -17,6 +17,7 @@ class TFleetMonitors {
   // The ids of the sections.
   static constexpr const char* kAges = "ages";
   static constexpr const char* kModels = "models";
+  static constexpr const char* kModes = "modes";
 
   /// `machines` and `links`: of the page, which must outlive this.
   TFleetMonitors(const std::deque<TFleetMachine>& machines, const TFleetLinks& links);
@@ -30,6 +31,7 @@ class TFleetMonitors {
 
   /// The most frequent first, each with the machines that have it.
   void PutModels(THtmlPieces& page) const;
+  void PutModes(THtmlPieces& page) const;
 
  private:
   /// Machine and monitor by their positions.
@@ -38,15 +40,19 @@ class TFleetMonitors {
   };
 
   typedef std::vector<TPlace>::const_iterator TPlaceIterator;
-  typedef std::map<std::pair<std::string, std::string>, std::vector<std::size_t>> TModels;
-  typedef TModels::value_type TModel;
+  /// By one or two texts: the machines in their order, each once for each monitor.
+  typedef std::map<std::pair<std::string, std::string>, std::vector<std::size_t>> TGroups;
+  typedef TGroups::value_type TGroup;
 
   const TFleetMonitor& Get(const TPlace& place) const { return m_machines[place.machine].monitors[place.monitor]; }
   TMarkup MakeYear(TPlaceIterator first, TPlaceIterator last) const;
-  void PutModel(THtmlPieces& page, const TModel& model) const;
+  /// `columns`: the names of the texts of a group.
+  void PutGroups(THtmlPieces& page, const TGroups& groups, const std::vector<const char*>& columns) const;
+  void PutGroup(THtmlPieces& page, const TGroup& group, bool hasTwoTexts) const;
 
   const std::deque<TFleetMachine>& m_machines;
   const TFleetLinks& m_links;
   std::vector<TPlace> m_byAge;
-  TModels m_models;  // by maker and model, the machines in their order, each once for each monitor
+  TGroups m_models;  // by maker and model
+  TGroups m_modes;   // by largest mode
 };

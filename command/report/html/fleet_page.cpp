@@ -36,8 +36,9 @@ TMarkup MakeTexts(const char* column, const std::vector<std::string>& texts, con
   return TMarkup::Element("td", {{"data-name", column}}, texts.empty() ? TMarkup() : TMarkup(texts.front()));
 }
 
-TMarkup MakeCount(std::size_t count, const char* noun) {
-  return MakeElement("li", MakeElement("b", std::to_string(count)) + " " + noun);
+/// `section`: where the machines are that are counted.
+TMarkup MakeCount(std::size_t count, const char* noun, const char* section) {
+  return MakeElement("li", MakeLink(section, MakeElement("b", std::to_string(count)) + " " + noun));
 }
 
 TMarkup MakeEntry(const char* section, const char* title) { return MakeElement("li", MakeLink(section, title)); }
@@ -47,12 +48,14 @@ TMarkup MakeContents() {
                      MakeElement("ul", "contents",
                                  MakeEntry(kProblems, "Machines with problems") + MakeEntry(kMachines, "By machine") +
                                      MakeEntry(TFleetMonitors::kAges, "By age of monitor") +
-                                     MakeEntry(TFleetMonitors::kModels, "By model")));
+                                     MakeEntry(TFleetMonitors::kModels, "By model") +
+                                     MakeEntry(TFleetMonitors::kModes, "By largest mode")));
 }
 
 std::string DescribeMonitor(const TFleetMonitor& monitor) {
   return monitor.maker + (monitor.maker.empty() ? "" : " ") +
-         JoinTexts({monitor.model, monitor.serialNumber.empty() ? "no serial" : "serial " + monitor.serialNumber,
+         JoinTexts({monitor.model, monitor.largestMode, monitor.connector, monitor.isListed ? "" : "not listed",
+                    monitor.serialNumber.empty() ? "no serial" : "serial " + monitor.serialNumber,
                     monitor.year == 0 ? "year not known" : std::to_string(monitor.year)});
 }
 
@@ -65,13 +68,15 @@ class TFleetSections {
   TMarkup MakeCounts(const TFleetMonitors& monitors) const {
     const std::size_t answered = Count([](const TFleetMachine& machine) { return machine.hasAnswered; });
     const auto hasNone = [](const TFleetMachine& machine) { return machine.hasAnswered && machine.monitors.empty(); };
-    return MakeElement(
-        "ul", "counts",
-        MakeCount(m_machines.size(), "machines asked") + MakeCount(answered, "answered") +
-            MakeCount(m_machines.size() - answered, "could not be asked") +
-            MakeCount(Count(HasProblems), "with problems") + MakeCount(Count(hasNone), "without a monitor") +
-            MakeCount(monitors.CountMonitors(), "monitors") + MakeCount(monitors.CountModels(), "models of monitors") +
-            MakeCount(monitors.CountUndated(), "monitors of unknown year"));
+    return MakeElement("ul", "counts",
+                       MakeCount(m_machines.size(), "machines asked", kMachines) +
+                           MakeCount(answered, "answered", kMachines) +
+                           MakeCount(m_machines.size() - answered, "could not be asked", kProblems) +
+                           MakeCount(Count(HasProblems), "with problems", kProblems) +
+                           MakeCount(Count(hasNone), "without a monitor", kMachines) +
+                           MakeCount(monitors.CountMonitors(), "monitors", TFleetMonitors::kAges) +
+                           MakeCount(monitors.CountModels(), "models of monitors", TFleetMonitors::kModels) +
+                           MakeCount(monitors.CountUndated(), "monitors of unknown year", TFleetMonitors::kAges));
   }
 
   void PutProblems(THtmlPieces& page) const {
@@ -92,12 +97,13 @@ class TFleetSections {
     page.Put(MakeHeading(2, "By machine", kMachines));
     if (m_machines.empty()) return page.Put(MakeElement("p", "None: the list names no machine."));
     const auto [begin, end] =
-        Part(TMarkup::Element("div", {{"class", "machines"}},
-                              MakeTable("In the order of the list",
-                                        MakeColumnName("Machine") + MakeColumnName("Controllers") +
-                                            MakeColumnName("Monitors: maker, model, serial number, year") +
-                                            MakeColumnName("Problems"),
-                                        {})),
+        Part(TMarkup::Element(
+                 "div", {{"class", "machines"}},
+                 MakeTable("In the order of the list",
+                           MakeColumnName("Machine") + MakeColumnName("Controllers") +
+                               MakeColumnName("Monitors: maker, model, largest mode, connector, serial number, year") +
+                               MakeColumnName("Problems"),
+                           {})),
              "</tbody>");
     page.Put(begin);
     for (std::size_t position = 0; position < m_machines.size(); ++position) page.Put(MakeMachineRow(position));
@@ -120,7 +126,6 @@ class TFleetSections {
     return TMarkup::Element("tr", {{"id", TFleetLinks::MakeId(position)}},
                             MakeRowName(DescribeMachine(position)) +
                                 MakeTexts("Controllers", machine.controllers.empty() ? nothing : machine.controllers) +
-                                // Numbered as the plug-in numbers them.
                                 MakeTexts("Monitors", monitors.empty() ? nothing : monitors, "ol") +
                                 MakeTexts("Problems", machine.problems));
   }
@@ -172,6 +177,7 @@ void TFleetPage::Write(const std::string& made, bool isWhole,
   machines.PutMachines(page);
   monitors.PutAges(page);
   monitors.PutModels(page);
+  monitors.PutModes(page);
   page.Put(end);
   page.Flush();
 }

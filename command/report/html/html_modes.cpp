@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "command/report/mode_order.h"
-
 namespace {
 
 // The plot's units are the screen's pixels; it is small, since the list beside it tells the numbers.
@@ -17,27 +15,26 @@ constexpr int kBottom = 154;
 
 constexpr std::size_t kMany = 40;  // resolutions: the list of more takes the width of the page
 
-struct TResolution {
+struct TShownResolution {
   unsigned int width, height;
   std::vector<std::string> rates;
-  std::string unit;           // of the rates
   std::string preferredRate;  // empty when the monitor prefers another resolution
+  std::vector<std::string> listedRates;
   bool isConfigured;
 };
 
 /// The modes of each resolution together, the largest first.
-std::vector<TResolution> GetResolutions(const TRequestView& view, const TMonitorView& monitor, const TOutput* output) {
-  const TInstanceView* const head = view.FindHead(monitor, output);
-  std::vector<TResolution> resolutions;
-  for (const TInstanceView& mode : SortModes(monitor.modes)) {
-    const unsigned int width = mode.Number("HorizontalResolution");
-    const unsigned int height = mode.Number("VerticalResolution");
-    if (resolutions.empty() || resolutions.back().width != width || resolutions.back().height != height) {
-      resolutions.push_back({width, height, {}, mode.Unit("RefreshRate"), "", IsConfigured(head, mode)});
+std::vector<TShownResolution> GetResolutions(const TInstanceView* head, const std::vector<TShownMode>& modes) {
+  const bool areAllListed = AreAllInClasses(modes);
+  std::vector<TShownResolution> resolutions;
+  for (const TShownMode& mode : modes) {
+    if (resolutions.empty() || resolutions.back().width != mode.width || resolutions.back().height != mode.height) {
+      resolutions.push_back({mode.width, mode.height, {}, "", {}, IsConfigured(head, mode.width, mode.height)});
     }
-    TResolution& resolution = resolutions.back();
-    resolution.rates.push_back(mode.Text("RefreshRate"));
-    if (IsPreferred(mode, output)) resolution.preferredRate = mode.TextWithUnit("RefreshRate");
+    TShownResolution& resolution = resolutions.back();
+    resolution.rates.push_back(WriteRate(mode));
+    if (mode.isPreferred) resolution.preferredRate = WriteRate(mode);
+    if (mode.isInClasses && !areAllListed) resolution.listedRates.push_back(WriteRate(mode));
   }
   return resolutions;
 }
@@ -96,34 +93,37 @@ TMarkup MakeMark(TPoint at, bool isConfigured) {
                           {{"cx", std::to_string(at.x)}, {"cy", std::to_string(at.y)}, {"r", "4"}, {"class", "mode"}});
 }
 
-TMarkup MakePlot(const std::vector<TResolution>& resolutions) {
+TMarkup MakePlot(const std::vector<TShownResolution>& resolutions) {
   unsigned int width = 0;
   unsigned int height = 0;
-  for (const TResolution& resolution : resolutions) {
+  for (const TShownResolution& resolution : resolutions) {
     width = std::max(width, resolution.width);
     height = std::max(height, resolution.height);
   }
   const TAxis across(width, kLeft, kRight);
   const TAxis up(height, kBottom, kTop);
   TMarkup plot = MakeGrid(across, up);
-  for (const TResolution& resolution : resolutions) {
+  for (const TShownResolution& resolution : resolutions) {
     plot += MakeMark({across.Place(resolution.width), up.Place(resolution.height)}, resolution.isConfigured);
   }
   return MakeSvg(kWidth, kHeight, plot);
 }
 
-/// "800 x 600: 75, 60 Hz (configured, preferred at 60 Hz)".
-std::string Describe(const TResolution& resolution) {
-  const std::string& preferred = resolution.preferredRate;
-  const std::string marks = JoinTexts({resolution.isConfigured ? "configured" : "",  //
-                                       preferred.empty() ? "" : "preferred at " + preferred});
+/// "800 x 600: 75, 60 Hz (configured, preferred at 60 Hz, listed by the plug-in at 75 Hz)".
+std::string Describe(const TShownResolution& resolution) {
+  const bool areAllListed = resolution.listedRates.size() == resolution.rates.size();
+  const std::string listed = JoinTexts(resolution.listedRates);
+  const std::string marks = JoinTexts(
+      {resolution.isConfigured ? "configured" : "",
+       resolution.preferredRate.empty() ? "" : "preferred at " + resolution.preferredRate + " Hz",
+       listed.empty() ? "" : "listed by the plug-in" + (areAllListed ? std::string() : " at " + listed + " Hz")});
   return std::to_string(resolution.width) + " x " + std::to_string(resolution.height) + ": " +
-         JoinTexts(resolution.rates) + " " + resolution.unit + (marks.empty() ? "" : " (" + marks + ")");
+         JoinTexts(resolution.rates) + " Hz" + (marks.empty() ? "" : " (" + marks + ")");
 }
 
-TMarkup MakeList(const std::vector<TResolution>& resolutions) {
+TMarkup MakeList(const std::vector<TShownResolution>& resolutions) {
   TMarkup items;
-  for (const TResolution& resolution : resolutions) {
+  for (const TShownResolution& resolution : resolutions) {
     items += MakeElement("li", resolution.isConfigured ? "name" : "", Describe(resolution));
   }
   return MakeElement("ul", resolutions.size() > kMany ? "modes many" : "modes", std::move(items));
@@ -131,8 +131,8 @@ TMarkup MakeList(const std::vector<TResolution>& resolutions) {
 
 }  // namespace
 
-TMarkup MakeModes(const TRequestView& view, const TMonitorView& monitor, const TOutput* output) {
-  if (monitor.modes.empty()) return {};
-  const std::vector<TResolution> resolutions = GetResolutions(view, monitor, output);
+TMarkup MakeModes(const TInstanceView* head, const std::vector<TShownMode>& modes) {
+  if (modes.empty()) return {};
+  const std::vector<TShownResolution> resolutions = GetResolutions(head, modes);
   return MakeElement("div", "plot", MakePlot(resolutions) + MakeList(resolutions));
 }

@@ -10,6 +10,7 @@
 #include "command/report/html/html_modes.h"
 #include "command/report/html/html_page.h"
 #include "command/report/html/html_picture.h"
+#include "command/report/mode_order.h"
 #include "command/report/output_view.h"
 
 namespace {
@@ -99,15 +100,32 @@ class TRequestSection {
     TMarkup cards;
     std::size_t number = 0;
     for (const TMonitorView& monitor : m_view.GetMonitors()) {
-      const std::string name = monitor.monitor ? monitor.monitor->Text("Name") : std::string();
+      const TOutput* const output = FindOutput(m_answer, monitor.id);
+      const std::string name = monitor.monitor ? NameMonitor(m_answer, monitor) : std::string();
       const std::string title = name.empty() || name == monitor.id ? monitor.id : monitor.id + ": " + name;
       cards += MakeElement(
           "div", "panel",
           MakeHeading(m_level + 1, MakeShortText(title, kNameColumns), GetCardId() + std::to_string(++number)) +
               MakeFacts(DescribeMonitor(m_answer, monitor, m_makers)) +
-              MakeModes(m_view, monitor, FindOutput(m_answer, monitor.id)));
+              MakeModes(m_view.FindHead(monitor, output), ListModes(monitor.modes, output)));
     }
+    if (m_view.Asks(EPart::kMonitors)) cards += MakeUnlistedCards();
     return cards.IsEmpty() ? cards : MakeElement("div", "row cards", std::move(cards));
+  }
+
+  /// The connected outputs whose monitors the plug-in does not list.
+  TMarkup MakeUnlistedCards() const {
+    TMarkup cards;
+    for (const TOutput& output : m_answer.outputs) {
+      if (!IsUnlisted(output)) continue;
+      const std::string name = NameMonitor(output);
+      const std::string title = name.empty() ? GetName(output) : GetName(output) + ": " + name;
+      cards += MakeElement("div", "panel",
+                           MakeHeading(m_level + 1, MakeShortText(title, kNameColumns)) +
+                               MakeFacts(DescribeUnlisted(m_answer, output, m_makers)) +
+                               MakeModes(nullptr, ListModes({}, &output)));
+    }
+    return cards;
   }
 
   TMarkup MakeFoldedInstances() const {

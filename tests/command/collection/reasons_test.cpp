@@ -1,5 +1,5 @@
 // Why a part of the answer is empty: for each cause a machine that has it, and what the plug-in then answers.
-#include "command/machine/reasons.h"
+#include "command/collection/reasons.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>

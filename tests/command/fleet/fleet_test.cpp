@@ -186,9 +186,9 @@ TEST_F(Fleet, HasARowInTheTableForAMachineThatFails) {
   ASSERT_EQ(lines.size(), 3U);
   EXPECT_EQ(
       lines[1],
-      "nowhere,,,,,,,,,,,,,,,,,\"nowhere: is not a captured machine: No such file or directory; --machine takes a "
+      "nowhere,,,,,,,,,,,,,,,,,,,,,,,,,,,\"nowhere: is not a captured machine: No such file or directory; --machine takes a "
       "folder or a file that exists\"\r");
-  EXPECT_THAT(lines[2], StartsWith("throws,,,,,,,,,,,,,,,,,"));
+  EXPECT_THAT(lines[2], StartsWith("throws,,,,,,,,,,,,,,,,,,,,,,,,,,,"));
 }
 
 TEST_F(Fleet, IsATableWithItsHeadWhenItIsEmpty) {

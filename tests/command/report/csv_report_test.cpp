@@ -29,8 +29,10 @@ class CsvReport : public testing::Test {
 
 TEST_F(CsvReport, BeginsWithTheNamesOfItsColumns) {
   EXPECT_EQ(MakeCsvHead(),
-            "Machine,System,Collected,Controllers,Monitor,Connector,Maker,Maker's name,Model,Product code,Serial "
-            "number,Made,Year,Size,Diagonal in inches,Preferred mode,Input,Problems\r\n");
+            "Machine,System,Collected,Controllers,Monitor,Connector,Not listed,Maker,Maker's name,Model,Product "
+            "code,Serial number,Made,Year,Width mm,Height mm,Diagonal inches,Preferred width,Preferred height,"
+            "Preferred refresh,Largest width,Largest height,Highest refresh,HDR,Variable refresh min,Variable refresh "
+            "max,Input,Problems\r\n");
 }
 
 TEST_F(CsvReport, HasAllThatIsKnownOfAMonitorInItsRow) {
@@ -48,15 +50,25 @@ TEST_F(CsvReport, HasAllThatIsKnownOfAMonitorInItsRow) {
   monitor.facts.serialNumber = "A190-1";
   monitor.facts.made = "week 14 of 2008";
   monitor.facts.year = "2008";
-  monitor.facts.size = "38 x 30 cm";
-  monitor.facts.preferredMode = "1280 x 1024 at 60.020 Hz";
+  monitor.facts.width = "380";
+  monitor.facts.height = "300";
+  monitor.facts.inches = "19.1";
+  monitor.facts.preferredWidth = "1280";
+  monitor.facts.preferredHeight = "1024";
+  monitor.facts.preferredRefresh = "60.02";
+  monitor.facts.largestWidth = "1600";
+  monitor.facts.largestHeight = "1200";
+  monitor.facts.highestRefresh = "75.025";
+  monitor.facts.hasHdr = "no";
+  monitor.facts.variableMin = "48";
+  monitor.facts.variableMax = "75";
   monitor.facts.input = "analogue";
-  monitor.diagonal = "19.1";
   machine.monitors = {monitor};
-  EXPECT_EQ(MakeCsvRows(machine),
-            "captures/ws-17,ws-17,2026-11-21T21:30:00Z,\"Card A; Card B\",Monitor 1,card0-DP-1,ACM,Acme Corporation,"
-            "Acme A190,41199 (0xA0EF),A190-1,week 14 of 2008,2008,38 x 30 cm,19.1,1280 x 1024 at 60.020 Hz,analogue,"
-            "\"one; two\"\r\n");
+  EXPECT_EQ(
+      MakeCsvRows(machine),
+      "captures/ws-17,ws-17,2026-11-21T21:30:00Z,\"Card A; Card B\",Monitor 1,card0-DP-1,,ACM,Acme Corporation,"
+      "Acme A190,41199 (0xA0EF),A190-1,week 14 of 2008,2008,380,300,19.1,1280,1024,60.02,1600,1200,75.025,no,48,75,"
+      "analogue,\"one; two\"\r\n");
 }
 
 TEST_F(CsvReport, RepeatsTheMachineInTheRowOfEachMonitor) {
@@ -64,18 +76,30 @@ TEST_F(CsvReport, RepeatsTheMachineInTheRowOfEachMonitor) {
   machine.problems = {"a problem"};
   machine.monitors = {MakeMonitor("Monitor 1"), MakeMonitor("Monitor 2")};
   EXPECT_EQ(MakeCsvRows(machine),
-            "ws-17,,,,Monitor 1,,,,,,,,,,,,,a problem\r\n"
-            "ws-17,,,,Monitor 2,,,,,,,,,,,,,a problem\r\n");
+            "ws-17,,,,Monitor 1,,,,,,,,,,,,,,,,,,,,,,,a problem\r\n"
+            "ws-17,,,,Monitor 2,,,,,,,,,,,,,,,,,,,,,,,a problem\r\n");
+}
+
+TEST_F(CsvReport, HasARowForAMonitorThatThePlugInDoesNotList) {
+  TMachineSummary machine = MakeMachine("ws-17");
+  TMonitorSummary unlisted = MakeMonitor("");
+  unlisted.connector = "card0-DP-2";
+  unlisted.notListed = "its EDID repeats that of unit 0";
+  machine.monitors = {MakeMonitor("Monitor 1"), unlisted};
+  EXPECT_EQ(MakeCsvRows(machine),
+            "ws-17,,,,Monitor 1,,,,,,,,,,,,,,,,,,,,,,,\r\n"
+            "ws-17,,,,,card0-DP-2,its EDID repeats that of unit 0,,,,,,,,,,,,,,,,,,,,,\r\n");
 }
 
 TEST_F(CsvReport, SaysInTheOneRowOfAMachineWithoutMonitorsWhyItHasNone) {
   TMachineSummary machine = MakeMachine("ws-17");
   machine.noMonitors = "no EDID was found";
-  EXPECT_EQ(MakeCsvRows(machine), "ws-17,,,,,,,,,,,,,,,,,no EDID was found\r\n");
+  EXPECT_EQ(MakeCsvRows(machine), "ws-17,,,,,,,,,,,,,,,,,,,,,,,,,,,no EDID was found\r\n");
 }
 
 TEST_F(CsvReport, HasOneRowForAMachineThatCouldNotBeAsked) {
-  EXPECT_EQ(MakeCsvRows(SummarizeFailure("gone", "gone: is not there")), "gone,,,,,,,,,,,,,,,,,gone: is not there\r\n");
+  EXPECT_EQ(MakeCsvRows(SummarizeFailure("gone", "gone: is not there")),
+            "gone,,,,,,,,,,,,,,,,,,,,,,,,,,,gone: is not there\r\n");
 }
 
 TEST_F(CsvReport, QuotesCellsWithCommasSemicolonsAndQuotes) {

@@ -64,10 +64,10 @@ TEST_F(DeviceRows, TellTheSerialNumberOfTheHeaderOnlyWhereItIsAnother) {
   TEdidFacts& facts = AddOutput();
   facts.serialNumber = 4711;
   EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
-              ElementsAre("Serial number: 4711", "Product code: 0 (0x0000)", "Input: analogue", "Power saving: none"));
+              ElementsAre("Serial number: 4711", "Input: analogue", "Product code: 0 (0x0000)", "Power saving: none"));
   facts.serialText = "A-1";
   EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
-              ElementsAre("Serial number: A-1", "Product code: 0 (0x0000)", "Input: analogue", "Power saving: none",
+              ElementsAre("Serial number: A-1", "Input: analogue", "Product code: 0 (0x0000)", "Power saving: none",
                           "Serial in header: 4711"));
 }
 
@@ -75,4 +75,25 @@ TEST_F(DeviceRows, TellOnlyThePreferredModeOfAMonitorThatWasNotAskedFor) {
   AddOutput().preferredMode = {640, 480, 60};
   EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", std::nullopt, {}}, TMakerNames())),
               ElementsAre("Preferred mode: 640 x 480 at 60.000 Hz"));
+}
+
+TEST_F(DeviceRows, BeginWithWhatIsWrong) {
+  const TInstanceView monitor = Make("QRXSG_DesktopMonitor", {});
+  AddOutput().contradictions = {"the picture is an aspect ratio"};
+  answer.outputs[0].facts->hasValidChecksums = false;
+  EXPECT_THAT(
+      Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
+      ElementsAre("Problem: an EDID checksum is wrong: a byte is damaged", "Problem: the picture is an aspect ratio",
+                  "Input: analogue", "Product code: 0 (0x0000)", "Power saving: none"));
+}
+
+TEST_F(DeviceRows, TellOfAnUnlistedOutputWhyAndWhatItsEdidSays) {
+  AddOutput().serialText = "A-1";
+  answer.outputs[0].deviceId = std::nullopt;
+  answer.outputs[0].reason = "its EDID repeats that of unit 0";
+  answer.outputs[0].connector = "card0-DP-2";
+  answer.outputs[0].path = "0000:01:00.0/DP-2";
+  EXPECT_THAT(Write(DescribeUnlisted(answer, answer.outputs[0], TMakerNames())),
+              ElementsAre("Not listed: its EDID repeats that of unit 0", "Connector: card0-DP-2, 0000:01:00.0/DP-2",
+                          "Serial number: A-1", "Input: analogue", "Product code: 0 (0x0000)"));
 }

@@ -78,17 +78,6 @@ TEST_F(EmptyClasses, OfLinksMayLinkNothingOfWhatThereIs) {
                           "position in the list of all"));
 }
 
-TEST_F(EmptyClasses, DoNotRepeatWhatIsSaidOfAnOutput) {
-  answer.outputs = {{0, "", std::nullopt, "its EDID is empty", std::nullopt, {}},
-                    {1, "", std::nullopt, "its EDID is short", std::nullopt, {}}};
-  answer.reasons.noMonitors = "unit 0 is not listed: its EDID is empty";
-  EXPECT_THAT(Explain({"QRXSG_DesktopMonitor"}, EPart::kMonitors),
-              ElementsAre("unit 0 is not listed: its EDID is empty", "unit 1 is not listed: its EDID is short"));
-  Commit("QRXSG_MonitorResolution", {});
-  EXPECT_THAT(Explain({"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"}, EPart::kMonitors),
-              ElementsAre("unit 0 is not listed: its EDID is empty", "unit 1 is not listed: its EDID is short"));
-}
-
 TEST_F(EmptyClasses, StandBesideValuesThatThePluginCouldNotUse) {
   Commit("QRXSG_VideoHead", {});
   const std::vector<TLogEntry> log = {

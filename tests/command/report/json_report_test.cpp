@@ -56,7 +56,8 @@ TEST_F(JsonReport, LeavesOutWhatAnOutputHasNoValueFor) {
   answer.outputs = {{0, "", std::nullopt, "it is broken", TEdidFacts(), {0x00, 0xFF}},
                     {1, "card0-DP-2", std::nullopt, "its EDID is missing", std::nullopt, {}}};
   EXPECT_EQ(json::parse(MakeJsonReport(answer))["outputs"], json::parse(R"([
-    {"unit": 0, "deviceID": null, "reason": "it is broken", "checksums": false, "edid": "AP8="},
+    {"unit": 0, "deviceID": null, "reason": "it is broken", "checksums": false, "extensions": 0,
+     "edid": "AP8="},
     {"unit": 1, "connector": "card0-DP-2", "deviceID": null, "reason": "its EDID is missing"}])"));
 }
 
@@ -85,8 +86,10 @@ TEST_F(JsonReport, HoldsTheWholeAnswer) {
         "path": "QRXSG_DesktopMonitor.DeviceID=\"Monitor 1\"",
         "properties": {"DeviceID": {"type": "string", "value": "Monitor 1"}}}],
       "log": [{"severity": "debug", "message": "asked"}]}],
-    "outputs": [{"unit": 0, "connector": "card0-DP-1", "deviceID": "Monitor 1", "productCode": 4660,
-                 "serialNumber": 305419896, "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
+    "outputs": [{"unit": 0, "connector": "card0-DP-1", "deviceID": "Monitor 1", "productCode": 4660, "extensions": 0,
+                 "digital": false,
+                 "serialNumber": 305419896, "serial": "305419896", "serialFrom": "number",
+                 "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
                  "diagonalInches": 27.2, "checksums": true, "edid": "AP8="}],
     "log": [{"severity": "status", "message": "begun"}, {"severity": "debug", "message": "asked"}]})"));
 }
@@ -170,8 +173,9 @@ TEST_F(JsonReport, WritesARowForEachInstanceAndEachOutput) {
     "machine": "ws-17", "collected": "2026-11-21T21:30:00Z", "version": "1.4.0", "class": "QRXSG_DesktopMonitor", "path": "QRXSG_DesktopMonitor.DeviceID=\"Monitor 1\"",
     "DeviceID": "Monitor 1", "Gamma": 2.2, "OperationalStatus": [2]})"));
   EXPECT_EQ(json::parse(rows.substr(end + 1)), json::parse(R"({
-    "machine": "ws-17", "collected": "2026-11-21T21:30:00Z", "version": "1.4.0", "class": "output", "unit": 0, "connector": "card0-DP-1", "deviceID": null, "reason": "",
-    "productCode": 4660, "serialNumber": 305419896, "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
+    "machine": "ws-17", "collected": "2026-11-21T21:30:00Z", "version": "1.4.0", "class": "output", "unit": 0, "connector": "card0-DP-1", "deviceID": null,
+    "productCode": 4660, "extensions": 0, "digital": false, "serialNumber": 305419896, "serial": "305419896", "serialFrom": "number",
+                 "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
     "diagonalInches": 27.2, "checksums": true, "edid": "AP8="})"));
   EXPECT_EQ(MakeMachineRows("ws-17", answer), rows);
 }

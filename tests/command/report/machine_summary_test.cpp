@@ -57,7 +57,7 @@ TEST_F(MachineSummary, HasWhatIsKnownOfEachMonitor) {
   EXPECT_EQ(monitor.connector, "card0-DP-1");
   EXPECT_EQ(monitor.facts.makerCode, "ACM");
   EXPECT_EQ(monitor.facts.model, "Acme A190");
-  EXPECT_EQ(monitor.diagonal, "19.1");
+  EXPECT_EQ(monitor.facts.inches, "19.1");
   EXPECT_EQ(monitor.year, 2008U);
   EXPECT_EQ(monitor.week, 14U);
   EXPECT_THAT(summary.problems, IsEmpty());
@@ -75,9 +75,20 @@ TEST_F(MachineSummary, KnowsNoYearThatTheEdidDoesNotTell) {
   EXPECT_EQ(Make().monitors.at(0).year, 0U);
 }
 
+TEST_F(MachineSummary, HasTheMonitorsThatStandForNoOutput) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 9")}, {"Name", TCIMValue("Other")}});
+  EndRequest({"QRXSG_DesktopMonitor"});
+  ASSERT_THAT(Make().monitors, SizeIs(1));
+  EXPECT_EQ(Make().monitors[0].id, "Monitor 9");
+  EXPECT_EQ(Make().monitors[0].facts.model, "Other");
+}
+
 TEST_F(MachineSummary, HasAsAProblemAnOutputThatIsNotReported) {
   answer.outputs.push_back({0, "card0-DP-1", std::nullopt, "its EDID is missing", std::nullopt, {}});
-  EXPECT_THAT(Make().monitors, IsEmpty());
+  ASSERT_THAT(Make().monitors, SizeIs(1));
+  EXPECT_EQ(Make().monitors[0].id, "");
+  EXPECT_EQ(Make().monitors[0].connector, "card0-DP-1");
+  EXPECT_EQ(Make().monitors[0].notListed, "its EDID is missing");
   EXPECT_THAT(Make().problems, ElementsAre("card0-DP-1 (unit 0) is not listed: its EDID is missing"));
 }
 
@@ -99,19 +110,14 @@ TEST_F(MachineSummary, HasAsAProblemAWrongChecksum) {
   EXPECT_THAT(Make().problems, ElementsAre("Monitor 1: the checksum of its EDID is wrong, so a byte is damaged"));
 }
 
-TEST_F(MachineSummary, HasAsAProblemMonitorsThatNothingTellsApart) {
-  const TEdidBuilder acme = TEdidBuilder().Manufacturer("ACM");
-  AddMonitor(TEdidBuilder(acme).Serial(0, "1").Build());
-  AddMonitor(TEdidBuilder(acme).Build());
-  AddMonitor(TEdidBuilder(acme).Made(2, 2008).Build());
-  AddMonitor(TEdidBuilder(acme).Made(3, 2008).Serial(1, "1").Build());
-  AddMonitor(TEdidBuilder(acme).Byte(edid::kSerialNumber, 1).Build());
-  AddMonitor(TEdidBuilder(acme).Byte(edid::kProductCode, 1).Build());
-  AddMonitor(TEdidBuilder(acme).Name(1, "Other").Build());
-  AddMonitor(TEdidBuilder().Manufacturer("GLX").Build());
-  EXPECT_THAT(Make().problems,
-              ElementsAre("Monitor 2 and Monitor 3 cannot be told apart: the same model, no serial number",
-                          "Monitor 1 and Monitor 4 cannot be told apart: the same model, the same serial number"));
+TEST_F(MachineSummary, HasAsAProblemMonitorsThatOnlyTheirConnectorsTellApart) {
+  AddMonitor(TEdidBuilder().Serial(0, "A").Build());
+  AddMonitor(TEdidBuilder().Build());
+  AddMonitor(TEdidBuilder().Serial(0, "A").Build());
+  AddMonitor(TEdidBuilder().Serial(0, "A").Extension({0x02}).Build());
+  answer.outputs[2].connector = "card0-DP-2";
+  EXPECT_THAT(Make().problems, ElementsAre("unit 0 and card0-DP-2 (unit 2) have equal EDIDs: only the connectors tell "
+                                           "the monitors apart"));
 }
 
 TEST_F(MachineSummary, SaysHowManyTextsItLeavesOut) {

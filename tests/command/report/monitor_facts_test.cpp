@@ -48,7 +48,7 @@ TEST_F(MonitorFacts, AreReadFromTheEdid) {
                                 .RangeLimits(3, 56, 76, 30, 83, 14);
   EXPECT_EQ(List(Describe(edid)),
             (std::vector<std::string>{"ACM", "", "Acme A190", "A190-1", "41199 (0xA0EF)", "week 14 of 2008", "2008",
-                                      "38 x 30 cm", "19.1 inches", "analogue", "30 to 83 kHz", "56 to 76 Hz",
+                                      "380 x 300 mm", "19.1 inches", "analogue", "30 to 83 kHz", "56 to 76 Hz",
                                       "140 MHz at most", "1280 x 1024 at 60.020 Hz"}));
 }
 
@@ -79,12 +79,12 @@ TEST_F(MonitorFacts, AreThoseOfTheInstanceWhereThereIsNoEdid) {
 }
 
 TEST_F(MonitorFacts, AreThoseOfTheEdidFirst) {
-  const TInstanceView monitor = CommitMonitor({{"Name", TCIMValue("B")}, {"SerialNumber", TCIMValue("1")}});
+  const TInstanceView monitor = CommitMonitor({{"Name", TCIMValue("B")}, {"SerialNumber", TCIMValue("B-1")}});
   const std::vector<std::uint8_t> edid = TEdidBuilder().Name(0, "A").Build();
   const TOutput output = {0, "", "Monitor 1", "", ReadEdidFacts(edid), edid};
   const TMonitorFacts facts = DescribeMonitor(&output, &monitor, TMakerNames());
   EXPECT_EQ(facts.model, "A");
-  EXPECT_EQ(facts.serialNumber, "1");
+  EXPECT_EQ(facts.serialNumber, "B-1");
 }
 
 TEST_F(MonitorFacts, NameTheMakerWhereItsNameIsKnown) {
@@ -99,6 +99,75 @@ TEST_F(MonitorFacts, NameTheMakerWhereItsNameIsKnown) {
 TEST_F(MonitorFacts, TakeTheSerialNumberOfTheHeaderWhereThereIsNoText) {
   const TEdidBuilder edid = TEdidBuilder().Byte(edid::kSerialNumber, 5).Byte(edid::kSerialNumber + 1, 1);
   EXPECT_EQ(Describe(edid).serialNumber, "261");
+}
+
+TEST_F(MonitorFacts, HaveNoSerialNumberThatIsAFiller) {
+  const TInstanceView monitor = CommitMonitor({{"SerialNumber", TCIMValue("0000000000000")}});
+  EXPECT_EQ(DescribeMonitor(nullptr, &monitor, TMakerNames()).serialNumber, "");
+}
+
+TEST_F(MonitorFacts, HaveNoSizeOfWhichOneSideIsMissing) {
+  const TInstanceView monitor = CommitMonitor({{"HorizontalImageSize", TCIMValue(static_cast<unsigned char>(79))}});
+  EXPECT_EQ(DescribeMonitor(nullptr, &monitor, TMakerNames()).size, "");
+}
+
+namespace {
+
+/// Of a modern monitor, as far as reports show it.
+TEdidFacts MakeModernFacts() {
+  TEdidFacts facts;
+  facts.isVersion1 = true;
+  facts.texts = {"LG Display", "LP156WF6-SPB1"};
+  facts.imageSize = {597, 336};
+  facts.preferredMode = {3840, 2160, 59.997};
+  facts.modes.resize(2);
+  facts.modes[0] = {{3840, 2160, 59.997}, EModeSource::Detailed, EYcbcr420::No};
+  facts.modes[1] = {{1920, 1080, 143.981, true}, EModeSource::Vic, EYcbcr420::No};
+  facts.refreshRange = {48, 144, "FreeSync"};
+  facts.hdr = THdr();
+  facts.hdr->transfers = {"SDR", "PQ", "HLG"};
+  facts.hdr->hdr10Plus = "1";
+  facts.hdr->maxLuminance = 465.5;
+  facts.hdmi = THdmi();
+  facts.hdmi->maxTmdsClock = 600;
+  facts.hdmi->fixedRateLink = "4 lanes at 12 Gbps";
+  facts.hdmi->hasCompression = true;
+  facts.hdmi->deepColourBits = {10, 12};
+  facts.audio = {{"Linear PCM", 2, {}, {}}, {"DTS", std::nullopt, {}, {}}};
+  return facts;
+}
+
+}  // namespace
+
+TEST_F(MonitorFacts, TellWhatAModernMonitorCan) {
+  const TOutput output = {0, "", "Monitor 1", "", MakeModernFacts(), {}};
+  const TMonitorFacts facts = DescribeMonitor(&output, nullptr, TMakerNames());
+  EXPECT_EQ(
+      (std::vector<std::string>{facts.model, facts.size, facts.largestMode, facts.highestRate, facts.hdr,
+                                facts.variableRate, facts.link, facts.sound}),
+      (std::vector<std::string>{"LP156WF6-SPB1", "597 x 336 mm", "3840 x 2160 at 59.997 Hz", "144 Hz (1920 x 1080)",
+                                "PQ, HLG, HDR10+ 1, up to 465.5 cd/m2", "48 to 144 Hz (FreeSync)",
+                                "HDMI: TMDS up to 600 MHz, FRL of 4 lanes at 12 Gbps, DSC, 10 or 12 bits per "
+                                "colour",
+                                "Linear PCM (2 channels), DTS"}));
+}
+
+TEST_F(MonitorFacts, TellNumbersForTables) {
+  const TOutput output = {0, "", "Monitor 1", "", MakeModernFacts(), {}};
+  const TMonitorFacts f = DescribeMonitor(&output, nullptr, TMakerNames());
+  EXPECT_EQ((std::vector<std::string>{f.preferredWidth, f.preferredHeight, f.preferredRefresh, f.largestWidth,
+                                      f.largestHeight, f.highestRefresh, f.hasHdr, f.variableMin, f.variableMax,
+                                      f.width, f.height}),
+            (std::vector<std::string>{"3840", "2160", "59.997", "3840", "2160", "143.981", "yes", "48", "144", "597",
+                                      "336"}));
+}
+
+TEST_F(MonitorFacts, TakeTheRangeOfSdrForNoHdr) {
+  TOutput output = {0, "", "Monitor 1", "", MakeModernFacts(), {}};
+  output.facts->hdr = THdr();
+  output.facts->hdr->transfers = {"SDR"};
+  EXPECT_EQ(DescribeMonitor(&output, nullptr, TMakerNames()).hasHdr, "no");
+  EXPECT_EQ(DescribeMonitor(&output, nullptr, TMakerNames()).hdr, "");
 }
 
 TEST_F(MonitorFacts, SayTheYearWithoutAWeekThatIsNone) {
@@ -175,7 +244,13 @@ TEST_F(MonitorFacts, SayNoPixelClockThatIsNotGiven) {
 }
 
 TEST_F(MonitorFacts, ArePrintable) {
-  const TMonitorFacts facts = Describe(TEdidBuilder().Name(0, "A\x1B[2J").Serial(1, "\xFF"));
+  const TMonitorFacts facts = Describe(TEdidBuilder()
+                                           .Name(0, "A\x1B[2J")
+                                           .Serial(1,
+                                                   "A\xFF"
+                                                   "B"));
   EXPECT_EQ(facts.model, "A\\x1b[2J");
-  EXPECT_EQ(facts.serialNumber, "\xEF\xBF\xBD");
+  EXPECT_EQ(facts.serialNumber,
+            "A\xEF\xBF\xBD"
+            "B");
 }

@@ -17,48 +17,25 @@ TOutput MakeOutput(unsigned int unit, const std::string& connector) {
   return {unit, connector, "Monitor " + std::to_string(unit + 1), "", facts, {}};
 }
 
-/// Label and text of each row.
-std::vector<std::string> Describe(const TAnswer& answer, std::size_t index) {
-  std::vector<std::string> rows;
-  for (const TOutputRow& row : DescribeHeader(answer, answer.outputs[index])) {
-    rows.push_back(row.label + (": " + row.text));
-  }
-  return rows;
-}
-
 }  // namespace
 
-TEST(OutputView, DescribesTheHeader) {
+TEST(OutputView, DescribesNoProblemOfWhatIsNoEdid) {
+  TOutput output = MakeOutput(0, "");
+  output.facts->hasValidChecksums = false;
+  EXPECT_EQ(DescribeProblems(output).size(), 1U);
+  output.facts->isVersion1 = false;
+  EXPECT_THAT(DescribeProblems(output), IsEmpty());
+  output.facts = std::nullopt;
+  EXPECT_THAT(DescribeProblems(output), IsEmpty());
+}
+
+TEST(OutputView, FindsTheOutputWhoseModesAreKnown) {
   TAnswer answer;
   answer.outputs = {MakeOutput(0, "")};
-  answer.outputs[0].facts->serialNumber = 4711;
-  answer.outputs[0].facts->hasValidChecksums = false;
-  EXPECT_THAT(Describe(answer, 0), ElementsAre("Serial in header: 4711", "EDID checksums: wrong: a byte is damaged"));
-}
-
-TEST(OutputView, LeavesOutWhatTheHeaderDoesNotSay) {
-  TAnswer answer;
-  answer.outputs = {MakeOutput(0, "")};
-  EXPECT_THAT(Describe(answer, 0), IsEmpty());
-}
-
-TEST(OutputView, DescribesNothingOfWhatIsNoEdid) {
-  TAnswer answer;
-  answer.outputs = {MakeOutput(0, ""), MakeOutput(1, "")};
-  answer.outputs[0].facts->isVersion1 = false;
-  answer.outputs[1].facts = std::nullopt;
-  EXPECT_THAT(Describe(answer, 0), IsEmpty());
-  EXPECT_THAT(Describe(answer, 1), IsEmpty());
-}
-
-TEST(OutputView, SaysWhichMonitorsCannotBeToldApartByTheirHeaders) {
-  TAnswer answer;
-  answer.outputs = {MakeOutput(0, "card0-DP-1"), MakeOutput(1, "card0-DP-2"), MakeOutput(2, ""), MakeOutput(3, "")};
-  answer.outputs[2].facts->productCode = 8;
-  answer.outputs[3].facts->serialNumber = 9;
-  EXPECT_THAT(Describe(answer, 0),
-              ElementsAre("Serial in header: none; card0-DP-2 (unit 1) is of the same model and has none either"));
-  EXPECT_THAT(Describe(answer, 2), IsEmpty());
+  answer.outputs[0].deviceId = std::nullopt;
+  EXPECT_EQ(FindOutput(answer, ""), nullptr);
+  answer.outputs[0].modesId = "Monitor 1";
+  EXPECT_EQ(FindOutput(answer, "Monitor 1"), &answer.outputs[0]);
 }
 
 TEST(OutputView, FindsTheOutputOfAMonitor) {

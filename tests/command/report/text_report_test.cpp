@@ -105,10 +105,10 @@ TEST_F(TextReport, ShowsAMonitorWithAllItSays) {
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
             "Monitors\n"
             "  Monitor 1: Acme A190\n"
-            "    Manufacturer      ACM\n"
-            "    Serial number     A190-1\n"
-            "    Manufactured      week of 2008-04-01\n"
             "    Picture           38 x 30 cm\n"
+            "    Serial number     A190-1\n"
+            "    Manufacturer      ACM\n"
+            "    Manufactured      week of 2008-04-01\n"
             "    Line rate         30 to 83 kHz\n"
             "    Field rate        56 to 76 Hz\n"
             "    Pixel clock       140 MHz at most\n"
@@ -378,20 +378,22 @@ TEST_F(TextReport, HeadsEachOfSeveralRequests) {
 
 TEST_F(TextReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
   answer.edidOrigin.describe = [](std::size_t unit) { return "output " + std::to_string(unit); };
+  answer.outputs = {{0, "", "Monitor 2", "", {}, {}}, {1, "", "Monitor 1", "", {}, {}}};
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 2")}});
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
             "Monitors\n"
             "  Monitor 1\n"
             "    Power saving      none\n"
-            "    EDID read from    output 0\n"
+            "    EDID read from    output 1\n"
             "  Monitor 2\n"
             "    Power saving      none\n"
-            "    EDID read from    output 1\n");
+            "    EDID read from    output 0\n");
 }
 
 TEST_F(TextReport, DoesNotObeyWhatAnOutputIsCalled) {
   answer.edidOrigin.describe = [](std::size_t) { return "\x1B[2J\u202E"; };
+  answer.outputs = {{0, "", "Monitor 1", "", {}, {}}};
   Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
   EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("EDID read from    \\x1b[2J\\u202e\n"));
 }
@@ -414,14 +416,15 @@ TEST_F(TextReport, ShowsWhatTheEdidOfAMonitorSays) {
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
             "Monitors\n"
             "  Monitor 1\n"
+            "    Problem           an EDID checksum is wrong: a byte is damaged\n"
+            "    Picture           600 x 340 mm, 27.2 inches\n"
+            "    Connector         card0-DP-1\n"
             "    Serial number     9\n"
+            "    Preferred mode    1280 x 1024 at 60.020 Hz\n"
+            "    Input             digital: DisplayPort, 10 bits per colour\n"
             "    Product code      7 (0x0007)\n"
             "    Manufactured      week 14 of 2019\n"
-            "    Picture           60 x 34 cm, 27.2 inches\n"
-            "    Input             digital: DisplayPort, 10 bits per colour\n"
-            "    Power saving      none\n"
-            "    EDID checksums    wrong: a byte is damaged\n"
-            "    Preferred mode    1280 x 1024 at 60.020 Hz\n");
+            "    Power saving      none\n");
 }
 
 TEST_F(TextReport, ShowsBothSerialNumbers) {
@@ -431,10 +434,12 @@ TEST_F(TextReport, ShowsBothSerialNumbers) {
   EXPECT_THAT(text, HasSubstr("    Serial in header  9\n"));
 }
 
-TEST_F(TextReport, NamesTheOutputsThatAreNotListed) {
-  answer.outputs = {{1, "card0-DP-2", std::nullopt, "its EDID repeats that of unit 0", std::nullopt, {}}};
-  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}),
-              HasSubstr("  card0-DP-2 (unit 1) is not listed: its EDID repeats that of unit 0.\n"));
+TEST_F(TextReport, ShowsTheOutputsThatAreNotListed) {
+  const std::vector<std::uint8_t> edid = TEdidBuilder().Name(0, "Acme A190").Build();
+  answer.outputs = {{1, "card0-DP-2", std::nullopt, "its EDID repeats that of unit 0", ReadEdidFacts(edid), edid}};
+  EXPECT_THAT(Make({"QRXSG_DesktopMonitor"}), HasSubstr("  card0-DP-2 (unit 1): Acme A190\n"
+                                                        "    Not listed        its EDID repeats that of unit 0\n"
+                                                        "    Connector         card0-DP-2\n"));
 }
 
 TEST_F(TextReport, SaysWhereAMadeConfigurationComesFrom) {

@@ -81,7 +81,7 @@ class FleetPage : public testing::Test {
   /// How many, by what.
   static std::map<std::string, std::string> GetCounts(const std::string& text) {
     std::map<std::string, std::string> counts;
-    const std::regex regex("<li><b>([0-9]+)</b>\n ([^<]*)</li>");
+    const std::regex regex("<li><a href=\"#[a-z]+\"><b>([0-9]+)</b>\n ([^<]*)</a>\n?</li>");
     for (std::sregex_iterator found(text.begin(), text.end(), regex), end; found != end; ++found) {
       counts[(*found)[2]] = (*found)[1];
     }
@@ -176,7 +176,7 @@ TEST_F(FleetPage, HasAPlaceForEachLink) {
   const std::set<std::string> places(ids.begin(), ids.end());
   EXPECT_EQ(places.size(), ids.size());
   const std::vector<std::string> links = FindAll(text, " href=\"#([^\"]*)\"");
-  EXPECT_EQ(links.size(), 4U + 1U + 2U + 2U);
+  EXPECT_EQ(links.size(), 8U + 5U + 1U + 2U + 2U + 2U);
   for (const std::string& link : links) EXPECT_EQ(places.count(link), 1U) << link;
   EXPECT_THAT(MakeSection("problems"), HasSubstr("<a href=\"#machine-3\">c</a>"));
   EXPECT_THAT(MakeSection("machines"), HasSubstr("<tr id=\"machine-3\"><th scope=\"row\">c"));
@@ -284,7 +284,7 @@ TEST_F(FleetPage, NamesItsColumnsForReadersOfEveryKind) {
   machine.monitors = {MakeMonitor("ACM", "A")};
   Add(machine);
   const std::string text = Make();
-  EXPECT_EQ(FindAll(text, "(<table>)").size(), 4U);
-  EXPECT_EQ(FindAll(text, "<table><caption>([^<]+)</caption>\n<thead><tr><th scope=\"col\">").size(), 4U);
-  EXPECT_THAT(FindAll(text, "<h([0-9])"), ElementsAre("1", "2", "2", "2", "2"));
+  EXPECT_EQ(FindAll(text, "(<table>)").size(), 5U);
+  EXPECT_EQ(FindAll(text, "<table><caption>([^<]+)</caption>\n<thead><tr><th scope=\"col\">").size(), 5U);
+  EXPECT_THAT(FindAll(text, "<h([0-9])"), ElementsAre("1", "2", "2", "2", "2", "2"));
 }

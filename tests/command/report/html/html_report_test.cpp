@@ -93,6 +93,7 @@ TEST_F(HtmlReport, MakesNothingButTextOfWhatTheMachineSays) {
   answer.identity.systemName = name;
   answer.log = {{ILogger::kError, name}};
   answer.edidOrigin.describe = [&](std::size_t) { return name; };
+  answer.outputs = {{0, name, name, "", {}, {}}};
   const std::string page =
       Make(kAllClasses, {{ILogger::kDebug, "Received request for class QRXSG_VideoHead."}, {ILogger::kError, name}});
   EXPECT_THAT(page, Not(HasSubstr("<script")));
@@ -424,6 +425,7 @@ TEST_F(HtmlReport, LeavesOutWhatWasNotAskedFor) {
 
 TEST_F(HtmlReport, TellsWhereTheEdidOfEachMonitorCameFrom) {
   answer.edidOrigin.describe = [](std::size_t unit) { return "output " + std::to_string(unit); };
+  answer.outputs = {{1, "", "Monitor 2", "", {}, {}}};
   CommitMonitor("Monitor 2", 40, 30);
   EXPECT_THAT(Make(), HasSubstr("<th scope=\"row\">EDID read from</th>\n<td>output 1</td>"));
 }
@@ -449,8 +451,9 @@ TEST_F(HtmlReport, SaysWhatTheOutputsAreAndWhichAreNotListed) {
   answer.outputs = {{0, "a<b", "Monitor 1", "", facts, {}},
                     {1, "a<b", std::nullopt, "its EDID repeats that of unit 0", facts, {}}};
   const std::string page = Make({"QRXSG_DesktopMonitor"});
-  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Serial in header</th>\n<td>none; a&lt;b (unit 1) is of the same"));
-  EXPECT_THAT(page, HasSubstr("<p>a&lt;b (unit 1) is not listed: its EDID repeats that of unit 0.</p>"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Connector</th>\n<td>a&lt;b</td>"));
+  EXPECT_THAT(page, HasSubstr("<h3>a&lt;b (unit 1)</h3>"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Not listed</th>\n<td>its EDID repeats that of unit 0</td>"));
 }
 
 TEST(HtmlStyle, HasEnoughContrastInBothSchemes) {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "command/collection/outputs.h"
 #include "command/machine/machine.h"
-#include "command/machine/outputs.h"
 
 /// A sentence each, without its full stop: what was looked at, what was found, and the cure where there is one.
 struct TReasons {

@@ -1,4 +1,4 @@
-#include "command/machine/reasons.h"
+#include "command/collection/reasons.h"
 
 #include <algorithm>
 #include <cctype>
@@ -115,7 +115,7 @@ std::string ExplainNoControllers(const TMachine& machine, const std::vector<TFil
 std::string ExplainNoMonitors(const TMachine& machine, const std::vector<TOutput>& outputs) {
   const bool hasFirst = !outputs.empty() && outputs.front().unit == 0;
   const bool hasEdid = hasFirst && (outputs.front().facts || machine.damagedEdids.count(0) != 0);
-  if (hasEdid && !outputs.front().deviceId) return ExplainUnlisted(outputs.front());
+  if (hasEdid && IsUnlisted(outputs.front())) return ExplainUnlisted(outputs.front());
   const TVirtualBiosConfiguration bios = machine.getUnits();
   std::string failure = machine.getBiosFailure();
   std::string none = ExplainNoMonitor(bios, machine.host.systemType);
@@ -127,8 +127,8 @@ std::string ExplainNoMonitors(const TMachine& machine, const std::vector<TOutput
 }
 
 std::string ExplainNoModes(const std::vector<TOutput>& outputs, const std::string& noMonitors) {
-  const auto isListed = [](const TOutput& output) { return output.deviceId.has_value(); };
-  if (std::none_of(outputs.begin(), outputs.end(), isListed)) return noMonitors;
+  const auto hasModes = [](const TOutput& output) { return output.facts && !IsUnlisted(output); };
+  if (std::none_of(outputs.begin(), outputs.end(), hasModes)) return noMonitors;
   return "no EDID declares an established or a standard timing, and the plug-in lists no other modes";
 }
 
