@@ -22,6 +22,41 @@ constexpr std::size_t kPiece = 65536;  // bytes that are read at a time
   throw TUnusable(name + problem + "; --machines takes a file of machines, one a line, or - for standard input");
 }
 
+bool IsBlank(char character) { return character == ' ' || character == '\t'; }
+
+bool IsComment(const std::string& line) {
+  const auto first = std::find_if_not(line.begin(), line.end(), IsBlank);
+  return first != line.end() && *first == '#';
+}
+
+/// Counts the names in a list that comes in pieces.
+class TNameCount {
+ public:
+  void Take(char byte) {
+    if (byte == '\n') {
+      m_count = Get();
+      m_line = ELine::kEmpty;
+    } else if (m_line == ELine::kEmpty || m_line == ELine::kBlank) {
+      m_line = Enter(byte);
+    }
+  }
+
+  /// With a last line that does not end.
+  std::size_t Get() const { return m_count + (m_line == ELine::kBlank || m_line == ELine::kName ? 1 : 0); }
+
+ private:
+  enum class ELine { kEmpty, kBlank, kName, kComment };
+
+  ELine Enter(char byte) const {
+    if (byte == '\r') return m_line;
+    if (byte == '#') return ELine::kComment;
+    return IsBlank(byte) ? ELine::kBlank : ELine::kName;
+  }
+
+  std::size_t m_count = 0;
+  ELine m_line = ELine::kEmpty;
+};
+
 bool IsRegularFile(int descriptor) {
   struct stat status = {};
   return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
@@ -76,23 +111,20 @@ void TMachineList::TakeLines(const char* piece, std::size_t size) {
 
 void TMachineList::EndLine() {
   if (!m_line.empty() && m_line.back() == '\r') m_line.pop_back();
-  if (!m_line.empty()) m_names.push_back(std::exchange(m_line, {}));
+  const std::string line = std::exchange(m_line, {});
+  if (!line.empty() && !IsComment(line)) m_names.push_back(line);
 }
 
 std::optional<std::size_t> TMachineList::CountAll() const {
   if (!m_file.IsOpen()) return m_names.size();
   const off_t begin = lseek(m_file.Get(), 0, SEEK_CUR);
   if (!IsRegularFile(m_file.Get()) || begin < 0) return std::nullopt;
-  std::size_t count = 0;
-  bool isInLine = false;
+  TNameCount count;
   char piece[kPiece];
   ssize_t size = 0;
   // pread leaves the place where ReadMore goes on.
   for (off_t place = begin; (size = pread(m_file.Get(), piece, sizeof piece, place)) > 0; place += size) {
-    for (const char* byte = piece; byte != piece + size; ++byte) {
-      count += isInLine && *byte == '\n' ? 1 : 0;
-      isInLine = *byte != '\n' && (isInLine || *byte != '\r');
-    }
+    std::for_each(piece, piece + size, [&](char byte) { count.Take(byte); });
   }
-  return count + (isInLine ? 1 : 0);
+  return count.Get();
 }

@@ -11,7 +11,7 @@
 #include "command/base/descriptor.h"
 
 /// Names that are known from the start, or come line by line from a file or standard input; empty lines are skipped,
-/// and lines may end as those of Windows do.
+/// and those whose first character but blanks is #; lines may end as those of Windows do.
 /// The list is never held as a whole: it may be longer than memory, and its writer slower than its reader.
 class TMachineList {
  public:

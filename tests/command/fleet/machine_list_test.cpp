@@ -81,6 +81,13 @@ TEST_F(MachineList, TakesLinesThatEndAsThoseOfWindowsDo) {
 
 TEST_F(MachineList, CountsLinesThatEndAsThoseOfWindowsDo) { EXPECT_EQ(Open("a\r\n\r\nb\r\n\r").CountAll(), 2U); }
 
+TEST_F(MachineList, TakesLinesThatBeginWithAHashForComments) {
+  const std::string list = "# all\na\n \t#b\nc # d\n#\r\n #";
+  EXPECT_EQ(Read(list), (TNames{"a", "c # d"}));
+  EXPECT_EQ(Open(list).CountAll(), 2U);
+  EXPECT_EQ(Read(" \n#" + std::string(200000, 'x') + "\nb"), (TNames{" ", "b"}));
+}
+
 TEST_F(MachineList, IsEmptyWithAnEmptyFile) { EXPECT_EQ(Read(""), TNames()); }
 
 TEST_F(MachineList, TakesNamesThatReachOverPiecesOfTheFile) {
