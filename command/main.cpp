@@ -52,8 +52,12 @@ constexpr int kDone = 0;
 constexpr int kUnusable = 1;
 constexpr int kNotCompared = 2;  // since 1 says that there are differences
 
+TMachine ReadNamedMachine(const std::string& name) {
+  return name == "-" ? ReadStandardInput() : ReadCapturedMachine(name);
+}
+
 TMachine ChooseMachine(const TOptions& options) {
-  if (!options.machines.empty()) return ReadCapturedMachine(options.machines.front());
+  if (!options.machines.empty()) return ReadNamedMachine(options.machines.front());
   return MakeThisMachine(options.edidSource, options.xconfigSource);
 }
 
@@ -122,7 +126,7 @@ TMachineLine CaptureApart(const TOptions& options, const TCaptureOptions& captur
   TMachineLine line = {"", true, true};
   try {
     line.text = WithinMemory([&] {
-      machine = capture.machine ? ReadCapturedMachine(*capture.machine)
+      machine = capture.machine ? ReadNamedMachine(*capture.machine)
                                 : MakeThisMachine(options.edidSource, options.xconfigSource);
       return Pack(MakeCapture(*machine, ChoosePlugin(options), capture.target, capture.isAnonymous,
                               [] { DropPrivileges(true); }));

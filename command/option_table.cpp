@@ -84,6 +84,9 @@ void CheckFleet(const TOptions& options) {
         "several machines are answered in json, rows, csv or html; leave --format out, or name one machine");
   }
   CheckOverview(format, options);
+  if (options.IsFleet() && std::find(options.machines.begin(), options.machines.end(), "-") != options.machines.end()) {
+    throw TWrongUsage("--machine - reads one machine from standard input; name no other one beside it");
+  }
   if (options.IsFleet() && options.resume && format != EFormat::kJson) {
     throw TWrongUsage(
         "--resume goes on with lines of JSON, which tell where a machine ends; not with rows, csv or html");
@@ -155,8 +158,11 @@ const std::vector<TPage> kPages = {
        ECompletion::kClasses, true},
       {"--machine",
        "PATH",
-       "Ask this captured machine instead: folder or file",
-       "Given several times, each machine is answered in one line of JSON, as by --machines.",
+       "Ask this captured machine instead (- for stdin)",
+       "PATH is what capture wrote, or a file that has EDIDs: bytes, hex, xrandr, an X server's log, a registry "
+       "export, "
+       "ioreg, an inventory of GLPI, FusionInventory or OCS. Given several times, each machine is answered in one line "
+       "of JSON, as by --machines.",
        [](TCommandLine& line, const TOptionValue& value) { line.options.machines.push_back(ReadName(value)); },
        ECompletion::kFiles,
        true,

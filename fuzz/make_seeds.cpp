@@ -80,6 +80,25 @@ constexpr const char* kAnswers[][2] = {
     {R"({"machine": "a", "error": "b"})", R"({"captured": 1})"},
 };
 
+// Files of other programs, with @ where an EDID goes in hex, % in decimal, ^ in base64.
+constexpr const char* kForms[] = {
+    "edid-decode (hex):\n\n@\n\n----------------\n",
+    "00000000: @  ..\n*\n00000080: @\n",
+    "00000000  @  |..|\n*\n00000100\n",
+    "     0  1\n00: @    ..\n10: XX\n",
+    "@\n",
+    "/* { */ u8 edid[] = { @, }; // x\n",
+    "BlockContent : {%}\nBlockType : 1\n",
+    "DP-1 connected primary 1x1\n\tEDID: \n\t\t@\n\tdithering: off\nDP-2 disconnected\n",
+    "[    30.503] (II) modeset(0): EDID for output DP-1\n(II) modeset(0): EDID (in hex):\n(II) modeset(0): \t@\n",
+    "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\Enum\\DISPLAY\\A\\4&UID1\\Device Parameters]\r\n\"EDID\"=hex:@,\\\r\n  00\r\n"
+    "[HKEY_LOCAL_MACHINE\\Enum\\DISPLAY\\A\\4&UID1\\Device Parameters\\EDID_OVERRIDE]\r\n\"1\"=hex:@\r\n",
+    "+-o AppleDisplay\n| \"IODisplayEDID\" = <@>\n| \"IODisplayEDIDOriginal\" = <@>\n",
+    R"({"deviceid": "a", "content": {"hardware": {"name": "b"}, "monitors": [{"port": "c", "base64": "^"}, {}]}})",
+    "<REQUEST><CONTENT><HARDWARE><NAME>a</NAME></HARDWARE><MONITORS><BASE64>^</BASE64><PORT>b</PORT></MONITORS>"
+    "<MONITORS><UUENCODE>#0V%T</UUENCODE></MONITORS></CONTENT><DEVICEID>c</DEVICEID></REQUEST>",
+};
+
 // Operations of CIM clients: the name, and the parameters.
 constexpr const char* kCimOperations[][2] = {
     {"EnumerateInstances", R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="QRXSG_DesktopMonitor"/></IPARAMVALUE>)"},
@@ -122,6 +141,28 @@ std::string FillEdids(std::string answer) {
   const std::string edid = EncodeBase64(std::string(bytes.begin(), bytes.end()));
   for (std::size_t place = 0; (place = answer.find('@', place)) != std::string::npos;) answer.replace(place, 1, edid);
   return answer;
+}
+
+void Replace(std::string& text, char mark, const std::string& by) {
+  for (std::size_t place = 0; (place = text.find(mark, place)) != std::string::npos; place += by.size()) {
+    text.replace(place, 1, by);
+  }
+}
+
+/// The form with an EDID at each mark.
+std::string WithEdids(std::string form) {
+  const std::vector<std::uint8_t> bytes = TEdidBuilder().Build();
+  std::string hex;
+  std::string decimal;
+  for (const std::uint8_t byte : bytes) {
+    constexpr const char* digits = "0123456789abcdef";
+    hex += {digits[byte / 16], digits[byte % 16], ' '};
+    decimal += std::to_string(byte) + " ";
+  }
+  Replace(form, '@', hex);
+  Replace(form, '%', decimal);
+  Replace(form, '^', EncodeBase64(std::string(bytes.begin(), bytes.end())));
+  return form;
 }
 
 std::vector<TEdidBuilder> MakeOddEdids() {
@@ -194,6 +235,7 @@ int main(int argumentCount, char** arguments) try {
   std::string units;
   for (const TEdidBuilder& builder : MakeOddEdids()) {
     seeds.Add("monitors", MakeUnit(builder));
+    seeds.Add("forms", MakeUnit(builder).substr(1));
     units += MakeUnit(builder);
   }
   seeds.Add("monitors", units);
@@ -201,6 +243,7 @@ int main(int argumentCount, char** arguments) try {
   for (const char* text : kSections) seeds.Add("sections", text);
   for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
   for (const char* text : kMachineDocuments) seeds.Add("machine_document", text);
+  for (const char* form : kForms) seeds.Add("forms", WithEdids(form));
   for (const auto& answer : kAnswers) {
     seeds.Add("answer", FillEdids(answer[0]) + kEnd + FillEdids(answer[1]));
     seeds.Add("answer", FillEdids(answer[0]) + kEnd + FillEdids(answer[0]));

@@ -1,5 +1,6 @@
 #include "command/machine/captured_machine.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include "command/base/system_failure.h"
 #include "command/base/unusable.h"
 #include "command/machine/folder_files.h"
+#include "command/machine/forms/forms.h"
 #include "command/machine/host_name.h"
 #include "command/machine/memory_files.h"
 #include "command/machine/rooted_folder.h"
@@ -119,7 +121,11 @@ TMachineDocument MakeDefaults() {
 
 TMachineDocument ReadText(const std::string& text, const std::string& name) {
   TMachineDocument machine = MakeDefaults();
-  ReadMachineDocument(text, name, machine);
+  if (IsMachineDocument(text, name)) {
+    ReadMachineDocument(text, name, machine);
+  } else {
+    ReadForm(text, name, machine);
+  }
   return machine;
 }
 
@@ -171,6 +177,16 @@ TMachine ReadCapturedMachine(const fs::path& path) {
   if (IsFolder(found, path.string())) return ReadFolder(std::move(found), path);
   if (IsRegularFile(found, path.string())) return MakeCapturedMachine(ReadFile(found, path));
   throw TUnusable(path.string() + ": is not a captured machine: it is neither a folder nor a regular file");
+}
+
+TMachine ReadStandardInput() {
+  const std::string name = "standard input";
+  const TDescriptor input(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0));
+  if (!input.IsOpen()) throw TUnusable(name + ": is closed; --machine - reads a machine from it");
+  const std::string content = ReadWhole(input, name, kMaxDocumentSize);
+  // An empty file is a connector without an EDID; an empty pipe is a program that failed.
+  if (content.empty()) throw TUnusable(name + ": is empty; --machine - reads a machine from it");
+  return ReadCapturedText(content, name);
 }
 
 TMachine ReadCapturedText(const std::string& text, const std::string& name) {

@@ -1,4 +1,5 @@
-// A captured machine: a folder with machine.json, edid/ and root/, or one JSON document.
+// A captured machine: a folder with machine.json, edid/ and root/, one JSON document, or a file of another program that
+// has EDIDs (forms/forms.h).
 #pragma once
 
 #include <filesystem>
@@ -16,6 +17,9 @@ constexpr const char* kRoot = "root";
 /// written or run. Throws TUnusable, naming file and key, when anything in it that the collection would use is not as
 /// it must be, or leads out of the folder. A damaged EDID costs its unit only.
 TMachine ReadCapturedMachine(const std::filesystem::path& path);
+
+/// The machine in a file that comes from standard input.
+TMachine ReadStandardInput();
 
 /// The machine in the text of such a file, which did not come from one. `name`: for messages.
 TMachine ReadCapturedText(const std::string& text, const std::string& name);

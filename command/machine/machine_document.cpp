@@ -371,6 +371,20 @@ std::string FindFault(std::size_t size) {
 
 }  // namespace
 
+bool BeginsLikeObject(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r\n";
+  const std::size_t brace = text.find_first_not_of(blanks);
+  if (brace == std::string_view::npos || text[brace] != '{') return false;
+  const std::size_t next = text.find_first_not_of(blanks, brace + 1);
+  return next != std::string_view::npos && (text[next] == '"' || text[next] == '}');
+}
+
+bool IsMachineDocument(const std::string& text, const std::string& name) {
+  if (!BeginsLikeObject(text)) return false;
+  RequireNoZero(text, name);
+  return TVersionSearch(name).Find(text).has_value();
+}
+
 void ReadMachineJson(const std::string& text, const std::string& name, TMachineDocument& machine) {
   RequireNoZero(text, name);
   TMachineReader(name, machine, false).Read(text);

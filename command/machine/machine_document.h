@@ -36,6 +36,13 @@ struct TMachineDocument {
   std::map<unsigned int, TDamagedEdid> damagedEdids;  // of units that have none in `bios` for this reason
 };
 
+/// Whether the text begins as a JSON object does, and not as a list in C.
+bool BeginsLikeObject(std::string_view text);
+
+/// Whether the text is a machine in one file: a JSON object that has a version. Throws TUnusable, naming the file, for
+/// an object that is not well formed.
+bool IsMachineDocument(const std::string& text, const std::string& name);
+
 /// Reads the text of a machine.json into `machine`, whose values are the defaults. `name`: of the file, for messages.
 /// Throws TUnusable, naming file and key, for what is not as it must be.
 void ReadMachineJson(const std::string& text, const std::string& name, TMachineDocument& machine);

@@ -128,6 +128,22 @@ TEST_F(Command, SaysOnceThatItMayNotLookForTheConfiguration) {
   EXPECT_THAT(result.output, HasSubstr("None: 10 of the 10 X server configuration files could not be looked for"));
 }
 
+TEST_F(Command, ReadsAMachineFromStandardInput) {
+  machine.Edid(0, TEdidBuilder().Name(0, "piped").Build());
+  const std::string file = (machine.GetPath() / "edid/0.bin").string();
+  EXPECT_THAT(RunShell(kCommand + " --machine - QRXSG_DesktopMonitor <" + file).output, HasSubstr("Monitor 1: piped"));
+}
+
+TEST_F(Command, RefusesAnEmptyStandardInputForAMachine) {
+  ExpectUnusable(RunShell(kCommand + " --machine - </dev/null"),
+                 "standard input: is empty; --machine - reads a machine from it");
+}
+
+TEST_F(Command, ReadsOnlyOneMachineFromStandardInput) {
+  ExpectWrongUsage("--machine - --machine x",
+                   "--machine - reads one machine from standard input; name no other one beside it");
+}
+
 TEST_F(Command, ShowsOnlyErrorsWhenAskedTo) { EXPECT_EQ(Run("--log-level error").errors, ""); }
 
 TEST_F(Command, WritesEachFormat) {

@@ -1,0 +1,50 @@
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+
+#include "command/machine/forms/readers.h"
+#include "edid/layout.h"
+
+namespace {
+
+constexpr std::string_view kBetween = " \t\r\n,;{}[]\"";
+
+/// Goes through a text as runs of numbers that fit in a byte, with anything else between the runs.
+class TRuns {
+ public:
+  explicit TRuns(std::string_view text) : m_rest(text) {}
+
+  /// The next run; false after the last. An empty one stands for anything else.
+  bool Take(std::string& run) {
+    run.clear();
+    while (!m_rest.empty()) {
+      m_rest.remove_prefix(std::min(m_rest.find_first_not_of(kBetween), m_rest.size()));
+      const std::string_view token = TakeUntil(m_rest, kBetween);
+      if (token.empty()) break;
+      std::uint8_t byte = 0;
+      const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), byte);
+      if (error != std::errc() || end != token.data() + token.size()) return true;
+      run += static_cast<char>(byte);
+    }
+    return !run.empty();
+  }
+
+ private:
+  std::string_view m_rest;
+};
+
+}  // namespace
+
+std::optional<TFoundMachine> ReadDecimalBytes(std::string_view text) {
+  std::string bytes;
+  TRuns runs(text);
+  for (std::string run; runs.Take(run);) {
+    // A block may stand apart from the one before it; what else has numbers in it is about the EDID.
+    const bool isBlock = !bytes.empty() && run.size() % edid::kBlockSize == 0;
+    if (BeginsLikeEdid(run) || isBlock) bytes += run;
+  }
+  if (bytes.empty()) return std::nullopt;
+  TFoundMachine machine;
+  machine.AddEdids(bytes);
+  return machine;
+}

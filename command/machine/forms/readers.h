@@ -1,0 +1,47 @@
+// The readers of the forms, a file for each. A reader takes the text of a file, in UTF-8, and gives nothing for a text
+// that is not in its form.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "command/machine/forms/found_machine.h"
+
+/// The bytes themselves: one EDID, or several in a row.
+std::optional<TFoundMachine> ReadEdidBytes(std::string_view content);
+
+/// What regedit exports: "EDID"=hex:00,ff,... below the key of a monitor. Blocks that are missing there come from the
+/// values "0", "1", ... of its key EDID_OVERRIDE.
+std::optional<TFoundMachine> ReadRegistryExport(std::string_view text);
+
+/// The log of an X server: lines of 16 bytes after "EDID (in hex):". An output that was read several times is as it was
+/// read last.
+std::optional<TFoundMachine> ReadXLog(std::string_view text);
+
+/// What xrandr --props and xrandr --verbose print.
+std::optional<TFoundMachine> ReadXrandr(std::string_view text);
+
+/// What ioreg -lw0 prints: "IODisplayEDID" = <00ff...>. What the display itself said, "IODisplayEDIDOriginal", goes
+/// before what the system made of it.
+std::optional<TFoundMachine> ReadIoreg(std::string_view text);
+
+/// The bytes that edid-decode prints before what they mean.
+std::optional<TFoundMachine> ReadEdidDecode(std::string_view text);
+
+/// Rows of an offset, bytes in hex and their characters, as xxd, hexdump -C and i2cdump print them.
+std::optional<TFoundMachine> ReadHexDump(std::string_view text);
+
+/// Nothing but bytes in hex, or C arrays of them.
+std::optional<TFoundMachine> ReadHexBytes(std::string_view text);
+
+/// Bytes as decimal numbers, as PowerShell prints them, between any other text.
+std::optional<TFoundMachine> ReadDecimalBytes(std::string_view text);
+
+/// The JSON of GLPI's agents: content.monitors[].base64 and .port, content.hardware.name or deviceid. `name`: of the
+/// file, for messages. Throws TUnusable for what is not JSON.
+std::optional<TFoundMachine> ReadJsonInventory(const std::string& text, const std::string& name);
+
+/// The XML of FusionInventory's and OCS's agents: REQUEST/CONTENT/MONITORS with BASE64 or UUENCODE and PORT,
+/// REQUEST/CONTENT/HARDWARE/NAME or REQUEST/DEVICEID. `name`: of the file, for messages. Throws TUnusable for what is
+/// not XML.
+std::optional<TFoundMachine> ReadXmlInventory(const std::string& text, const std::string& name);

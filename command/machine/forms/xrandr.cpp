@@ -1,0 +1,45 @@
+#include "command/machine/forms/readers.h"
+
+namespace {
+
+constexpr std::string_view kProperties[] = {"EDID:", "EDID_DATA:"};  // the second of xrandr before 1.2.99
+
+/// The name of the output that a line is about; nothing for any other line.
+std::optional<std::string_view> ReadOutputName(std::string_view line) {
+  if (line.empty() || IsBlank(line.front())) return std::nullopt;
+  const std::string_view name = TakeUntil(line, " ");
+  for (const std::string_view state : {" connected", " disconnected", " unknown connection"}) {
+    if (BeginsWith(line, state)) return name;
+  }
+  return std::nullopt;
+}
+
+bool IsEdidProperty(std::string_view line) {
+  if (line.empty() || !IsBlank(line.front())) return false;
+  for (const std::string_view property : kProperties) {
+    if (Trim(line) == property) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::optional<TFoundMachine> ReadXrandr(std::string_view text) {
+  TLines lines(text);
+  TFoundMachine machine;
+  std::string_view connector;
+  std::optional<std::string> bytes;  // of the property that is being read
+  const auto endProperty = [&] {
+    if (bytes) machine.Add({std::string(connector), std::move(*bytes)});
+    bytes.reset();
+  };
+  for (std::string_view line; lines.Take(line);) {
+    if (bytes && !Trim(line).empty() && AppendHex(*bytes, Trim(line))) continue;
+    endProperty();
+    if (const std::optional<std::string_view> name = ReadOutputName(line)) connector = *name;
+    if (!connector.empty() && IsEdidProperty(line)) bytes.emplace();
+  }
+  endProperty();
+  if (machine.outputs.empty()) return std::nullopt;
+  return machine;
+}
