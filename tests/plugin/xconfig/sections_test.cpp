@@ -5,6 +5,7 @@
 
 #include "plugin/xconfig/xconfig.h"
 #include "tests/support/plain_record.h"
+#include "tests/support/sanitizers.h"
 
 namespace {
 
@@ -275,6 +276,7 @@ TEST(Sections, MayShareTheirLinesByTheThousand) {
 }
 
 TEST(Sections, AreFoundAfterAHundredMillionBlankLines) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "it would take most of the tests' time";
   const std::string text = std::string(100'000'000, '\n') + "Section \"Device\"\nIdentifier a\nEndSection\n";
   EXPECT_EQ(TXConfig::GetDeviceSectionInfo(text), (TRecords{{{"Identifier", "a"}}}));
 }
