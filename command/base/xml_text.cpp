@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+constexpr const char* kNotXml = "\xEF\xBF\xBD";  // U+FFFD
 constexpr std::string_view kNoncharacters[] = {"\xEF\xBF\xBE", "\xEF\xBF\xBF"};
 
 bool IsBadControl(char byte) {
@@ -22,15 +22,15 @@ std::size_t GetBadLength(std::string_view text) {
   return 0;
 }
 
-bool IsPlain(char byte) { return static_cast<unsigned char>(byte) < 0x80 && !IsBadControl(byte); }
+bool IsPlainXml(char byte) { return static_cast<unsigned char>(byte) < 0x80 && !IsBadControl(byte); }
 
 /// U+FFFD in place of a character that XML does not have, or of a byte that is not UTF-8.
 void AppendReplacement(std::string& target, std::string_view bad, bool isNumbered) {
   constexpr const char* digits = "0123456789ABCDEF";
-  if (!isNumbered) target += kReplacement;
+  if (!isNumbered) target += kNotXml;
   for (const char byte : isNumbered ? bad : std::string_view()) {
     const auto value = static_cast<unsigned char>(byte);
-    target.append(kReplacement).append(1, digits[value >> 4]).append(1, digits[value & 15]);
+    target.append(kNotXml).append(1, digits[value >> 4]).append(1, digits[value & 15]);
   }
 }
 
@@ -47,7 +47,7 @@ void AppendValid(std::string& target, std::string_view valid, bool isNumbered) {
 }
 
 std::string ReplaceBad(const std::string& text, bool isNumbered) {
-  if (std::all_of(text.begin(), text.end(), IsPlain)) return text;  // as most texts are
+  if (std::all_of(text.begin(), text.end(), IsPlainXml)) return text;  // as most texts are
   std::string clean;
   for (std::string_view rest = text; !rest.empty();) {
     const std::size_t valid = static_cast<std::size_t>(utf8::find_invalid(rest.begin(), rest.end()) - rest.begin());
@@ -69,7 +69,7 @@ bool IsXmlCharacter(unsigned long code) {
 }
 
 bool IsXmlText(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), IsPlain) || ToXmlText(std::string(text)) == text;
+  return std::all_of(text.begin(), text.end(), IsPlainXml) || ToXmlText(std::string(text)) == text;
 }
 
 std::string ToXmlText(const std::string& text) { return ReplaceBad(text, false); }

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr unsigned int kBadRequest = 400;
+constexpr unsigned int kHttpBadRequest = 400;
 constexpr unsigned int kForbidden = 403;
 constexpr unsigned int kMethodNotAllowed = 405;
 constexpr unsigned int kNotExtended = 510;
@@ -121,7 +121,7 @@ std::string UndoPercents(const std::string& text) {
 /// Proxies decide by the headers, so they must not say other than the XML.
 void RequireSame(const std::string& header, const std::string& value, const std::string& inXml) {
   if (value.empty() || IsSameName(UndoPercents(value), inXml)) return;
-  throw TRefused(kBadRequest, kMismatch, header + " is " + value + ", and the XML says " + inXml);
+  throw TRefused(kHttpBadRequest, kMismatch, header + " is " + value + ", and the XML says " + inXml);
 }
 
 }  // namespace
@@ -138,7 +138,7 @@ TCimRequest ReadHttpRequest(const THttpRequest& request) {
   RequireLoopbackName(request);
   const std::string prefix = GetPrefix(request);
   if (!IsSameName(request.GetHeader(prefix + "CIMOperation"), "MethodCall")) {
-    throw TRefused(kBadRequest, kUnsupported, "not a CIM operation: no header " + prefix + "CIMOperation: MethodCall");
+    throw TRefused(kHttpBadRequest, kUnsupported, "not a CIM operation: no header " + prefix + "CIMOperation: MethodCall");
   }
   TCimRequest read = ReadCimRequest(request.body);
   RequireSame("CIMMethod", request.GetHeader(prefix + "CIMMethod"), read.operation);

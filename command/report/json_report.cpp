@@ -22,7 +22,7 @@ void WriteMember(TJsonWriter& json, const char* name, std::string_view text) {
 }
 
 /// A number is written with a point or an exponent, so that a reader of any language takes it for a real.
-std::string MakeReal(const TCIMValue& value) {
+std::string MakeJsonReal(const TCIMValue& value) {
   if (!std::isfinite(value.GetReal())) return "null";
   const std::string text = value;
   return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
@@ -45,7 +45,7 @@ void WriteValue(TJsonWriter& json, const TCIMValue& value) {
     case TType::kUint32:
       return json.Literal(static_cast<std::string>(value));
     case TType::kReal32:
-      return json.Literal(MakeReal(value));
+      return json.Literal(MakeJsonReal(value));
     case TType::kString:
     case TType::kDateTime:
     case TType::kReference:

@@ -13,7 +13,7 @@ using NQRXZELT20::TCIMValue;
 namespace {
 
 /// MOF knows a real number by its point, and has none for what is not finite.
-std::string MakeReal(const TCIMValue& value) {
+std::string MakeMofReal(const TCIMValue& value) {
   if (!std::isfinite(value.GetReal())) return "NULL";
   std::string text = value;
   if (text.find('.') == std::string::npos) text.insert(std::min(text.find('e'), text.size()), ".0");
@@ -38,7 +38,7 @@ std::string MakeValue(const TCIMValue& value) {
     case TType::kUint32:
       return text;
     case TType::kReal32:
-      return MakeReal(value);
+      return MakeMofReal(value);
     case TType::kString:
     case TType::kDateTime:
     case TType::kReference:

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::size_t kNameColumns = 120;  // of a machine in its own row
+constexpr std::size_t kMachineColumns = 120;  // of a machine in its own row
 constexpr std::size_t kDateLength = 10;    // of a time's text
 
 // The sections, by the ids that links lead to; those of monitors are TFleetMonitors's.
@@ -134,7 +134,7 @@ class TFleetSections {
   TMarkup DescribeMachine(std::size_t position) const {
     const TFleetMachine& machine = m_machines[position];
     const std::string name = m_links.GetName(position);
-    const TMarkup text = MakeShortText(name, kNameColumns);
+    const TMarkup text = MakeShortText(name, kMachineColumns);
     const bool isNamed = !machine.systemName.empty() && machine.systemName != name;
     const std::string collected =
         machine.collected.empty() ? "" : "collected " + machine.collected.substr(0, kDateLength);
@@ -170,7 +170,7 @@ void TFleetPage::Write(const std::string& made, bool isWhole,
   page.Put(MakeHeading(1, title) + MakeElement("p", "soft", making + "."));
   if (!isWhole) page.Put(MakeElement("p", "warning", "The run was stopped: the rest of the list is missing."));
   if (!links.GetFolder().empty()) {
-    page.Put(MakeElement("p", "soft", "All of them are in " + Shorten(links.GetFolder(), kNameColumns)));
+    page.Put(MakeElement("p", "soft", "All of them are in " + Shorten(links.GetFolder(), kMachineColumns)));
   }
   page.Put(machines.MakeCounts(monitors) + MakeContents());
   machines.PutProblems(page);

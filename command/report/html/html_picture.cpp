@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kScreenSide = 150;  // of the largest monitor, its longer side
 constexpr int kStroke = 2;        // of a monitor
-constexpr std::size_t kNameColumns = 64;
+constexpr std::size_t kPictureColumns = 64;
 constexpr unsigned int kNeutralWidth = 40;  // cm
 constexpr unsigned int kNeutralHeight = 30;
 
@@ -17,11 +17,11 @@ constexpr unsigned int kNeutralHeight = 30;
 TMarkup MakeLines(const std::vector<std::string>& names, const std::vector<TOutputRow>& rows) {
   TMarkup lines;
   for (const std::string& name : names) {
-    if (!name.empty()) lines += MakeElement("p", lines.IsEmpty() ? "name" : "", MakeShortText(name, kNameColumns));
+    if (!name.empty()) lines += MakeElement("p", lines.IsEmpty() ? "name" : "", MakeShortText(name, kPictureColumns));
   }
   for (const auto& [label, text] : rows) {
     lines += MakeElement(
-        "p", MakeElement("span", "soft", label) + " " + MakeElement("span", MakeShortText(text, kNameColumns)));
+        "p", MakeElement("span", "soft", label) + " " + MakeElement("span", MakeShortText(text, kPictureColumns)));
   }
   return lines;
 }
@@ -76,8 +76,8 @@ TMarkup MakeScreen(const TSize& size, unsigned int longest, int height) {
 
 TMarkup DescribeMonitor(const TMonitorView& view, const TSize& size, const std::string& id) {
   const std::string name = view.monitor ? GetOwnName(*view.monitor) : std::string();
-  TMarkup lines = MakeElement("p", "name", MakeLink(id, Shorten(view.id, kNameColumns)));
-  if (!name.empty()) lines += MakeElement("p", MakeShortText(name, kNameColumns));
+  TMarkup lines = MakeElement("p", "name", MakeLink(id, Shorten(view.id, kPictureColumns)));
+  if (!name.empty()) lines += MakeElement("p", MakeShortText(name, kPictureColumns));
   if (!size.isKnown) lines += MakeElement("p", "size not known, drawn as");
   return lines + MakeElement("p", std::to_string(size.width) + " x " + std::to_string(size.height) + " cm");
 }

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::size_t kNameColumns = 64;
+constexpr std::size_t kTitleColumns = 64;
 constexpr std::size_t kFactColumns = 120;
 
 /// "1 instance", "2 instances".
@@ -105,7 +105,7 @@ class TRequestSection {
       const std::string title = name.empty() || name == monitor.id ? monitor.id : monitor.id + ": " + name;
       cards += MakeElement(
           "div", "panel",
-          MakeHeading(m_level + 1, MakeShortText(title, kNameColumns), GetCardId() + std::to_string(++number)) +
+          MakeHeading(m_level + 1, MakeShortText(title, kTitleColumns), GetCardId() + std::to_string(++number)) +
               MakeFacts(DescribeMonitor(m_answer, monitor, m_makers)) +
               MakeModes(m_view.FindHead(monitor, output), ListModes(monitor.modes, output)));
     }
@@ -152,12 +152,12 @@ std::string MakeHtmlReport(const TAnswer& answer, const TMakerNames& makers) {
   const std::string name = ShowSystemName(answer.identity);
   const std::string collection = DescribeCollection(answer.identity);
   TMarkup content =
-      MakeHeading(1, MakeShortText(name, kNameColumns)) +
+      MakeHeading(1, MakeShortText(name, kTitleColumns)) +
       MakeElement("p", "soft", collection + ". Plug-in: " + answer.plugin.name + " " + answer.plugin.version + ".");
   const THtmlAnchors anchors(answer);
   for (std::size_t request = 0; request < answer.requests.size(); ++request) {
     content += TRequestSection(answer, makers, anchors, request).Make();
   }
   content += MakeLog(answer.log);
-  return MakeHtmlPage(Shorten(name, kNameColumns) + " \u2013 " + collection, std::move(content));
+  return MakeHtmlPage(Shorten(name, kTitleColumns) + " \u2013 " + collection, std::move(content));
 }
