@@ -138,7 +138,8 @@ TCimRequest ReadHttpRequest(const THttpRequest& request) {
   RequireLoopbackName(request);
   const std::string prefix = GetPrefix(request);
   if (!IsSameName(request.GetHeader(prefix + "CIMOperation"), "MethodCall")) {
-    throw TRefused(kHttpBadRequest, kUnsupported, "not a CIM operation: no header " + prefix + "CIMOperation: MethodCall");
+    throw TRefused(kHttpBadRequest, kUnsupported,
+                   "not a CIM operation: no header " + prefix + "CIMOperation: MethodCall");
   }
   TCimRequest read = ReadCimRequest(request.body);
   RequireSame("CIMMethod", request.GetHeader(prefix + "CIMMethod"), read.operation);

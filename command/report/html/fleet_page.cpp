@@ -15,7 +15,7 @@
 namespace {
 
 constexpr std::size_t kMachineColumns = 120;  // of a machine in its own row
-constexpr std::size_t kDateLength = 10;    // of a time's text
+constexpr std::size_t kDateLength = 10;       // of a time's text
 
 // The sections, by the ids that links lead to; those of monitors are TFleetMonitors's.
 constexpr const char* kProblems = "problems";

@@ -184,10 +184,10 @@ TEST_F(Fleet, HasARowInTheTableForAMachineThatFails) {
   EXPECT_EQ(result.status, 1);
   const std::vector<std::string> lines = SplitLines(result.output);
   ASSERT_EQ(lines.size(), 3U);
-  EXPECT_EQ(
-      lines[1],
-      "nowhere,,,,,,,,,,,,,,,,,,,,,,,,,,,\"nowhere: is not a captured machine: No such file or directory; --machine takes a "
-      "folder or a file that exists\"\r");
+  EXPECT_EQ(lines[1],
+            "nowhere,,,,,,,,,,,,,,,,,,,,,,,,,,,\"nowhere: is not a captured machine: No such file or directory; "
+            "--machine takes a "
+            "folder or a file that exists\"\r");
   EXPECT_THAT(lines[2], StartsWith("throws,,,,,,,,,,,,,,,,,,,,,,,,,,,"));
 }
 
