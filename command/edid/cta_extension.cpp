@@ -151,7 +151,7 @@ constexpr TBlockReader kReaders[] = {
 };
 
 /// Slots of 18 bytes up to the checksum, or to the first that is all zeros.
-void ReadSlots(TBytes slots, TEdidDraft& draft) {
+void ReadTimingSlots(TBytes slots, TEdidDraft& draft) {
   for (; slots.GetSize() >= edid::kDescriptorSize; slots = slots.From(edid::kDescriptorSize)) {
     const TBytes slot = slots.Part(0, edid::kDescriptorSize);
     if (std::all_of(slot.begin(), slot.end(), [](std::uint8_t byte) { return byte == 0; })) return;
@@ -177,5 +177,5 @@ void ReadCtaExtension(TBytes block, TEdidDraft& draft) {
     const std::size_t end = std::min(timings, content.GetSize()) - cta::kDataBlocks;
     ReadCtaDataBlocks(content.From(cta::kDataBlocks), end, draft);
   }
-  ReadSlots(content.From(timings), draft);
+  ReadTimingSlots(content.From(timings), draft);
 }
