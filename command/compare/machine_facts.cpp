@@ -1,14 +1,14 @@
 #include "command/compare/machine_facts.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
+#include <deque>
 #include <iterator>
 #include <utility>
 
-#include "command/base/text_encoding.h"
 #include "command/collection/plugin_texts.h"
 #include "command/edid/edid_facts.h"
+#include "command/edid/identity.h"
 #include "embedded_host/schema.h"
 
 using nlohmann::json;
@@ -29,6 +29,12 @@ constexpr const char* kPlaces[] = {"CreationClassName", "SystemCreationClassName
 constexpr const char* kManufacturingDate = "ManufacturingDate";
 
 constexpr const char* kCard = "card";
+
+// Where an identity comes from when it is not a serial number.
+constexpr const char* kEdid = "edid";
+constexpr const char* kConnector = "connector";
+
+bool IsFrom(const TIdentity& identity, const char* origin) { return std::strcmp(identity.from, origin) == 0; }
 
 template <std::size_t size>
 bool IsOneOf(const char* const (&names)[size], const std::string& name) {
@@ -69,23 +75,21 @@ std::vector<const TReadInstance*> Select(const TReadAnswer& answer, const char* 
 
 // Monitors.
 
-bool IsSerial(const std::string& text) {
-  return std::any_of(text.begin(), text.end(),
-                     [](unsigned char byte) { return std::isalnum(byte) != 0 && byte != '0'; });
-}
-
-struct TIdentity {
-  std::string text;
-  bool isNumbered;
-};
-
-TIdentity IdentifyMonitor(const TEdid& edid) {
-  const TEdidFacts facts = ReadEdidFacts(edid);
-  const bool hasText = IsSerial(facts.serialText);
-  if (!facts.isVersion1 || (!facts.serialNumber && !hasText)) return {std::string(edid.begin(), edid.end()), false};
-  const json parts = json::array({facts.manufacturer, facts.productCode, facts.serialNumber.value_or(0),
-                                  hasText ? ToUtf8(facts.serialText) : std::string()});
-  return {parts.dump(), true};
+/// The identities of the outputs that have an EDID, in their order. Byte-equal EDIDs keep one: at which connector each
+/// hangs does not matter here.
+std::vector<TIdentity> Identify(const std::vector<TReadOutput>& outputs) {
+  std::deque<TEdidFacts> facts;
+  std::vector<TPlacedMonitor> monitors;
+  for (const TReadOutput& output : outputs) {
+    if (output.edid.empty()) continue;
+    facts.push_back(ReadEdidFacts(output.edid));
+    monitors.push_back({{facts.back(), output.edid}, std::string()});
+  }
+  std::vector<TIdentity> identities = IdentifyAll(monitors);
+  for (TIdentity& identity : identities) {
+    if (IsFrom(identity, kConnector)) identity.text.pop_back();  // the "@" before an empty place
+  }
+  return identities;
 }
 
 /// The modes of each monitor, by its DeviceID.
@@ -109,11 +113,13 @@ std::vector<TMonitor> MakeMonitors(const TReadAnswer& answer) {
     others.erase(kManufacturingDate);
   }
   auto modes = CollectModes(answer);
+  const std::vector<TIdentity> identities = Identify(answer.outputs);
   std::vector<TMonitor> monitors;
   for (const TReadOutput& output : answer.outputs) {
     if (output.edid.empty()) continue;
-    TIdentity identity = IdentifyMonitor(output.edid);
-    TMonitor monitor = {std::move(identity.text), identity.isNumbered, output, {}, {}};
+    const TIdentity& identity = identities[monitors.size()];
+    const bool isNumbered = !IsFrom(identity, kEdid) && !IsFrom(identity, kConnector);
+    TMonitor monitor = {identity.text, isNumbered, output, {}, {}};
     if (monitor.IsListed()) {
       // Only the first of several outputs with one DeviceID, which no plug-in makes: copies for each could be endless.
       monitor.properties = std::exchange(properties[output.deviceId], {});

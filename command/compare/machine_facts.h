@@ -11,11 +11,8 @@
 typedef std::vector<std::string> TModes;  // such as "1280x1024@60Hz", sorted
 
 struct TMonitor {
-  /// What it is known again by. Two monitors of a machine can have the same: nothing tells them apart.
-  ///
-  /// Its maker, product code and serial numbers (the number in the EDID's header, unless that is a filler, and the text
-  /// of its serial number descriptor, unless that has no letter and no digit but 0). Its whole EDID when it has
-  /// neither, or is not of version 1.
+  /// What it is known again by, as command/edid/identity.h defines it. Two monitors of a machine can have the same:
+  /// nothing but their connectors tells them apart.
   std::string identity;
   bool isNumbered;         // its identity is made of a serial number
   TReadOutput output;      // where it is, and its EDID

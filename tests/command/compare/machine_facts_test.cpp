@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "command/edid/identity.h"
 #include "tests/command/compare/compared_answer.h"
 
 using testing::ElementsAre;
@@ -10,52 +11,26 @@ using testing::Pair;
 using testing::SizeIs;
 using testing::UnorderedElementsAreArray;
 
-namespace {
-
-std::string Identify(const std::vector<std::uint8_t>& edid) {
-  return TAnswerBuilder().Monitor(edid).Build().monitors.at(0).identity;
+TEST(MonitorIdentity, IsThatOfTheEdid) {
+  const TEdid edid = MakeEdid("a", "S1", 7);
+  const TMonitor monitor = TAnswerBuilder().Monitor(edid, "card0-DP-1").Build().monitors.at(0);
+  EXPECT_EQ(monitor.identity, Identify({ReadEdidFacts(edid), edid}).text);
+  EXPECT_TRUE(monitor.isNumbered);
 }
 
-std::string IdentifyWithoutHeader() {
-  std::vector<std::uint8_t> edid = MakeEdid("a", "serial");
-  edid[0] = 1;
-  return Identify(edid);
+TEST(MonitorIdentity, IsNumberedByOneSerialNumber) {
+  EXPECT_TRUE(TAnswerBuilder().Monitor(MakeEdid("a", "S1")).Build().monitors.at(0).isNumbered);
+  EXPECT_TRUE(TAnswerBuilder().Monitor(MakeEdid("a", "", 7)).Build().monitors.at(0).isNumbered);
+  EXPECT_FALSE(TAnswerBuilder().Monitor(MakeEdid("a", "")).Build().monitors.at(0).isNumbered);
 }
 
-std::string GetBytes(const TEdid& edid) { return std::string(edid.begin(), edid.end()); }
-
-}  // namespace
-
-TEST(MonitorIdentity, IsTheMakerTheProductAndBothSerialNumbers) {
-  const std::string identity = Identify(MakeEdid("a", "S1", 7));
-  EXPECT_EQ(identity, Identify(MakeEdid("another name", "S1", 7)));
-  EXPECT_NE(identity, Identify(MakeEdid("a", "S2", 7)));
-  EXPECT_NE(identity, Identify(MakeEdid("a", "S1", 8)));
-  EXPECT_NE(identity, Identify(TEdidBuilder().Manufacturer("GLX").Name(0, "a").Serial(1, "S1").Byte(12, 7).Build()));
-  EXPECT_NE(identity,
-            Identify(TEdidBuilder().Manufacturer("ACM").Name(0, "a").Serial(1, "S1").Byte(12, 7).Byte(10, 1).Build()));
-}
-
-TEST(MonitorIdentity, IsOneSerialNumberWhereTheOtherIsAFiller) {
-  EXPECT_EQ(Identify(MakeEdid("a", "", 7)), Identify(MakeEdid("b", "", 7)));
-  EXPECT_EQ(Identify(MakeEdid("a", "00000", 7)), Identify(MakeEdid("a", "", 7)));
-  EXPECT_EQ(Identify(MakeEdid("a", "S1", 0x01010101)), Identify(MakeEdid("a", "S1", 0)));
-  EXPECT_EQ(Identify(MakeEdid("a", "S1")), Identify(MakeEdid("b", "S1")));
-}
-
-TEST(MonitorIdentity, IsTheWholeEdidWhereBothSerialNumbersAreFillers) {
-  for (const char* const serial : {"", " ", "0", "000-000"}) {
-    for (const unsigned int number : {0U, 0x01010101U}) {
-      const std::vector<std::uint8_t> edid = MakeEdid("a", serial, number);
-      EXPECT_EQ(Identify(edid), GetBytes(edid)) << serial << ' ' << number;
-    }
+TEST(MonitorIdentity, IsOneForByteEqualEdidsWhereverTheyHang) {
+  const TEdid edid = MakeEdid("a", "S1");
+  const TMachineFacts facts = TAnswerBuilder().Monitor(edid, "card0-DP-1").Monitor(edid, "card0-DP-2").Build();
+  for (const TMonitor& monitor : facts.monitors) {
+    EXPECT_EQ(monitor.identity, Identify({ReadEdidFacts(edid), edid}).text);
+    EXPECT_FALSE(monitor.isNumbered);
   }
-}
-
-TEST(MonitorIdentity, IsTheWholeEdidWhereThatIsNotOfVersion1) {
-  std::vector<std::uint8_t> edid = MakeEdid("a", "serial");
-  edid[0] = 1;
-  EXPECT_EQ(IdentifyWithoutHeader(), GetBytes(edid));
 }
 
 TEST(MachineFacts, AreThoseOfTheMonitorWithItsModesAndWithoutItsPlace) {
