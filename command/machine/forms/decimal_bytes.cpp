@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::string_view kBetween = " \t\r\n,;{}[]\"";
+constexpr std::string_view kBetweenNumbers = " \t\r\n,;{}[]\"";
 
 /// Goes through a text as runs of numbers that fit in a byte, with anything else between the runs.
 class TRuns {
@@ -18,8 +18,8 @@ class TRuns {
   bool Take(std::string& run) {
     run.clear();
     while (!m_rest.empty()) {
-      m_rest.remove_prefix(std::min(m_rest.find_first_not_of(kBetween), m_rest.size()));
-      const std::string_view token = TakeUntil(m_rest, kBetween);
+      m_rest.remove_prefix(std::min(m_rest.find_first_not_of(kBetweenNumbers), m_rest.size()));
+      const std::string_view token = TakeUntil(m_rest, kBetweenNumbers);
       if (token.empty()) break;
       std::uint8_t byte = 0;
       const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), byte);

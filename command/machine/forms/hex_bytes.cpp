@@ -4,14 +4,14 @@
 
 namespace {
 
-constexpr std::string_view kBetween = " \t\r\n,;:";
+constexpr std::string_view kBetweenBytes = " \t\r\n,;:";
 
 /// Bytes with anything of the above between them: 00ffff, 00:ff:ff, 0x00, 0xff. Nothing for a text of anything
 /// else, or of bytes that are no EDID.
 std::optional<std::string> ReadBytes(std::string_view text) {
   std::string bytes;
   while (!text.empty()) {
-    std::string token(TakeUntil(text, kBetween));
+    std::string token(TakeUntil(text, kBetweenBytes));
     if (!text.empty()) text.remove_prefix(1);
     const bool hasPrefix = BeginsWith(token, "0x") || BeginsWith(token, "0X");
     if (hasPrefix) token.erase(0, 2);
