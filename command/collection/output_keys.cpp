@@ -7,6 +7,7 @@
 
 #include "command/base/base64.h"
 #include "command/edid/serial_rules.h"
+#include "command/edid/sha256.h"
 
 namespace {
 
@@ -110,8 +111,7 @@ TKeyValue Rate(const TMode& mode) { return MakeNumber(mode.refresh, 3); }
 template <auto member>
 TKeyValue OfSerial(TRef output, std::size_t) {
   const TEdidFacts* const facts = GetFacts(output);
-  const std::optional<TSerial> serial = facts == nullptr ? std::nullopt : FindSerial(*facts);
-  return serial ? Reach<member>(*serial) : TKeyValue();
+  return facts != nullptr && facts->serial ? Reach<member>(*facts->serial) : TKeyValue();
 }
 
 /// Of the manufacture, or of the model.
@@ -183,7 +183,7 @@ constexpr TOutputKey kKeys[] = {
     {"made", "modelYear", EKeyType::kInteger, "",
      "The year of the model, where the EDID does not say when the monitor was made.", GetYear<true>},
     {"", "sha256", EKeyType::kString, "", "The SHA-256 hash of the whole EDID, hex in lower case.",
-     OfAnyEdid<&TEdidFacts::sha256>},
+     [](TRef output, std::size_t) { return output.edid.empty() ? TKeyValue() : MakeValue(HashSha256(output.edid)); }},
     {"", "checksums", EKeyType::kBoolean, "", "True when the checksum of every block is right.",
      OfAnyEdid<&TEdidFacts::hasValidChecksums>},
     {"", "extensions", EKeyType::kInteger, "", "How many blocks follow the first.", OfAnyEdid<&TEdidFacts::extensions>},

@@ -173,11 +173,12 @@ void JoinModes(std::vector<TOutput>& outputs, const std::vector<TRequestAnswer>&
 
 /// By what each monitor is known again, here and on other machines.
 void Identify(std::vector<TOutput>& outputs) {
-  std::vector<TIdentified> monitors;
+  std::vector<TPlacedMonitor> monitors;
   std::vector<TOutput*> identified;
   for (TOutput& output : outputs) {
     if (!output.facts || !output.facts->isVersion1) continue;
-    monitors.push_back({&*output.facts, output.connector.empty() ? std::to_string(output.unit) : output.connector});
+    const std::string place = output.connector.empty() ? std::to_string(output.unit) : output.connector;
+    monitors.push_back({{*output.facts, output.edid}, place});
     identified.push_back(&output);
   }
   const std::vector<TIdentity> identities = IdentifyAll(monitors);
