@@ -28,8 +28,7 @@ std::string WriteModel(const TEdidFacts& facts) {
 }
 
 std::string WriteSerialNumber(const TEdidFacts& facts) {
-  const std::optional<TSerial> serial = FindSerial(facts);
-  return serial ? ToPrintable(serial->serial) : std::string();
+  return facts.serial ? ToPrintable(facts.serial->serial) : std::string();
 }
 
 std::string ReadSerialNumber(const TInstanceView& monitor) {
