@@ -19,9 +19,10 @@ std::string WriteRefresh(const TMode& mode) { return WriteFixed(mode.refresh, 3)
 
 std::string WriteDiagonal(double inches) { return WriteFixed(inches, 1); }
 
-const TOutput* FindOutput(const TAnswer& answer, const std::string& deviceId) {
-  const auto output = std::find_if(answer.outputs.begin(), answer.outputs.end(),
-                                   [&](const TOutput& candidate) { return candidate.deviceId == deviceId; });
+const TOutput* FindOutput(const TAnswer& answer, const std::string& id) {
+  const auto output = std::find_if(answer.outputs.begin(), answer.outputs.end(), [&](const TOutput& candidate) {
+    return !id.empty() && (candidate.deviceId == id || candidate.modesId == id);
+  });
   return output == answer.outputs.end() ? nullptr : &*output;
 }
 
@@ -33,10 +34,15 @@ std::vector<TOutputRow> DescribeProblems(const TOutput& output) {
   return rows;
 }
 
+std::string GetEdidSource(const TAnswer& answer, const TOutput& output) {
+  const auto& describe = answer.edidOrigin.describe;
+  return describe ? ToPrintable(describe(output.unit)) : std::string();
+}
+
 std::vector<std::string> ExplainUnlisted(const TAnswer& answer) {
   std::vector<std::string> sentences;
   for (const TOutput& output : answer.outputs) {
-    if (!output.deviceId) sentences.push_back(ExplainUnlisted(output));
+    if (IsUnlisted(output)) sentences.push_back(ExplainUnlisted(output));
   }
   return sentences;
 }

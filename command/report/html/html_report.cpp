@@ -121,7 +121,7 @@ class TRequestSection {
       const std::string name = NameMonitor(output);
       const std::string title = name.empty() ? GetName(output) : GetName(output) + ": " + name;
       cards += MakeElement("div", "panel",
-                           MakeHeading(m_level + 1, MakeShortText(title, kNameColumns)) +
+                           MakeHeading(m_level + 1, MakeShortText(title, kTitleColumns)) +
                                MakeFacts(DescribeUnlisted(m_answer, output, m_makers)) +
                                MakeModes(nullptr, ListModes({}, &output)));
     }
