@@ -26,8 +26,13 @@ std::optional<TFoundMachine> ReadIoreg(std::string_view text) {
   std::optional<TFoundOutput> edid;
   std::optional<TFoundOutput> original;
   const auto endNode = [&] {
-    if (original || edid) machine.Add(original ? *original : *edid);
-    edid = original = std::nullopt;
+    if (original) {
+      machine.Add(*original);
+    } else if (edid) {
+      machine.Add(*edid);
+    }
+    edid.reset();
+    original.reset();
   };
   TLines lines(text);
   for (std::string_view line; lines.Take(line);) {
