@@ -44,8 +44,8 @@ std::string DescribeCommand(const TPage& command) {
     text += (text.empty() ? "Usage: " : "       ") +
             Pad(MakeUsage(page, IsCommand(page) ? " [OPTION...]" : ""), kUsageWidth) + page.sentence + "\n";
   }
-  return text + "\nOptions (displayinfo SUBCOMMAND --help shows those of a subcommand):\n" +
-         DescribeRows(command, true) + DescribeClasses();
+  return text + "Options (displayinfo SUBCOMMAND --help shows those of a subcommand):\n" + DescribeRows(command, true) +
+         DescribeClasses();
 }
 
 }  // namespace

@@ -76,6 +76,10 @@ TSerialFillers ReplaceSerials(TMachineDocument& machine) {
   return fillers;
 }
 
+/// The keys of an output that come from its serial numbers.
+constexpr const char* kSerialKeys[] = {"identity",     "identityFrom", "serial", "serialFrom", "alternativeSerial",
+                                       "serialNumber", "serialText",   "sha256", "edid"};
+
 /// The answer as JSON with nothing in the places of serial numbers.
 json BlankSerials(const TAnswer& answer) {
   json blank = json::parse(MakeJsonReport(answer));
@@ -86,8 +90,7 @@ json BlankSerials(const TAnswer& answer) {
     }
   }
   for (json& output : blank["outputs"]) {
-    output.erase("serialNumber");
-    output.erase("edid");
+    for (const char* const key : kSerialKeys) output.erase(key);
   }
   return blank;
 }

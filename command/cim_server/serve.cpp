@@ -25,6 +25,7 @@
 #include "command/machine/graphics_events.h"
 #include "command/report/empty_classes.h"
 #include "command/report/json_report.h"
+#include "command/report/output_view.h"
 #include "embedded_host/schema.h"
 
 namespace {
@@ -40,6 +41,7 @@ TRequest MakeRequest() {
 /// What the command says of such an answer, a sentence each.
 std::vector<std::string> ListRemarks(const TAnswer& answer) {
   std::vector<std::string> remarks = answer.notes;
+  for (const std::string& sentence : ExplainUnlisted(answer)) remarks.push_back(sentence);
   for (const TRequestAnswer& request : answer.requests) {
     for (const EPart part : {EPart::kVideo, EPart::kMonitors}) {
       for (const std::string& gap : ExplainGaps(answer, request, part)) remarks.push_back(gap);

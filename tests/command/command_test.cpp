@@ -317,8 +317,9 @@ TEST_F(Command, AnswersForAMachineWithADamagedEdidAndNamesItOnce) {
   machine.Edid(0, TEdidBuilder().Name(0, "A").Build()).Edid(1, std::vector<std::uint8_t>(129));
   const TProcessResult result = Run("QRXSG_DesktopMonitor");
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.output, AllOf(HasSubstr("  Monitor 1: A\n"),
-                                   HasSubstr("unit 1 is not listed: its EDID has 129 bytes, which is not a multiple")));
+  EXPECT_THAT(result.output,
+              AllOf(HasSubstr("  Monitor 1: A\n"),
+                    HasSubstr("  unit 1\n    Not listed        its EDID has 129 bytes, which is not a multiple")));
   EXPECT_EQ(result.errors, "displayinfo: " + machine.GetPath().string() +
                                "/edid/1.bin: has 129 bytes, which is not a multiple of 128, so its unit counts as one "
                                "without an EDID; capture the machine again\n");

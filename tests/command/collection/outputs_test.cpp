@@ -201,7 +201,8 @@ TEST(Outputs, AreUnlistedOnlyWhereSomethingIsWrongWithThem) {
 
 TEST(Outputs, HaveTheIdOfTheirModesEvenWhereOnlyThoseWereAskedFor) {
   const TMachine machine = MakeMachine(
-      MakeBios({kA, TEdidBuilder().Name(0, "B").Established(1, 1).Build(), TEdidBuilder().Version(2, 0).Build()}));
+      MakeBios({TEdidBuilder().Name(0, "A").Established(1, 0).Build(),
+                TEdidBuilder().Name(0, "B").Established(1, 1).Build(), TEdidBuilder().Version(2, 0).Build()}));
   const std::vector<TOutput> both = Ask(machine, {"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"});
   ASSERT_THAT(both, SizeIs(3));
   EXPECT_EQ(both[0].modesId, "Monitor 1");
@@ -248,9 +249,10 @@ TEST_F(JoinedOutput, HasTheMonitorThatSaysTheSame) {
 }
 
 TEST_F(JoinedOutput, HasNoMonitorOfAnotherMakerNameSerialNumberOrDate) {
-  const std::pair<const char*, TCIMValue> others[] = {
-      {"MonitorManufacturer", TCIMValue("ACN")}, {"Name", TCIMValue("Acme A170")}, {"Name", TCIMValue()},
-      {"SerialNumber", TCIMValue("A190-2")},     {"SerialNumber", TCIMValue()},    {"ManufacturingDate", MakeDate(8)}};
+  const std::pair<const char*, TCIMValue> others[] = {{"MonitorManufacturer", TCIMValue("ACN")},
+                                                      {"Name", TCIMValue("Acme A170")},
+                                                      {"SerialNumber", TCIMValue("A190-2")},
+                                                      {"ManufacturingDate", MakeDate(8)}};
   for (const auto& [property, value] : others) {
     TValues monitor = MakeFullMonitor();
     monitor[property] = value;

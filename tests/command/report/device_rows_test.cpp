@@ -63,9 +63,11 @@ TEST_F(DeviceRows, TellTheSerialNumberOfTheHeaderOnlyWhereItIsAnother) {
   const TInstanceView monitor = Make("QRXSG_DesktopMonitor", {});
   TEdidFacts& facts = AddOutput();
   facts.serialNumber = 4711;
+  facts.serial = TSerial{"4711", ESerialSource::kNumber, ""};
   EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
               ElementsAre("Serial number: 4711", "Input: analogue", "Product code: 0 (0x0000)", "Power saving: none"));
   facts.serialText = "A-1";
+  facts.serial = TSerial{"A-1", ESerialSource::kText, ""};
   EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
               ElementsAre("Serial number: A-1", "Input: analogue", "Product code: 0 (0x0000)", "Power saving: none",
                           "Serial in header: 4711"));
@@ -79,16 +81,14 @@ TEST_F(DeviceRows, TellOnlyThePreferredModeOfAMonitorThatWasNotAskedFor) {
 
 TEST_F(DeviceRows, BeginWithWhatIsWrong) {
   const TInstanceView monitor = Make("QRXSG_DesktopMonitor", {});
-  AddOutput().contradictions = {"the picture is an aspect ratio"};
-  answer.outputs[0].facts->hasValidChecksums = false;
-  EXPECT_THAT(
-      Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
-      ElementsAre("Problem: an EDID checksum is wrong: a byte is damaged", "Problem: the picture is an aspect ratio",
-                  "Input: analogue", "Product code: 0 (0x0000)", "Power saving: none"));
+  AddOutput().contradictions = {"Block 0 has a wrong checksum.", "the picture is an aspect ratio"};
+  EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
+              ElementsAre("Problem: Block 0 has a wrong checksum.", "Problem: the picture is an aspect ratio",
+                          "Input: analogue", "Product code: 0 (0x0000)", "Power saving: none"));
 }
 
 TEST_F(DeviceRows, TellOfAnUnlistedOutputWhyAndWhatItsEdidSays) {
-  AddOutput().serialText = "A-1";
+  AddOutput().serial = TSerial{"A-1", ESerialSource::kText, ""};
   answer.outputs[0].deviceId = std::nullopt;
   answer.outputs[0].reason = "its EDID repeats that of unit 0";
   answer.outputs[0].connector = "card0-DP-2";

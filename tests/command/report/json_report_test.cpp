@@ -43,6 +43,7 @@ TOutput MakeOutput(unsigned int unit) {
   facts.isVersion1 = true;
   facts.productCode = 0x1234;
   facts.serialNumber = 0x12345678;
+  facts.serial = TSerial{"305419896", ESerialSource::kNumber, ""};
   facts.preferredMode = {3840, 2160, 59.9966};
   facts.diagonalInches = 27.16;
   facts.hasValidChecksums = true;
@@ -57,7 +58,7 @@ TEST_F(JsonReport, LeavesOutWhatAnOutputHasNoValueFor) {
                     {1, "card0-DP-2", std::nullopt, "its EDID is missing", std::nullopt, {}}};
   EXPECT_EQ(json::parse(MakeJsonReport(answer))["outputs"], json::parse(R"([
     {"unit": 0, "deviceID": null, "reason": "it is broken", "checksums": false, "extensions": 0,
-     "edid": "AP8="},
+     "sha256": "06eb7d6a69ee19e5fbdf749018d3d2abfa04bcbd1365db312eb86dc7169389b8", "edid": "AP8="},
     {"unit": 1, "connector": "card0-DP-2", "deviceID": null, "reason": "its EDID is missing"}])"));
 }
 
@@ -90,6 +91,7 @@ TEST_F(JsonReport, HoldsTheWholeAnswer) {
                  "digital": false,
                  "serialNumber": 305419896, "serial": "305419896", "serialFrom": "number",
                  "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
+                 "sha256": "06eb7d6a69ee19e5fbdf749018d3d2abfa04bcbd1365db312eb86dc7169389b8", 
                  "diagonalInches": 27.2, "checksums": true, "edid": "AP8="}],
     "log": [{"severity": "status", "message": "begun"}, {"severity": "debug", "message": "asked"}]})"));
 }
@@ -176,6 +178,7 @@ TEST_F(JsonReport, WritesARowForEachInstanceAndEachOutput) {
     "machine": "ws-17", "collected": "2026-11-21T21:30:00Z", "version": "1.4.0", "class": "output", "unit": 0, "connector": "card0-DP-1", "deviceID": null,
     "productCode": 4660, "extensions": 0, "digital": false, "serialNumber": 305419896, "serial": "305419896", "serialFrom": "number",
                  "preferredMode": {"width": 3840, "height": 2160, "refresh": 59.997},
+    "sha256": "06eb7d6a69ee19e5fbdf749018d3d2abfa04bcbd1365db312eb86dc7169389b8", 
     "diagonalInches": 27.2, "checksums": true, "edid": "AP8="})"));
   EXPECT_EQ(MakeMachineRows("ws-17", answer), rows);
 }

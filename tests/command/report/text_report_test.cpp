@@ -323,16 +323,18 @@ TEST_F(TextReport, MarksThePreferredMode) {
             "Monitors\n"
             "  Monitor 1\n"
             "    Preferred mode    1280 x 1024 at 60.020 Hz\n"
-            "    Modes             1280x1024@75Hz*, 1280x1024@60Hz*+, 1280x960@60Hz\n"
+            "    Modes             1280x1024@75Hz*=, 1280x1024@60.02Hz*+, 1280x960@60Hz=\n"
             "                      * the resolution that the configuration names\n"
-            "                      + the mode that the monitor prefers\n");
+            "                      + the mode that the monitor prefers\n"
+            "                      = a mode that the plug-in lists\n");
 }
 
 TEST_F(TextReport, MarksNoOtherModeAsThePreferredOne) {
   SetOutput(TEdidBuilder().DetailedTiming(0, false));
   CommitMode("Monitor 1\\ Setting 1", 1280, 1024, 61);
   CommitMode("Monitor 1\\ Setting 2", 1024, 1280, 60);
-  EXPECT_THAT(Make({"QRXSG_MonitorResolution"}), Not(HasSubstr("+")));
+  EXPECT_THAT(Make({"QRXSG_MonitorResolution"}),
+              HasSubstr("    Modes             1280x1024@61Hz=, 1280x1024@60.02Hz+, 1024x1280@60Hz=\n"));
 }
 
 TEST_F(TextReport, SaysVideoMemoryInMebibytes) {
@@ -407,7 +409,7 @@ TEST_F(TextReport, ShowsWhatTheEdidOfAMonitorSays) {
   CommitMonitor(TEdidBuilder()
                     .Version(1, 4)
                     .Made(14, 2019)
-                    .ImageSize(60, 34)
+                    .ImageSize(34, 27)
                     .DetailedTiming(0, false)
                     .Byte(edid::kProductCode, 7)
                     .Byte(edid::kSerialNumber, 9)
@@ -416,15 +418,19 @@ TEST_F(TextReport, ShowsWhatTheEdidOfAMonitorSays) {
   EXPECT_EQ(Make({"QRXSG_DesktopMonitor"}),
             "Monitors\n"
             "  Monitor 1\n"
-            "    Problem           an EDID checksum is wrong: a byte is damaged\n"
-            "    Picture           600 x 340 mm, 27.2 inches\n"
+            "    Problem           Block 0 has a wrong checksum.\n"
+            "    Largest mode      1280 x 1024 at 60.020 Hz\n"
+            "    Highest rate      60 Hz (1280 x 1024)\n"
+            "    Picture           338 x 270 mm, 17.0 inches\n"
             "    Connector         card0-DP-1\n"
             "    Serial number     9\n"
             "    Preferred mode    1280 x 1024 at 60.020 Hz\n"
             "    Input             digital: DisplayPort, 10 bits per colour\n"
             "    Product code      7 (0x0007)\n"
             "    Manufactured      week 14 of 2019\n"
-            "    Power saving      none\n");
+            "    Power saving      none\n"
+            "    Modes             1280x1024@60.02Hz+\n"
+            "                      + the mode that the monitor prefers\n");
 }
 
 TEST_F(TextReport, ShowsBothSerialNumbers) {
