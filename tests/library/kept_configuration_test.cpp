@@ -1,6 +1,4 @@
 // The configuration is read once in the life of the loaded plug-in.
-#include "plugin/video/video_info.h"
-
 #include <gmock/gmock.h>
 
 #include "tests/support/loaded_plugin.h"
@@ -18,12 +16,12 @@ const char* const kController = "QRXSG_VideoController";
 const char* const kHead = "QRXSG_VideoHead";
 const char* const kHeadOfController = "QRXSG_HeadOfVideoController";
 
-class VideoInfo : public testing::Test {
+class KeptConfiguration : public testing::Test {
  protected:
   TTestHost host;
   std::unique_ptr<TLoadedPlugin> plugin = std::make_unique<TLoadedPlugin>(host, PLUGIN_FILE);
 
-  VideoInfo() { host.files[kFile] = "Section \"Device\"\nIdentifier \"Card0\"\nEndSection\n"; }
+  KeptConfiguration() { host.files[kFile] = "Section \"Device\"\nIdentifier \"Card0\"\nEndSection\n"; }
 
   std::ptrdiff_t CountReadings() const {
     return std::count(host.calls.begin(), host.calls.end(), std::string("CaptureFile ") + kFile);
@@ -32,13 +30,13 @@ class VideoInfo : public testing::Test {
 
 }  // namespace
 
-TEST_F(VideoInfo, ReadsTheConfigurationAtTheFirstOfBothClasses) {
+TEST_F(KeptConfiguration, ReadsTheConfigurationAtTheFirstOfBothClasses) {
   EXPECT_THAT(plugin->Ask({kHead}), SizeIs(1));
   EXPECT_THAT(plugin->Ask({kController}), SizeIs(1));
   EXPECT_EQ(CountReadings(), 1);
 }
 
-TEST_F(VideoInfo, AnswersLaterRequestsFromWhatItKept) {
+TEST_F(KeptConfiguration, AnswersLaterRequestsFromWhatItKept) {
   const auto first = plugin->Ask({kController});
   host.files[kFile] = "";
   host.calls.clear();
@@ -46,7 +44,7 @@ TEST_F(VideoInfo, AnswersLaterRequestsFromWhatItKept) {
   EXPECT_THAT(host.calls, IsEmpty());
 }
 
-TEST_F(VideoInfo, ReadsAgainWhenTheLibraryWasLoadedAnew) {
+TEST_F(KeptConfiguration, ReadsAgainWhenTheLibraryWasLoadedAnew) {
   EXPECT_THAT(plugin->Ask({kController}), SizeIs(1));
   plugin.reset();
   host.files[kFile] += host.files[kFile];
@@ -54,19 +52,19 @@ TEST_F(VideoInfo, ReadsAgainWhenTheLibraryWasLoadedAnew) {
   EXPECT_THAT(plugin->Ask({kController}), SizeIs(2));
 }
 
-TEST_F(VideoInfo, StaysEmptyWhenThereWasNoConfiguration) {
+TEST_F(KeptConfiguration, StaysEmptyWhenThereWasNoConfiguration) {
   host.files.clear();
   EXPECT_THAT(plugin->Ask({kController}), IsEmpty());
   host.files[kFile] = "Section \"Device\"\nIdentifier \"Card0\"\nEndSection\n";
   EXPECT_THAT(plugin->Ask({kController, kHead}), IsEmpty());
 }
 
-TEST_F(VideoInfo, DoesNotReadForTheAssociation) {
+TEST_F(KeptConfiguration, DoesNotReadForTheAssociation) {
   EXPECT_THAT(plugin->Ask({kHeadOfController}), IsEmpty());
   EXPECT_THAT(host.calls, Each(StartsWith("GetPluginManager")));
 }
 
-TEST_F(VideoInfo, AnswersTheAssociationFromTheHostsInstances) {
+TEST_F(KeptConfiguration, AnswersTheAssociationFromTheHostsInstances) {
   EXPECT_EQ(
       plugin->Ask({kHead, kController, kHeadOfController}).back(),
       (TDescribed{{"Antecedent",
@@ -77,7 +75,7 @@ TEST_F(VideoInfo, AnswersTheAssociationFromTheHostsInstances) {
                    "SystemCreationClassName=\"CIM_UnitaryComputerSystem\",SystemName=\"test-system\""}}));
 }
 
-TEST_F(VideoInfo, ReadsAgainAndAppendsToWhatAFailedReadingLeft) {
+TEST_F(KeptConfiguration, ReadsAgainAndAppendsToWhatAFailedReadingLeft) {
   const std::string good = host.files[kFile];
   host.files[kFile] = good + "Section \"Device\"\nIdentifier \"Card1\"\nVideoRam 64M\nEndSection\n";
   EXPECT_THAT(plugin->Ask({kHead}), IsEmpty());
