@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-
+#include <map>
 #include <set>
 
 typedef NQRXZELT20::TCIMValue::TCIMType TType;
@@ -73,6 +73,64 @@ TEST(Schema, PutsThePropertiesInTheOrderInWhichPeopleReadThem) {
       names += property.name + std::string(" ");
     EXPECT_EQ(names, expected[index]);
   }
+}
+
+TEST(Schema, GivesEachNumberAndArrayItsTypeAndUnit) {
+  const std::map<std::string, std::string> expected = {
+      {"VideoRamSize", "uint32 bytes"},
+      {"CurrentBitsPerPixel", "uint32 bits"},
+      {"CurrentHorizontalResolution", "uint32 pixels"},
+      {"CurrentVerticalResolution", "uint32 lines"},
+      {"MonitorString", "string[] "},
+      {"OtherIdentifyingInfo", "string[] "},
+      {"HeadNumber", "uint8 "},
+      {"ManufacturingDate", "datetime "},
+      {"EDIDVersion", "real32 "},
+      {"HorizontalImageSize", "uint8 cm"},
+      {"VerticalImageSize", "uint8 cm"},
+      {"Gamma", "real32 "},
+      {"DPMSActiveOff", "boolean "},
+      {"DPMSSuspend", "boolean "},
+      {"DPMSStandby", "boolean "},
+      {"MinHorizFreq", "uint8 kHz"},
+      {"MaxHorizFreq", "uint8 kHz"},
+      {"MinVertFreq", "uint8 Hz"},
+      {"MaxVertFreq", "uint8 Hz"},
+      {"Bandwidth", "uint32 MHz"},
+      {"SupportedDigitalInterface", "uint8 "},
+      {"OperationalStatus", "uint16[] "},
+      {"StatusDescriptions", "string[] "},
+      {"HorizontalResolution", "uint32 pixels"},
+      {"VerticalResolution", "uint32 lines"},
+      {"RefreshRate", "uint32 Hz"},
+      {"ScanMode", "uint16 "},
+      {"Antecedent", "reference "},
+      {"Dependent", "reference "},
+      {"Element", "reference "},
+      {"Setting", "reference "},
+  };
+  std::map<std::string, std::string> declared;
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    for (const TPropertyDeclaration& property : declaration.properties) {
+      const std::string type = GetTypeName(property.type, property.isArray);
+      if (type != "string") declared[property.name] = type + " " + property.unit;
+    }
+  }
+  EXPECT_EQ(declared, expected);
+}
+
+TEST(Schema, SaysWhichClassesAnAssociationLinks) {
+  std::string links;
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    for (const TPropertyDeclaration& property : declaration.properties) {
+      if (property.type == TType::kReference) links += property.name + (" " + std::string(property.target)) + "\n";
+    }
+  }
+  EXPECT_EQ(links,
+            "Antecedent QRXSG_VideoController\n"
+            "Dependent QRXSG_VideoHead\n"
+            "Element QRXSG_DesktopMonitor\n"
+            "Setting QRXSG_MonitorResolution\n");
 }
 
 TEST(Schema, KnowsWhichPartAClassBelongsTo) {

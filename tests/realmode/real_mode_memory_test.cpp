@@ -1,11 +1,13 @@
 #include "realmode/real_mode_memory.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <new>
 
@@ -107,6 +109,20 @@ TEST(RealModeMemoryBesideAnother, IsAlignedAndApart) {
   }
   EXPECT_EQ(*first.At(0) + *second.At(0) + *third.At(0), 3);
   if (page != MAP_FAILED) munmap(page, pageSize);
+}
+
+TEST(RealModeMemoryBesideAnother, TakesItsOwnSizeOfTheAddressSpace) {
+  const auto countPages = [] {
+    char text[32] = {};
+    const int file = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
+    EXPECT_GT(read(file, text, sizeof text - 1), 0);
+    close(file);
+    return std::strtoul(text, nullptr, 10);
+  };
+  TRealModeMemory first;
+  const unsigned long before = countPages();
+  TRealModeMemory second;
+  EXPECT_EQ((countPages() - before) * static_cast<unsigned long>(sysconf(_SC_PAGESIZE)), TRealModeMemory::kSize);
 }
 
 // Whoever watches over the memory of a process does so there.

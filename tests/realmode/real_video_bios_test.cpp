@@ -150,6 +150,19 @@ TEST_F(RealVideoBios, RunsInterruptsOfTheHandlerItself) {
   EXPECT_EQ(registers.eax, 0x77U);
 }
 
+TEST_F(RealVideoBios, LeavesTheWayBackAndTheFlagsOnTheStackOfTheHandler) {
+  ASSERT_TRUE(Start(TCode{0x5B, 0x59, 0x5A,  // pop bx; pop cx; pop dx
+                          0x52, 0x51, 0x53,  // push dx; push cx; push bx
+                          0x9C, 0x5E,        // pushf; pop si
+                          0xCF}));
+  registers.flags = 0x0FD7;  // with the interrupt and the trap flag
+  ASSERT_TRUE(Call());
+  EXPECT_EQ(registers.ebx, 0U);
+  EXPECT_EQ(registers.ecx, 0x3000U);
+  EXPECT_EQ(registers.edx, 0x0FD7U);
+  EXPECT_EQ(registers.esi & 0x0FFFU, 0x0CD7U);
+}
+
 TEST_F(RealVideoBios, LetsPortsThroughInEachWidth) {
   ASSERT_TRUE(Start(TCode{0xBA, 0xC4, 0x03,  // mov dx, 3C4h
                           0xB0, 0x05, 0xEE,  // mov al, 5; out dx, al
