@@ -21,7 +21,7 @@ TOutput MakeOutput(unsigned int unit, const std::string& connector) {
 
 TEST(OutputView, DescribesNoProblemOfWhatIsNoEdid) {
   TOutput output = MakeOutput(0, "");
-  output.facts->hasValidChecksums = false;
+  output.facts->contradictions = {"Block 0 has a wrong checksum."};
   EXPECT_EQ(DescribeProblems(output).size(), 1U);
   output.facts->isVersion1 = false;
   EXPECT_THAT(DescribeProblems(output), IsEmpty());

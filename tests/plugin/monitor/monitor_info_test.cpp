@@ -287,7 +287,6 @@ TEST_F(DesktopMonitors, GetEmptyKeysWhenTheHostHasNoNamespace) {
                                                          {"SystemName", "string "}}));
 }
 
-
 TEST_F(UnitWalk, GivesTheSameMonitorTheSameNumberInBoth) {
   lrmi.edids = {{0, Valid("A")}, {1, Valid("B")}};
   EXPECT_THAT(WalkMonitors(), ElementsAre("Monitor 1", "Monitor 2"));
