@@ -10,6 +10,18 @@ target_compile_definitions(project_flags INTERFACE _FILE_OFFSET_BITS=64 _TIME_BI
 # Code and constants in one segment: the loader maps a library by two calls instead of four, and a 32-bit loader's calls
 # are the slow ones, by interrupt.
 target_link_options(project_flags INTERFACE -Wl,-z,noseparate-code)
+# What is delivered has the hardening of Debian's packages (dpkg-buildflags, hardening=+all); tests/packaging has a test
+# that reads it from the binaries. The sizes that _FORTIFY_SOURCE checks come from the optimiser. -fcf-protection marks
+# code for processors that are 64-bit ones.
+add_library(delivered_flags INTERFACE)
+target_compile_options(delivered_flags INTERFACE
+  -fstack-protector-strong -fstack-clash-protection -Wformat -Werror=format-security)
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  target_compile_options(delivered_flags INTERFACE -fcf-protection)
+endif()
+target_compile_definitions(delivered_flags INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+target_link_options(delivered_flags INTERFACE -Wl,-z,relro,-z,now)
+
 # What a library calls of itself the loader need not look for, by name, in every library that came before.
 add_library(own_functions INTERFACE)
 target_link_options(own_functions INTERFACE -Wl,-Bsymbolic-functions)
@@ -47,7 +59,7 @@ function(add_room name)
   declare_room(${name} USES ${ROOM_USES})
   if(ROOM_SOURCES)
     add_library(${name} STATIC ${ROOM_SOURCES})
-    target_link_libraries(${name} PUBLIC ${ROOM_USES} PRIVATE project_flags ${ROOM_LIBRARIES})
+    target_link_libraries(${name} PUBLIC ${ROOM_USES} PRIVATE project_flags delivered_flags ${ROOM_LIBRARIES})
   else()
     add_library(${name} INTERFACE)
     target_link_libraries(${name} INTERFACE ${ROOM_USES})

@@ -69,7 +69,7 @@ TEdidFacts ReadEdidFacts(const std::vector<std::uint8_t>& edid) {
   facts.isVersion1 = HasHeader(bytes) && bytes[edid::kVersion] == 1;
   facts.hasValidChecksums = HasValidChecksums(bytes);
   facts.extensions = static_cast<unsigned int>(edid.size() / edid::kBlockSize - 1);
-  if (!facts.isVersion1) return std::move(facts);
+  if (!facts.isVersion1) return std::move(draft.facts);
   ReadBaseBlock(GetBlock(bytes, 0), draft);
   ReadExtensions(bytes, draft);
   for (const TBytes& map : draft.ycbcr420Maps) ApplyYcbcr420Map(map, draft);
@@ -77,5 +77,5 @@ TEdidFacts ReadEdidFacts(const std::vector<std::uint8_t>& edid) {
   facts.serial = FindSerial(facts.maker, facts.productCode, facts.serialNumber, facts.serialText);
   DecideImageSize(draft);
   facts.contradictions = FindContradictions(bytes, draft);
-  return std::move(facts);
+  return std::move(draft.facts);
 }
