@@ -52,7 +52,8 @@ void ReadHdr10Plus(TBytes payload, TEdidDraft& draft) {
 
 void ReadDolby(TBytes payload, TEdidDraft& draft) {
   if (payload.GetSize() == 0) return;
-  draft.Hdr().dolbyVision = "V" + std::to_string(payload[cta::kDolbyVersion] >> cta::kDolbyVersionShift);
+  std::string& version = draft.Hdr().dolbyVision = "V";
+  version += std::to_string(payload[cta::kDolbyVersion] >> cta::kDolbyVersionShift);
 }
 
 struct TVendorReader {

@@ -14,7 +14,9 @@ constexpr std::chrono::milliseconds kPause(100);
 
 std::string MakeBar(std::size_t done, std::size_t total, std::size_t width) {
   const std::size_t filled = total == 0 ? width : std::min(width, done * width / total);
-  return "[" + std::string(filled, '#') + std::string(width - filled, ' ') + "] ";
+  std::string bar(width, ' ');
+  std::fill_n(bar.begin(), filled, '#');
+  return '[' + bar + "] ";
 }
 
 /// Of the terminal on standard error; 80 when it does not say.
