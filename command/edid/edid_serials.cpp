@@ -135,10 +135,10 @@ class TSerialFillers::TEditor {
 
   void EditVendorBlock(std::size_t content, std::size_t size) {
     constexpr std::size_t id = cta::kOuiSize + cta::kMicrosoftContainerId;
+    if (size < id + displayid::kContainerIdSize) return;
     unsigned int oui = 0;
     for (std::size_t byte = cta::kOuiSize; byte-- > 0;) oui = oui << 8 | At(content + byte);
-    const bool hasId = size >= id + displayid::kContainerIdSize && oui == cta::kMicrosoft;
-    if (hasId) EditNumber(kContainerId, content + id, displayid::kContainerIdSize);
+    if (oui == cta::kMicrosoft) EditNumber(kContainerId, content + id, displayid::kContainerIdSize);
   }
 
   /// The section has a checksum of its own, and the block keeps its sum when that is adjusted.
