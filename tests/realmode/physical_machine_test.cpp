@@ -2,7 +2,6 @@
 #include "realmode/physical_machine.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/ucontext.h>
 
 #include <cerrno>
@@ -13,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/descriptor_limit.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -125,12 +125,8 @@ TEST_F(PhysicalMachine, TellsWhyTheMemoryCannotBeOpened) {
 
 TEST_F(PhysicalMachine, FailsWhenTheSystemDoes) {
   TThisPhysicalMachine machine(GetPath("mem"), Grant);
-  rlimit before = {};
-  getrlimit(RLIMIT_NOFILE, &before);
-  const rlimit none = {0, before.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &none);
+  const TDescriptorLimit none(0);
   EXPECT_THROW(machine.Open(), std::runtime_error);
-  setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST_F(PhysicalMachine, TellsNobodyToBecomeRootWhoIsRoot) {

@@ -2,12 +2,12 @@
 #include "command/machine/drm_cards.h"
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <tuple>
 
 #include "command/base/unusable.h"
+#include "tests/support/descriptor_limit.h"
 #include "tests/support/edid_builder.h"
 #include "tests/support/sanitizers.h"
 #include "tests/support/temporary_folder.h"
@@ -218,19 +218,15 @@ TEST_F(DrmCards, AreReadWholeOrNotAtAllWhenFilesCannotBeOpened) {
   AddOutput("card0-HDMI-A-1", "connected", TEdidBuilder().Build());
   const int lowest = dup(STDIN_FILENO);  // the first descriptor that is free
   close(lowest);
-  rlimit before = {};
-  getrlimit(RLIMIT_NOFILE, &before);
   constexpr int enough = 8;
   for (int count = 0; count <= enough; ++count) {
-    const rlimit limit = {static_cast<rlim_t>(lowest + count), before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &limit);
     std::vector<std::string> connectors;
     try {
+      const TDescriptorLimit limit(static_cast<rlim_t>(lowest + count));
       connectors = GetConnectors();
     } catch (const TUnusable&) {
       connectors = {"an error"};
     }
-    setrlimit(RLIMIT_NOFILE, &before);
     EXPECT_THAT(connectors, AnyOf(ElementsAre("an error"), ElementsAre("card0-HDMI-A-1"))) << count;
     if (count == 0) {
       EXPECT_THAT(connectors, ElementsAre("an error"));

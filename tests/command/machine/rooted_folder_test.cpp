@@ -6,7 +6,6 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/sysmacros.h>
@@ -18,6 +17,7 @@
 #include <set>
 
 #include "command/base/unusable.h"
+#include "tests/support/descriptor_limit.h"
 #include "tests/support/sanitizers.h"
 #include "tests/support/temporary_folder.h"
 
@@ -74,18 +74,13 @@ void ForbidOpenat2(int error) {
 /// Why the look-up fails while this process may open no more files.
 template <typename TLook>
 std::string LookWithoutDescriptors(const TLook& look) {
-  rlimit before = {};
-  getrlimit(RLIMIT_NOFILE, &before);
-  const rlimit none = {0, before.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &none);
-  std::string reason = "none";
+  const TDescriptorLimit none(0);
   try {
     look();
   } catch (const TUnusable& failure) {
-    reason = failure.what();
+    return failure.what();
   }
-  setrlimit(RLIMIT_NOFILE, &before);
-  return reason;
+  return "none";
 }
 
 constexpr ELinks kInsideOrNone[] = {ELinks::kInside, ELinks::kNone};
@@ -167,6 +162,7 @@ TEST_F(RootedFolder, OpensFoldersUnderTheSameRules) {
 }
 
 TEST_F(RootedFolder, SaysWhenNoMoreFilesCanBeOpened) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizers need descriptors themselves";
   const TRootedFolder inside(Inside());
   const std::string path = Inside().string();
   const std::string reason = ": cannot be read: Too many open files; let the command open more files (ulimit -n)";
@@ -204,7 +200,6 @@ TEST_F(RootedFolder, HoldsNothingWhenItIsNotThere) {
 }
 
 TEST_F(RootedFolder, ReadsNoMoreThanItMust) {
-  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizers need descriptors themselves";
   folder.Write("inside/large", std::string(200000, 'x'));
   const TRootedFolder inside(Inside());
   const auto countRead = [&](std::size_t maxSize) {
