@@ -1,4 +1,5 @@
-// make_example_edids FOLDER: writes the EDIDs of the example machines below the folder (see tools/make-example-edids).
+// make_edids examples|rich FOLDER: writes EDIDs below the folder, those of the example machines (see
+// tools/make-example-edids) or those that have much to say.
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -6,6 +7,7 @@
 #include <string>
 
 #include "tests/support/edid_builder.h"
+#include "tests/support/rich_edids.h"
 
 namespace fs = std::filesystem;
 
@@ -59,31 +61,39 @@ TEdidBuilder MakeTube() {
       .Name(1, "Tube 17");
 }
 
-// The EDIDs by their files.
-const std::map<std::string, TEdidBuilder> kEdids = {
-    {"office/edid/0.bin", MakeOfficePanel()},
-    {"office/edid/1.bin", MakeDigitalPanel()},
-    {"old/edid/0.bin", MakeTube()},
-    {"one-for-all-units/edid/0.bin", MakeOfficePanel().Serial(3, "A190-004712")},
-    {"faulty-bios/edid/0.bin", MakeDigitalPanel().Extension({0x02, 0x03, 0x04})},
-    {"faulty-bios/edid/1.bin", MakeOfficePanel().Byte(0, 0xFF)},
-};
+typedef std::map<std::string, std::vector<std::uint8_t>> TEdids;  // by their files
+
+TEdids MakeExamples() {
+  return {{"office/edid/0.bin", MakeOfficePanel().Build()},
+          {"office/edid/1.bin", MakeDigitalPanel().Build()},
+          {"old/edid/0.bin", MakeTube().Build()},
+          {"one-for-all-units/edid/0.bin", MakeOfficePanel().Serial(3, "A190-004712").Build()},
+          {"faulty-bios/edid/0.bin", MakeDigitalPanel().Extension({0x02, 0x03, 0x04}).Build()},
+          {"faulty-bios/edid/1.bin", MakeOfficePanel().Byte(0, 0xFF).Build()}};
+}
+
+TEdids MakeRich() {
+  TEdids edids;
+  for (auto& [name, edid] : MakeRichEdids()) edids[name + ".bin"] = std::move(edid);
+  return edids;
+}
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-  if (argumentCount != 2) {
-    std::cerr << "usage: make_example_edids FOLDER\n";
+  const std::map<std::string, TEdids (*)()> kinds = {{"examples", MakeExamples}, {"rich", MakeRich}};
+  const auto kind = argumentCount == 3 ? kinds.find(arguments[1]) : kinds.end();
+  if (kind == kinds.end()) {
+    std::cerr << "usage: make_edids examples|rich FOLDER\n";
     return 2;
   }
-  for (const auto& [name, builder] : kEdids) {
-    const fs::path file = fs::path(arguments[1]) / name;
+  for (const auto& [name, bytes] : kind->second()) {
+    const fs::path file = fs::path(arguments[2]) / name;
     fs::create_directories(file.parent_path());
-    const std::vector<std::uint8_t> bytes = builder.Build();
     std::ofstream stream(file, std::ios::binary);
     stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (!stream.flush()) {
-      std::cerr << "make_example_edids: cannot write " << file << "\n";
+      std::cerr << "make_edids: cannot write " << file << "\n";
       return 1;
     }
   }
