@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "command/cim_server/cim_outputs.h"
 #include "command/cim_server/object_name.h"
 
 namespace {
@@ -124,6 +125,7 @@ std::vector<TCimClass> MakeClasses() {
     }
     classes.push_back(std::move(made));
   }
+  for (TClassDeclaration& declaration : MakeOutputClasses()) classes.push_back({std::move(declaration)});
   for (TCimClass& made : MakeInteropClasses()) classes.push_back(std::move(made));
   return classes;
 }

@@ -1,5 +1,5 @@
-// The classes as CIM clients see them: the plug-in's with the superclasses that generic tools ask for, and those by
-// which a management client gets to know the server.
+// The classes as CIM clients see them: the plug-in's with the superclasses that generic tools ask for, those of the
+// outputs, and those by which a management client gets to know the server.
 #pragma once
 
 #include <string>

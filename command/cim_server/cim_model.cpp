@@ -6,6 +6,7 @@
 
 #include "command/base/version.h"
 #include "command/base/xml_text.h"
+#include "command/cim_server/cim_outputs.h"
 
 using nlohmann::json;
 using NQRXZELT20::TCIMValue;
@@ -51,21 +52,27 @@ TCimInstance ReadInstance(const json& instance) {
   return read;
 }
 
-typedef std::map<std::string, std::string> TTexts;
-
-TTexts operator+(TTexts first, const TTexts& second) {
-  first.insert(second.begin(), second.end());
-  return first;
-}
-
-/// `texts`: the values of its properties, by their names.
-TCimInstance MakeInstance(const char* className, const TTexts& texts) {
+/// `values`: of its properties that are no references, by their names.
+TCimInstance MakeInstance(const char* className, const json& values) {
   const TCimClass& declaration = *FindCimClass(className);
   TCimInstance made = {&declaration, {className, {}}, {}};
-  for (const auto& [name, text] : texts) {
-    const TPropertyDeclaration& property = *declaration.Find(name);
-    made.properties.push_back({&property, false, {text}, {}});
-    if (property.isKey) made.name.keys.push_back({name, text});
+  for (const auto& [name, value] : values.items()) {
+    made.properties.push_back(ReadProperty(declaration, name, value));
+    const TCimProperty& property = made.properties.back();
+    if (!property.declaration->isKey) continue;
+    const bool isNumber = property.declaration->type != TCIMValue::TCIMType::kString;
+    made.name.keys.push_back({name, property.values.at(0), nullptr, isNumber});
+  }
+  return made;
+}
+
+/// An instance of DI_OutputMonitor.
+TCimInstance LinkOutput(const TObjectName& monitor, const TObjectName& output) {
+  const TCimClass& declaration = *FindCimClass(kOutputMonitorClass);
+  TCimInstance made = {&declaration, {kOutputMonitorClass, {}}, {}};
+  for (const auto& [role, name] : {std::pair("Antecedent", monitor), std::pair("Dependent", output)}) {
+    made.properties.push_back({declaration.Find(role), false, {}, name});
+    made.name.keys.push_back({role, "", std::make_shared<const TObjectName>(name)});
   }
   return made;
 }
@@ -88,25 +95,50 @@ TCimModel::TCimModel(const std::string& answer) {
   for (const json& request : document.at("requests")) {
     for (const json& instance : request.at("instances")) Put(ReadInstance(instance));
   }
-  DescribeServer(ToXmlText(document.value("machine", "")));
+  const std::string systemName = document.value("machine", "");
+  for (const json& output : document.value("outputs", json::array())) {
+    PutOutput(MakeInstance(kOutputClass, ReadOutput(output, systemName)));
+  }
+  DescribeServer(systemName);
   Link();
+}
+
+const TCimInstance* TCimModel::FindMonitor(const TCimProperty& deviceId) const {
+  const auto found = std::find_if(m_instances.begin(), m_instances.end(), [&](const TCimInstance& candidate) {
+    if (candidate.declaration->name != std::string_view(kDesktopMonitorClass)) return false;
+    const TCimProperty* const id = candidate.Find(deviceId.declaration->name);
+    return id != nullptr && !id->isNull && id->values == deviceId.values;
+  });
+  return found == m_instances.end() ? nullptr : &*found;
+}
+
+void TCimModel::PutOutput(TCimInstance output) {
+  const TCimInstance* const monitor = FindMonitor(*output.Find("DeviceID"));
+  std::optional<TCimInstance> link;
+  if (monitor != nullptr) link = LinkOutput(monitor->name, output.name);
+  Put(std::move(output));
+  if (link) Put(std::move(*link));
 }
 
 void TCimModel::DescribeServer(const std::string& systemName) {
   const std::string program = "displayinfo";
-  const TTexts system = {{"SystemCreationClassName", "CIM_ComputerSystem"}, {"SystemName", systemName}};
+  const json system = {{"SystemCreationClassName", "CIM_ComputerSystem"}, {"SystemName", systemName}};
   const std::string name = program + ":" + systemName;
-  Put(MakeInstance(kObjectManagerClass, system + TTexts{{"CreationClassName", kObjectManagerClass},
-                                                        {"Name", name},
-                                                        {"ElementName", program},
-                                                        {"Description", program + " " + kCommandVersion},
-                                                        {"Version", kCommandVersion},
-                                                        {"GatherStatisticalData", "FALSE"}}));
+  json server = {{"CreationClassName", kObjectManagerClass},
+                 {"Name", name},
+                 {"ElementName", program},
+                 {"Description", program + " " + kCommandVersion},
+                 {"Version", kCommandVersion},
+                 {"GatherStatisticalData", false}};
+  server.update(system);
+  Put(MakeInstance(kObjectManagerClass, server));
   for (const char* const nameSpace : {kInteropNamespace, kCimNamespace}) {
-    Put(MakeInstance(kNamespaceClass, system + TTexts{{"ObjectManagerCreationClassName", kObjectManagerClass},
-                                                      {"ObjectManagerName", name},
-                                                      {"CreationClassName", kNamespaceClass},
-                                                      {"Name", nameSpace}}));
+    json described = {{"ObjectManagerCreationClassName", kObjectManagerClass},
+                      {"ObjectManagerName", name},
+                      {"CreationClassName", kNamespaceClass},
+                      {"Name", nameSpace}};
+    described.update(system);
+    Put(MakeInstance(kNamespaceClass, described));
   }
 }
 

@@ -1,5 +1,5 @@
 // The instances that CIM clients see: an answer of the plug-in, each object path once, with its references resolved,
-// and what the server says of itself.
+// the outputs, and what the server says of itself.
 #pragma once
 
 #include <map>
@@ -38,7 +38,7 @@ class TCimModel {
   /// Without instances.
   TCimModel() = default;
 
-  /// Takes the instances from an answer in JSON, as MakeMachineLine writes it, and the system's name from its
+  /// Takes instances and outputs from an answer in JSON, as MakeMachineLine writes it, and the system's name from its
   /// `machine`. If a path was committed more than once, the last commit wins and keeps the first one's position, as in
   /// the host's store. Throws std::exception for a text that is no such answer.
   explicit TCimModel(const std::string& answer);
@@ -55,6 +55,9 @@ class TCimModel {
  private:
   std::optional<std::size_t> FindExactly(const TObjectName& name) const;
   void Put(TCimInstance instance);
+  /// Null when none has that id.
+  const TCimInstance* FindMonitor(const TCimProperty& deviceId) const;
+  void PutOutput(TCimInstance output);
   void DescribeServer(const std::string& systemName);
   void Link();
 

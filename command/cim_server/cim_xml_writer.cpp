@@ -87,7 +87,8 @@ void WriteInstanceName(TXmlWriter& xml, const TObjectName& name) {
   for (const TKeyBinding& key : name.keys) {
     xml.Open("KEYBINDING", {{"NAME", key.name}});
     if (key.reference == nullptr) {
-      xml.Text("KEYVALUE", key.value, {{"VALUETYPE", "string"}, {"TYPE", "string"}});
+      xml.Text("KEYVALUE", key.value,
+               {{"VALUETYPE", key.isNumber ? "numeric" : "string"}, {"TYPE", key.isNumber ? "uint32" : "string"}});
     } else {
       WriteReference(xml, *key.reference);
     }

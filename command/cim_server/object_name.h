@@ -12,6 +12,7 @@ struct TKeyBinding {
   std::string name;   // empty when a client leaves it out, as it may for a class with one key
   std::string value;  // of a key that is no reference
   std::shared_ptr<const TObjectName> reference = nullptr;
+  bool isNumber = false;  // of a uint32, else of a text; makes no difference to what the name names
 };
 
 struct TObjectName {

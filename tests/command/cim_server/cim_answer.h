@@ -32,9 +32,10 @@ inline std::string MakeSettingJson(const std::string& monitor, const std::string
          element + R"("}, "Setting": {"type": "reference", "value": ")" + setting + R"("}}})";
 }
 
-/// `instances`: in JSON, with commas between them. The answer is one line, as a collector sends it.
-inline std::string MakeAnswerJson(const std::string& instances) {
-  std::string text = R"({"requests": [{"instances": [)" + instances + "]}]}";
+/// `instances`, `outputs`: in JSON, with commas between them. The answer is one line, as a collector sends it.
+inline std::string MakeAnswerJson(const std::string& instances, const std::string& outputs = "") {
+  std::string text =
+      R"({"machine": "N", "requests": [{"instances": [)" + instances + R"(]}], "outputs": [)" + outputs + "]}";
   text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());
   return text + "\n";
 }

@@ -75,9 +75,29 @@ TEST(CimModel, LeavesOutLinksToInstancesThatAreNotThere) {
   EXPECT_EQ(model.GetLinksOf(1)[0].role, "Setting");
 }
 
+TEST(CimModel, LinksAnOutputToTheMonitorThatStandsForIt) {
+  const TCimModel model(MakeAnswerJson(MakeMonitorJson("one") + "," + MakeMonitorJson("two"),
+                                       R"({"unit": 0, "deviceID": null}, {"unit": 1, "deviceID": "two"},
+                                          {"unit": 2, "deviceID": "three"})"));
+  const auto name = [](const char* unit) { return TObjectName{"DI_Output", {{"SystemName", "N"}, {"Unit", unit}}}; };
+  const std::optional<std::size_t> output = model.Find(name("1"));
+  ASSERT_TRUE(output);
+  const auto& links = model.GetLinksTo(*output);
+  ASSERT_EQ(links.size(), 1U);
+  EXPECT_STREQ(model.GetInstances()[links[0].association].declaration->name, "DI_OutputMonitor");
+  EXPECT_EQ(links[0].role, "Dependent");
+  ASSERT_EQ(model.GetLinksTo(1).size(), 1U);
+  EXPECT_EQ(model.GetLinksTo(1)[0].association, links[0].association);
+  EXPECT_EQ(model.GetLinksTo(1)[0].role, "Antecedent");
+  EXPECT_TRUE(model.Find(model.GetInstances()[links[0].association].name));
+  EXPECT_TRUE(model.GetLinksTo(model.Find(name("0")).value()).empty());
+  EXPECT_TRUE(model.GetLinksTo(model.Find(name("2")).value()).empty());
+}
+
 TEST(CimModel, IsNotMadeOfAnotherText) {
   for (const char* const text : {"", "{", "{}", "[]", R"({"error": "none"})", R"({"requests": [{"instances": [{}]}]})",
-                                 R"({"requests": [{"instances": [{"class": "A", "path": "A", "properties": {}}]}]})"}) {
+                                 R"({"requests": [{"instances": [{"class": "A", "path": "A", "properties": {}}]}]})",
+                                 R"({"requests": [], "outputs": [{}]})"}) {
     EXPECT_THROW(static_cast<void>(TCimModel(std::string(text))), std::exception) << text;
   }
 }

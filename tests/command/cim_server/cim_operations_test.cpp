@@ -141,14 +141,14 @@ TEST(CimOperations, ShowClassesWithTheirQualifiersUnlessToldNotTo) {
 }
 
 TEST(CimOperations, EnumerateClassesAtTheDepthThatIsAskedFor) {
-  EXPECT_EQ(Call("EnumerateClassNames", {}).count("CLASSNAME"), 6U);
+  EXPECT_EQ(Call("EnumerateClassNames", {}).count("CLASSNAME"), 8U);
   EXPECT_EQ(Call("EnumerateClassNames", {}).get<std::string>("CLASSNAME.<xmlattr>.NAME"), "CIM_VideoController");
-  EXPECT_EQ(Call("EnumerateClassNames", {{"DeepInheritance", "true"}}).count("CLASSNAME"), 12U);
+  EXPECT_EQ(Call("EnumerateClassNames", {{"DeepInheritance", "true"}}).count("CLASSNAME"), 14U);
   EXPECT_TRUE(Call("EnumerateClassNames", {{"ClassName", kMonitors}}).empty());
   EXPECT_EQ(Call("EnumerateClassNames", {{"ClassName", TClassName{"CIM_DesktopMonitor"}}})
                 .get<std::string>("CLASSNAME.<xmlattr>.NAME"),
             kMonitors.name);
-  EXPECT_EQ(Call("EnumerateClasses", {{"DeepInheritance", "TRUE"}}).count("CLASS"), 12U);
+  EXPECT_EQ(Call("EnumerateClasses", {{"DeepInheritance", "TRUE"}}).count("CLASS"), 14U);
 }
 
 TEST(CimOperations, ShowOnlyWhatAClassDeclaresItselfUnlessToldOtherwise) {
@@ -201,6 +201,19 @@ TEST(CimOperations, SayWhatValuesMean) {
 TEST(CimOperations, DeclareTheQualifiersThatTheClassesUse) {
   EXPECT_EQ(Call("EnumerateQualifiers", {}).size(), 6U);
   EXPECT_EQ(Call("GetQualifier", {{"QualifierName", "key"}}).size(), 1U);
+}
+
+TEST(CimOperations, WriteANumberAmongKeysAsOne) {
+  const TCimModel model(MakeAnswerJson("", R"({"unit": 3})"));
+  TEnumerations enumerations;
+  const std::string answer = AnswerCim(MakeRequest("EnumerateInstanceNames", {{"ClassName", TClassName{"DI_Output"}}}),
+                                       model, enumerations, "")
+                                 .xml;
+  EXPECT_NE(answer.find("<INSTANCENAME CLASSNAME=\"DI_Output\"><KEYBINDING NAME=\"SystemName\"><KEYVALUE "
+                        "VALUETYPE=\"string\" TYPE=\"string\">N</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"Unit\">"
+                        "<KEYVALUE VALUETYPE=\"numeric\" TYPE=\"uint32\">3</KEYVALUE></KEYBINDING></INSTANCENAME>"),
+            std::string::npos)
+      << answer;
 }
 
 TEST(CimOperations, DescribeTheServerInTheInteropNamespace) {

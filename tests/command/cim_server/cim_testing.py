@@ -111,15 +111,58 @@ def flag(parameter, value="TRUE"):
     return f'<IPARAMVALUE NAME="{parameter}"><VALUE>{value}</VALUE></IPARAMVALUE>'
 
 
-def collect(command, machine):
-    """The instances that --format json shows, by their paths: of each path the last commit, at the place of the
-    first. What XML does not have is replaced."""
+def ask(command, machine):
+    """The answer in JSON."""
     text = subprocess.run([command, "--machine", machine, "--format", "json", "--log-level", "error"], check=True,
                           stdout=subprocess.PIPE).stdout.decode()
-    instances = {}
-    for instance in json.loads(text)["requests"][0]["instances"]:
-        instances[instance["path"]] = instance
-    return list(instances.values())
+    return json.loads(text)
+
+
+def find_instances(answer):
+    """The instances by their paths: of each path the last commit, at the place of the first."""
+    return {instance["path"]: instance for instance in answer["requests"][0]["instances"]}
+
+
+def collect(command, machine):
+    return list(find_instances(ask(command, machine)).values())
+
+
+def collect_with_outputs(command, machine):
+    """The same, and what the server makes of `outputs`."""
+    answer = ask(command, machine)
+    instances = find_instances(answer)
+    with open(os.path.join(machine, "machine.json")) as file:
+        system = json.load(file)["systemName"]
+    outputs = [made for output in answer["outputs"] for made in describe_output(output, system, instances.values())]
+    return [*instances.values(), *outputs]
+
+
+def make_instance(name, properties, keys):
+    escape = str.maketrans({"\\": "\\\\", '"': '\\"'})
+    path = ",".join('%s="%s"' % (key, str(properties[key]["value"]).translate(escape)) for key in keys)
+    return {"class": name, "path": f"{name}.{path}", "properties": dict(sorted(properties.items()))}
+
+
+def describe_output(output, system, instances):
+    """DI_Output, and DI_OutputMonitor where an instance stands for the output."""
+    modes = output.get("modes", [])
+    largest = modes[0] if modes else {}
+    texts = {key[0].upper() + key[1:]: output.get(key)
+             for key in ("connector", "path", "identity", "serial", "maker", "name", "deviceID", "reason")}
+    numbers = {"Unit": output["unit"], "LargestWidth": largest.get("width"), "LargestHeight": largest.get("height")}
+    properties = {name: {"type": "string", "value": text} for name, text in {"SystemName": system, **texts}.items()}
+    properties.update({name: {"type": "uint32", "value": number} for name, number in numbers.items()})
+    fastest = max((mode["refresh"] for mode in modes), default=None)
+    properties["HighestRefresh"] = {"type": "real32", "value": fastest}
+    made = make_instance("DI_Output", properties, ("SystemName", "Unit"))
+    yield made
+    for instance in instances:
+        if instance["class"] == "QRXSG_DesktopMonitor" and \
+                instance["properties"]["DeviceID"]["value"] == output["deviceID"]:
+            roles = {"Antecedent": instance["path"], "Dependent": made["path"]}
+            links = {role: {"type": "reference", "value": path} for role, path in roles.items()}
+            yield make_instance("DI_OutputMonitor", links, ("Antecedent", "Dependent"))
+            return
 
 
 def clean(value):
