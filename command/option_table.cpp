@@ -195,7 +195,8 @@ const std::vector<TPage> kPages = {
       {"--format", "text|json|rows|csv|mof|html", "Form of the answer (default: text)",
        "text: for people. json: for programs. rows: for tables, a JSON object a line for each instance and each "
        "output. "
-       "csv: for a spreadsheet, a row for each monitor. mof: the instances in the DMTF's MOF syntax. html: one page "
+       "csv: for a spreadsheet, a row for each monitor, with an apostrophe before what it would take for a number or a "
+       "formula. mof: the instances in the DMTF's MOF syntax. html: one page "
        "with pictures of the machine, for a browser or for paper.",
        [](TCommandLine& line, const TOptionValue& value) { line.options.format = value.As<EFormat>(); }},
       {"--no-log", "", "Leave the log out of JSON", "",

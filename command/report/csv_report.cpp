@@ -1,6 +1,7 @@
 #include "command/report/csv_report.h"
 
 #include <algorithm>
+#include <cctype>
 #include <iterator>
 #include <string_view>
 
@@ -34,6 +35,34 @@ std::string DisarmFormulas(const std::string& text) {
   return disarmed;
 }
 
+// What a spreadsheet reads in numbers, times and dates.
+constexpr const char* kDigits = "0123456789";
+constexpr const char* kNumberSigns = "0123456789 .,:/%$()+-";
+constexpr std::string_view kNumberWords[] = {
+    "E",     "AM",   "PM",   "TRUE", "FALSE",  "JAN",       "FEB",     "MAR",      "APR",      "MAY",
+    "JUN",   "JUL",  "AUG",  "SEP",  "OCT",    "NOV",       "DEC",     "JANUARY",  "FEBRUARY", "MARCH",
+    "APRIL", "SEPT", "JUNE", "JULY", "AUGUST", "SEPTEMBER", "OCTOBER", "NOVEMBER", "DECEMBER"};
+
+/// A whole number that a spreadsheet shows as it is, since it has no leading zero and fits into a double.
+bool IsPlainNumber(const std::string& text) {
+  constexpr std::size_t maxDigits = 15;
+  return text.find_first_not_of(kDigits) == std::string::npos && text.size() <= maxDigits && text[0] != '0';
+}
+
+/// True for a text such as "0012345", "4711E10" or "12MAR20", of which a spreadsheet makes a number or a date.
+bool IsTakenForNumber(std::string text) {
+  if (text.empty() || IsPlainNumber(text)) return false;
+  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char letter) { return std::toupper(letter); });
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find_first_of(kNumberSigns, begin), text.size());
+    const std::string_view word = std::string_view(text).substr(begin, end - begin);
+    const bool isKnown = std::find(std::begin(kNumberWords), std::end(kNumberWords), word) != std::end(kNumberWords);
+    if (!word.empty() && !isKnown) return false;
+    begin = std::min(text.find_first_not_of(kNumberSigns, end), text.size());
+  }
+  return true;
+}
+
 /// A printable text may still have a tab, which RFC 4180 does not allow and a spreadsheet may take for the end of a
 /// cell.
 std::string ShowTabs(std::string text) {
@@ -41,8 +70,14 @@ std::string ShowTabs(std::string text) {
   return text;
 }
 
-std::string MakeCell(const std::string& text) {
-  std::string content = DisarmFormulas(ShowTabs(ToPrintable(text)));
+/// With an apostrophe before what a spreadsheet would read as something else: LibreOffice Calc shows it, Gnumeric takes
+/// it away, and both keep the text.
+std::string MakeText(const std::string& text) {
+  const std::string content = DisarmFormulas(ShowTabs(ToPrintable(text)));
+  return IsTakenForNumber(content) ? "'" + content : content;
+}
+
+std::string MakeCell(const std::string& content) {
   if (content.find_first_of(",;\"") == std::string::npos) return content;
   std::string cell = "\"";
   for (const char character : content) cell.append(character == '"' ? 2 : 1, character);
@@ -55,10 +90,13 @@ std::string JoinWithSemicolons(const std::vector<std::string>& texts) {
   return joined;
 }
 
+enum class EContent { kText, kNumber };
+
 /// `monitor`: empty for a machine without one.
 struct TColumn {
   const char* name;
   std::string (*text)(const TMachineSummary& machine, const TMonitorSummary& monitor);
+  EContent content = EContent::kText;
 };
 
 typedef const TMachineSummary& TMachineRef;
@@ -78,19 +116,25 @@ const TColumn kColumns[] = {
     {"Product code", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.productCode; }},
     {"Serial number", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.serialNumber; }},
     {"Made", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.made; }},
-    {"Year", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.year; }},
-    {"Width mm", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.width; }},
-    {"Height mm", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.height; }},
-    {"Diagonal inches", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.inches; }},
-    {"Preferred width", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.preferredWidth; }},
-    {"Preferred height", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.preferredHeight; }},
-    {"Preferred refresh", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.preferredRefresh; }},
-    {"Largest width", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.largestWidth; }},
-    {"Largest height", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.largestHeight; }},
-    {"Highest refresh", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.highestRefresh; }},
+    {"Year", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.year; }, EContent::kNumber},
+    {"Width mm", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.width; }, EContent::kNumber},
+    {"Height mm", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.height; }, EContent::kNumber},
+    {"Diagonal inches", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.inches; }, EContent::kNumber},
+    {"Preferred width", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.preferredWidth; },
+     EContent::kNumber},
+    {"Preferred height", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.preferredHeight; },
+     EContent::kNumber},
+    {"Preferred refresh", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.preferredRefresh; },
+     EContent::kNumber},
+    {"Largest width", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.largestWidth; }, EContent::kNumber},
+    {"Largest height", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.largestHeight; }, EContent::kNumber},
+    {"Highest refresh", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.highestRefresh; },
+     EContent::kNumber},
     {"HDR", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.hasHdr; }},
-    {"Variable refresh min", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.variableMin; }},
-    {"Variable refresh max", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.variableMax; }},
+    {"Variable refresh min", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.variableMin; },
+     EContent::kNumber},
+    {"Variable refresh max", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.variableMax; },
+     EContent::kNumber},
     {"Input", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.input; }},
     {"Problems",
      [](TMachineRef machine, TMonitorRef) {
@@ -98,10 +142,14 @@ const TColumn kColumns[] = {
      }},
 };
 
+/// `text`: of a column.
 template <typename TText>
 std::string MakeRow(TText text) {
   std::string row;
-  for (const TColumn& column : kColumns) row += (&column == kColumns ? "" : ",") + MakeCell(text(column));
+  for (const TColumn& column : kColumns) {
+    const std::string content = text(column);
+    row += (&column == kColumns ? "" : ",") + MakeCell(column.content == EContent::kText ? MakeText(content) : content);
+  }
   return row + kLineEnd;
 }
 

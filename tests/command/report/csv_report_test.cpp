@@ -114,11 +114,30 @@ TEST_F(CsvReport, PutsAnApostropheBeforeWhatCouldBeginAFormula) {
     EXPECT_EQ(MakeCell(begin + "1"), "'" + begin + "1");
     EXPECT_EQ(MakeCell("  " + begin + "1"), "  '" + begin + "1");
     EXPECT_EQ(MakeCell("\"" + begin + "1"), "\"\"\"'" + begin + "1\"");
-    EXPECT_EQ(MakeCell("1" + begin + "1"), "1" + begin + "1");
+    EXPECT_EQ(MakeCell("b" + begin + "1"), "b" + begin + "1");
     EXPECT_EQ(MakeCell("a;" + begin + "1"), "\"a;'" + begin + "1\"");
     EXPECT_EQ(MakeCell("a;\"" + begin + "1"), "\"a;\"\"'" + begin + "1\"");
     EXPECT_EQ(MakeCell("a; " + begin + "1"), "\"a; " + begin + "1\"");
   }
+}
+
+TEST_F(CsvReport, PutsAnApostropheBeforeTextsThatASpreadsheetTakesForNumbersOrDates) {
+  for (const std::string text : {"0012345", "00", "4711E10", "4711e+10", "1234567890123456", "12MAR20", "5-May-2020",
+                                 "September 2020", "2021-01-05", "12:30", "10 am", "5%", "true", "1.50", "3/4", "1+"}) {
+    EXPECT_EQ(MakeCell(text), "'" + text);
+  }
+  for (const std::string text :
+       {"", "4711", "123456789012345", "15G309B150328", "CN0ABC", "E10A", "MARK", "12MARCHA"}) {
+    EXPECT_EQ(MakeCell(text), text);
+  }
+}
+
+TEST_F(CsvReport, LeavesNumbersInColumnsOfNumbers) {
+  TMachineSummary machine = MakeMachine("ws-17");
+  machine.monitors = {MakeMonitor("Monitor 1")};
+  machine.monitors[0].facts.inches = "20.0";
+  machine.monitors[0].facts.serialNumber = "20.0";
+  EXPECT_EQ(MakeCsvRows(machine), "ws-17,,,,Monitor 1,,,,,,,'20.0,,,,,20.0,,,,,,,,,,,\r\n");
 }
 
 TEST_F(CsvReport, ShowsTabsAndLineEndsInsteadOfWritingThem) {
