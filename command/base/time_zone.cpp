@@ -6,7 +6,7 @@
 #include <string>
 
 #include "command/base/remark.h"
-#include "command/base/system_failure.h"
+#include "command/base/unusable.h"
 
 void LoadTimeZone() {
   errno = 0;

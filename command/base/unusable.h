@@ -1,4 +1,4 @@
-// The one error that the command explains to people.
+// The one error that the command explains to people, and which failures of system calls become one.
 #pragma once
 
 #include <stdexcept>
@@ -12,3 +12,10 @@ class TUnusable : public std::runtime_error {
  public:
   explicit TUnusable(const std::string& message) : std::runtime_error(ToMessage(message)) {}
 };
+
+/// True if the error (errno) says what a file is: missing, forbidden, or not a file. No other error says anything of
+/// it, such as a disk that fails or no descriptor left: whoever asked does not know the file, and must say so.
+bool DescribesFile(int error);
+
+/// Throws TUnusable: what cannot be read, why (errno), and the cure.
+[[noreturn]] void FailToRead(const std::string& place, int error);

@@ -14,14 +14,14 @@
 
 #include "command/base/standard_output.h"
 #include "command/base/unusable.h"
-#include "command/capture/document_text.h"
 #include "command/capture/new_target.h"
+#include "command/collection/budgets.h"
 #include "command/collection/collection.h"
-#include "command/collection/memory_budget.h"
 #include "command/collection/reasons.h"
 #include "command/edid/edid_serials.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
+#include "command/machine/machine_document.h"
 #include "command/report/json_report.h"
 #include "host/exception.h"
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "command/collection/time_limit.h"
+#include "command/collection/budgets.h"
 #include "command/report/json_report.h"
 
 namespace {

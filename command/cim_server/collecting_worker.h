@@ -8,7 +8,7 @@
 #include <string>
 
 #include "command/cim_server/answer_keeper.h"
-#include "command/fleet/worker.h"
+#include "command/collection/worker.h"
 
 class TCollectingWorker {
  public:

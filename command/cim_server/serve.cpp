@@ -18,14 +18,14 @@
 #include "command/cim_server/http_mapping.h"
 #include "command/cim_server/http_server.h"
 #include "command/cim_server/listening.h"
+#include "command/collection/budgets.h"
 #include "command/collection/collection.h"
-#include "command/collection/memory_budget.h"
 #include "command/collection/plugin_library.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/graphics_events.h"
+#include "command/report/answer_view.h"
 #include "command/report/empty_classes.h"
 #include "command/report/json_report.h"
-#include "command/report/output_view.h"
 #include "embedded_host/schema.h"
 
 namespace {

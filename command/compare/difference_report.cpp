@@ -5,9 +5,9 @@
 #include <map>
 
 #include "command/base/base64.h"
+#include "command/base/json_writer.h"
 #include "command/base/text_encoding.h"
 #include "command/edid/edid_facts.h"
-#include "command/report/json_writer.h"
 
 namespace {
 

@@ -13,12 +13,11 @@
 #include "command/base/signals.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
-#include "command/collection/memory_budget.h"
+#include "command/collection/budgets.h"
 #include "command/collection/plugin_library.h"
-#include "command/collection/time_limit.h"
+#include "command/collection/worker.h"
 #include "command/fleet/ordered_lines.h"
 #include "command/fleet/progress_bar.h"
-#include "command/fleet/worker.h"
 #include "command/machine/captured_machine.h"
 
 namespace {

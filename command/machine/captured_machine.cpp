@@ -11,7 +11,6 @@
 #include <optional>
 #include <utility>
 
-#include "command/base/system_failure.h"
 #include "command/base/unusable.h"
 #include "command/machine/folder_files.h"
 #include "command/machine/forms/forms.h"

@@ -2,8 +2,11 @@
 // without a driver. Reading them needs no privilege.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,3 +52,19 @@ std::vector<TDrmCard> ReadDrmCards(const TKernelFolders& folders);
 /// Where an output of the card is, whatever number the card has: "0000:01:00.0/DP-1". Empty when one of both is not
 /// known. `connector`: without its card.
 std::string MakeOutputPath(const TDrmCard& card, const std::string& connector);
+
+/// The EDID of an output, as the kernel shows it. One of both is empty, or both are: a driver may have none.
+struct TDrmEdid {
+  std::vector<std::uint8_t> bytes;  // whole 128-byte blocks
+  std::string fault;                // why it cannot be read, such as "cannot be read: No such device"
+};
+
+/// Reads as pread() does: into `buffer`, at most `size` bytes from `offset` on; -1, with errno set, when it fails.
+typedef std::function<ssize_t(void* buffer, std::size_t size, off_t offset)> TReadAt;
+
+/// The kernel shows an EDID in one read, up to a page of it, and may replace it between two. So it is read again when
+/// it has not as many blocks as it says, a few times: there are monitors that never say so rightly.
+TDrmEdid ReadDrmEdid(const TReadAt& readAt);
+
+/// `file`: such as /sys/class/drm/card0-DP-1/edid.
+TDrmEdid ReadDrmEdid(const std::filesystem::path& file);

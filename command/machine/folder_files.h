@@ -5,16 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "command/machine/failures.h"
 #include "command/machine/rooted_folder.h"
 #include "embedded_host/machine_files.h"
-
-/// A file that may exist and could not be looked for, or exists and could not be read.
-struct TFileFailure {
-  std::string path;
-  std::string reason;  // such as "cannot be read: Permission denied", or of a look-up "Permission denied"
-  bool isLookUp;
-  std::string cure = "make it readable, or run as a user who may read it";
-};
 
 /// A path that leads out of the folder, by ".." or through symbolic links, does not exist; neither does anything that
 /// is not a regular file.

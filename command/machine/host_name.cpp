@@ -5,7 +5,7 @@
 
 #include <cerrno>
 
-#include "command/base/system_failure.h"
+#include "command/base/unusable.h"
 
 std::string GetHostName() {
   char name[HOST_NAME_MAX + 1] = {};

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "command/machine/damaged_edid.h"
-#include "command/machine/folder_files.h"
+#include "command/machine/failures.h"
 #include "embedded_host/embedded_host.h"
 #include "realmode/virtual_video_bios.h"
 

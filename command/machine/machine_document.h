@@ -1,8 +1,8 @@
-// A captured machine as JSON: machine.json, or a whole machine in one file.
-// docs/captured-machines.md describes both.
+// A captured machine as JSON: machine.json, or a whole machine in one file, read (machine_document.cpp) and written
+// (document_writer.cpp). docs/captured-machines.md describes both.
 //
-// The text comes from strangers. It is read piece by piece by tables of what is allowed where, so that the first wrong
-// thing ends the reading, and no more is kept than a machine can have.
+// What is read comes from strangers. It is read piece by piece by tables of what is allowed where, so that the first
+// wrong thing ends the reading, and no more is kept than a machine can have.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "command/machine/damaged_edid.h"
+#include "command/machine/failures.h"
 #include "edid/layout.h"
 #include "embedded_host/embedded_host.h"
 #include "realmode/virtual_video_bios.h"
@@ -66,3 +66,9 @@ void AddDamagedEdid(TMachineDocument& machine, unsigned int unit, const TDamaged
 
 /// Whether a machine in one file can have a file of that path: absolute, and in the one way to write it.
 bool IsPlainPath(std::string_view path);
+
+/// The text of the machine's machine.json: everything except its files and EDIDs. It ends with a newline.
+std::string MakeMachineJson(const TMachineDocument& machine);
+
+/// The text of the machine in one file. Throws TUnusable for a file whose path is not UTF-8, which JSON cannot name.
+std::string MakeDocumentText(const TMachineDocument& machine);

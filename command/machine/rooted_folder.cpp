@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <memory>
 
-#include "command/base/system_failure.h"
+#include "command/base/unusable.h"
 
 namespace fs = std::filesystem;
 

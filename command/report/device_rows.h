@@ -4,9 +4,8 @@
 #include <vector>
 
 #include "command/collection/collection.h"
-#include "command/machine/maker_names.h"
-#include "command/report/output_view.h"
-#include "command/report/request_view.h"
+#include "command/report/answer_view.h"
+#include "command/report/maker_names.h"
 
 std::vector<TOutputRow> DescribeController(const TInstanceView& controller);
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <utility>
 
+#include "command/base/json_writer.h"
 #include "command/base/unusable.h"
 #include "command/collection/output_keys.h"
-#include "command/report/json_writer.h"
 
 using NQRXZELT20::TCIMValue;
 

@@ -5,8 +5,7 @@
 #include <utility>
 
 #include "command/base/text_encoding.h"
-#include "command/report/output_view.h"
-#include "command/report/request_view.h"
+#include "command/report/answer_view.h"
 
 namespace {
 

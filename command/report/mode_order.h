@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "command/collection/outputs.h"
-#include "command/report/request_view.h"
+#include "command/report/answer_view.h"
 
 /// A mode that the EDID has, or the answer, or both.
 struct TShownMode {

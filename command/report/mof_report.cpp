@@ -6,7 +6,7 @@
 #include <set>
 
 #include "command/base/text_encoding.h"
-#include "command/report/request_view.h"
+#include "command/report/answer_view.h"
 
 using NQRXZELT20::TCIMValue;
 

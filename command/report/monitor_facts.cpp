@@ -8,8 +8,7 @@
 
 #include "command/base/text_encoding.h"
 #include "command/edid/serial_rules.h"
-#include "command/report/output_view.h"
-#include "command/report/request_view.h"
+#include "command/report/answer_view.h"
 
 namespace {
 

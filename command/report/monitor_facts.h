@@ -4,8 +4,8 @@
 #include <string>
 
 #include "command/collection/outputs.h"
-#include "command/machine/maker_names.h"
-#include "command/report/instance_view.h"
+#include "command/report/answer_view.h"
+#include "command/report/maker_names.h"
 
 /// Printable texts; empty where a fact is not known.
 struct TMonitorFacts {

@@ -4,12 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "command/report/answer_identity.h"
+#include "command/report/answer_view.h"
 #include "command/report/device_rows.h"
 #include "command/report/empty_classes.h"
 #include "command/report/mode_order.h"
-#include "command/report/output_view.h"
-#include "command/report/request_view.h"
 
 namespace {
 

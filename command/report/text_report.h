@@ -5,7 +5,7 @@
 #include <string>
 
 #include "command/collection/collection.h"
-#include "command/machine/maker_names.h"
+#include "command/report/maker_names.h"
 #include "command/report/text_lines.h"
 
 /// The machine and when it was collected from; then, for each request, the video controllers with their heads, and the

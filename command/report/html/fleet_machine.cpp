@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "command/report/json_writer.h"
+#include "command/base/json_writer.h"
 
 using nlohmann::json;
 

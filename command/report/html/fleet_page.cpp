@@ -5,12 +5,12 @@
 
 #include "command/base/utc_time.h"
 #include "command/base/version.h"
+#include "command/report/answer_view.h"
 #include "command/report/html/fleet_links.h"
 #include "command/report/html/fleet_monitors.h"
 #include "command/report/html/fleet_style.h"
 #include "command/report/html/html_page.h"
 #include "command/report/html/html_pieces.h"
-#include "command/report/request_view.h"
 
 namespace {
 

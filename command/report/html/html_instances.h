@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "command/report/answer_view.h"
 #include "command/report/html/html_markup.h"
-#include "command/report/request_view.h"
 
 /// Where the page shows which instance.
 class THtmlAnchors {

@@ -1,8 +1,8 @@
 // Pictures of a machine in the page: its controllers with their heads, as boxes, and its monitors to scale, as SVG.
 #pragma once
 
+#include "command/report/answer_view.h"
 #include "command/report/html/html_markup.h"
-#include "command/report/request_view.h"
 
 /// Each controller as a box, joined to the boxes of its heads; heads without a controller are separate.
 TMarkup MakeVideoPictures(const TRequestView& view);

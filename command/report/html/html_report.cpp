@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "command/report/answer_identity.h"
+#include "command/report/answer_view.h"
 #include "command/report/device_rows.h"
 #include "command/report/empty_classes.h"
 #include "command/report/html/html_instances.h"
@@ -11,7 +11,6 @@
 #include "command/report/html/html_page.h"
 #include "command/report/html/html_picture.h"
 #include "command/report/mode_order.h"
-#include "command/report/output_view.h"
 
 namespace {
 

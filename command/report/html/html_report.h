@@ -4,7 +4,7 @@
 #include <string>
 
 #include "command/collection/collection.h"
-#include "command/machine/maker_names.h"
+#include "command/report/maker_names.h"
 
 /// The machine and when it was collected from; then, for each request, pictures of the controllers with their heads and
 /// of the monitors, the facts and the modes of each monitor, and every instance in tables, folded away; the log at the

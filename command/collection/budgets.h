@@ -1,10 +1,25 @@
-// What the collection from one machine may take of the memory. A machine that strangers made can ask for any amount.
+// How much time and memory the collection from one machine may take. A machine that strangers made can ask for any
+// amount.
 #pragma once
 
+#include <chrono>
 #include <exception>
 #include <string>
 
 #include "command/base/unusable.h"
+
+/// "took longer than 60 s; --timeout SECONDS gives it longer".
+std::string DescribeTimeout(std::chrono::seconds limit);
+
+/// While it lives, the process ends with that status and `line` on standard error when the time is over: the plug-in,
+/// or a file system that does not answer, cannot be asked to stop. One at a time in a process.
+class TTimeLimit {
+ public:
+  TTimeLimit(std::chrono::milliseconds limit, std::string line, int status = 1);
+  ~TTimeLimit();
+  TTimeLimit(const TTimeLimit&) = delete;
+  TTimeLimit& operator=(const TTimeLimit&) = delete;
+};
 
 /// Lets this process map 2 GiB more than it has mapped now, and notes when it has wanted more. Further calls do
 /// nothing.

@@ -1,4 +1,4 @@
-#include "command/machine/maker_names.h"
+#include "command/report/maker_names.h"
 
 #include <gtest/gtest.h>
 

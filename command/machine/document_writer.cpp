@@ -1,11 +1,11 @@
-#include "command/capture/document_text.h"
+#include "command/machine/machine_document.h"
 
 #include <set>
 
 #include "command/base/base64.h"
+#include "command/base/json_writer.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
-#include "command/report/json_writer.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "command/report/json_writer.h"
+#include "command/base/json_writer.h"
 
 #include <gtest/gtest.h>
 #include <utf8.h>

@@ -1,11 +1,9 @@
-#include "command/base/system_failure.h"
+#include "command/base/unusable.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <iterator>
-
-#include "command/base/unusable.h"
 
 namespace {
 

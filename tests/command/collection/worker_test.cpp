@@ -1,4 +1,4 @@
-#include "command/fleet/worker.h"
+#include "command/collection/worker.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>

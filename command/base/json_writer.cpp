@@ -1,4 +1,4 @@
-#include "command/report/json_writer.h"
+#include "command/base/json_writer.h"
 
 #include <algorithm>
 #include <stdexcept>

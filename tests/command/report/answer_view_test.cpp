@@ -1,4 +1,4 @@
-#include "command/report/output_view.h"
+#include "command/report/answer_view.h"
 
 #include <gmock/gmock.h>
 
@@ -54,4 +54,19 @@ TEST(OutputView, ExplainsEachOutputThatIsNotListed) {
   }
   EXPECT_THAT(ExplainUnlisted(answer), ElementsAre("card0-\\x1b (unit 1) is not listed: its EDID is missing",
                                                    "unit 2 is not listed: its EDID is missing"));
+}
+
+TEST(AnswerIdentity, NamesTheSystem) {
+  EXPECT_EQ(ShowSystemName({"ws-17", "", ""}), "ws-17");
+  EXPECT_EQ(ShowSystemName({"ws\x1B", "", ""}), "ws\\x1b");
+  EXPECT_EQ(ShowSystemName({"", "", ""}), "A system without a name");
+}
+
+TEST(AnswerIdentity, SaysWhenAndByWhichVersion) {
+  EXPECT_EQ(DescribeCollection({"ws-17", "2026-11-21T21:30:00Z", "1.4.0"}),
+            "Collected 2026-11-21 21:30:00 UTC, shown by displayinfo 1.4.0");
+}
+
+TEST(AnswerIdentity, SaysNoTimeThatIsNotKnown) {
+  EXPECT_EQ(DescribeCollection({"ws-17", "", "1.4.0"}), "Shown by displayinfo 1.4.0");
 }

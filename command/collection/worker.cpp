@@ -1,4 +1,4 @@
-#include "command/fleet/worker.h"
+#include "command/collection/worker.h"
 
 #include <poll.h>
 #include <sys/prctl.h>
