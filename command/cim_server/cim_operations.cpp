@@ -220,13 +220,14 @@ TNumbers FindInstances(const TCall& call) {
 
 bool IsOpening(const TCall& call) { return call.operation.name[0] == 'O'; }
 
-/// The instance whose associations are asked for.
+/// The instance whose associations are asked for. DSP0200 allows a class in its place, except where an enumeration is
+/// opened.
 std::size_t RequireSource(const TCall& call) {
-  const char* const parameter = IsOpening(call) ? "InstanceName" : "ObjectName";
-  if (call.parameters.IsClass(parameter)) {
+  if (IsOpening(call)) return RequireInstance(call, "InstanceName");
+  if (call.parameters.IsClass("ObjectName")) {
     throw TCimError(kNotSupported, "the associations of a class; name an instance");
   }
-  return RequireInstance(call, parameter);
+  return RequireInstance(call, "ObjectName");
 }
 
 bool IsOfClass(const TCimInstance& instance, const TCimClass* wanted) {

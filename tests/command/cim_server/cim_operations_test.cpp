@@ -306,6 +306,7 @@ TEST_F(Pulling, FollowsAssociations) {
   EXPECT_EQ(Ask("OpenReferenceInstances", one).count("VALUE.INSTANCEWITHPATH"), 1U);
   EXPECT_EQ(Ask("OpenReferenceInstancePaths", one).count("INSTANCEPATH"), 1U);
   EXPECT_EQ(Refuse("OpenAssociatorInstances", {{"ObjectName", kOne}}), 4);
+  EXPECT_EQ(Refuse("OpenAssociatorInstances", {{"InstanceName", kMonitors}}), 4);
 }
 
 TEST_F(Pulling, EndsWhenItIsClosed) {
