@@ -63,24 +63,6 @@ TMachine ChooseMachine(const TOptions& options) {
 /// Looks for the usual one only where none is named.
 std::filesystem::path ChoosePlugin(const TOptions& options) { return options.plugin ? *options.plugin : FindPlugin(); }
 
-bool AsksForMonitors(const TRequest& request) {
-  return std::any_of(request.begin(), request.end(),
-                     [](const std::string& name) { return FindClass(name)->part == EPart::kMonitors; });
-}
-
-/// What the command could not learn, and which outputs are not among the answer's monitors.
-void ShowRemarks(const TAnswer& answer, const std::map<unsigned int, TDamagedEdid>& damagedEdids) {
-  for (const std::string& note : answer.notes) ShowRemark(note);
-  if (!std::any_of(answer.requests.begin(), answer.requests.end(),
-                   [](const TRequestAnswer& request) { return AsksForMonitors(request.classes); })) {
-    return;
-  }
-  for (const TOutput& output : answer.outputs) {
-    // What is wrong with a damaged EDID is among the notes, with its file.
-    if (IsUnlisted(output) && damagedEdids.count(output.unit) == 0) ShowRemark(ExplainUnlisted(output));
-  }
-}
-
 std::string MakeSchemaDocument(ESchemaFormat format) {
   switch (format) {
     case ESchemaFormat::kMof:
@@ -273,7 +255,7 @@ std::string Answer(const TOptions& options) {
   static const TAnswer& answer = *new TAnswer(Collect(machine, ChoosePlugin(options), options.requests, showLog));
   DropPrivileges(true);
   ShowRemark(machine.getBiosFailure());
-  ShowRemarks(answer, machine.damagedEdids);
+  for (const std::string& remark : ListRemarks(machine, answer)) ShowRemark(remark);
   return MakeReport(options, machine, answer);
 }
 

@@ -39,9 +39,8 @@ TRequest MakeRequest() {
 }
 
 /// What the command says of such an answer, a sentence each.
-std::vector<std::string> ListRemarks(const TAnswer& answer) {
-  std::vector<std::string> remarks = answer.notes;
-  for (const std::string& sentence : ExplainUnlisted(answer)) remarks.push_back(sentence);
+std::vector<std::string> ListAllRemarks(const TMachine& machine, const TAnswer& answer) {
+  std::vector<std::string> remarks = ListRemarks(machine, answer);
   for (const TRequestAnswer& request : answer.requests) {
     for (const EPart part : {EPart::kVideo, EPart::kMonitors}) {
       for (const std::string& gap : ExplainGaps(answer, request, part)) remarks.push_back(gap);
@@ -68,7 +67,7 @@ std::string MakeLines(const TServeOptions& options) {
                                            : MakeThisMachine(options.edidSource, options.xconfigSource);
   const TAnswer answer = Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {});
   std::string lines;
-  for (const std::string& remark : ListRemarks(answer)) lines += ToMessage(remark) + "\n";
+  for (const std::string& remark : ListAllRemarks(machine, answer)) lines += ToMessage(remark) + "\n";
   return lines + MakeMachineLine(answer.identity.systemName, answer, ELogPart::kLeftOut,
                                  HasLookAlikes(answer) ? NumberXmlText : nullptr);
 }

@@ -9,6 +9,7 @@
 #include "command/base/version.h"
 #include "command/collection/plugin_library.h"
 #include "command/machine/machine.h"
+#include "embedded_host/schema.h"
 #include "host/exception.h"
 #include "realmode/choose_bios.h"
 
@@ -62,6 +63,11 @@ class TTimeZone {
   bool m_isSet;
 };
 
+bool AsksForMonitors(const TRequestAnswer& request) {
+  return std::any_of(request.classes.begin(), request.classes.end(),
+                     [](const std::string& name) { return FindClass(name)->part == EPart::kMonitors; });
+}
+
 }  // namespace
 
 TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile, const std::vector<TRequest>& requests,
@@ -92,4 +98,14 @@ TAnswer Collect(const TMachine& machine, const std::filesystem::path& pluginFile
   return answer;
 } catch (const NQRXZELT20::TZELTException& exception) {
   throw TUnusable(std::string("the host failed during a request: ") + exception.what());
+}
+
+std::vector<std::string> ListRemarks(const TMachine& machine, const TAnswer& answer) {
+  std::vector<std::string> remarks = answer.notes;
+  if (std::none_of(answer.requests.begin(), answer.requests.end(), AsksForMonitors)) return remarks;
+  for (const TOutput& output : answer.outputs) {
+    // What is wrong with a damaged EDID is among the notes, with its file.
+    if (IsUnlisted(output) && machine.damagedEdids.count(output.unit) == 0) remarks.push_back(ExplainUnlisted(output));
+  }
+  return remarks;
 }

@@ -56,3 +56,8 @@ struct TAnswer {
 /// plug-in cannot be used, or when a failure of the host gets out of a request.
 TAnswer Collect(const TMachine& machine, const std::filesystem::path& plugin, const std::vector<TRequest>& requests,
                 std::function<void(const TLogEntry&)> logListener);
+
+/// What people should know of an answer beside its instances, a sentence each: what the command did without, and, where
+/// a request asked for monitors or their modes, which outputs are not among the monitors and why. `machine`: that was
+/// asked.
+std::vector<std::string> ListRemarks(const TMachine& machine, const TAnswer& answer);

@@ -13,6 +13,7 @@
 using NQRXZELT20::ILogger;
 using testing::ElementsAre;
 using testing::EndsWith;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
@@ -103,6 +104,20 @@ TEST_F(Collection, TellsWhatTheMachineKnowsOfItsOutputsAndItsConfiguration) {
   EXPECT_EQ(answer.outputs[1].reason, "its EDID repeats that of unit 0");
   EXPECT_EQ(answer.xconfigOrigin, "made");
   EXPECT_THAT(answer.notes, ElementsAre("no names"));
+}
+
+TEST_F(Collection, RemarksOnOutputsThatAreNotListedOnlyWhereMonitorsAreAskedFor) {
+  const std::vector<std::uint8_t> edid = TEdidBuilder().Name(0, "A").Build();
+  machine.Edid(0, edid).Edid(1, edid).File("edid/2.bin", "damaged");
+  const TMachine captured = ReadCapturedMachine(machine.GetPath());
+  const auto list = [&](const std::string& name) {
+    return ListRemarks(captured, Collect(captured, PLUGIN_FILE, {{name}}, {}));
+  };
+  const std::string ofDamage = (machine.GetPath() / "edid/2.bin").string();
+  const std::string ofTwin = "unit 1 is not listed: its EDID repeats that of unit 0";
+  EXPECT_THAT(list("QRXSG_VideoHead"), ElementsAre(HasSubstr(ofDamage)));
+  EXPECT_THAT(list("QRXSG_DesktopMonitor"), ElementsAre(HasSubstr(ofDamage), ofTwin));
+  EXPECT_THAT(list("QRXSG_MonitorResolution"), ElementsAre(HasSubstr(ofDamage), ofTwin));
 }
 
 // The command says of each output what the plug-in does with it, without asking it.
