@@ -182,7 +182,7 @@ std::string TWorker::DescribeDeath() {
   // keeps its own status.
   kill(m_process, SIGKILL);
   int status = 0;
-  constexpr int maxLooks = 1000;
+  constexpr int maxLooks = 30'000;  // with the pauses 30 s: on a busy machine it takes long to give back gigabytes
   constexpr useconds_t pause = 1000;
   for (int look = 0; waitpid(m_process, &status, WNOHANG) != m_process; ++look) {
     if (look == maxLooks) return "neither works nor ends";
