@@ -48,11 +48,19 @@ TEST(CimValue, RefusesAnArrayElementOfAnotherType) {
 }
 
 TEST(CimValue, RefusesToBeReadAsAnotherKind) {
-  EXPECT_THROW(TCIMValue("a").GetUnsigned(), TZELTException);
-  EXPECT_THROW(TCIMValue(1U).GetReal(), TZELTException);
-  EXPECT_THROW(TCIMValue().GetBoolean(), TZELTException);
-  EXPECT_THROW(TCIMValue(1U).GetText(), TZELTException);
-  EXPECT_THROW(TCIMValue(1U).GetElements(), TZELTException);
+  const auto refuse = [](const TCIMValue& value, auto read) -> std::string {
+    try {
+      (value.*read)();
+    } catch (const TZELTException& refusal) {
+      return refusal.what();
+    }
+    return "read";
+  };
+  EXPECT_EQ(refuse(TCIMValue("a"), &TCIMValue::GetUnsigned), "the value is not an unsigned integer");
+  EXPECT_EQ(refuse(TCIMValue(1U), &TCIMValue::GetReal), "the value is not a real number");
+  EXPECT_EQ(refuse(TCIMValue(), &TCIMValue::GetBoolean), "the value is not a boolean");
+  EXPECT_EQ(refuse(TCIMValue(1U), &TCIMValue::GetText), "the value is not a text");
+  EXPECT_EQ(refuse(TCIMValue(1U), &TCIMValue::GetElements), "the value is not an array");
 }
 
 TEST(CimDateTime, IsNullUntilItIsSet) {

@@ -51,6 +51,14 @@ int GetError(const std::string& answer) { return GetResponse(Parse(answer)).get(
 
 int Refuse(const std::string& operation, const TGiven& parameters) { return GetError(Answer(operation, parameters)); }
 
+/// The text of what an operation returns.
+std::string CallForText(const std::string& operation, const TGiven& parameters) {
+  const std::string answer = Answer(operation, parameters);
+  const std::string begin = "<IRETURNVALUE>";
+  const std::size_t first = answer.find(begin) + begin.size();
+  return answer.substr(first, answer.find("</IRETURNVALUE>") - first);
+}
+
 /// The DeviceID or SettingID of each of the objects named.
 std::vector<std::string> ListKeys(const ptree& names) {
   std::vector<std::string> keys;
@@ -201,6 +209,50 @@ TEST(CimOperations, SayWhatValuesMean) {
 TEST(CimOperations, DeclareTheQualifiersThatTheClassesUse) {
   EXPECT_EQ(Call("EnumerateQualifiers", {}).size(), 6U);
   EXPECT_EQ(Call("GetQualifier", {{"QualifierName", "key"}}).size(), 1U);
+}
+
+TEST(CimOperations, WriteADeclarationOfAQualifierInFull) {
+  const auto get = [](const char* name) { return CallForText("GetQualifier", {{"QualifierName", name}}); };
+  EXPECT_EQ(get("Key"), R"(<QUALIFIER.DECLARATION NAME="Key" TYPE="boolean" ISARRAY="false" OVERRIDABLE="false">)"
+                        R"(<SCOPE REFERENCE="true" PROPERTY="true"/><VALUE>FALSE</VALUE></QUALIFIER.DECLARATION>)");
+  EXPECT_EQ(get("Description"),
+            R"(<QUALIFIER.DECLARATION NAME="Description" TYPE="string" ISARRAY="false" OVERRIDABLE="true" )"
+            R"(TRANSLATABLE="true"><SCOPE CLASS="true" ASSOCIATION="true" REFERENCE="true" PROPERTY="true" )"
+            R"(METHOD="true" PARAMETER="true" INDICATION="true"/></QUALIFIER.DECLARATION>)");
+  EXPECT_EQ(get("ValueMap"),
+            R"(<QUALIFIER.DECLARATION NAME="ValueMap" TYPE="string" ISARRAY="true" OVERRIDABLE="true">)"
+            R"(<SCOPE PROPERTY="true" METHOD="true" PARAMETER="true"/></QUALIFIER.DECLARATION>)");
+}
+
+TEST(CimOperations, WriteAClassInFull) {
+  EXPECT_EQ(CallForText("GetClass", {{"ClassName", TClassName{"CIM_MonitorResolution"}},
+                                     {"PropertyList", TNames{"SettingID", "RefreshRate", "ScanMode"}}}),
+            R"(<CLASS NAME="CIM_MonitorResolution">)"
+            R"(<QUALIFIER NAME="Description" TYPE="string"><VALUE>A mode of a monitor.</VALUE></QUALIFIER>)"
+            R"(<PROPERTY NAME="SettingID" TYPE="string">)"
+            R"(<QUALIFIER NAME="Key" TYPE="boolean" OVERRIDABLE="false"><VALUE>TRUE</VALUE></QUALIFIER>)"
+            R"(<QUALIFIER NAME="Description" TYPE="string">)"
+            R"(<VALUE>The monitor's DeviceID and the number of the mode.</VALUE></QUALIFIER></PROPERTY>)"
+            R"(<PROPERTY NAME="RefreshRate" TYPE="uint32">)"
+            R"(<QUALIFIER NAME="Units" TYPE="string"><VALUE>Hz</VALUE></QUALIFIER>)"
+            R"(<QUALIFIER NAME="Description" TYPE="string"><VALUE>The field rate.</VALUE></QUALIFIER></PROPERTY>)"
+            R"(<PROPERTY NAME="ScanMode" TYPE="uint16"><QUALIFIER NAME="Description" TYPE="string">)"
+            R"(<VALUE>5 interlaced, 4 not interlaced, 2 unknown; for all of its modes alike.</VALUE></QUALIFIER>)"
+            R"(<QUALIFIER NAME="ValueMap" TYPE="string"><VALUE.ARRAY><VALUE>1</VALUE><VALUE>2</VALUE><VALUE>3</VALUE>)"
+            R"(<VALUE>4</VALUE><VALUE>5</VALUE></VALUE.ARRAY></QUALIFIER>)"
+            R"(<QUALIFIER NAME="Values" TYPE="string" TRANSLATABLE="true"><VALUE.ARRAY><VALUE>Other</VALUE>)"
+            R"(<VALUE>Unknown</VALUE><VALUE>Not Supported</VALUE><VALUE>Non-Interlaced Operation</VALUE>)"
+            R"(<VALUE>Interlaced Operation</VALUE></VALUE.ARRAY></QUALIFIER></PROPERTY></CLASS>)");
+  EXPECT_EQ(
+      CallForText("GetClass", {{"ClassName", TClassName{"DI_OutputMonitor"}}, {"PropertyList", TNames{"Dependent"}}}),
+      R"(<CLASS NAME="DI_OutputMonitor">)"
+      R"(<QUALIFIER NAME="Association" TYPE="boolean" OVERRIDABLE="false"><VALUE>TRUE</VALUE></QUALIFIER>)"
+      R"(<QUALIFIER NAME="Description" TYPE="string">)"
+      R"(<VALUE>Links a monitor to the output that it is connected to.</VALUE></QUALIFIER>)"
+      R"(<PROPERTY.REFERENCE NAME="Dependent" REFERENCECLASS="DI_Output">)"
+      R"(<QUALIFIER NAME="Key" TYPE="boolean" OVERRIDABLE="false"><VALUE>TRUE</VALUE></QUALIFIER>)"
+      R"(<QUALIFIER NAME="Description" TYPE="string"><VALUE>The output.</VALUE></QUALIFIER>)"
+      R"(</PROPERTY.REFERENCE></CLASS>)");
 }
 
 TEST(CimOperations, WriteANumberAmongKeysAsOne) {
@@ -432,7 +484,16 @@ TEST(CimOperations, TellWhyACollectionFailed) {
 }
 
 TEST(CimOperations, NeedInstancesOnlyToShowThem) {
-  EXPECT_TRUE(NeedsInstances(MakeRequest("EnumerateInstances", {{"ClassName", kMonitors}})));
-  EXPECT_FALSE(NeedsInstances(MakeRequest("GetClass", {{"ClassName", kMonitors}})));
-  EXPECT_FALSE(NeedsInstances(MakeRequest("CreateInstance", {})));
+  for (const char* const name :
+       {"EnumerateInstances", "EnumerateInstanceNames", "GetInstance", "GetProperty", "Associators", "AssociatorNames",
+        "References", "ReferenceNames", "OpenEnumerateInstances", "OpenEnumerateInstancePaths",
+        "OpenAssociatorInstances", "OpenAssociatorInstancePaths", "OpenReferenceInstances",
+        "OpenReferenceInstancePaths"}) {
+    EXPECT_TRUE(NeedsInstances(MakeRequest(name, {}))) << name;
+  }
+  for (const char* const name :
+       {"GetClass", "EnumerateClasses", "EnumerateClassNames", "EnumerateQualifiers", "GetQualifier",
+        "PullInstancesWithPath", "PullInstancePaths", "CloseEnumeration", "CreateInstance"}) {
+    EXPECT_FALSE(NeedsInstances(MakeRequest(name, {}))) << name;
+  }
 }

@@ -94,7 +94,8 @@ TEST(CimXmlReader, RefusesOtherDocuments) {
         MakeRequest(R"(<IPARAMVALUE NAME="a"><VALUE.ARRAY><a/></VALUE.ARRAY></IPARAMVALUE>)"),
         MakeRequest(R"(<IPARAMVALUE NAME="a"><INSTANCENAME/></IPARAMVALUE>)"),
         MakeRequest(R"(<IPARAMVALUE NAME="a"><VALUE.REFERENCE/></IPARAMVALUE>)"),
-        Replace(MakeRequest(""), "ID=\"7\"", ""), Replace(MakeRequest(""), "NAMESPACE NAME", "NAMESPACE NOME")}) {
+        Replace(Replace(MakeRequest(""), "<MESSAGE", "<a"), "/MESSAGE", "/a"), Replace(MakeRequest(""), "ID=\"7\"", ""),
+        Replace(MakeRequest(""), "NAMESPACE NAME", "NAMESPACE NOME")}) {
     EXPECT_EQ(Refuse(text), "400 request-not-valid") << text;
   }
 }

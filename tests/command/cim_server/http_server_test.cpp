@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 #include "command/base/descriptor.h"
@@ -91,11 +92,34 @@ class THttpFixture {
   std::thread m_thread;
 };
 
-THttpLimits Within(std::chrono::milliseconds time) {
-  THttpLimits limits;
-  limits.time = time;
-  return limits;
-}
+struct TPipe {
+  TPipe() {
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(pipe(ends), 0);
+    reading = TDescriptor(ends[0]);
+    writing = TDescriptor(ends[1]);
+  }
+
+  TDescriptor reading, writing;
+};
+
+/// How long a server waits for a client, and whether a client that connected later can have been waited for.
+class TPatience {
+ public:
+  explicit TPatience(std::chrono::milliseconds time) : m_time(time) {}
+
+  THttpLimits GetLimits() const {
+    THttpLimits limits;
+    limits.time = m_time;
+    return limits;
+  }
+
+  bool IsOver() const { return std::chrono::steady_clock::now() - m_begin >= m_time; }
+
+ private:
+  std::chrono::milliseconds m_time;
+  std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
+};
 
 std::string GetStatus(const std::string& answer) { return answer.substr(0, answer.find("\r\n")); }
 
@@ -112,7 +136,7 @@ TEST(HttpServer, HandsOverARequestAndItsAnswer) {
 TEST(HttpServer, KeepsAConnectionForMoreRequests) {
   const THttpFixture server;
   TClient client = server.Connect();
-  client.Send(kRequest).ReadUntil("POST:hi");
+  EXPECT_EQ(GetStatus(client.Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
   EXPECT_EQ(GetStatus(client.Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
 }
 
@@ -169,12 +193,15 @@ TEST(HttpServer, RefusesWhatIsNotHttp) {
 }
 
 TEST(HttpServer, CutsOffARequestThatStops) {
-  const THttpFixture server(Within(std::chrono::milliseconds(100)));
+  const TPatience patience(std::chrono::milliseconds(100));
+  const THttpFixture server(patience.GetLimits());
   EXPECT_EQ(server.Connect().Send(kRequest.substr(0, 30)).ReadAll(), "");
+  EXPECT_TRUE(patience.IsOver());
 }
 
 TEST(HttpServer, CutsOffARequestThatDrips) {
-  const THttpFixture server(Within(std::chrono::milliseconds(200)));
+  const TPatience patience(std::chrono::milliseconds(200));
+  const THttpFixture server(patience.GetLimits());
   TClient client = server.Connect();
   client.Send("POST / HTTP/1.1\r\nContent-Length: 60000\r\n\r\n");
   int drips = 0;  // at 20 ms each, they would take 20 minutes
@@ -184,11 +211,14 @@ TEST(HttpServer, CutsOffARequestThatDrips) {
   }
   EXPECT_LT(drips, 59999);
   EXPECT_EQ(client.ReadAll(), "");
+  EXPECT_TRUE(patience.IsOver());
 }
 
 TEST(HttpServer, CutsOffAConnectionWithoutRequests) {
-  const THttpFixture server(Within(std::chrono::milliseconds(100)));
+  const TPatience patience(std::chrono::milliseconds(100));
+  const THttpFixture server(patience.GetLimits());
   EXPECT_EQ(server.Connect().ReadAll(), "");
+  EXPECT_TRUE(patience.IsOver());
 }
 
 TEST(HttpServer, TellsTheConnectionThatIsTooMany) {
@@ -196,10 +226,10 @@ TEST(HttpServer, TellsTheConnectionThatIsTooMany) {
   limits.connections = 2;
   const THttpFixture server(limits);
   TClient first = server.Connect();
-  first.Send(kRequest).ReadUntil("POST:hi");
+  EXPECT_EQ(GetStatus(first.Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
   {
     TClient second = server.Connect();
-    second.Send(kRequest).ReadUntil("POST:hi");
+    EXPECT_EQ(GetStatus(second.Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
     EXPECT_EQ(GetStatus(server.Connect().Send(kRequest).ReadAll()), "HTTP/1.1 503 Service Unavailable");
   }
   EXPECT_EQ(GetStatus(first.Send(kRequest).ReadUntil("POST:hi")), "HTTP/1.1 200 OK");
@@ -267,40 +297,34 @@ TEST(HttpServer, AnswersAClientThatOnlyListensWhenNobodyNeedsItsPlace) {
 
 TEST(HttpServer, WatchesADescriptorAndATimer) {
   THttpServer server(Listen({"127.0.0.1"}, 0));
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const TDescriptor reading(ends[0]);
-  const TDescriptor writing(ends[1]);
+  const TPipe ends;
   std::string heard;
   THttpServer::TTimer timer;
   THttpServer::TTimer destroyed = server.StartTimer(std::chrono::milliseconds(0), [&] { heard += "destroyed"; });
   destroyed.reset();
-  server.WatchOnce(reading.Get(), [&] {
+  server.WatchOnce(ends.reading.Get(), [&] {
     heard += "readable ";
     timer = server.StartTimer(std::chrono::milliseconds(0), [&] {
       heard += "timer";
       server.Stop();
     });
   });
-  ASSERT_EQ(write(writing.Get(), "a", 1), 1);
+  ASSERT_EQ(write(ends.writing.Get(), "a", 1), 1);
   server.Run([](const THttpRequest&, const THttpServer::TReply&) {});
   EXPECT_EQ(heard, "readable timer");
 }
 
 TEST(HttpServer, CallsWheneverThereIsSomethingToRead) {
   THttpServer server(Listen({"127.0.0.1"}, 0));
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const TDescriptor reading(ends[0]);
-  const TDescriptor writing(ends[1]);
+  const TPipe ends;
   std::string heard;
-  server.Watch(reading.Get(), [&] {
+  server.Watch(ends.reading.Get(), [&] {
     char byte = 0;
-    ASSERT_EQ(read(reading.Get(), &byte, 1), 1);
+    ASSERT_EQ(read(ends.reading.Get(), &byte, 1), 1);
     heard += byte;
     if (heard == "ab") server.Stop();
   });
-  ASSERT_EQ(write(writing.Get(), "ab", 2), 2);
+  ASSERT_EQ(write(ends.writing.Get(), "ab", 2), 2);
   server.Run([](const THttpRequest&, const THttpServer::TReply&) {});
   EXPECT_EQ(heard, "ab");
 }
