@@ -7,14 +7,20 @@
 
 namespace edid {
 
-/// A timing in full.
+/// A timing, which the tables have in full.
 struct TTiming {
-  unsigned short width;        // pixels
-  unsigned short height;       // lines of a picture, of both fields when it is interlaced
-  unsigned short totalWidth;   // pixels, with those that are blank
-  unsigned short totalHeight;  // lines of a picture, with those that are blank
-  unsigned int clock;          // kHz
-  bool isInterlaced = false;
+  /// In pixels, lines of a picture, of both fields when it is interlaced, the same with those that are blank, and kHz.
+  constexpr TTiming(unsigned short activeWidth, unsigned short activeHeight, unsigned short totalWidth,
+                    unsigned short totalHeight, unsigned int clock, bool hasFields = false)
+      : width(activeWidth),
+        height(activeHeight),
+        isInterlaced(hasFields),
+        refresh(static_cast<unsigned int>(clock * (hasFields ? 2e6 : 1e6) / (totalWidth * totalHeight) + 0.5)) {}
+
+  unsigned short width;   // pixels
+  unsigned short height;  // lines
+  bool isInterlaced;
+  unsigned int refresh;  // in thousandths of a hertz, of fields when it is interlaced
 };
 
 /// DMT timing n at n - 1 [DMT 1.13, table 2-1].

@@ -1,7 +1,8 @@
 #include "command/collection/output_keys.h"
 
-#include <cstdio>
+#include <charconv>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <type_traits>
 
@@ -19,9 +20,8 @@ TNumber MakeNumber(unsigned int number) { return {std::to_string(number)}; }
 
 /// With `decimals` of them.
 TNumber MakeNumber(double number, int decimals) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, number);
-  return {text};
+  char text[512];  // the largest double has 309 digits
+  return {{text, std::to_chars(text, std::end(text), number, std::chars_format::fixed, decimals).ptr}};
 }
 
 /// With as many decimals as it has, three at most.

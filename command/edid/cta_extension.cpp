@@ -30,7 +30,13 @@ void ReadPreference(TBytes payload, TEdidDraft& draft) {
   for (const std::uint8_t code : payload) draft.modes.Add(edid::FindVic(code), EModeSource::Vic);
 }
 
-void ReadYcbcr420Map(TBytes payload, TEdidDraft& draft) { draft.ycbcr420Maps.push_back(payload); }
+/// A map without bits is about all video codes.
+void ReadYcbcr420Map(TBytes payload, TEdidDraft& draft) {
+  if (payload.GetSize() == 0) draft.ycbcr420Map.set();
+  for (std::size_t index = 0; index < payload.GetSize() * 8; ++index) {
+    if ((payload[index / 8] >> index % 8 & 1U) != 0) draft.ycbcr420Map.set(index);
+  }
+}
 
 // Sound.
 
@@ -76,6 +82,7 @@ TAudioFormat ReadFormat(TBytes descriptor) {
 /// A block that ends within a descriptor is broken.
 void ReadAudio(TBytes payload, TEdidDraft& draft) {
   if (payload.GetSize() % cta::kAudioDescriptorSize != 0) return;
+  draft.facts.audio.reserve(draft.facts.audio.size() + payload.GetSize() / cta::kAudioDescriptorSize);
   for (; payload.GetSize() > 0; payload = payload.From(cta::kAudioDescriptorSize)) {
     TAudioFormat format = ReadFormat(payload);
     if (format.name.empty()) continue;
@@ -84,21 +91,24 @@ void ReadAudio(TBytes payload, TEdidDraft& draft) {
   }
 }
 
-void AddNames(const std::vector<const char*>& names, std::vector<const char*>& known) {
-  for (const char* const name : names) {
-    if (name != nullptr && std::find(known.begin(), known.end(), name) == known.end()) known.push_back(name);
+template <std::size_t kCount>
+void AddNames(const char* const (&names)[kCount], unsigned int bits, std::vector<const char*>& known) {
+  known.reserve(known.size() + std::bitset<kCount>(bits).count());
+  for (std::size_t index = 0; index < kCount; ++index) {
+    const bool isMeant = (bits >> index & 1U) != 0 && names[index] != nullptr;
+    if (isMeant && std::find(known.begin(), known.end(), names[index]) == known.end()) known.push_back(names[index]);
   }
 }
 
 void ReadSpeakers(TBytes payload, TEdidDraft& draft) {
   constexpr std::size_t size = 3;  // bytes
-  if (payload.GetSize() >= size) AddNames(Select(cta::kSpeakers, payload.Number(0, size)), draft.facts.speakers);
+  if (payload.GetSize() >= size) AddNames(cta::kSpeakers, payload.Number(0, size), draft.facts.speakers);
 }
 
 void ReadColorimetry(TBytes payload, TEdidDraft& draft) {
   constexpr std::size_t size = 2;  // bytes
   if (payload.GetSize() < size) return;
-  AddNames(Select(cta::kColorimetries, payload.Number(0, size)), draft.facts.colorimetry);
+  AddNames(cta::kColorimetries, payload.Number(0, size), draft.facts.colorimetry);
 }
 
 // Data blocks by their tags.

@@ -1,6 +1,7 @@
 // What is known of an EDID while its blocks are read, and the readers of the blocks. Each reader adds what it finds.
 #pragma once
 
+#include <bitset>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "command/edid/bytes.h"
 #include "command/edid/edid_facts.h"
 #include "command/edid/mode_list.h"
+#include "edid/cta_layout.h"
 #include "edid/layout.h"
 
 /// Where refresh ranges come from, the one that counts first.
@@ -48,10 +50,10 @@ struct TEdidDraft {
   TImageSize centimetres = {0, 0};
   std::optional<TImageSize> displayIdSize;
 
-  // The video codes in the order in which CTA-861 data blocks list them, and the bits that say which of them work with
-  // YCbCr 4:2:0 too.
+  // The video codes in the order in which CTA-861 data blocks list them, and which of them work with YCbCr 4:2:0 too,
+  // as far as the bits of a data block reach.
   std::vector<unsigned char> videoCodes;
-  std::vector<TBytes> ycbcr420Maps;
+  std::bitset<edid::cta::kSizeBits * 8> ycbcr420Map;
 
   std::optional<ERangeSource> rangeSource;  // of facts.refreshRange
 

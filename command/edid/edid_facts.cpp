@@ -1,5 +1,6 @@
 #include "command/edid/edid_facts.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "command/edid/edid_draft.h"
@@ -37,12 +38,11 @@ void ReadExtensions(TBytes edid, TEdidDraft& draft) {
   }
 }
 
-/// A map without bits is about all video codes.
-void ApplyYcbcr420Map(TBytes map, TEdidDraft& draft) {
-  for (std::size_t index = 0; index < draft.videoCodes.size(); ++index) {
-    const bool isMeant = map.GetSize() == 0 || (map[index / 8] >> index % 8 & 1U) != 0;
-    const edid::TTiming* const timing = isMeant ? edid::FindVic(draft.videoCodes[index]) : nullptr;
-    draft.modes.Add(timing, EModeSource::Vic, ESampling::Ycbcr420);
+void ApplyYcbcr420Map(TEdidDraft& draft) {
+  const std::size_t count = std::min(draft.videoCodes.size(), draft.ycbcr420Map.size());
+  for (std::size_t index = 0; index < count; ++index) {
+    if (!draft.ycbcr420Map[index]) continue;
+    draft.modes.Add(edid::FindVic(draft.videoCodes[index]), EModeSource::Vic, ESampling::Ycbcr420);
   }
 }
 
@@ -72,7 +72,7 @@ TEdidFacts ReadEdidFacts(const std::vector<std::uint8_t>& edid) {
   if (!facts.isVersion1) return std::move(draft.facts);
   ReadBaseBlock(GetBlock(bytes, 0), draft);
   ReadExtensions(bytes, draft);
-  for (const TBytes& map : draft.ycbcr420Maps) ApplyYcbcr420Map(map, draft);
+  ApplyYcbcr420Map(draft);
   facts.modes = draft.modes.Take();
   facts.serial = FindSerial(facts.maker, facts.productCode, facts.serialNumber, facts.serialText);
   DecideImageSize(draft);

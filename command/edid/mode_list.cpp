@@ -7,23 +7,19 @@ namespace {
 constexpr std::size_t kUsualCount = 64;
 constexpr double kDecimals = 1000;
 
-// A mode's place in the order, in two numbers that compare faster than five: its pixels, width and whether it is
-// progressive; its rate in thousandths of a hertz and its source, the best last.
-constexpr unsigned int kWidthBits = 17;
-constexpr unsigned int kSourceBits = 3;
-constexpr std::uint64_t kLastSource = (1U << kSourceBits) - 1;
+// Below the rate of an entry: its sampling, and above that its source.
+constexpr unsigned int kSamplingBits = 3;
+constexpr unsigned int kSourceShift = 2;
+constexpr unsigned int kSourceBits = 7;
+constexpr unsigned int kRateShift = 5;
 
-std::uint64_t GetSizeKey(const TMode& mode) {
-  const std::uint64_t pixels = std::uint64_t{mode.width} * mode.height;
-  return (pixels << kWidthBits | mode.width) << 1 | (mode.isInterlaced ? 0U : 1U);
+/// The most that there can be, 65,536 x 65,536, is one too many for 32 bits.
+std::uint32_t CountPixels(unsigned int width, unsigned int height) {
+  const std::uint64_t pixels = std::uint64_t{width} * height;
+  return pixels >> 32 != 0 ? 0xFFFFFFFF : static_cast<std::uint32_t>(pixels);
 }
 
-std::uint64_t GetRateKey(const TMode& mode, EModeSource source) {
-  const auto rate = static_cast<std::uint64_t>(mode.refresh * kDecimals + 0.5);
-  return rate << kSourceBits | (kLastSource - static_cast<unsigned int>(source));
-}
-
-EYcbcr420 Describe(unsigned int samplings) {
+EYcbcr420 Describe(std::uint64_t samplings) {
   constexpr EYcbcr420 descriptions[] = {EYcbcr420::No, EYcbcr420::No, EYcbcr420::Only, EYcbcr420::Also};
   return descriptions[samplings];
 }
@@ -34,34 +30,47 @@ TModeList::TModeList() { m_entries.reserve(kUsualCount); }
 
 void TModeList::Add(const TMode& mode, EModeSource source, ESampling sampling) {
   if (mode.width == 0 || mode.height == 0 || mode.refresh == 0) return;
-  m_entries.push_back({GetSizeKey(mode), GetRateKey(mode, source), mode.height, static_cast<unsigned int>(sampling)});
+  const auto rate = static_cast<std::uint64_t>(mode.refresh * kDecimals + 0.5);
+  Add(mode.width, mode.height, mode.isInterlaced, rate, source, sampling);
 }
 
 void TModeList::Add(const edid::TTiming* timing, EModeSource source, ESampling sampling) {
-  if (timing != nullptr) Add(::MakeMode(*timing), source, sampling);
+  if (timing == nullptr) return;
+  Add(timing->width, timing->height, timing->isInterlaced, timing->refresh, source, sampling);
 }
 
-TMode TModeList::MakeMode(const TEntry& entry) {
-  const auto width = static_cast<unsigned int>(entry.sizeKey >> 1 & ((1U << kWidthBits) - 1));
-  const double refresh = static_cast<double>(entry.rateKey >> kSourceBits) / kDecimals;
-  return {width, entry.height, refresh, (entry.sizeKey & 1U) == 0};
+void TModeList::Add(unsigned int width, unsigned int height, bool isInterlaced, std::uint64_t rate, EModeSource source,
+                    ESampling sampling) {
+  m_entries.push_back({CountPixels(width, height), width << 1 | (isInterlaced ? 0U : 1U),
+                       rate << kRateShift | (kSourceBits - static_cast<unsigned int>(source)) << kSourceShift |
+                           static_cast<unsigned int>(sampling),
+                       height});
+}
+
+bool TModeList::TEntry::IsSameMode(const TEntry& other) const {
+  return pixels == other.pixels && shape == other.shape && rate >> kRateShift == other.rate >> kRateShift;
+}
+
+bool TModeList::TEntry::ComesBefore(const TEntry& other) const {
+  if (pixels != other.pixels) return pixels > other.pixels;
+  return shape != other.shape ? shape > other.shape : rate > other.rate;
+}
+
+TMode TModeList::TEntry::MakeMode() const {
+  return {shape >> 1, height, static_cast<double>(rate >> kRateShift) / kDecimals, (shape & 1U) == 0};
 }
 
 std::vector<TListedMode> TModeList::Take() {
-  std::sort(m_entries.begin(), m_entries.end(), [](const TEntry& left, const TEntry& right) {
-    return left.sizeKey != right.sizeKey ? left.sizeKey > right.sizeKey : left.rateKey > right.rateKey;
-  });
+  std::sort(m_entries.begin(), m_entries.end(),
+            [](const TEntry& left, const TEntry& right) { return left.ComesBefore(right); });
   std::vector<TListedMode> modes;
   modes.reserve(m_entries.size());
   for (auto entry = m_entries.begin(); entry != m_entries.end();) {
     const auto first = entry;
-    const auto isSame = [&] {
-      return entry->sizeKey == first->sizeKey && entry->rateKey >> kSourceBits == first->rateKey >> kSourceBits;
-    };
-    unsigned int samplings = 0;
-    for (; entry != m_entries.end() && isSame(); ++entry) samplings |= entry->samplings;
-    const auto source = static_cast<EModeSource>(kLastSource - (first->rateKey & kLastSource));
-    modes.push_back({MakeMode(*first), source, Describe(samplings)});
+    std::uint64_t samplings = 0;
+    for (; entry != m_entries.end() && entry->IsSameMode(*first); ++entry) samplings |= entry->rate & kSamplingBits;
+    const auto source = static_cast<EModeSource>(kSourceBits - (first->rate >> kSourceShift & kSourceBits));
+    modes.push_back({first->MakeMode(), source, Describe(samplings)});
   }
   m_entries.clear();
   return modes;
@@ -74,9 +83,4 @@ TMode MakeMode(unsigned int width, unsigned int height, double clock, double tot
   const double rate = total > 0 ? clock * hertz / total : 0;
   return {width, height, static_cast<double>(static_cast<std::uint64_t>(rate * kDecimals + 0.5)) / kDecimals,
           isInterlaced};
-}
-
-TMode MakeMode(const edid::TTiming& timing) {
-  const double fieldLines = timing.isInterlaced ? timing.totalHeight / 2.0 : timing.totalHeight;
-  return MakeMode(timing.width, timing.height, timing.clock, timing.totalWidth, fieldLines, timing.isInterlaced);
 }

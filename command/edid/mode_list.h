@@ -23,14 +23,21 @@ class TModeList {
   std::vector<TListedMode> Take();
 
  private:
+  /// A mode as numbers that compare fast, since sorting is up to half of what it takes to read an EDID.
   struct TEntry {
-    std::uint64_t sizeKey;
-    std::uint64_t rateKey;
-    unsigned int height;
-    unsigned int samplings;  // bits of ESampling
+    bool IsSameMode(const TEntry& other) const;
+    bool ComesBefore(const TEntry& other) const;
+    TMode MakeMode() const;
+
+    std::uint32_t pixels;
+    std::uint32_t shape;  // its width, and in the lowest bit whether it is progressive
+    std::uint64_t rate;   // in thousandths of a hertz, and below it its source, the best the highest, and sampling
+    std::uint32_t height;
   };
 
-  static TMode MakeMode(const TEntry& entry);
+  /// `rate`: in thousandths of a hertz.
+  void Add(unsigned int width, unsigned int height, bool isInterlaced, std::uint64_t rate, EModeSource source,
+           ESampling sampling);
 
   std::vector<TEntry> m_entries;
 };
@@ -39,5 +46,3 @@ class TModeList {
 /// have a half one when it is interlaced. The rate is 0 when a total is.
 TMode MakeMode(unsigned int width, unsigned int height, double clock, double totalWidth, double fieldLines,
                bool isInterlaced);
-
-TMode MakeMode(const edid::TTiming& timing);
