@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "command/base/text_encoding.h"
+#include "command/edid/identity.h"
 #include "command/report/answer_view.h"
 
 namespace {
@@ -52,6 +53,12 @@ const TInstanceView* FindMonitor(const TViews& views, const std::string& id) {
   return nullptr;
 }
 
+/// The same on every machine: without the place of one that only that tells apart.
+std::string IdentifyByNumber(const TOutput& output) {
+  if (!output.facts || !output.facts->isVersion1 || !output.facts->serial) return std::string();
+  return ToPrintable(Identify({*output.facts, output.edid}).text);
+}
+
 TMonitorSummary SummarizeMonitor(const TOutput& output, const TViews& views, const TMakerNames& makers) {
   TMonitorSummary monitor;
   if (output.deviceId) {
@@ -61,6 +68,7 @@ TMonitorSummary SummarizeMonitor(const TOutput& output, const TViews& views, con
   }
   monitor.connector = ToPrintable(output.connector);
   Shorten(monitor.connector);
+  monitor.identity = IdentifyByNumber(output);
   monitor.facts = DescribeMonitor(&output, output.deviceId ? FindMonitor(views, *output.deviceId) : nullptr, makers);
   if (!output.facts || !output.facts->made) return monitor;
   monitor.year = output.facts->made->year;

@@ -13,6 +13,7 @@ struct TMonitorSummary {
   std::string id;         // under which the plug-in reports it: "Monitor 1"; empty when it does not
   std::string notListed;  // why the plug-in does not report it; empty when it does
   std::string connector;  // that its EDID was read from
+  std::string identity;   // wherever it hangs, made of its serial number; empty when it has none
   TMonitorFacts facts;
   unsigned int year = 0;  // of the manufacture or of the model; 0 when that is not known
   unsigned int week = 0;  // of the manufacture; 0 when that is not known

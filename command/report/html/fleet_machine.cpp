@@ -49,6 +49,7 @@ std::string WriteFleetMachine(const TMachineSummary& machine) {
     WriteMember(line, "maker", monitor.facts.GetMaker());
     WriteMember(line, "model", NameModel(monitor.facts));
     WriteMember(line, "serialNumber", monitor.facts.serialNumber);
+    WriteMember(line, "identity", monitor.identity);
     WriteMember(line, "made", monitor.facts.made);
     WriteMember(line, "largestMode", monitor.facts.largestMode);
     WriteMember(line, "connector", monitor.connector);
@@ -69,9 +70,9 @@ TFleetMachine ReadFleetMachine(std::string_view line) {
   machine.controllers = members["controllers"].get<std::vector<std::string>>();
   machine.problems = members["problems"].get<std::vector<std::string>>();
   for (const json& monitor : members["monitors"]) {
-    machine.monitors.push_back({monitor["maker"], monitor["model"], monitor["serialNumber"], monitor["made"],
-                                monitor["largestMode"], monitor["connector"], monitor["isListed"] == 1, monitor["year"],
-                                monitor["week"]});
+    machine.monitors.push_back({monitor["maker"], monitor["model"], monitor["serialNumber"], monitor["identity"],
+                                monitor["made"], monitor["largestMode"], monitor["connector"], monitor["isListed"] == 1,
+                                monitor["year"], monitor["week"]});
   }
   machine.monitors.shrink_to_fit();
   return machine;

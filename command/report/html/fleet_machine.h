@@ -8,7 +8,7 @@
 #include "command/report/machine_summary.h"
 
 struct TFleetMonitor {
-  std::string maker, model, serialNumber, made, largestMode, connector;
+  std::string maker, model, serialNumber, identity, made, largestMode, connector;
   bool isListed;            // by the plug-in
   unsigned int year, week;  // 0 when not known
 };

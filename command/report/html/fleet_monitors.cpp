@@ -1,6 +1,7 @@
 #include "command/report/html/fleet_monitors.h"
 
 #include <algorithm>
+#include <iterator>
 #include <tuple>
 
 #include "command/report/html/html_page.h"
@@ -10,6 +11,15 @@ namespace {
 /// By year, unknown ones last; by week within a year.
 std::tuple<bool, unsigned int, unsigned int> GetAgeKey(const TFleetMonitor& monitor) {
   return {monitor.year == 0, monitor.year, monitor.week};
+}
+
+/// Erases the groups of one machine.
+template <typename TGroups>
+void KeepThoseOfSeveral(TGroups& groups) {
+  for (auto group = groups.begin(); group != groups.end();) {
+    const auto& machines = group->second;
+    group = machines.front() == machines.back() ? groups.erase(group) : std::next(group);
+  }
 }
 
 }  // namespace
@@ -22,8 +32,10 @@ TFleetMonitors::TFleetMonitors(const std::deque<TFleetMachine>& machines, const 
       const TFleetMonitor& which = machines[machine].monitors[monitor];
       m_models[{which.maker, which.model}].push_back(machine);
       m_modes[{"", which.largestMode.empty() ? "not known" : which.largestMode}].push_back(machine);
+      if (!which.identity.empty()) m_doubtful[GetNumber(which)].push_back(machine);
     }
   }
+  KeepThoseOfSeveral(m_doubtful);
   std::stable_sort(m_byAge.begin(), m_byAge.end(), [this](const TPlace& left, const TPlace& right) {
     return GetAgeKey(Get(left)) < GetAgeKey(Get(right));
   });
@@ -77,6 +89,13 @@ void TFleetMonitors::PutModels(THtmlPieces& page) const {
 void TFleetMonitors::PutModes(THtmlPieces& page) const {
   page.Put(MakeHeading(2, "By largest mode", kModes));
   PutGroups(page, m_modes, {"Largest mode"});
+}
+
+void TFleetMonitors::PutDoubtful(THtmlPieces& page) const {
+  page.Put(MakeHeading(2, "Doubtful serial numbers", kDoubtful));
+  if (m_doubtful.empty()) return page.Put(MakeElement("p", "None: no serial number is that of several machines."));
+  page.Put(MakeElement("p", "Each is that of monitors of several machines."));
+  PutGroups(page, m_doubtful, {"Identity", "Serial number"});
 }
 
 void TFleetMonitors::PutGroups(THtmlPieces& page, const TGroups& groups,

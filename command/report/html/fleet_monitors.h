@@ -1,4 +1,5 @@
-// The monitors of many machines in the orders that people ask for: by age, by model and by largest mode.
+// The monitors of many machines in the orders that people ask for: by age, by model and by largest mode; and those
+// whose serial numbers are doubtful.
 #pragma once
 
 #include <cstddef>
@@ -18,6 +19,7 @@ class TFleetMonitors {
   static constexpr const char* kAges = "ages";
   static constexpr const char* kModels = "models";
   static constexpr const char* kModes = "modes";
+  static constexpr const char* kDoubtful = "doubtful";
 
   /// `machines` and `links`: of the page, which must outlive this.
   TFleetMonitors(const std::deque<TFleetMachine>& machines, const TFleetLinks& links);
@@ -25,6 +27,10 @@ class TFleetMonitors {
   std::size_t CountMonitors() const { return m_byAge.size(); }
   std::size_t CountUndated() const;
   std::size_t CountModels() const { return m_models.size(); }
+  std::size_t CountDoubtful() const { return m_doubtful.size(); }
+
+  /// True when several machines have a monitor of its serial number.
+  bool IsDoubtful(const TFleetMonitor& monitor) const { return m_doubtful.count(GetNumber(monitor)) != 0; }
 
   /// The oldest first, under the names of the years.
   void PutAges(THtmlPieces& page) const;
@@ -32,6 +38,9 @@ class TFleetMonitors {
   /// The most frequent first, each with the machines that have it.
   void PutModels(THtmlPieces& page) const;
   void PutModes(THtmlPieces& page) const;
+
+  /// The serial numbers that several machines have.
+  void PutDoubtful(THtmlPieces& page) const;
 
  private:
   /// Machine and monitor by their positions.
@@ -45,6 +54,7 @@ class TFleetMonitors {
   typedef TGroups::value_type TGroup;
 
   const TFleetMonitor& Get(const TPlace& place) const { return m_machines[place.machine].monitors[place.monitor]; }
+  static TGroups::key_type GetNumber(const TFleetMonitor& monitor) { return {monitor.identity, monitor.serialNumber}; }
   TMarkup MakeYear(TPlaceIterator first, TPlaceIterator last) const;
   /// `columns`: the names of the texts of a group.
   void PutGroups(THtmlPieces& page, const TGroups& groups, const std::vector<const char*>& columns) const;
@@ -53,6 +63,7 @@ class TFleetMonitors {
   const std::deque<TFleetMachine>& m_machines;
   const TFleetLinks& m_links;
   std::vector<TPlace> m_byAge;
-  TGroups m_models;  // by maker and model
-  TGroups m_modes;   // by largest mode
+  TGroups m_models;    // by maker and model
+  TGroups m_modes;     // by largest mode
+  TGroups m_doubtful;  // by identity and serial number
 };

@@ -49,23 +49,29 @@ TMarkup MakeContents() {
                                  MakeEntry(kProblems, "Machines with problems") + MakeEntry(kMachines, "By machine") +
                                      MakeEntry(TFleetMonitors::kAges, "By age of monitor") +
                                      MakeEntry(TFleetMonitors::kModels, "By model") +
-                                     MakeEntry(TFleetMonitors::kModes, "By largest mode")));
+                                     MakeEntry(TFleetMonitors::kModes, "By largest mode") +
+                                     MakeEntry(TFleetMonitors::kDoubtful, "Doubtful serial numbers")));
 }
 
-std::string DescribeMonitor(const TFleetMonitor& monitor) {
+std::string DescribeSerial(const TFleetMonitor& monitor, bool isDoubtful) {
+  if (monitor.serialNumber.empty()) return "no serial";
+  return (isDoubtful ? "doubtful serial " : "serial ") + monitor.serialNumber;
+}
+
+std::string DescribeMonitor(const TFleetMonitor& monitor, bool isDoubtful) {
   return monitor.maker + (monitor.maker.empty() ? "" : " ") +
          JoinTexts({monitor.model, monitor.largestMode, monitor.connector, monitor.isListed ? "" : "not listed",
-                    monitor.serialNumber.empty() ? "no serial" : "serial " + monitor.serialNumber,
+                    DescribeSerial(monitor, isDoubtful),
                     monitor.year == 0 ? "year not known" : std::to_string(monitor.year)});
 }
 
 /// The sections of machines, in the order of the list.
 class TFleetSections {
  public:
-  TFleetSections(const std::deque<TFleetMachine>& machines, const TFleetLinks& links)
-      : m_machines(machines), m_links(links) {}
+  TFleetSections(const std::deque<TFleetMachine>& machines, const TFleetMonitors& monitors, const TFleetLinks& links)
+      : m_machines(machines), m_monitors(monitors), m_links(links) {}
 
-  TMarkup MakeCounts(const TFleetMonitors& monitors) const {
+  TMarkup MakeCounts() const {
     const std::size_t answered = Count([](const TFleetMachine& machine) { return machine.hasAnswered; });
     const auto hasNone = [](const TFleetMachine& machine) { return machine.hasAnswered && machine.monitors.empty(); };
     return MakeElement("ul", "counts",
@@ -74,9 +80,10 @@ class TFleetSections {
                            MakeCount(m_machines.size() - answered, "could not be asked", kProblems) +
                            MakeCount(Count(HasProblems), "with problems", kProblems) +
                            MakeCount(Count(hasNone), "without a monitor", kMachines) +
-                           MakeCount(monitors.CountMonitors(), "monitors", TFleetMonitors::kAges) +
-                           MakeCount(monitors.CountModels(), "models of monitors", TFleetMonitors::kModels) +
-                           MakeCount(monitors.CountUndated(), "monitors of unknown year", TFleetMonitors::kAges));
+                           MakeCount(m_monitors.CountMonitors(), "monitors", TFleetMonitors::kAges) +
+                           MakeCount(m_monitors.CountModels(), "models of monitors", TFleetMonitors::kModels) +
+                           MakeCount(m_monitors.CountUndated(), "monitors of unknown year", TFleetMonitors::kAges) +
+                           MakeCount(m_monitors.CountDoubtful(), "doubtful serial numbers", TFleetMonitors::kDoubtful));
   }
 
   void PutProblems(THtmlPieces& page) const {
@@ -122,7 +129,9 @@ class TFleetSections {
     const std::vector<std::string> nothing = {machine.hasAnswered ? "none" : "not known"};
     std::vector<std::string> monitors;
     monitors.reserve(machine.monitors.size());
-    for (const TFleetMonitor& monitor : machine.monitors) monitors.push_back(DescribeMonitor(monitor));
+    for (const TFleetMonitor& monitor : machine.monitors) {
+      monitors.push_back(DescribeMonitor(monitor, m_monitors.IsDoubtful(monitor)));
+    }
     return TMarkup::Element("tr", {{"id", TFleetLinks::MakeId(position)}},
                             MakeRowName(DescribeMachine(position)) +
                                 MakeTexts("Controllers", machine.controllers.empty() ? nothing : machine.controllers) +
@@ -143,6 +152,7 @@ class TFleetSections {
   }
 
   const std::deque<TFleetMachine>& m_machines;
+  const TFleetMonitors& m_monitors;
   const TFleetLinks& m_links;
 };
 
@@ -160,8 +170,8 @@ void TFleetPage::Take(const std::string& lines) {
 void TFleetPage::Write(const std::string& made, bool isWhole,
                        const std::function<bool(const std::string&)>& write) const {
   const TFleetLinks links(m_machines);
-  const TFleetSections machines(m_machines, links);
   const TFleetMonitors monitors(m_machines, links);
+  const TFleetSections machines(m_machines, monitors, links);
   const std::string title = CountNouns(m_machines.size(), "machine");
   const std::string making = "Made " + ShowUtcTime(made) + ", by displayinfo " + kCommandVersion;
   const auto [begin, end] = Part(MakeHtmlPage(title + " \u2013 " + making, {}, kFleetStyle), "</main>");
@@ -172,12 +182,13 @@ void TFleetPage::Write(const std::string& made, bool isWhole,
   if (!links.GetFolder().empty()) {
     page.Put(MakeElement("p", "soft", "All of them are in " + Shorten(links.GetFolder(), kMachineColumns)));
   }
-  page.Put(machines.MakeCounts(monitors) + MakeContents());
+  page.Put(machines.MakeCounts() + MakeContents());
   machines.PutProblems(page);
   machines.PutMachines(page);
   monitors.PutAges(page);
   monitors.PutModels(page);
   monitors.PutModes(page);
+  monitors.PutDoubtful(page);
   page.Put(end);
   page.Flush();
 }

@@ -7,6 +7,7 @@
 
 using NQRXZELT20::TCIMValue;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -73,6 +74,16 @@ TEST_F(MachineSummary, HasWhatThePlugInTellsOfAMonitorWhereItsEdidTellsNothing) 
 TEST_F(MachineSummary, KnowsNoYearThatTheEdidDoesNotTell) {
   AddMonitor(TEdidBuilder().Build());
   EXPECT_EQ(Make().monitors.at(0).year, 0U);
+}
+
+TEST_F(MachineSummary, IdentifiesMonitorsThatHaveASerialNumberWhereverTheyHang) {
+  AddMonitor(TEdidBuilder().Serial(0, "A").Build());
+  AddMonitor(TEdidBuilder().Serial(0, "A").Build());
+  AddMonitor(TEdidBuilder().Build());
+  const std::vector<TMonitorSummary> monitors = Make().monitors;
+  EXPECT_THAT(monitors[0].identity, EndsWith("-A"));
+  EXPECT_EQ(monitors[1].identity, monitors[0].identity);
+  EXPECT_EQ(monitors[2].identity, "");
 }
 
 TEST_F(MachineSummary, HasTheMonitorsThatStandForNoOutput) {

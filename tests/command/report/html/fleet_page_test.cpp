@@ -114,7 +114,30 @@ TEST_F(FleetPage, CountsMachinesAndMonitors) {
                                                                    {"without a monitor", "1"},
                                                                    {"monitors", "3"},
                                                                    {"models of monitors", "2"},
-                                                                   {"monitors of unknown year", "1"}}));
+                                                                   {"monitors of unknown year", "1"},
+                                                                   {"doubtful serial numbers", "0"}}));
+}
+
+TEST_F(FleetPage, SaysWhichSerialNumbersSeveralMachinesHave) {
+  const auto makeMonitor = [](const std::string& identity, const std::string& serial) {
+    TMonitorSummary monitor = MakeMonitor("ACM", "A", 2008);
+    monitor.identity = identity;
+    monitor.facts.serialNumber = serial;
+    return monitor;
+  };
+  // Another model may have the same number, and one machine two monitors that only their connectors tell apart.
+  Add("a", {makeMonitor("ACM-1-S1", "S1"), makeMonitor("ACM-1-S1", "S1"), makeMonitor("", "")});
+  Add("b", {makeMonitor("ACM-2-S1", "S1"), makeMonitor("ACM-2-S1", "S1"), makeMonitor("", "")});
+  Add("c", {makeMonitor("ACM-1-S1", "S1"), makeMonitor("", "")});
+  EXPECT_EQ(GetCounts(Make())["doubtful serial numbers"], "1");
+  EXPECT_THAT(GetRows(MakeSection("doubtful")), ElementsAre("ACM-1-S1|S1|3|a (2), c"));
+  EXPECT_THAT(GetRows(MakeSection("machines"))[2], HasSubstr("ACM A, doubtful serial S1, 2008"));
+  EXPECT_THAT(GetRows(MakeSection("machines"))[1], HasSubstr("ACM A, serial S1, 2008"));
+}
+
+TEST_F(FleetPage, SaysWhenNoSerialNumberIsDoubtful) {
+  Add("a", {MakeMonitor("ACM", "A")});
+  EXPECT_THAT(MakeSection("doubtful"), HasSubstr("<p>None: no serial number is that of several machines.</p>"));
 }
 
 TEST_F(FleetPage, HasARowForEachMachineInTheOrderOfTheList) {
@@ -176,7 +199,7 @@ TEST_F(FleetPage, HasAPlaceForEachLink) {
   const std::set<std::string> places(ids.begin(), ids.end());
   EXPECT_EQ(places.size(), ids.size());
   const std::vector<std::string> links = FindAll(text, " href=\"#([^\"]*)\"");
-  EXPECT_EQ(links.size(), 8U + 5U + 1U + 2U + 2U + 2U);
+  EXPECT_EQ(links.size(), 9U + 6U + 1U + 2U + 2U + 2U);
   for (const std::string& link : links) EXPECT_EQ(places.count(link), 1U) << link;
   EXPECT_THAT(MakeSection("problems"), HasSubstr("<a href=\"#machine-3\">c</a>"));
   EXPECT_THAT(MakeSection("machines"), HasSubstr("<tr id=\"machine-3\"><th scope=\"row\">c"));
@@ -286,5 +309,5 @@ TEST_F(FleetPage, NamesItsColumnsForReadersOfEveryKind) {
   const std::string text = Make();
   EXPECT_EQ(FindAll(text, "(<table>)").size(), 5U);
   EXPECT_EQ(FindAll(text, "<table><caption>([^<]+)</caption>\n<thead><tr><th scope=\"col\">").size(), 5U);
-  EXPECT_THAT(FindAll(text, "<h([0-9])"), ElementsAre("1", "2", "2", "2", "2", "2"));
+  EXPECT_THAT(FindAll(text, "<h([0-9])"), ElementsAre("1", "2", "2", "2", "2", "2", "2"));
 }
