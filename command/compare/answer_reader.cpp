@@ -51,8 +51,8 @@ class TAnswerWalk : public nlohmann::json_sax<json> {
     frame.key = name;
     if (frame.node == nullptr) return true;
     if (!frame.seen.insert(name).second) Fail("is there twice");
-    // A captured machine has none of an answer's keys, but another reader.
-    m_answer.isCapturedMachine = m_frames.size() == 1 && name == "captured";
+    // A captured machine, or the inventory of one, has none of an answer's keys, but another reader.
+    m_answer.isCapturedMachine = m_frames.size() == 1 && (name == "captured" || name == "content");
     return !m_answer.isCapturedMachine;
   }
 

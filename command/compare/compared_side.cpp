@@ -14,14 +14,20 @@ bool BeginsWith(const std::string& text, const std::string& beginning) {
   return text.compare(0, beginning.size(), beginning) == 0;
 }
 
+/// Whether a file with that beginning may be JSON, as every answer is. Else only a captured machine is left.
+bool MayBeAnswer(const std::string& beginning) {
+  const std::size_t first = beginning.find_first_not_of(" \t\r\n");
+  return first == std::string::npos || beginning[first] == '{';
+}
+
 /// Whether the first line of a file is one of many, and not the beginning of an indented document. A line that was cut
 /// off is one too.
 bool IsWholeLine(const std::string& line) { return BeginsWith(line, "{\"machine\":") || nlohmann::json::accept(line); }
 
-void RequirePlain(const std::string& line, const std::string& name) {
+void RequirePlain(const std::string& text, const std::string& name) {
   constexpr const char* packed[] = {"\x1F\x8B", "\xFD\x37zXZ", "BZh", "\x28\xB5\x2F\xFD"};
   for (const char* const beginning : packed) {
-    if (!BeginsWith(line, beginning)) continue;
+    if (!BeginsWith(text, beginning)) continue;
     throw TUnusable(name +
                     ": is compressed, and compare reads plain files; give it - and the unpacked text, as in "
                     "zcat FILE | displayinfo compare OLD -");
@@ -52,9 +58,10 @@ void TComparedSide::LoseBytes() { m_next->answer = AsWritten(std::move(m_next->a
 void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
   TLineFile file(path);
   const std::string name = file.GetName();
+  RequirePlain(file.GetBeginning(), name);
+  if (!MayBeAnswer(file.GetBeginning())) return AskMachine(file.TakeRest(), name, ask);
   std::optional<std::string> first = file.TakeLine();
   if (!first) throw TUnusable(name + ": is empty, so there is nothing to compare");
-  RequirePlain(*first, name);
   std::string text = std::move(*first);
   const bool isLine = IsWholeLine(text);
   // The lines before are empty, and they count in what the parser says of a place.
@@ -65,8 +72,7 @@ void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
     if (isLine && file.TakeLine()) {
       throw TUnusable(place + ": is a captured machine, after which nothing may follow");
     }
-    m_hasBytes = true;
-    answer = ask(name, [&] { return ReadCapturedText(text, name); });
+    return AskMachine(text, name, ask);
   }
   m_hasNames = answer.machine.has_value();
   const std::string machine = answer.machine.value_or(name);
@@ -76,6 +82,11 @@ void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
   if (m_hasNames) return;
   if (m_lines->TakeLine()) throw TUnusable(place + ": names no \"machine\", which each of several lines does");
   m_lines.reset();
+}
+
+void TComparedSide::AskMachine(const std::string& text, const std::string& name, const TAsk& ask) {
+  m_hasBytes = true;
+  m_next = {name, ask(name, [&] { return ReadCapturedText(text, name); })};
 }
 
 void TComparedSide::TakeLine() {

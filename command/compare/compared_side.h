@@ -41,6 +41,7 @@ class TComparedSide {
 
  private:
   void ReadFile(const std::filesystem::path& path, const TAsk& ask);
+  void AskMachine(const std::string& text, const std::string& name, const TAsk& ask);
   void TakeLine();
 
   bool m_hasNames = false;

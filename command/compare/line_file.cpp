@@ -33,6 +33,11 @@ TLineFile::TLineFile(const fs::path& path)
   if (!m_file.IsOpen()) Fail(m_name);
 }
 
+const std::string& TLineFile::GetBeginning() {
+  if (m_piece.empty()) ReadMore();
+  return m_piece;
+}
+
 std::optional<std::string> TLineFile::TakeLine() {
   std::string line;
   while (m_next != m_piece.size() || ReadMore()) {

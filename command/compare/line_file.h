@@ -20,6 +20,9 @@ class TLineFile {
   /// How messages call it.
   const std::string& GetName() const { return m_name; }
 
+  /// What it begins with; empty for an empty file. To be asked for before anything is taken.
+  const std::string& GetBeginning();
+
   /// The next line that is not empty, without its end; nothing at the end of the file.
   std::optional<std::string> TakeLine();
 

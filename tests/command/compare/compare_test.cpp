@@ -135,6 +135,27 @@ TEST_F(Comparison, AsksACapturedMachineThatIsOneFile) {
   EXPECT_THAT(Run("old.json new").output, HasSubstr("Controller came: Card (PCI:1:0:0)\n"));
 }
 
+TEST_F(Comparison, ReadsFilesInWhichOtherProgramsHaveWrittenEdidsDown) {
+  const std::vector<std::uint8_t> edid = MakeEdid("Wide", "S2");
+  const std::string bytes(edid.begin(), edid.end());
+  folder.Write("old.edid", bytes);
+  folder.Write("base64.json",
+               R"({"action": "inventory", "content": {"monitors": [{"base64": ")" + EncodeBase64(bytes) + "\"}]}}\n");
+  RunIn("od -An -v -tx1 old.edid | tr -d ' \\n' >bare.hex; od -An -v -tx1 old.edid >blanks.hex");
+  for (const char* const same : {"old.edid", "base64.json", "bare.hex", "blanks.hex"}) {
+    const TProcessResult result = Run("old.edid " + std::string(same));
+    EXPECT_EQ(result.output, "1 machine: 1 equal.\n") << same << '\n' << result.errors;
+    EXPECT_EQ(Run(std::string(same) + " - <old.edid").output, "1 machine: 1 equal.\n") << same;
+  }
+  const std::vector<std::uint8_t> other = MakeEdid("A190", "S1");
+  folder.Write("new.edid", std::string(other.begin(), other.end()));
+  EXPECT_EQ(Run("old.edid new.edid").output,
+            "new.edid\n"
+            "  Monitor came: A190 (ACM, product 0, serial S1, Monitor 1)\n"
+            "  Monitor gone: Wide (ACM, product 0, serial S2, Monitor 1)\n"
+            "1 machine: 1 changed.\n");
+}
+
 TEST_F(Comparison, ReadsEitherFromStandardInput) {
   RunIn(kCommand + " --machine old --format json >answer.json");
   EXPECT_THAT(Run("- new <answer.json").output, HasSubstr("Monitor gone: A190"));
@@ -343,6 +364,8 @@ TEST_F(Comparison, CannotCompareWhatItCannotRead) {
   ExpectUnusable("nowhere old", "nowhere: cannot be read: No such file or directory" + kComparable);
   ExpectUnusable("old empty", "empty: is empty, so there is nothing to compare");
   ExpectUnusable("rows old", "rows, line 1: has no \"requests\", so it is no answer" + kComparable);
+  folder.Write("words", "no EDID\n");
+  EXPECT_THAT(Run("words old").errors, StartsWith("displayinfo: words: is in no known form; "));
   ExpectUnusable("lines old",
                  "lines, line 2: is not JSON: parse error at column 16: syntax error while parsing object - "
                  "unexpected end of input; expected '}'" +

@@ -38,6 +38,14 @@ TEST_F(LineFile, GivesALineThatIsLongerThanAPiece) {
   EXPECT_EQ(file.TakeLine(), std::nullopt);
 }
 
+TEST_F(LineFile, ShowsItsBeginningAndTakesNothing) {
+  TLineFile file = Open("\none\n");
+  EXPECT_EQ(file.GetBeginning(), "\none\n");
+  EXPECT_EQ(file.GetBeginning(), "\none\n");
+  EXPECT_EQ(file.TakeRest(), "\none\n");
+  EXPECT_EQ(Open("").GetBeginning(), "");
+}
+
 TEST_F(LineFile, GivesTheRestAfterALine) {
   const std::string rest = std::string(200000, 'y') + "\n\n}\n";
   TLineFile file = Open("{\n" + rest);
