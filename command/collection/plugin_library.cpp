@@ -1,6 +1,7 @@
 #include "command/collection/plugin_library.h"
 
 #include <dlfcn.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 #include <exception>
@@ -95,11 +96,14 @@ void RequirePlugin(const fs::path& file) {
 
 fs::path FindPlugin() {
   std::error_code error;
-  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
+  fs::path command = fs::read_symlink("/proc/self/exe", error);
+  // Without /proc it is found by the name that it was started by.
+  if (error) command = fs::canonical(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), error);
   if (error) {
     throw TUnusable("the plug-in beside the command cannot be found: /proc/self/exe: " + error.message() +
                     "; mount /proc (mount -t proc proc /proc), or " + kCure);
   }
+  const fs::path folder = command.parent_path();
   const fs::path beside = folder / kFileName;
   const fs::path installed = folder / DISPLAYINFO_PLUGIN_FOLDER / kFileName;
   return fs::exists(beside) || !fs::exists(installed) ? beside : installed;
