@@ -220,7 +220,8 @@ def make_hostile_machine(office, folder):
     subprocess.run(["cp", "--recursive", f"{office}/.", folder], check=True)
     name = b"<b>&amp;'>]]><!--\x01\x1b\x7f\xc2\x9b\xff\xfe\xef\xbf\xbf\\ %s\t\xe4"
     with open(f"{folder}/machine.json", "w") as file:
-        json.dump({"systemName": "a\"b\\c<&>'\x02\ufffe\r\nd, e=\"f\" ü"}, file)
+        json.dump({"systemName": "a\"b\\c<&>'\x02\ufffe\r\nd, e=\"f\" ü",
+                   "bios": {"units": {"0": {"connector": "]]>\x02\"<b>\\&\n", "path": "\ufffe'<!--\x1b"}}}}, file)
     with open(f"{folder}/root/etc/X11/xorg.conf", "wb") as file:
         file.write(b'Section "Device"\n Identifier "%s"\n BoardName "%s"\n BusID "%s"\n VideoRam 4096\nEndSection\n'
                    b'Section "Screen"\n Identifier "Main"\n Device "%s"\n Monitor "%s"\nEndSection\n'
