@@ -13,15 +13,6 @@ std::tuple<bool, unsigned int, unsigned int> GetAgeKey(const TFleetMonitor& moni
   return {monitor.year == 0, monitor.year, monitor.week};
 }
 
-/// Erases the groups of one machine.
-template <typename TGroups>
-void KeepThoseOfSeveral(TGroups& groups) {
-  for (auto group = groups.begin(); group != groups.end();) {
-    const auto& machines = group->second;
-    group = machines.front() == machines.back() ? groups.erase(group) : std::next(group);
-  }
-}
-
 }  // namespace
 
 TFleetMonitors::TFleetMonitors(const std::deque<TFleetMachine>& machines, const TFleetLinks& links)
@@ -32,13 +23,30 @@ TFleetMonitors::TFleetMonitors(const std::deque<TFleetMachine>& machines, const 
       const TFleetMonitor& which = machines[machine].monitors[monitor];
       m_models[{which.maker, which.model}].push_back(machine);
       m_modes[{"", which.largestMode.empty() ? "not known" : which.largestMode}].push_back(machine);
-      if (!which.identity.empty()) m_doubtful[GetNumber(which)].push_back(machine);
     }
   }
-  KeepThoseOfSeveral(m_doubtful);
+  FindDoubtful();
   std::stable_sort(m_byAge.begin(), m_byAge.end(), [this](const TPlace& left, const TPlace& right) {
     return GetAgeKey(Get(left)) < GetAgeKey(Get(right));
   });
+}
+
+void TFleetMonitors::FindDoubtful() {
+  std::vector<TPlace> places;
+  std::copy_if(m_byAge.begin(), m_byAge.end(), std::back_inserter(places),
+               [this](const TPlace& place) { return !Get(place).identity.empty(); });
+  std::sort(places.begin(), places.end(), [this](const TPlace& left, const TPlace& right) {
+    return std::tie(Get(left).identity, left.machine) < std::tie(Get(right).identity, right.machine);
+  });
+  for (auto first = places.begin(); first != places.end();) {
+    const auto last = std::find_if(first, places.end(),
+                                   [&](const TPlace& place) { return Get(place).identity != Get(*first).identity; });
+    if (first->machine != std::prev(last)->machine) {
+      std::vector<std::size_t>& machines = m_doubtful[GetNumber(Get(*first))];
+      for (auto place = first; place != last; ++place) machines.push_back(place->machine);
+    }
+    first = last;
+  }
 }
 
 std::size_t TFleetMonitors::CountUndated() const {

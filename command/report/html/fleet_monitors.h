@@ -55,6 +55,7 @@ class TFleetMonitors {
 
   const TFleetMonitor& Get(const TPlace& place) const { return m_machines[place.machine].monitors[place.monitor]; }
   static TGroups::key_type GetNumber(const TFleetMonitor& monitor) { return {monitor.identity, monitor.serialNumber}; }
+  void FindDoubtful();
   TMarkup MakeYear(TPlaceIterator first, TPlaceIterator last) const;
   /// `columns`: the names of the texts of a group.
   void PutGroups(THtmlPieces& page, const TGroups& groups, const std::vector<const char*>& columns) const;
