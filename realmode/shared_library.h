@@ -3,12 +3,23 @@
 
 #include <dlfcn.h>
 
+#include <cerrno>
+#include <cstring>
 #include <memory>
+#include <string>
 
 class TSharedLibrary {
  public:
   /// `file`: its file name, such as "libpci.so.3", which the loader looks for in its usual places.
-  explicit TSharedLibrary(const char* file) : m_library(dlopen(file, RTLD_NOW | RTLD_LOCAL)) {}
+  explicit TSharedLibrary(const char* file) : m_library(dlopen(file, RTLD_NOW | RTLD_LOCAL)) {
+    if (m_library == nullptr) m_failure = dlerror();
+  }
+
+  /// What keeps a library that exists from being loaded, such as "libpci.so.3: cannot open shared object file: Too many
+  /// open files"; empty when it is loaded, or missing.
+  std::string GetFailure() const {
+    return m_failure.find(std::strerror(ENOENT)) == std::string::npos ? m_failure : std::string();
+  }
 
   /// The function of that name, or null when it or the library is missing. It lives as long as this object.
   template <typename TFunction>
@@ -22,4 +33,5 @@ class TSharedLibrary {
   };
 
   std::unique_ptr<void, TClose> m_library;
+  std::string m_failure;  // in the loader's words
 };

@@ -32,3 +32,8 @@ bool DescribesFile(int error) {
 void FailToRead(const std::string& place, int error) {
   throw TUnusable(place + ": cannot be read: " + std::strerror(error) + "; " + GetCure(error));
 }
+
+void RequireLoaded(const std::string& failure) {
+  if (failure.empty()) return;
+  throw TUnusable(failure + "; let the command have more files and memory (ulimit), or install the library again");
+}

@@ -19,3 +19,6 @@ bool DescribesFile(int error);
 
 /// Throws TUnusable: what cannot be read, why (errno), and the cure.
 [[noreturn]] void FailToRead(const std::string& place, int error);
+
+/// Throws TUnusable unless `failure` is empty: what keeps a library from being loaded, in the loader's words.
+void RequireLoaded(const std::string& failure);

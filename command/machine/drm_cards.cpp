@@ -22,9 +22,10 @@ constexpr std::size_t kPage = 4096;      // bytes: as much as the kernel gives a
 constexpr std::size_t kMaxBlocks = 256;  // a base block and as many as its count byte can say
 constexpr int kMaxAttempts = 5;
 
-/// Throws when the error is one of the system that asks, from which nothing follows for the cards.
+/// Throws when the error is one of the system that asks, from which nothing follows for the cards. Everybody may read
+/// what the kernel shows, so it says nothing of a card either when that is forbidden.
 void RequireKnown(const fs::path& path, int error) {
-  if (error != 0 && !DescribesFile(error)) FailToRead(path.string(), error);
+  if (error == EACCES || (error != 0 && !DescribesFile(error))) FailToRead(path.string(), error);
 }
 
 /// The first word of a file, which is short; empty when the kernel does not give it.

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "command/base/descriptor.h"
+#include "command/base/unusable.h"
 #include "realmode/shared_library.h"
 
 namespace {
@@ -107,12 +108,14 @@ void ReadConnectors(const TDrmLibrary& drm, int file, TDrmDevice& device) {
 TDrmDevice ReadDrmDevice(const std::filesystem::path& device) {
   TDrmDevice read;
   const TDrmLibrary drm;
+  RequireLoaded(drm.library.GetFailure());
   if (!drm.IsUsable()) {
     read.fault = "libdrm.so.2 is missing; install libdrm2";
     return read;
   }
   const TDescriptor file(open(device.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
   if (!file.IsOpen()) {
+    if (!DescribesFile(errno)) FailToRead(device.string(), errno);
     read.fault = ExplainClosed(device);
     return read;
   }

@@ -23,7 +23,8 @@ struct TDrmDevice {
 
 /// `device`: such as /dev/dri/card0. The kernel makes the first process that opens it the one that sets modes (DRM
 /// master); this one gives that up at once. When the last process closes it, the kernel switches the outputs on that
-/// are off or asleep: ask only the device of a card that is on.
+/// are off or asleep: ask only the device of a card that is on. Throws TUnusable when the device or libdrm cannot be
+/// opened for a reason that says nothing of them, such as too many open files.
 TDrmDevice ReadDrmDevice(const std::filesystem::path& device);
 
 /// Where an output of DisplayPort's multi-stream transport is: the connector that leads there and the ports from there

@@ -3,9 +3,11 @@
 #include <pci/pci.h>
 
 #include <array>
+#include <cerrno>
+#include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 
+#include "command/base/unusable.h"
 #include "realmode/shared_library.h"
 
 namespace {
@@ -16,8 +18,17 @@ constexpr int kHow = PCI_LOOKUP_NO_NUMBERS | PCI_LOOKUP_NO_HWDB;
 /// Drops the library's messages, which are for lspci: a name that it does not find is a number here.
 void Ignore(char*, ...) {}
 
-/// The library calls it when memory runs out, and it must not return.
-__attribute__((noreturn)) void End(char*, ...) { std::abort(); }
+/// The library calls it when memory runs out or its database is damaged, and it must not return.
+__attribute__((noreturn)) void Fail(char* format, ...) {
+  char text[512];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  std::string reason = text;
+  reason.erase(reason.find_last_not_of('\n') + 1);
+  throw TUnusable("the names of graphics cards cannot be read: " + reason + "; install the package pci.ids again");
+}
 
 std::string WriteNumber(std::uint16_t number) {
   std::array<char, 8> text = {};
@@ -31,17 +42,23 @@ struct TPciNames::TLibrary {
   TSharedLibrary library{"libpci.so.3"};
   decltype(pci_alloc)* alloc = library.Find<decltype(pci_alloc)>("pci_alloc");
   decltype(pci_cleanup)* cleanup = library.Find<decltype(pci_cleanup)>("pci_cleanup");
+  decltype(pci_set_name_list_path)* setPath = library.Find<decltype(pci_set_name_list_path)>("pci_set_name_list_path");
+  decltype(pci_load_name_list)* load = library.Find<decltype(pci_load_name_list)>("pci_load_name_list");
   decltype(pci_lookup_name)* lookUpName = library.Find<decltype(pci_lookup_name)>("pci_lookup_name");
   pci_access* access = nullptr;
 
-  bool Open() {
-    if (alloc == nullptr || cleanup == nullptr || lookUpName == nullptr) return false;
+  bool Open(std::string database) {
+    RequireLoaded(library.GetFailure());
+    if (alloc == nullptr || load == nullptr) return false;
     access = alloc();
     if (access == nullptr) return false;
     // pci_init would set these, but it also looks for a way to the bus, and ends the process when there is none.
-    access->error = End;
+    access->error = Fail;
     access->warning = Ignore;
     access->debug = Ignore;
+    if (!database.empty()) setPath(access, database.data(), 0);
+    errno = 0;
+    if (load(access) == 0 && (errno == EACCES || !DescribesFile(errno))) FailToRead(access->id_file_name, errno);
     return true;
   }
   ~TLibrary() {
@@ -57,8 +74,8 @@ struct TPciNames::TLibrary {
   }
 };
 
-TPciNames::TPciNames() : m_library(std::make_unique<TLibrary>()) {
-  if (!m_library->Open()) m_library.reset();
+TPciNames::TPciNames(const std::string& database) : m_library(std::make_unique<TLibrary>()) {
+  if (!m_library->Open(database)) m_library.reset();
 }
 
 TPciNames::~TPciNames() = default;

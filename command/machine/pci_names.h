@@ -8,7 +8,9 @@
 
 class TPciNames {
  public:
-  TPciNames();
+  /// `database`: its file; that of the system when empty. One that does not exist knows no name. Throws TUnusable when
+  /// it is damaged or forbidden, or when it or libpci cannot be opened for a reason that says nothing of them.
+  explicit TPciNames(const std::string& database = "");
   ~TPciNames();
   TPciNames(const TPciNames&) = delete;
   TPciNames& operator=(const TPciNames&) = delete;

@@ -2,9 +2,14 @@
 #include "command/machine/drm_device.h"
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include "command/base/unusable.h"
+#include "tests/support/descriptor_limit.h"
+#include "tests/support/sanitizers.h"
 #include "tests/support/temporary_folder.h"
 
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -20,6 +25,25 @@ TEST(DrmDevice, SaysWhyItCannotBeAsked) {
   EXPECT_THAT(device.modes, IsEmpty());
   if (device.fault == "libdrm.so.2 is missing; install libdrm2") GTEST_SKIP() << device.fault;
   EXPECT_EQ(device.fault, folder.GetPath().string() + "/card0 cannot be opened: No such file or directory");
+}
+
+TEST(DrmDevice, IsAnErrorWhenFilesCannotBeOpened) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizers need descriptors themselves";
+  if (ReadDrmDevice("/dev/null").fault != "") GTEST_SKIP() << "this machine has no libdrm";
+  const int lowest = dup(STDIN_FILENO);  // the first descriptor that is free
+  close(lowest);
+  const auto isAsked = [&](int count) {
+    const TDescriptorLimit limit(static_cast<rlim_t>(lowest + count));
+    try {
+      EXPECT_EQ(ReadDrmDevice("/dev/null").fault, "");
+      return true;
+    } catch (const TUnusable& failure) {
+      EXPECT_THAT(failure.what(), HasSubstr("Too many open files"));
+      return false;
+    }
+  };
+  EXPECT_FALSE(isAsked(0));
+  EXPECT_TRUE(isAsked(8));
 }
 
 TEST(DrmDevice, ThatIsNoGraphicsCardHasNoModes) {
