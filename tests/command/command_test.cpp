@@ -437,7 +437,7 @@ TEST_F(Command, AnswersWithAMillionLogMessagesAndHowManyMoreThereWere) {
 TEST_F(Command, TellsItsVersion) {
   const TProcessResult result = RunShell(kCommand + " --version");
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.output, "displayinfo 1.0\n");
+  EXPECT_EQ(result.output, "displayinfo 1.1\n");
 }
 
 TEST_F(Command, ExplainsItself) {
