@@ -3,6 +3,12 @@
 # root (debootstrap, chroot). The bare system reaches Debian's packages as this one does: it is given this machine's own
 # apt sources, with the suite replaced, and apt's Acquire settings (a proxy, for example).
 
+need_root() {
+  if [ "$(id -u)" = 0 ]; then return; fi
+  echo "$(basename "$0"): this needs root: debootstrap and chroot do" >&2
+  exit 1
+}
+
 # list_sources SUITE: prints "URI SUITE" for each of Debian's sources on this machine: the release itself, its updates and
 # its security.
 list_sources() {
@@ -34,6 +40,7 @@ make_bare() {
 fill_bare() {
   local bare=$1 suite=$2 architecture=$3 main
   main=$(list_sources "$suite" | awk -v suite="$suite" '$2 == suite { print $1; exit }')
+  tools/install-packages debootstrap || return
   [ -n "$main" ] || { echo "this machine's apt has no source of its own Debian release"; return 1; }
   debootstrap --variant=minbase --arch="$architecture" "$suite" "$bare" "$main" || return
   list_sources "$suite" | sed 's/^/deb /; s/$/ main/' >"$bare/etc/apt/sources.list"
