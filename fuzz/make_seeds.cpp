@@ -77,6 +77,15 @@ constexpr const char* kAnswers[][2] = {
      R"({"requests": [{"classes": ["QRXSG_VideoController", "QRXSG_VideoHead"], "instances": [
         {"class": "QRXSG_VideoController", "path": "p", "properties": {"DisplayId": {"value": "PCI:1:0:0"},
             "Gamma": {"value": 2.2}}}]}], "outputs": [{"deviceID": null, "log": [{}]}]})"},
+    // Properties that are named like what the command itself knows of a monitor.
+    {R"({"requests": [{"classes": ["QRXSG_DesktopMonitor"], "instances": [
+        {"class": "QRXSG_DesktopMonitor", "path": "p", "properties": {"DeviceID": {"value": "Monitor 1"},
+            "EDID": {"value": "@"}, "Modes": {"value": "a"}, "Listed": {"value": "a"}, "Heads": {"value": "a"}}}]}],
+        "outputs": [{"deviceID": "Monitor 1", "edid": "@"}]})",
+     R"({"requests": [{"classes": ["QRXSG_DesktopMonitor"], "instances": [
+        {"class": "QRXSG_DesktopMonitor", "path": "p", "properties": {"DeviceID": {"value": "Monitor 1"},
+            "EDID": {"value": "@"}, "Modes": {"value": "b"}}}]}],
+        "outputs": [{"deviceID": "Monitor 1", "edid": "@"}]})"},
     {R"({"machine": "a", "error": "b"})", R"({"captured": 1})"},
 };
 
