@@ -78,10 +78,17 @@ TEdidBuilder& TEdidBuilder::RangeLimits(unsigned int slot, unsigned int minVert,
 }
 
 TEdidBuilder& TEdidBuilder::DetailedTiming(unsigned int slot, bool interlaced) {
-  // 1280 x 1024 at 60 Hz: the VESA timing of 108 MHz.
-  const unsigned int bytes[edid::kDescriptorSize] = {0x30, 0x2A, 0x00, 0x98, 0x51, 0x00,
-                                                     0x2A, 0x40, 0x30, 0x70, 0x13, 0x00,
-                                                     0x52, 0x0E, 0x11, 0x00, 0x00, interlaced ? 0x9EU : 0x1EU};
+  // The VESA timing of 108 MHz.
+  constexpr unsigned int millimetres = 10;
+  const bool hasSize = m_bytes[edid::kHorizontalImageSize] != 0 && m_bytes[edid::kVerticalImageSize] != 0;
+  const unsigned int width = hasSize ? m_bytes[edid::kHorizontalImageSize] * millimetres : 338;
+  const unsigned int height = hasSize ? m_bytes[edid::kVerticalImageSize] * millimetres : 270;
+  const unsigned int bytes[edid::kDescriptorSize] = {0x30,         0x2A,          0x00,
+                                                     0x98,         0x51,          0x00,
+                                                     0x2A,         0x40,          0x30,
+                                                     0x70,         0x13,          0x00,
+                                                     width & 0xFF, height & 0xFF, (width >> 8) << 4 | height >> 8,
+                                                     0x00,         0x00,          interlaced ? 0x9EU : 0x1EU};
   std::transform(std::begin(bytes), std::end(bytes), Slot(slot), ToByte);
   return *this;
 }

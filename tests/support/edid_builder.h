@@ -34,6 +34,7 @@ class TEdidBuilder {
   /// Rates in kHz and Hz; `clock` in units of 10 MHz, 0xFF for none.
   TEdidBuilder& RangeLimits(unsigned int slot, unsigned int minVert, unsigned int maxVert, unsigned int minHoriz,
                             unsigned int maxHoriz, unsigned int clock);
+  /// 1280 x 1024 at 60 Hz, on a picture of the size that was set before, else of 338 x 270 mm.
   TEdidBuilder& DetailedTiming(unsigned int slot, bool interlaced);
 
   /// The two bytes of established timings.

@@ -421,7 +421,7 @@ TEST_F(TextReport, ShowsWhatTheEdidOfAMonitorSays) {
             "    Problem           Block 0 has a wrong checksum.\n"
             "    Largest mode      1280 x 1024 at 60.020 Hz\n"
             "    Highest rate      60 Hz (1280 x 1024)\n"
-            "    Picture           338 x 270 mm, 17.0 inches\n"
+            "    Picture           340 x 270 mm, 17.1 inches\n"
             "    Connector         card0-DP-1\n"
             "    Serial number     9\n"
             "    Preferred mode    1280 x 1024 at 60.020 Hz\n"
