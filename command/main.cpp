@@ -1,5 +1,7 @@
 // displayinfo: shows what the plug-in says of a machine, or of many; captures this machine; compares machines; answers
 // CIM clients; prints the classes.
+#include <unistd.h>
+
 #include <algorithm>
 #include <csignal>
 #include <ctime>
@@ -25,11 +27,13 @@
 #include "command/collection/budgets.h"
 #include "command/collection/collection.h"
 #include "command/collection/plugin_library.h"
+#include "command/collection/plugin_texts.h"
 #include "command/collection/worker.h"
 #include "command/compare/compare.h"
 #include "command/fleet/fleet.h"
 #include "command/machine/captured_machine.h"
 #include "command/machine/machine.h"
+#include "command/machine/memory_files.h"
 #include "command/machine/this_machine.h"
 #include "command/options.h"
 #include "command/report/answer_view.h"
@@ -63,6 +67,13 @@ TMachine ChooseMachine(const TOptions& options) {
 /// Looks for the usual one only where none is named.
 std::filesystem::path ChoosePlugin(const TOptions& options) { return options.plugin ? *options.plugin : FindPlugin(); }
 
+/// True when one terminal shows the text report right below what standard error says, so that nothing needs to be said
+/// twice.
+bool IsReportBelow(const TOptions& options) {
+  return options.format.value_or(EFormat::kText) == EFormat::kText && isatty(STDOUT_FILENO) == 1 &&
+         isatty(STDERR_FILENO) == 1;
+}
+
 std::string MakeSchemaDocument(ESchemaFormat format) {
   switch (format) {
     case ESchemaFormat::kMof:
@@ -90,7 +101,8 @@ std::string DescribeCapture(const TCaptureOptions& capture) {
   const std::string target = capture.target.string();
   return (target == "-" ? "captured; saved as FILE.json, displayinfo --machine FILE.json"
                         : "captured; displayinfo --machine " + target) +
-         " answers as " + asked + " does" + (capture.isAnonymous ? ", but for what was replaced" : "");
+         " answers as " + asked + " does" + (capture.hasConfiguration ? "" : " without its X configuration") +
+         (capture.isAnonymous ? ", but for what was replaced" : "");
 }
 
 /// What of the machine is not captured.
@@ -109,6 +121,8 @@ TMachineLine CaptureApart(const TOptions& options, const TCaptureOptions& captur
     line.text = WithinMemory([&] {
       machine = capture.machine ? ReadNamedMachine(*capture.machine)
                                 : MakeThisMachine(options.edidSource, options.xconfigSource);
+      if (!capture.hasConfiguration)
+        machine->host.files = std::make_shared<TMemoryFiles>(std::map<std::string, std::string>());
       return Pack(MakeCapture(*machine, ChoosePlugin(options), capture.target, capture.isAnonymous,
                               [] { DropPrivileges(true); }));
     });
@@ -245,7 +259,11 @@ std::string MakeReport(const TOptions& options, const TMachine& machine, const T
 std::string Answer(const TOptions& options) {
   const TMachine machine = ChooseMachine(options);
   std::set<std::string> shown;
+  bool isInReport = false;
   const auto showLog = [&](const TLogEntry& entry) {
+    // The report has what the plug-in says while it serves a class.
+    isInReport = isInReport || (IsReportBelow(options) && entry.message.find(kServesClass) != std::string::npos);
+    if (isInReport && !options.logLevel) return;
     if (entry.severity > options.logLevel.value_or(NQRXZELT20::ILogger::kStatus)) return;
     // The plug-in says the same again for each class. Who asks for the log gets all of it.
     if (!options.logLevel && !shown.insert(entry.message).second) return;
@@ -254,8 +272,9 @@ std::string Answer(const TOptions& options) {
   // Never destroyed: the process ends soon, which is faster.
   static const TAnswer& answer = *new TAnswer(Collect(machine, ChoosePlugin(options), options.requests, showLog));
   DropPrivileges(true);
-  ShowRemark(machine.getBiosFailure());
-  for (const std::string& remark : ListRemarks(machine, answer)) ShowRemark(remark);
+  if (!IsReportBelow(options) || !answer.outputs.empty()) ShowRemark(machine.getBiosFailure());
+  const std::vector<std::string> remarks = IsReportBelow(options) ? answer.notes : ListRemarks(machine, answer);
+  for (const std::string& remark : remarks) ShowRemark(remark);
   return MakeReport(options, machine, answer);
 }
 

@@ -44,6 +44,7 @@ struct TCaptureOptions {
   std::filesystem::path target;        // "-" for standard output
   std::optional<std::string> machine;  // a captured one; else this one, as the options say
   bool isAnonymous = false;
+  bool hasConfiguration = true;  // else the X configuration is left out
 };
 
 /// What the command is to do. Of the subcommands' options only those of `subcommand` are set.

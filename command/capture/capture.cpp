@@ -109,7 +109,9 @@ std::vector<std::string> DescribeReplaced(const TMachineDocument& machine, const
     const bool holdsOne = std::any_of(secrets.begin(), secrets.end(), [&, &text = content](const std::string& secret) {
       return secret.size() >= minLength && text.find(secret) != std::string::npos;
     });
-    if (holdsOne) remarks.push_back(path + " holds the system's name or a serial number; it is captured as it is");
+    if (holdsOne)
+      remarks.push_back(
+          path + " holds the system's name or a serial number; it is captured as it is; --no-xconfig leaves it out");
   }
   return remarks;
 }

@@ -242,6 +242,14 @@ class TFaultFinder {
   const TUnit* m_previous = nullptr;
 };
 
+/// Of an output without an EDID.
+std::string FindCure(const TDamages& damages, unsigned int unit) {
+  const auto damage = damages.find(unit);
+  if (damage != damages.end()) return damage->second.cure;
+  return "connect the monitor without the switch, splitter or adapter between, which may keep its EDID back, or switch "
+         "it on before the machine";
+}
+
 }  // namespace
 
 std::string ExplainNoMonitor(const TVirtualBiosConfiguration& bios, int systemType) {
@@ -290,7 +298,10 @@ std::vector<TOutput> JoinOutputs(const TMachine& machine, const std::vector<TReq
   }
   JoinMonitors(outputs, requests);
   TFaultFinder faults(bios, machine.damagedEdids, machine.host.systemType);
-  for (TOutput& output : outputs) output.reason = faults.Explain(output, units.at(output.unit));
+  for (TOutput& output : outputs) {
+    output.reason = faults.Explain(output, units.at(output.unit));
+    if (!output.deviceId && output.edid.empty()) output.cure = FindCure(machine.damagedEdids, output.unit);
+  }
   JoinModes(outputs, requests);
   Identify(outputs);
   return outputs;

@@ -28,6 +28,7 @@ struct TOutput {
   std::string path = {};                // where the output is, such as "0000:01:00.0/DP-1"; empty when it is not known
   TIdentity identity = {};              // empty without an EDID of version 1
   std::string modesId = {};             // of the monitor, in the ids of its modes; empty when the answer has none
+  std::string cure = {};                // what may give it an EDID; empty where that is not known
   /// The modes that the answer has of the monitor; nothing where resolutions were not asked for.
   std::optional<std::set<TListedResolution>> resolutions = {};
 };

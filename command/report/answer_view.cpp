@@ -163,7 +163,9 @@ const TOutput* FindOutput(const TAnswer& answer, const std::string& id) {
 std::vector<TOutputRow> DescribeProblems(const TOutput& output) {
   std::vector<TOutputRow> rows;
   if (!output.facts || !output.facts->isVersion1) return rows;
-  for (const std::string& sentence : output.facts->contradictions) rows.push_back({"Problem", ToPrintable(sentence)});
+  for (const std::string& sentence : output.facts->contradictions) {
+    rows.push_back({"Problem", ToPrintable(sentence), ERowPlace::kProblem});
+  }
   return rows;
 }
 

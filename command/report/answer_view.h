@@ -121,10 +121,15 @@ bool IsConfigured(const TInstanceView* head, unsigned int width, unsigned int he
 /// The texts that are not empty, with ", " between them.
 std::string JoinTexts(const std::vector<std::string>& texts);
 
+/// Where a page shows a row: problems come first, then in large type what people look for, and last, folded away, what
+/// few ask for.
+enum class ERowPlace { kProblem, kTop, kPlain, kFolded };
+
 /// What is known of an output: a label and its text.
 struct TOutputRow {
   const char* label;
   std::string text;
+  ERowPlace place = ERowPlace::kPlain;
 };
 
 /// The output whose monitor, or whose modes, the answer has under that id; or null.

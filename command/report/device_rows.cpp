@@ -1,5 +1,6 @@
 #include "command/report/device_rows.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "command/base/text_encoding.h"
@@ -36,7 +37,7 @@ std::string ConfiguredMode(const TInstanceView& head) {
 struct TMonitorParts {
   const TInstanceView* instance;  // null for a monitor that the answer does not have
   TMonitorFacts facts;
-  std::string notListed, connector, source;
+  std::string notListed, cure, connector, source;
 
   std::string Text(const char* name) const { return instance == nullptr ? std::string() : instance->Text(name); }
 };
@@ -46,6 +47,7 @@ template <typename T>
 struct TRow {
   const char* label;
   std::string (*text)(const T&);
+  ERowPlace place = ERowPlace::kPlain;
 };
 
 const TRow<TInstanceView> kControllerRows[] = {
@@ -62,15 +64,17 @@ const TRow<TInstanceView> kHeadRows[] = {
 
 // What people ask for first stands first.
 const TRow<TMonitorParts> kMonitorRows[] = {
-    {"Not listed", [](const TMonitorParts& m) { return m.notListed; }},
-    {"Largest mode", [](const TMonitorParts& m) { return m.facts.largestMode; }},
+    {"Not listed", [](const TMonitorParts& m) { return m.notListed; }, ERowPlace::kProblem},
+    {"What helps", [](const TMonitorParts& m) { return m.cure; }, ERowPlace::kProblem},
+    {"Largest mode", [](const TMonitorParts& m) { return m.facts.largestMode; }, ERowPlace::kTop},
     {"Highest rate", [](const TMonitorParts& m) { return m.facts.highestRate; }},
     {"Picture",
      [](const TMonitorParts& m) {
        return JoinTexts({m.facts.size, m.facts.diagonal});
-     }},
-    {"Connector", [](const TMonitorParts& m) { return m.connector; }},
-    {"Serial number", [](const TMonitorParts& m) { return m.facts.serialNumber; }},
+     },
+     ERowPlace::kTop},
+    {"Connector", [](const TMonitorParts& m) { return m.connector; }, ERowPlace::kTop},
+    {"Serial number", [](const TMonitorParts& m) { return m.facts.serialNumber; }, ERowPlace::kTop},
     {"Preferred mode", [](const TMonitorParts& m) { return m.facts.preferredMode; }},
     {"HDR", [](const TMonitorParts& m) { return m.facts.hdr; }},
     {"Variable refresh", [](const TMonitorParts& m) { return m.facts.variableRate; }},
@@ -80,24 +84,27 @@ const TRow<TMonitorParts> kMonitorRows[] = {
     {"Manufacturer", [](const TMonitorParts& m) { return m.facts.GetMaker(); }},
     {"Product code", [](const TMonitorParts& m) { return m.facts.productCode; }},
     {"Manufactured", [](const TMonitorParts& m) { return m.facts.made; }},
-    {"Line rate", [](const TMonitorParts& m) { return m.facts.lineRate; }},
-    {"Field rate", [](const TMonitorParts& m) { return m.facts.fieldRate; }},
-    {"Pixel clock", [](const TMonitorParts& m) { return m.facts.pixelClock; }},
-    {"Gamma", [](const TMonitorParts& m) { return m.Text("Gamma"); }},
-    {"Power saving", [](const TMonitorParts& m) { return m.instance == nullptr ? "" : PowerStates(*m.instance); }},
-    {"Digital interface", [](const TMonitorParts& m) { return m.Text("SupportedDigitalInterface"); }},
-    {"EDID version", [](const TMonitorParts& m) { return m.Text("EDIDVersion"); }},
-    {"EDID read from", [](const TMonitorParts& m) { return m.source; }},
+    {"Line rate", [](const TMonitorParts& m) { return m.facts.lineRate; }, ERowPlace::kFolded},
+    {"Field rate", [](const TMonitorParts& m) { return m.facts.fieldRate; }, ERowPlace::kFolded},
+    {"Pixel clock", [](const TMonitorParts& m) { return m.facts.pixelClock; }, ERowPlace::kFolded},
+    {"Gamma", [](const TMonitorParts& m) { return m.Text("Gamma"); }, ERowPlace::kFolded},
+    {"Power saving", [](const TMonitorParts& m) { return m.instance == nullptr ? "" : PowerStates(*m.instance); },
+     ERowPlace::kFolded},
+    {"Digital interface", [](const TMonitorParts& m) { return m.Text("SupportedDigitalInterface"); },
+     ERowPlace::kFolded},
+    {"EDID version", [](const TMonitorParts& m) { return m.Text("EDIDVersion"); }, ERowPlace::kFolded},
+    {"EDID read from", [](const TMonitorParts& m) { return m.source; }, ERowPlace::kFolded},
 };
 
-void AddRow(std::vector<TOutputRow>& rows, const char* label, const std::string& text) {
-  if (!text.empty()) rows.push_back({label, text});
+void AddRow(std::vector<TOutputRow>& rows, const char* label, const std::string& text,
+            ERowPlace place = ERowPlace::kPlain) {
+  if (!text.empty()) rows.push_back({label, text, place});
 }
 
 template <typename T, std::size_t count>
 std::vector<TOutputRow> MakeRows(const TRow<T> (&sources)[count], const T& device) {
   std::vector<TOutputRow> rows;
-  for (const TRow<T>& source : sources) AddRow(rows, source.label, source.text(device));
+  for (const TRow<T>& source : sources) AddRow(rows, source.label, source.text(device), source.place);
   return rows;
 }
 
@@ -109,7 +116,7 @@ std::vector<TOutputRow> DescribeOutput(const TAnswer& answer, const TOutput& out
   const auto& facts = output.facts;
   const bool hasNumber = facts && facts->isVersion1 && facts->serialNumber;
   const std::string number = hasNumber ? std::to_string(*facts->serialNumber) : std::string();
-  if (number != parts.facts.serialNumber) AddRow(rows, "Serial in header", number);
+  if (number != parts.facts.serialNumber) AddRow(rows, "Serial in header", number, ERowPlace::kFolded);
   return rows;
 }
 
@@ -128,6 +135,16 @@ std::string NameMonitor(const TAnswer& answer, const TMonitorView& view) {
 
 std::string NameMonitor(const TOutput& output) { return DescribeMonitor(&output, nullptr, TMakerNames()).model; }
 
+std::string SuggestMakerNames(const TAnswer& answer, const TMakerNames& makers) {
+  const bool hasMaker = std::any_of(answer.outputs.begin(), answer.outputs.end(),
+                                    [](const TOutput& output) { return output.facts && !output.facts->maker.empty(); });
+  return hasMaker && makers.IsListMissing() ? "The names of makers come with the package hwdata; install it" : "";
+}
+
+std::vector<TOutputRow> DescribeEdid(const TOutput& output) {
+  return MakeRows(kMonitorRows, {nullptr, DescribeMonitor(&output, nullptr, TMakerNames()), "", "", "", ""});
+}
+
 std::vector<TOutputRow> DescribeMonitor(const TAnswer& answer, const TMonitorView& view, const TMakerNames& makers) {
   const TOutput* const output = FindOutput(answer, view.id);
   const TInstanceView* const instance = view.monitor ? &*view.monitor : nullptr;
@@ -137,10 +154,11 @@ std::vector<TOutputRow> DescribeMonitor(const TAnswer& answer, const TMonitorVie
     AddRow(rows, "Preferred mode", facts.preferredMode);
     return rows;
   }
-  if (output == nullptr) return MakeRows(kMonitorRows, {instance, facts, "", "", ""});
-  return DescribeOutput(answer, *output, {instance, facts, "", "", ""});
+  if (output == nullptr) return MakeRows(kMonitorRows, {instance, facts, "", "", "", ""});
+  return DescribeOutput(answer, *output, {instance, facts, "", "", "", ""});
 }
 
 std::vector<TOutputRow> DescribeUnlisted(const TAnswer& answer, const TOutput& output, const TMakerNames& makers) {
-  return DescribeOutput(answer, output, {nullptr, DescribeMonitor(&output, nullptr, makers), output.reason, "", ""});
+  return DescribeOutput(answer, output,
+                        {nullptr, DescribeMonitor(&output, nullptr, makers), output.reason, output.cure, "", ""});
 }

@@ -18,5 +18,11 @@ std::string NameMonitor(const TOutput& output);
 /// What is known of an output whose monitor the plug-in does not list, with the reason, and without the modes.
 std::vector<TOutputRow> DescribeUnlisted(const TAnswer& answer, const TOutput& output, const TMakerNames& makers);
 
+/// How the names of makers are to be had, as a sentence without its full stop; empty where no maker lacks its name.
+std::string SuggestMakerNames(const TAnswer& answer, const TMakerNames& makers);
+
+/// What the output's EDID says, without the modes.
+std::vector<TOutputRow> DescribeEdid(const TOutput& output);
+
 /// Everything except the modes. Of a monitor that the request did not ask for, only the mode that it prefers.
 std::vector<TOutputRow> DescribeMonitor(const TAnswer& answer, const TMonitorView& view, const TMakerNames& makers);

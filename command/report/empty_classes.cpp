@@ -6,6 +6,7 @@
 
 #include "command/base/text_encoding.h"
 #include "command/collection/plugin_texts.h"
+#include "command/report/answer_view.h"
 
 namespace {
 
@@ -87,38 +88,9 @@ std::string Explain(const TAnswer& answer, const TCause& cause, const TModelBefo
   return cause.otherwise;
 }
 
-/// Messages of the plug-in about a text that it could not use, which it ends with. They are of no severity that people
-/// see, and a head is without a value for it.
-struct TUnusedValue {
-  const char* message;
-  const char* meaning;  // "%" stands for the text
-};
-
-constexpr TUnusedValue kUnusedValues[] = {
-    {kNoColourDepth, "a head has no colour depth: its Depth \"%\" is no number"},
-    {kNoWidthOrDepth, "a head has no configured mode: \"%\" in its Screen section is no number of pixels, nor a depth"},
-    {kNoHeight, "a head has no configured height: what follows \"%x\" in its Screen section is no number of lines"},
-};
-
 void Add(TSentences& sentences, const std::string& sentence) {
   const std::string printable = ToPrintable(sentence);
   if (std::find(sentences.begin(), sentences.end(), printable) == sentences.end()) sentences.push_back(printable);
-}
-
-void AddUnusedValues(const TRequestAnswer& request, TSentences& sentences) {
-  for (const TLogEntry& entry : request.log) {
-    for (const auto& [message, meaning] : kUnusedValues) {
-      const std::string beginning = message;
-      if (entry.message.compare(0, beginning.size(), beginning) != 0) continue;
-      const std::string text = meaning;
-      Add(sentences, std::string(text).replace(text.find('%'), 1, entry.message.substr(beginning.size())));
-    }
-  }
-}
-
-bool IsOf(const std::string& className, EPart part) {
-  const TClassDeclaration* const declaration = FindClass(className);
-  return declaration != nullptr && declaration->part == part;
 }
 
 /// "A or B".
@@ -126,6 +98,50 @@ std::string JoinWithOr(const TSentences& names) {
   std::string joined;
   for (const std::string& name : names) joined += (joined.empty() ? "" : " or ") + name;
   return joined;
+}
+
+/// Messages of the plug-in about a text that it could not use, which it ends with. They are of no severity that people
+/// see, and a head is without a value for it.
+struct TUnusedValue {
+  const char* message;
+  const char* property;  // that the head lacks
+  const char* meaning;   // "%" stands for the text
+};
+
+constexpr TUnusedValue kUnusedValues[] = {
+    {kNoColourDepth, "CurrentBitsPerPixel", " has no colour depth: its Depth \"%\" is no number"},
+    {kNoWidthOrDepth, "CurrentHorizontalResolution",
+     " has no configured mode: \"%\" in its Screen section is no number of pixels, nor a depth"},
+    {kNoHeight, "CurrentVerticalResolution",
+     " has no configured height: what follows \"%x\" in its Screen section is no number of lines"},
+};
+
+/// The heads without that property, by their names: the message does not say whose text it was.
+std::string NameHeadsWithout(const TRequestAnswer& request, const char* property) {
+  TSentences names;
+  for (const auto& instance : request.instances) {
+    const TInstanceView head(*instance);
+    if (head.Declaration().name != std::string(kVideoHeadClass) || head.Has(property)) continue;
+    if (!head.Text("DeviceID").empty()) Add(names, head.Text("DeviceID"));
+  }
+  return names.empty() ? "a head" : "head " + JoinWithOr(names);
+}
+
+void AddUnusedValues(const TRequestAnswer& request, TSentences& sentences) {
+  for (const TLogEntry& entry : request.log) {
+    for (const auto& [message, property, meaning] : kUnusedValues) {
+      const std::string beginning = message;
+      if (entry.message.compare(0, beginning.size(), beginning) != 0) continue;
+      std::string text = meaning;
+      text.replace(text.find('%'), 1, entry.message.substr(beginning.size()));
+      Add(sentences, NameHeadsWithout(request, property) + text);
+    }
+  }
+}
+
+bool IsOf(const std::string& className, EPart part) {
+  const TClassDeclaration* const declaration = FindClass(className);
+  return declaration != nullptr && declaration->part == part;
 }
 
 /// Of the classes without instances; those of one cause are named together.

@@ -111,7 +111,9 @@ std::vector<std::string> ListProblems(const TAnswer& answer) {
   std::vector<std::string> problems = ExplainUnlisted(answer);
   for (const TOutput& output : answer.outputs) {
     if (!output.deviceId || !output.facts || output.facts->hasValidChecksums) continue;
-    problems.push_back(ToPrintable(*output.deviceId) + ": the checksum of its EDID is wrong, so a byte is damaged");
+    for (const TOutputRow& problem : DescribeProblems(output)) {
+      problems.push_back(ToPrintable(*output.deviceId) + ": " + problem.text.substr(0, problem.text.find_last_of('.')));
+    }
   }
   FindTwins(answer.outputs, problems);
   return problems;

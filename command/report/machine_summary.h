@@ -32,8 +32,8 @@ struct TMachineSummary {
 };
 
 /// Every output is a monitor, and every monitor of the answer that stands for no output. Problems are outputs that the
-/// plug-in does not report, EDIDs with wrong checksums, and monitors that only their connectors tell apart. Of more
-/// than 16 controllers or problems, the last says how many were left out.
+/// plug-in does not report, what contradicts itself in EDIDs with wrong checksums, and monitors that only their
+/// connectors tell apart. Of more than 16 controllers or problems, the last says how many were left out.
 TMachineSummary Summarize(const std::string& machine, const TAnswer& answer, const TMakerNames& makers);
 
 /// A machine that could not be asked.

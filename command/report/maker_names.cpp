@@ -26,15 +26,21 @@ std::string ReadList(const std::filesystem::path& path) {
 
 }  // namespace
 
+bool TMakerNames::IsListMissing() const { return !m_list.empty() && GetText().empty(); }
+
 std::string TMakerNames::Find(const std::string& letters) const {
   if (letters.size() != kLetters) return std::string();
-  if (!m_text) m_text = ReadList(m_list);
   const std::string begin = "\n" + letters + "\t";
-  const std::size_t found = m_text->find(begin);
+  const std::size_t found = GetText().find(begin);
   if (found == std::string::npos) return std::string();
   const std::size_t name = found + begin.size();
-  const std::string text = ToPrintable(m_text->substr(name, m_text->find_first_of("\r\n", name) - name));
+  const std::string text = ToPrintable(GetText().substr(name, GetText().find_first_of("\r\n", name) - name));
   return text.substr(0, GetLength(text, kMaxName));
+}
+
+const std::string& TMakerNames::GetText() const {
+  if (!m_text) m_text = ReadList(m_list);
+  return *m_text;
 }
 
 std::filesystem::path FindMakerList() {

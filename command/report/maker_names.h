@@ -16,10 +16,15 @@ class TMakerNames {
   /// asked for; one that cannot be read has no names.
   explicit TMakerNames(std::filesystem::path list) : m_list(std::move(list)) {}
 
+  /// True when there should be a list, but it is not there, or not readable.
+  bool IsListMissing() const;
+
   /// The name as printable text; empty when it is not known.
   std::string Find(const std::string& letters) const;
 
  private:
+  const std::string& GetText() const;
+
   std::filesystem::path m_list;
   mutable std::optional<std::string> m_text;
 };

@@ -57,6 +57,10 @@ std::vector<TShownMode> ListModes(const TInstances& resolutions, const TOutput* 
   return modes;
 }
 
+std::string WriteMode(const TShownMode& mode) {
+  return std::to_string(mode.width) + "x" + std::to_string(mode.height) + "@" + WriteRate(mode) + "Hz";
+}
+
 std::string WriteRate(const TShownMode& mode) { return WriteNumber(mode.refresh) + (mode.isInterlaced ? "i" : ""); }
 
 bool AreAllInClasses(const std::vector<TShownMode>& modes) {

@@ -25,5 +25,8 @@ std::vector<TShownMode> ListModes(const TInstances& resolutions, const TOutput* 
 /// True when there is no use in marking those that the answer has.
 bool AreAllInClasses(const std::vector<TShownMode>& modes);
 
+/// "1920x1080@60Hz", "1920x1080@59.94iHz".
+std::string WriteMode(const TShownMode& mode);
+
 /// The rate with as many decimals as it has, three at most, without its unit; "i" follows that of an interlaced mode.
 std::string WriteRate(const TShownMode& mode);

@@ -81,6 +81,8 @@ class TRequestReport {
     for (const TOutput& output : m_answer.outputs) {
       if (IsUnlisted(output)) text += MakeUnlisted(output);
     }
+    const std::string suggestion = SuggestMakerNames(m_answer, m_makers);
+    if (!suggestion.empty()) text += m_lines.Wrap("  ", suggestion + ".");
     return text;
   }
 
@@ -101,7 +103,7 @@ class TRequestReport {
     std::set<std::string> marks;
     const bool areAllListed = AreAllInClasses(modes);
     for (const TShownMode& mode : modes) {
-      texts.push_back(std::to_string(mode.width) + "x" + std::to_string(mode.height) + "@" + WriteRate(mode) + "Hz");
+      texts.push_back(WriteMode(mode));
       const bool isConfigured = IsConfigured(head, mode.width, mode.height);
       for (const auto& [isMarked, mark] :
            {std::pair(isConfigured, kConfiguredMark), std::pair(mode.isPreferred, kPreferredMark),
@@ -127,7 +129,7 @@ class TRequestReport {
 
   std::string MakeRows(const std::string& indent, const std::vector<TOutputRow>& rows) const {
     std::string text;
-    for (const auto& [label, content] : rows) text += m_lines.MakeRow(indent, label, content);
+    for (const TOutputRow& row : rows) text += m_lines.MakeRow(indent, row.label, row.text);
     return text;
   }
 

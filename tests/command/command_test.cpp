@@ -176,6 +176,41 @@ TEST_F(Command, FillsTheWidthOfTheTerminal) {
   }
 }
 
+TEST_F(Command, SaysNothingTwiceOnATerminal) {
+  machine.Edid(0, TEdidBuilder().Byte(0, 1).Build());
+  TTerminal terminal;
+  terminal.SetColumns(80);
+  EXPECT_EQ(Run(">" + terminal.GetName() + " 2>&1").status, 0);
+  const std::string screen = terminal.Read();
+  const std::string reason = "its EDID is not one of version 1";
+  ASSERT_THAT(screen, HasSubstr(reason));
+  EXPECT_THAT(screen.substr(0, screen.find("Monitors")), testing::Not(HasSubstr(reason)));
+  EXPECT_THAT(screen.substr(0, screen.find("Monitors")), testing::Not(HasSubstr("EDID structure")));
+  EXPECT_THAT(Run("").errors, HasSubstr(reason));  // no terminal
+}
+
+TEST_F(Command, SuggestsTheListOfMakersWhereItIsMissing) {
+  machine.Edid(0, TEdidBuilder().Manufacturer("ACM").Build());
+  const auto run = [&](const std::string& list) {
+    return RunShell("DISPLAYINFO_PNP_IDS=" + list + " " + kCommand + " --machine " + machine.GetPath().string()).output;
+  };
+  const std::string suggestion = "  The names of makers come with the package hwdata; install it.\n";
+  EXPECT_THAT(run("/absent"), HasSubstr(suggestion));
+  EXPECT_THAT(run(""), testing::Not(HasSubstr(suggestion)));
+}
+
+TEST_F(Command, LeavesTheConfigurationOutOfACaptureWhenAskedTo) {
+  machine.Edid(0, TEdidBuilder().Build()).File("root/etc/X11/xorg.conf", "Section \"Device\"\n");
+  TTemporaryFolder folder;
+  const std::string target = (folder.GetPath() / "ws.json").string();
+  const TProcessResult result =
+      RunShell(kCommand + " capture --no-xconfig --machine " + machine.GetPath().string() + " " + target);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.errors, HasSubstr(" does without its X configuration\n"));
+  const std::string text = RunShell("cat " + target).output;
+  EXPECT_THAT(text, AllOf(HasSubstr("\"edids\""), testing::Not(HasSubstr("xorg.conf"))));
+}
+
 TEST_F(Command, NamesTheMakersThatTheListKnows) {
   machine.Edid(0, TEdidBuilder().Manufacturer("ACM").Build()).File("pnp.ids", "ACM\tAcme Corporation\n");
   const auto run = [&](const std::string& list) {

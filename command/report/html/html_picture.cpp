@@ -4,14 +4,16 @@
 #include <utility>
 
 #include "command/report/device_rows.h"
+#include "command/report/monitor_facts.h"
 
 namespace {
 
 constexpr int kScreenSide = 150;  // of the largest monitor, its longer side
 constexpr int kStroke = 2;        // of a monitor
 constexpr std::size_t kPictureColumns = 64;
-constexpr unsigned int kNeutralWidth = 40;  // cm
-constexpr unsigned int kNeutralHeight = 30;
+constexpr int kHalfLetter = 4;               // of a text in a picture
+constexpr unsigned int kNeutralWidth = 400;  // mm
+constexpr unsigned int kNeutralHeight = 300;
 
 /// The names below each other, the first in bold, without those that are empty; then the rows.
 TMarkup MakeLines(const std::vector<std::string>& names, const std::vector<TOutputRow>& rows) {
@@ -19,9 +21,9 @@ TMarkup MakeLines(const std::vector<std::string>& names, const std::vector<TOutp
   for (const std::string& name : names) {
     if (!name.empty()) lines += MakeElement("p", lines.IsEmpty() ? "name" : "", MakeShortText(name, kPictureColumns));
   }
-  for (const auto& [label, text] : rows) {
-    lines += MakeElement(
-        "p", MakeElement("span", "soft", label) + " " + MakeElement("span", MakeShortText(text, kPictureColumns)));
+  for (const TOutputRow& row : rows) {
+    lines += MakeElement("p", MakeElement("span", "soft", row.label) + " " +
+                                  MakeElement("span", MakeShortText(row.text, kPictureColumns)));
   }
   return lines;
 }
@@ -47,39 +49,66 @@ TMarkup MakeHeads(const TInstances& heads) {
   return heads.empty() ? items : MakeElement("ul", "heads", std::move(items));
 }
 
+/// In mm.
 struct TSize {
-  unsigned int width, height;  // cm
+  unsigned int width, height;
   bool isKnown;
 };
 
-TSize GetPhysicalSize(const TMonitorView& view) {
-  if (view.monitor) {
-    const TSize size = {view.monitor->Number("HorizontalImageSize"), view.monitor->Number("VerticalImageSize"), true};
+/// A monitor, and what is drawn of it.
+struct TScreen {
+  const TMonitorView& view;
+  std::string name;
+  TMonitorFacts facts;
+  TSize size;
+};
+
+/// As the EDID tells it, else the instance.
+TSize GetPhysicalSize(const TOutput* output, const TInstanceView* monitor) {
+  if (output != nullptr && output->facts && output->facts->imageSize) {
+    return {output->facts->imageSize->width, output->facts->imageSize->height, true};
+  }
+  if (monitor != nullptr) {
+    const TSize size = {10 * monitor->Number("HorizontalImageSize"), 10 * monitor->Number("VerticalImageSize"), true};
     if (size.width > 0 && size.height > 0) return size;
   }
   return {kNeutralWidth, kNeutralHeight, false};
 }
 
-/// The picture's units for that number of cm.
+std::vector<TScreen> GetScreens(const TAnswer& answer, const TRequestView& view) {
+  std::vector<TScreen> screens;
+  for (const TMonitorView& monitor : view.GetMonitors()) {
+    const TOutput* const output = FindOutput(answer, monitor.id);
+    const TInstanceView* const instance = monitor.monitor ? &*monitor.monitor : nullptr;
+    const TMonitorFacts facts = DescribeMonitor(output, instance, TMakerNames());
+    screens.push_back({monitor, instance == nullptr ? "" : facts.model, facts, GetPhysicalSize(output, instance)});
+  }
+  return screens;
+}
+
+/// The picture's units for that number of mm.
 int Scale(unsigned int length, unsigned int longest) {
   return std::max(2, static_cast<int>(length * kScreenSide / longest));
 }
 
 /// The screen on the floor of a picture that is `height` high.
-TMarkup MakeScreen(const TSize& size, unsigned int longest, int height) {
-  const int screen = Scale(size.height, longest);
-  const char* const look = size.isKnown ? "monitor" : "monitor unknown";
-  const TMarkup box =
-      MakeSvgBox({kStroke / 2, height - screen - kStroke / 2}, Scale(size.width, longest), screen, look);
-  return MakeSvg(kScreenSide + kStroke, height, box);
+TMarkup MakeScreen(const TScreen& screen, unsigned int longest, int height) {
+  const int width = Scale(screen.size.width, longest);
+  const int top = height - Scale(screen.size.height, longest) - kStroke / 2;
+  const char* const look = screen.size.isKnown ? "monitor" : "monitor unknown";
+  const std::string diagonal = screen.facts.inches.empty() ? "?" : screen.facts.inches + "\u2033";
+  return MakeSvg(kScreenSide + kStroke, height,
+                 MakeSvgBox({kStroke / 2, top}, width, Scale(screen.size.height, longest), look) +
+                     MakeSvgText({kStroke / 2 + width / 2, (top + height) / 2 + kHalfLetter}, diagonal, "middle"));
 }
 
-TMarkup DescribeMonitor(const TMonitorView& view, const TSize& size, const std::string& id) {
-  const std::string name = view.monitor ? GetOwnName(*view.monitor) : std::string();
-  TMarkup lines = MakeElement("p", "name", MakeLink(id, Shorten(view.id, kPictureColumns)));
-  if (!name.empty()) lines += MakeElement("p", MakeShortText(name, kPictureColumns));
-  if (!size.isKnown) lines += MakeElement("p", "size not known, drawn as");
-  return lines + MakeElement("p", std::to_string(size.width) + " x " + std::to_string(size.height) + " cm");
+TMarkup DescribeScreen(const TScreen& screen, const std::string& id) {
+  const std::string neutral = std::to_string(kNeutralWidth) + " x " + std::to_string(kNeutralHeight) + " mm";
+  TMarkup lines = MakeElement("p", "name", MakeLink(id, Shorten(screen.view.id, kPictureColumns)));
+  const bool hasOwnName = !screen.name.empty() && screen.name != screen.view.id;
+  if (hasOwnName) lines += MakeElement("p", MakeShortText(screen.name, kPictureColumns));
+  if (!screen.size.isKnown) return lines + MakeElement("p", "size not known, drawn as " + neutral);
+  return lines + MakeElement("p", screen.facts.size);
 }
 
 }  // namespace
@@ -92,21 +121,20 @@ TMarkup MakeVideoPictures(const TRequestView& view) {
   return pictures + MakeHeads(view.GetLooseHeads());
 }
 
-TMarkup MakeMonitorPictures(const TRequestView& view, const std::string& id) {
+TMarkup MakeMonitorPictures(const TAnswer& answer, const TRequestView& view, const std::string& id) {
+  const std::vector<TScreen> screens = GetScreens(answer, view);
   unsigned int longest = 1;
   unsigned int highest = 1;
-  for (const TMonitorView& monitor : view.GetMonitors()) {
-    const TSize size = GetPhysicalSize(monitor);
-    longest = std::max({longest, size.width, size.height});
-    highest = std::max(highest, size.height);
+  for (const TScreen& screen : screens) {
+    longest = std::max({longest, screen.size.width, screen.size.height});
+    highest = std::max(highest, screen.size.height);
   }
   const int height = Scale(highest, longest) + kStroke;
   TMarkup items;
   std::size_t number = 0;
-  for (const TMonitorView& monitor : view.GetMonitors()) {
-    const TSize size = GetPhysicalSize(monitor);
-    items += MakeElement(
-        "li", MakeScreen(size, longest, height) + DescribeMonitor(monitor, size, id + std::to_string(++number)));
+  for (const TScreen& screen : screens) {
+    items +=
+        MakeElement("li", MakeScreen(screen, longest, height) + DescribeScreen(screen, id + std::to_string(++number)));
   }
   return MakeElement("ul", "monitors", std::move(items));
 }

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr std::size_t kTitleColumns = 64;
-constexpr std::size_t kFactColumns = 120;
+constexpr std::size_t kFactColumns = 400;
 
 /// "1 instance", "2 instances".
 std::string Count(std::size_t count, const char* noun) {
@@ -34,12 +34,39 @@ TMarkup MakeLog(const std::vector<TLogEntry>& log) {
                     MakeTable({}, MakeColumnName("Severity") + MakeColumnName("Message"), std::move(rows)));
 }
 
-TMarkup MakeFacts(const std::vector<TOutputRow>& facts) {
+/// The rows of one place, each made by that function.
+TMarkup MakeRows(const std::vector<TOutputRow>& facts, ERowPlace place,
+                 TMarkup (*make)(const char* label, TMarkup text)) {
   TMarkup rows;
-  for (const auto& [label, text] : facts) {
-    rows += MakeElement("tr", MakeRowName(label) + MakeElement("td", MakeShortText(text, kFactColumns)));
+  for (const TOutputRow& row : facts) {
+    if (row.place == place) rows += make(row.label, MakeShortText(row.text, kFactColumns));
   }
+  return rows;
+}
+
+TMarkup MakeProblem(const char* label, TMarkup text) {
+  return MakeElement("p", "problem", MakeElement("b", label + std::string(":")) + " " + text);
+}
+
+TMarkup MakeTopFact(const char* label, TMarkup text) {
+  return MakeElement("li", MakeElement("span", "soft", label) + " " + MakeElement("b", std::move(text)));
+}
+
+TMarkup MakeFactTable(const std::vector<TOutputRow>& facts, ERowPlace place) {
+  TMarkup rows = MakeRows(facts, place, [](const char* label, TMarkup text) {
+    return MakeRow(MakeRowName(label) + MakeElement("td", std::move(text)));
+  });
   return rows.IsEmpty() ? rows : MakeTable({}, {}, std::move(rows));
+}
+
+/// All of a monitor under its heading: what is wrong, what people look for, its modes, and the rest folded away.
+TMarkup MakeFacts(const std::vector<TOutputRow>& facts, const TMarkup& modes) {
+  TMarkup top = MakeRows(facts, ERowPlace::kTop, MakeTopFact);
+  if (!top.IsEmpty()) top = MakeElement("ul", "top", std::move(top));
+  TMarkup rest = MakeFactTable(facts, ERowPlace::kFolded);
+  if (!rest.IsEmpty()) rest = MakeFolded("Limits, power saving, versions", rest);
+  return MakeRows(facts, ERowPlace::kProblem, MakeProblem) + top + MakeFactTable(facts, ERowPlace::kPlain) + modes +
+         rest;
 }
 
 /// The part of the page that one request makes. Its headings begin one level deeper when there are several requests,
@@ -80,8 +107,10 @@ class TRequestSection {
   }
 
   TMarkup MakeMonitors() const {
-    const TMarkup gaps = MakeGaps(EPart::kMonitors);
-    return m_view.GetMonitors().empty() ? gaps : MakeMonitorPictures(m_view, GetCardId()) + gaps;
+    TMarkup gaps = MakeGaps(EPart::kMonitors);
+    const std::string suggestion = SuggestMakerNames(m_answer, m_makers);
+    if (!suggestion.empty()) gaps += MakeElement("p", "soft", suggestion + ".");
+    return m_view.GetMonitors().empty() ? gaps : MakeMonitorPictures(m_answer, m_view, GetCardId()) + gaps;
   }
 
   /// What is not among the answer, and why.
@@ -105,8 +134,8 @@ class TRequestSection {
       cards += MakeElement(
           "div", "panel",
           MakeHeading(m_level + 1, MakeShortText(title, kTitleColumns), GetCardId() + std::to_string(++number)) +
-              MakeFacts(DescribeMonitor(m_answer, monitor, m_makers)) +
-              MakeModes(m_view.FindHead(monitor, output), ListModes(monitor.modes, output)));
+              MakeFacts(DescribeMonitor(m_answer, monitor, m_makers),
+                        MakeModes(m_view.FindHead(monitor, output), ListModes(monitor.modes, output))));
     }
     if (m_view.Asks(EPart::kMonitors)) cards += MakeUnlistedCards();
     return cards.IsEmpty() ? cards : MakeElement("div", "row cards", std::move(cards));
@@ -119,10 +148,10 @@ class TRequestSection {
       if (!IsUnlisted(output)) continue;
       const std::string name = NameMonitor(output);
       const std::string title = name.empty() ? GetName(output) : GetName(output) + ": " + name;
-      cards += MakeElement("div", "panel",
-                           MakeHeading(m_level + 1, MakeShortText(title, kTitleColumns)) +
-                               MakeFacts(DescribeUnlisted(m_answer, output, m_makers)) +
-                               MakeModes(nullptr, ListModes({}, &output)));
+      cards += MakeElement(
+          "div", "panel",
+          MakeHeading(m_level + 1, MakeShortText(title, kTitleColumns)) +
+              MakeFacts(DescribeUnlisted(m_answer, output, m_makers), MakeModes(nullptr, ListModes({}, &output))));
     }
     return cards;
   }

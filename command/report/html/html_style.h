@@ -13,7 +13,8 @@ constexpr const char* kHtmlStyle =
     ".soft,caption,.unit,.properties thead th{color:var(--soft)}a{color:var(--accent)}"
     "h1,h2,h3,h4,p,li,td,caption{overflow-wrap:anywhere}"
     // Parts beside each other, as many as fit.
-    ".row{margin:1rem 0;display:grid;grid-template-columns:repeat(auto-fit,minmax(min(100%,20rem),1fr));gap:1rem}"
+    ".row{margin:1rem "
+    "0;display:grid;grid-template-columns:repeat(auto-fit,minmax(min(100%,20rem),1fr));gap:1rem;align-items:start}"
     ".cards{grid-template-columns:repeat(auto-fill,minmax(min(100%,26rem),1fr))}"
     ".panel{min-width:0;background:var(--panel);border:1px solid var(--line);border-radius:8px;padding:0 1rem .6rem}"
     ".panel .row{margin:.6rem 0}"
@@ -38,6 +39,11 @@ constexpr const char* kHtmlStyle =
     ".mode{fill:var(--accent)}.configured{fill:var(--mark);stroke:var(--ink)}"
     ".monitors{display:grid;grid-template-columns:repeat(auto-fill,minmax(8rem,1fr));gap:1rem;padding:0;"
     "list-style:none}.monitors .picture{max-width:9.5rem}"
+    // A monitor: what is wrong, and what people look for.
+    ".problem{border-left:4px solid var(--alarm);padding-left:.6rem;color:var(--alarm)}"
+    ".top{display:flex;flex-wrap:wrap;gap:.5rem 1.6rem;margin:.6rem 0;padding:0;list-style:none}"
+    ".cards h3,.cards h4{font-size:1.35rem}.top span{display:block;font-size:.85rem}.top "
+    "b{font-size:1.25rem;font-weight:600;overflow-wrap:anywhere}"
     // A monitor's modes: the plot, and the list in as many columns as fit.
     ".plot{display:flex;flex-wrap:wrap;align-items:flex-start;gap:.5rem 1rem}.plot .picture{flex:none;width:11.9rem}"
     ".modes{flex:1 1 12rem;columns:12rem;margin:0;padding:0;list-style:none;font-size:.9rem}"
@@ -56,5 +62,6 @@ constexpr const char* kHtmlStyle =
     "summary{cursor:pointer}.paper{display:none}"
     "@media print{:root{font-size:11px}body{max-width:none;padding:0;line-height:1.2}h2{margin:.7rem 0 .3rem}"
     "th,td{padding-top:.1rem;padding-bottom:.1rem}.row{gap:.7rem;margin:.7rem 0}.wide{overflow:visible}"
-    ".panel,tr,li,.picture{break-inside:avoid}h1,h2,h3,h4,caption,thead{break-after:avoid}"
+    ".panel,tr,li,.picture{break-inside:avoid}.cards "
+    ".panel{break-inside:auto}h1,h2,h3,h4,caption,thead{break-after:avoid}"
     "details:not([open]){display:none}details:not([open])+.paper{display:block}}";

@@ -244,7 +244,8 @@ TEST_F(Capture, NamesTheFilesThatHoldWhatWasReplacedElsewhere) {
   live.Edid(0, TEdidBuilder().Serial(3, "A190-004711").Build());
   EXPECT_THAT(CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, true),
               ElementsAre("replaced by fillers: the system's name, and serial numbers (1 in a descriptor)",
-                          "/etc/X11/xorg.conf holds the system's name or a serial number; it is captured as it is"));
+                          "/etc/X11/xorg.conf holds the system's name or a serial number; it is captured as it is; "
+                          "--no-xconfig leaves it out"));
 }
 
 TEST_F(Capture, IsRefusedWhenFillersWouldChangeMoreThanSerialNumbers) {

@@ -68,6 +68,17 @@ const std::vector<std::uint8_t> kB = MakeEdid("B");
 
 }  // namespace
 
+TEST(Outputs, KnowWhatMayHelpWhereAnEdidIsMissingOrDamaged) {
+  TMachine machine = MakeMachine(MakeBios({kA}));
+  machine.connectors = {{0, "card0-DP-1"}, {1, "card0-DP-2"}};
+  machine.damagedEdids[2] = {"edid/2.bin", "is empty", "copy it again"};
+  const std::vector<TOutput> outputs = Ask(machine);
+  ASSERT_THAT(outputs, SizeIs(3));
+  EXPECT_EQ(outputs[0].cure, "");
+  EXPECT_THAT(outputs[1].cure, testing::StartsWith("connect the monitor without the switch"));
+  EXPECT_EQ(outputs[2].cure, "copy it again");
+}
+
 TEST(Outputs, OfMonitorsHaveTheirDeviceIds) {
   EXPECT_THAT(Describe(MakeBios({kA, kB, kA})), ElementsAre("Monitor 1", "Monitor 2", "Monitor 3"));
 }

@@ -32,7 +32,7 @@ class DeviceRows : public TAnswerTest {
 /// Label and text of each row.
 std::vector<std::string> Write(const std::vector<TOutputRow>& rows) {
   std::vector<std::string> texts;
-  for (const auto& [label, text] : rows) texts.push_back(label + (": " + text));
+  for (const TOutputRow& row : rows) texts.push_back(row.label + (": " + row.text));
   return texts;
 }
 
@@ -85,6 +85,14 @@ TEST_F(DeviceRows, BeginWithWhatIsWrong) {
   EXPECT_THAT(Write(DescribeMonitor(answer, {"Monitor 1", monitor, {}}, TMakerNames())),
               ElementsAre("Problem: Block 0 has a wrong checksum.", "Problem: the picture is an aspect ratio",
                           "Input: analogue", "Product code: 0 (0x0000)", "Power saving: none"));
+}
+
+TEST_F(DeviceRows, TellOfAnOutputWithoutAnEdidWhatMayHelp) {
+  AddOutput();
+  answer.outputs = {{0, "card0-DP-1", std::nullopt, "its EDID is missing", std::nullopt, {}}};
+  answer.outputs[0].cure = "switch it on";
+  EXPECT_THAT(Write(DescribeUnlisted(answer, answer.outputs[0], TMakerNames())),
+              ElementsAre("Not listed: its EDID is missing", "What helps: switch it on", "Connector: card0-DP-1"));
 }
 
 TEST_F(DeviceRows, TellOfAnUnlistedOutputWhyAndWhatItsEdidSays) {

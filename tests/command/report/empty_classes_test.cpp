@@ -94,6 +94,20 @@ TEST_F(EmptyClasses, StandBesideValuesThatThePluginCouldNotUse) {
                           "a head has no colour depth: its Depth \"24bit\" is no number"));
 }
 
+TEST_F(EmptyClasses, StandBesideTheHeadsWithoutAValue) {
+  Commit("QRXSG_VideoHead", {{"DeviceID", TCIMValue("Left")}, {"CurrentHorizontalResolution", TCIMValue(1280U)}});
+  Commit("QRXSG_VideoHead", {{"DeviceID", TCIMValue("Right")}});
+  Commit("QRXSG_VideoHead", {{"DeviceID", TCIMValue("Right")}});
+  const std::vector<TLogEntry> log = {{ILogger::kDebug, "Could not convert to integer horizontal resolution fromauto"},
+                                      {ILogger::kDebug, "Could not convert to integer vertical resolution from 1280"}};
+  EXPECT_THAT(
+      Explain({"QRXSG_VideoHead"}, EPart::kVideo, log),
+      ElementsAre("head Right has no configured mode: \"auto\" in its Screen section is no number of pixels, nor "
+                  "a depth",
+                  "head Left or Right has no configured height: what follows \"1280x\" in its Screen section is "
+                  "no number of lines"));
+}
+
 TEST_F(EmptyClasses, AreExplainedInPrintableText) {
   answer.reasons.noControllers = "\x1B[2J is empty";
   EXPECT_THAT(Explain({"QRXSG_VideoController"}, EPart::kVideo), ElementsAre("\\x1b[2J is empty"));

@@ -118,7 +118,7 @@ TEST_F(MachineSummary, HasAsAProblemAWrongChecksum) {
   std::vector<std::uint8_t> edid = TEdidBuilder().Build();
   ++edid.back();
   AddMonitor(edid);
-  EXPECT_THAT(Make().problems, ElementsAre("Monitor 1: the checksum of its EDID is wrong, so a byte is damaged"));
+  EXPECT_THAT(Make().problems, ElementsAre("Monitor 1: Block 0 has a wrong checksum"));
 }
 
 TEST_F(MachineSummary, HasAsAProblemMonitorsThatOnlyTheirConnectorsTellApart) {

@@ -36,6 +36,13 @@ TEST_F(MakerNames, AreNotKnownWithoutTheList) {
   EXPECT_EQ(TMakerNames(folder.GetPath()).Find("ACM"), "");
 }
 
+TEST_F(MakerNames, MissTheirListOnlyWhereThereShouldBeOne) {
+  folder.Write("pnp.ids", "ACM\tAcme\n");
+  EXPECT_FALSE(TMakerNames().IsListMissing());
+  EXPECT_FALSE(TMakerNames(folder.GetPath() / "pnp.ids").IsListMissing());
+  EXPECT_TRUE(TMakerNames(folder.GetPath() / "absent").IsListMissing());
+}
+
 TEST_F(MakerNames, EndWithTheirLineInAListOfAnySystem) {
   EXPECT_EQ(Find("ACM\tAcme\r\nGLX\tGlobex\r\n", "ACM"), "Acme");
 }

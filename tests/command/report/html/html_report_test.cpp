@@ -17,6 +17,7 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace {
 
@@ -58,6 +59,19 @@ class HtmlReport : public TAnswerTest {
                                        {"HorizontalResolution", TCIMValue(width)},
                                        {"VerticalResolution", TCIMValue(height)},
                                        {"RefreshRate", TCIMValue(rate)}});
+  }
+
+  /// Gives the first monitor that output, whose EDID is broken.
+  void AddOutput() {
+    TEdidFacts facts;
+    facts.isVersion1 = true;
+    facts.contradictions = {"Block 0 has a wrong checksum."};
+    facts.name = "Acme A190";
+    facts.imageSize = {597, 336};
+    facts.diagonalInches = 27.0;
+    facts.limits = TRangeLimits{{30, 160}, {48, 75}, {}};
+    facts.modes.push_back({{3840, 2160, 59.997}, EModeSource::Detailed, EYcbcr420::No});
+    answer.outputs = {{0, "card0-DP-1", "Monitor 1", "", facts, {}}};
   }
 
   /// What the pattern's first group, or these groups, take, from each place of the page that it matches.
@@ -140,6 +154,7 @@ TEST_F(HtmlReport, HasAStyleForEachOfItsClassesAndForNoOther) {
   CommitHead("a");
   CommitMonitor("Monitor 1", 40, 30);
   CommitMonitor("Monitor 2", 0, 0);
+  AddOutput();
   for (unsigned int width = 640; width < 700; ++width) CommitMode(width, 480, 60);
   for (int severity = ILogger::kError; severity <= ILogger::kVerbose; ++severity) {
     answer.log.push_back({static_cast<ILogger::EZELTLogSeverity>(severity), "said"});
@@ -181,6 +196,37 @@ TEST_F(HtmlReport, DrawsMonitorsToScale) {
               ElementsAre("150\" height=\"112", "75\" height=\"37"));
 }
 
+TEST_F(HtmlReport, DrawsAMonitorOfTheSizeThatItsEdidTells) {
+  CommitMonitor("Monitor 1", 60, 60);
+  AddOutput();
+  const std::string page = Make();
+  EXPECT_THAT(FindAll(page, "width=\"([0-9]+\" height=\"[0-9]+)\" class=\"monitor\""),
+              ElementsAre("150\" height=\"84"));
+  EXPECT_THAT(page, HasSubstr("class=\"middle\">27.0\u2033</text>"));
+  EXPECT_THAT(page, HasSubstr("<p>597 x 336 mm</p>"));
+}
+
+TEST_F(HtmlReport, BeginsEachMonitorWithItsProblemsAndWhatPeopleLookFor) {
+  CommitMonitor("Monitor 1", 60, 60);
+  AddOutput();
+  const std::string page = Make({"QRXSG_DesktopMonitor"});
+  const std::string card = page.substr(page.find("<h3 id=\"request1-monitor-1\">"));
+  EXPECT_THAT(card, StartsWith("<h3 id=\"request1-monitor-1\">Monitor 1: Acme A190</h3>\n"
+                               "<p class=\"problem\"><b>Problem:</b>\n Block 0 has a wrong checksum.</p>\n"
+                               "<ul class=\"top\"><li><span class=\"soft\">Largest mode</span>\n "
+                               "<b>3840 x 2160 at 59.997 Hz</b>\n</li>\n"
+                               "<li><span class=\"soft\">Picture</span>\n <b>597 x 336 mm, 27.0 inches</b>\n</li>\n"
+                               "<li><span class=\"soft\">Connector</span>\n <b>card0-DP-1</b>\n</li>\n</ul>\n<table>"));
+}
+
+TEST_F(HtmlReport, FoldsTheLimitsOfAMonitorAway) {
+  CommitMonitor("Monitor 1", 60, 60);
+  AddOutput();
+  const std::string page = Make({"QRXSG_DesktopMonitor"});
+  const std::string folded = page.substr(page.find("<summary>Limits, power saving, versions</summary>"));
+  EXPECT_THAT(folded.substr(0, folded.find("</details>")), HasSubstr("<td>48 to 75 Hz</td>"));
+}
+
 TEST_F(HtmlReport, TellsTheFactsOfControllersHeadsAndMonitors) {
   Commit("QRXSG_VideoController", {{"VideoRamSize", TCIMValue(1U << 20U)}});
   CommitHead("a");
@@ -195,8 +241,8 @@ TEST_F(HtmlReport, DashesAMonitorOfUnknownSizeAndSaysHowItIsDrawn) {
   CommitMonitor("Monitor 1", 0, 30);
   const std::string page = Make();
   EXPECT_THAT(page, HasSubstr("class=\"monitor unknown\""));
-  EXPECT_THAT(page, HasSubstr(">size not known, drawn as<"));
-  EXPECT_THAT(page, HasSubstr(">40 x 30 cm<"));
+  EXPECT_THAT(page, HasSubstr(">size not known, drawn as 400 x 300 mm<"));
+  EXPECT_THAT(page, HasSubstr("class=\"middle\">?</text>"));
 }
 
 TEST_F(HtmlReport, TakesANullSizeForUnknown) {
@@ -451,9 +497,9 @@ TEST_F(HtmlReport, SaysWhatTheOutputsAreAndWhichAreNotListed) {
   answer.outputs = {{0, "a<b", "Monitor 1", "", facts, {}},
                     {1, "a<b", std::nullopt, "its EDID repeats that of unit 0", facts, {}}};
   const std::string page = Make({"QRXSG_DesktopMonitor"});
-  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Connector</th>\n<td>a&lt;b</td>"));
+  EXPECT_THAT(page, HasSubstr("<span class=\"soft\">Connector</span>\n <b>a&lt;b</b>"));
   EXPECT_THAT(page, HasSubstr("<h3>a&lt;b (unit 1)</h3>"));
-  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">Not listed</th>\n<td>its EDID repeats that of unit 0</td>"));
+  EXPECT_THAT(page, HasSubstr("<p class=\"problem\"><b>Not listed:</b>\n its EDID repeats that of unit 0</p>"));
 }
 
 TEST(HtmlStyle, HasEnoughContrastInBothSchemes) {
