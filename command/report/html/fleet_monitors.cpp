@@ -13,6 +13,11 @@ std::tuple<bool, unsigned int, unsigned int> GetAgeKey(const TFleetMonitor& moni
   return {monitor.year == 0, monitor.year, monitor.week};
 }
 
+/// `id`: of the table, which a link may lead to; empty for none.
+TMarkup MakeFoldedTable(const std::string& summary, const char* id, TMarkup table) {
+  return MakeFolded(summary, TMarkup::Element("div", {{"id", id}}, std::move(table)));
+}
+
 }  // namespace
 
 TFleetMonitors::TFleetMonitors(const std::deque<TFleetMachine>& machines, const TFleetLinks& links)
@@ -58,11 +63,11 @@ void TFleetMonitors::PutAges(THtmlPieces& page) const {
   page.Put(MakeHeading(2, "By age of monitor", kAges));
   if (m_byAge.empty()) return page.Put(MakeElement("p", "None: no machine has a monitor."));
   const auto [begin, end] =
-      Part(MakeFolded(CountNouns(CountMonitors(), "monitor"),
-                      MakeTable("The oldest first, unknown years last",
-                                MakeColumnName("Made") + MakeColumnName("Maker") + MakeColumnName("Model") +
-                                    MakeColumnName("Serial number") + MakeColumnName("Machine"),
-                                {})),
+      Part(MakeFoldedTable(CountNouns(CountMonitors(), "monitor"), kAllMonitors,
+                           MakeTable("The oldest first, unknown years last",
+                                     MakeColumnName("Made") + MakeColumnName("Maker") + MakeColumnName("Model") +
+                                         MakeColumnName("Serial number") + MakeColumnName("Machine"),
+                                     {})),
            "<tbody>");
   page.Put(begin);
   for (auto first = m_byAge.begin(); first != m_byAge.end();) {
@@ -86,34 +91,34 @@ TMarkup TFleetMonitors::MakeYear(TPlaceIterator first, TPlaceIterator last) cons
         MakeRow(MakeElement("td", monitor.made) + MakeElement("td", monitor.maker) + MakeElement("td", monitor.model) +
                 MakeElement("td", monitor.serialNumber) + MakeElement("td", m_links.MakeLink(place->machine)));
   }
-  return MakeElement("tbody", std::move(rows));
+  return TMarkup::Element("tbody", {{"id", year == 0 ? kUndated : ""}}, std::move(rows));
 }
 
 void TFleetMonitors::PutModels(THtmlPieces& page) const {
   page.Put(MakeHeading(2, "By model", kModels));
-  PutGroups(page, m_models, {"Maker", "Model"});
+  PutGroups(page, m_models, {"Maker", "Model"}, kAllModels);
 }
 
 void TFleetMonitors::PutModes(THtmlPieces& page) const {
   page.Put(MakeHeading(2, "By largest mode", kModes));
-  PutGroups(page, m_modes, {"Largest mode"});
+  PutGroups(page, m_modes, {"Largest mode"}, "");
 }
 
 void TFleetMonitors::PutDoubtful(THtmlPieces& page) const {
   page.Put(MakeHeading(2, "Doubtful serial numbers", kDoubtful));
   if (m_doubtful.empty()) return page.Put(MakeElement("p", "None: no serial number is that of several machines."));
   page.Put(MakeElement("p", "Each is that of monitors of several machines."));
-  PutGroups(page, m_doubtful, {"Identity", "Serial number"});
+  PutGroups(page, m_doubtful, {"Identity", "Serial number"}, "");
 }
 
-void TFleetMonitors::PutGroups(THtmlPieces& page, const TGroups& groups,
-                               const std::vector<const char*>& columns) const {
+void TFleetMonitors::PutGroups(THtmlPieces& page, const TGroups& groups, const std::vector<const char*>& columns,
+                               const char* id) const {
   if (groups.empty()) return page.Put(MakeElement("p", "None: no machine has a monitor."));
   TMarkup names;
   for (const char* const column : columns) names += MakeColumnName(column);
   const auto [begin, end] = Part(
-      MakeFolded(
-          CountNouns(groups.size(), "group"),
+      MakeFoldedTable(
+          CountNouns(groups.size(), "group"), id,
           MakeTable("The most frequent first", names + MakeColumnName("Monitors") + MakeColumnName("Machines"), {})),
       "</tbody>");
   page.Put(begin);

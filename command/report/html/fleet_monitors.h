@@ -15,11 +15,14 @@
 
 class TFleetMonitors {
  public:
-  // The ids of the sections.
+  // The ids of the sections, and of what is folded away in them, which browsers open for a link.
   static constexpr const char* kAges = "ages";
   static constexpr const char* kModels = "models";
   static constexpr const char* kModes = "modes";
   static constexpr const char* kDoubtful = "doubtful";
+  static constexpr const char* kAllMonitors = "all-monitors";
+  static constexpr const char* kAllModels = "all-models";
+  static constexpr const char* kUndated = "undated";
 
   /// `machines` and `links`: of the page, which must outlive this.
   TFleetMonitors(const std::deque<TFleetMachine>& machines, const TFleetLinks& links);
@@ -57,8 +60,9 @@ class TFleetMonitors {
   static TGroups::key_type GetNumber(const TFleetMonitor& monitor) { return {monitor.identity, monitor.serialNumber}; }
   void FindDoubtful();
   TMarkup MakeYear(TPlaceIterator first, TPlaceIterator last) const;
-  /// `columns`: the names of the texts of a group.
-  void PutGroups(THtmlPieces& page, const TGroups& groups, const std::vector<const char*>& columns) const;
+  /// `columns`: the names of the texts of a group. `id`: of the table.
+  void PutGroups(THtmlPieces& page, const TGroups& groups, const std::vector<const char*>& columns,
+                 const char* id) const;
   void PutGroup(THtmlPieces& page, const TGroup& group, bool hasTwoTexts) const;
 
   const std::deque<TFleetMachine>& m_machines;

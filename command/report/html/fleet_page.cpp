@@ -17,8 +17,10 @@ namespace {
 constexpr std::size_t kMachineColumns = 120;  // of a machine in its own row
 constexpr std::size_t kDateLength = 10;       // of a time's text
 
-// The sections, by the ids that links lead to; those of monitors are TFleetMonitors's.
+// Where links lead; those of monitors are TFleetMonitors's.
 constexpr const char* kProblems = "problems";
+constexpr const char* kUnasked = "unasked";
+constexpr const char* kWithout = "without";
 constexpr const char* kMachines = "machines";
 
 TMarkup MakeList(const char* name, const std::vector<std::string>& texts) {
@@ -36,9 +38,10 @@ TMarkup MakeTexts(const char* column, const std::vector<std::string>& texts, con
   return TMarkup::Element("td", {{"data-name", column}}, texts.empty() ? TMarkup() : TMarkup(texts.front()));
 }
 
-/// `section`: where the machines are that are counted.
-TMarkup MakeCount(std::size_t count, const char* noun, const char* section) {
-  return MakeElement("li", MakeLink(section, MakeElement("b", std::to_string(count)) + " " + noun));
+/// `place`: where exactly the machines are that are counted.
+TMarkup MakeCount(std::size_t count, const char* noun, const char* place) {
+  const TMarkup text = MakeElement("b", std::to_string(count)) + " " + noun;
+  return MakeElement("li", count == 0 ? text : MakeLink(place, text));
 }
 
 TMarkup MakeEntry(const char* section, const char* title) { return MakeElement("li", MakeLink(section, title)); }
@@ -58,11 +61,19 @@ std::string DescribeSerial(const TFleetMonitor& monitor, bool isDoubtful) {
   return (isDoubtful ? "doubtful serial " : "serial ") + monitor.serialNumber;
 }
 
+/// In one line, if it can be: the maker by its letters, since the groups by model have its name.
 std::string DescribeMonitor(const TFleetMonitor& monitor, bool isDoubtful) {
-  return monitor.maker + (monitor.maker.empty() ? "" : " ") +
+  const std::string letters = monitor.maker.substr(0, monitor.maker.find(' '));
+  return letters + (letters.empty() ? "" : " ") +
          JoinTexts({monitor.model, monitor.largestMode, monitor.connector, monitor.isListed ? "" : "not listed",
                     DescribeSerial(monitor, isDoubtful),
                     monitor.year == 0 ? "year not known" : std::to_string(monitor.year)});
+}
+
+/// True for a file or a folder of the system's name, such as "ws-17.json".
+bool IsNamedAfter(const std::string& name, const std::string& systemName) {
+  return name.compare(0, systemName.size(), systemName) == 0 &&
+         (name.size() == systemName.size() || name[systemName.size()] == '.');
 }
 
 /// The sections of machines, in the order of the list.
@@ -73,16 +84,15 @@ class TFleetSections {
 
   TMarkup MakeCounts() const {
     const std::size_t answered = Count([](const TFleetMachine& machine) { return machine.hasAnswered; });
-    const auto hasNone = [](const TFleetMachine& machine) { return machine.hasAnswered && machine.monitors.empty(); };
     return MakeElement("ul", "counts",
                        MakeCount(m_machines.size(), "machines asked", kMachines) +
                            MakeCount(answered, "answered", kMachines) +
-                           MakeCount(m_machines.size() - answered, "could not be asked", kProblems) +
+                           MakeCount(m_machines.size() - answered, "could not be asked", kUnasked) +
                            MakeCount(Count(HasProblems), "with problems", kProblems) +
-                           MakeCount(Count(hasNone), "without a monitor", kMachines) +
-                           MakeCount(m_monitors.CountMonitors(), "monitors", TFleetMonitors::kAges) +
-                           MakeCount(m_monitors.CountModels(), "models of monitors", TFleetMonitors::kModels) +
-                           MakeCount(m_monitors.CountUndated(), "monitors of unknown year", TFleetMonitors::kAges) +
+                           MakeCount(Count(HasNoMonitor), "without a monitor", kWithout) +
+                           MakeCount(m_monitors.CountMonitors(), "monitors", TFleetMonitors::kAllMonitors) +
+                           MakeCount(m_monitors.CountModels(), "models of monitors", TFleetMonitors::kAllModels) +
+                           MakeCount(m_monitors.CountUndated(), "monitors of unknown year", TFleetMonitors::kUndated) +
                            MakeCount(m_monitors.CountDoubtful(), "doubtful serial numbers", TFleetMonitors::kDoubtful));
   }
 
@@ -90,12 +100,21 @@ class TFleetSections {
     page.Put(MakeHeading(2, "Machines with problems", kProblems));
     if (Count(HasProblems) == 0) return page.Put(MakeElement("p", "None."));
     const auto [begin, end] = Part(
-        MakeTable("In the order of the list", MakeColumnName("Machine") + MakeColumnName("Problems"), {}), "</tbody>");
+        MakeTable("In the order of the list", MakeColumnName("Machine") + MakeColumnName("Problems"), {}), "<tbody>");
+    page.Put(begin);
+    PutProblems(page, IsUnasked, kUnasked, "Could not be asked");
+    PutProblems(page, IsTroubled, "", "Answered");
+    page.Put(end.substr(end.find("</table>")));
+  }
+
+  /// The machines that answered and have no monitor; nothing where there is none.
+  void PutWithoutMonitor(THtmlPieces& page) const {
+    if (Count(HasNoMonitor) == 0) return;
+    page.Put(MakeHeading(2, "Without a monitor", kWithout));
+    const auto [begin, end] = Part(MakeElement("ul", "contents", {}), "</ul>");
     page.Put(begin);
     for (std::size_t position = 0; position < m_machines.size(); ++position) {
-      const TFleetMachine& machine = m_machines[position];
-      if (!HasProblems(machine)) continue;
-      page.Put(MakeRow(MakeRowName(m_links.MakeLink(position)) + MakeTexts("", machine.problems)));
+      if (HasNoMonitor(m_machines[position])) page.Put(MakeElement("li", m_links.MakeLink(position)));
     }
     page.Put(end);
   }
@@ -108,8 +127,7 @@ class TFleetSections {
                  "div", {{"class", "machines"}},
                  MakeTable("In the order of the list",
                            MakeColumnName("Machine") + MakeColumnName("Controllers") +
-                               MakeColumnName("Monitors: maker, model, largest mode, connector, serial number, year") +
-                               MakeColumnName("Problems"),
+                               MakeColumnName("Monitors: maker, model, largest mode, connector, serial number, year"),
                            {})),
              "</tbody>");
     page.Put(begin);
@@ -119,9 +137,30 @@ class TFleetSections {
 
  private:
   static bool HasProblems(const TFleetMachine& machine) { return !machine.problems.empty(); }
+  static bool IsUnasked(const TFleetMachine& machine) { return !machine.hasAnswered; }
+  static bool IsTroubled(const TFleetMachine& machine) { return machine.hasAnswered && HasProblems(machine); }
+  static bool HasNoMonitor(const TFleetMachine& machine) { return machine.hasAnswered && machine.monitors.empty(); }
 
   std::size_t Count(bool (*isCounted)(const TFleetMachine&)) const {
     return static_cast<std::size_t>(std::count_if(m_machines.begin(), m_machines.end(), isCounted));
+  }
+
+  /// The rows of those machines under a title. `id`: of these rows; empty for none.
+  void PutProblems(THtmlPieces& page, bool (*isOne)(const TFleetMachine&), const char* id, const char* title) const {
+    const std::size_t count = Count(isOne);
+    if (count == 0) return;
+    const std::string name = title + (": " + CountNouns(count, "machine"));
+    const auto [begin, end] =
+        Part(TMarkup::Element("tbody", {{"id", id}},
+                              MakeRow(TMarkup::Element("th", {{"scope", "rowgroup"}, {"colspan", "2"}}, name))),
+             "</tbody>");
+    page.Put(begin);
+    for (std::size_t position = 0; position < m_machines.size(); ++position) {
+      const TFleetMachine& machine = m_machines[position];
+      if (!isOne(machine)) continue;
+      page.Put(MakeRow(MakeRowName(m_links.MakeLink(position)) + MakeTexts("", machine.problems)));
+    }
+    page.Put(end);
   }
 
   TMarkup MakeMachineRow(std::size_t position) const {
@@ -135,20 +174,21 @@ class TFleetSections {
     return TMarkup::Element("tr", {{"id", TFleetLinks::MakeId(position)}},
                             MakeRowName(DescribeMachine(position)) +
                                 MakeTexts("Controllers", machine.controllers.empty() ? nothing : machine.controllers) +
-                                MakeTexts("Monitors", monitors.empty() ? nothing : monitors, "ol") +
-                                MakeTexts("Problems", machine.problems));
+                                MakeTexts("Monitors", monitors.empty() ? nothing : monitors, "ol"));
   }
 
-  /// The name, then the system's where it is another, and the day of the collection.
+  /// The name, then the system's where it is another, the day of the collection, and a mark where it has problems.
   TMarkup DescribeMachine(std::size_t position) const {
     const TFleetMachine& machine = m_machines[position];
     const std::string name = m_links.GetName(position);
     const TMarkup text = MakeShortText(name, kMachineColumns);
-    const bool isNamed = !machine.systemName.empty() && machine.systemName != name;
-    const std::string collected =
-        machine.collected.empty() ? "" : "collected " + machine.collected.substr(0, kDateLength);
-    const std::string more = JoinTexts({isNamed ? machine.systemName : "", collected});
-    return more.empty() ? text : text + " " + MakeElement("span", "soft", more);
+    const bool isNamed = !machine.systemName.empty() && !IsNamedAfter(name, machine.systemName);
+    const std::string more = JoinTexts({isNamed ? machine.systemName : "", machine.collected.substr(0, kDateLength)});
+    const TMarkup described = more.empty() ? text : text + " " + MakeElement("span", "soft", more);
+    if (!HasProblems(machine)) return described;
+    return described + " " +
+           TMarkup::Element("a", {{"href", std::string("#") + kProblems}, {"class", "error"}},
+                            CountNouns(machine.problems.size(), "problem"));
   }
 
   const std::deque<TFleetMachine>& m_machines;
@@ -184,6 +224,7 @@ void TFleetPage::Write(const std::string& made, bool isWhole,
   }
   page.Put(machines.MakeCounts() + MakeContents());
   machines.PutProblems(page);
+  machines.PutWithoutMonitor(page);
   machines.PutMachines(page);
   monitors.PutAges(page);
   monitors.PutModels(page);

@@ -7,10 +7,13 @@ constexpr const char* kFleetStyle =
     ".soft{font-weight:400}[colspan]{padding-top:.8rem}"
     ".long{break-inside:auto}.listing{white-space:normal}.listing ul,.listing ol{margin:0;padding-left:1.3rem}"
     ".listing ol{padding-left:1.9rem}"
-    ".machines thead th{width:26%}.machines thead th:nth-child(2){width:16%}.machines thead th:nth-child(3){width:34%}"
+    // Most machines take one line, or one for each monitor.
+    ".machines table{font-size:.84rem;line-height:1.3}.machines td,.machines "
+    "th{padding-top:.12rem;padding-bottom:.12rem}"
+    ".machines thead th{width:24%}.machines thead th:nth-child(2){width:15%}.machines thead th:nth-child(3){width:61%}"
     // On a narrow screen the cells of a machine are below each other, each after the name of its column.
     "@media screen and (max-width:40rem){.machines thead{position:absolute;clip-path:inset(50%)}"
     ".machines tr,.machines tbody th,.machines td{display:block;border:0;padding:.1rem 0}.machines td:empty{display:"
     "none}"
     ".machines tr{border-bottom:1px solid var(--line);padding:.5rem 0}"
-    ".machines td:before{content:attr(data-name);color:var(--soft);margin-right:.4rem}}";
+    ".machines td[data-name]:before{content:attr(data-name);color:var(--soft);margin-right:.4rem}}";

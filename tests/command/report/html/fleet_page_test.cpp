@@ -81,7 +81,7 @@ class FleetPage : public testing::Test {
   /// How many, by what.
   static std::map<std::string, std::string> GetCounts(const std::string& text) {
     std::map<std::string, std::string> counts;
-    const std::regex regex("<li><a href=\"#[a-z]+\"><b>([0-9]+)</b>\n ([^<]*)</a>\n?</li>");
+    const std::regex regex("<li>(?:<a href=\"#[a-z-]+\">)?<b>([0-9]+)</b>\n ([^<]*)(?:</a>\n)?</li>");
     for (std::sregex_iterator found(text.begin(), text.end(), regex), end; found != end; ++found) {
       counts[(*found)[2]] = (*found)[1];
     }
@@ -153,23 +153,66 @@ TEST_F(FleetPage, HasARowForEachMachineInTheOrderOfTheList) {
   Add(MakeMachine("a"));
   Add(SummarizeFailure("c", "is not there"));
   EXPECT_THAT(GetRows(MakeSection("machines")),
-              ElementsAre("b b.example.org, collected 2026-11-21|Card A + Card B|"
-                          "ACM Acme A190, serial A190-1, 2008 + product code 7 (0x0007), no serial, year not known|"
-                          "one + two",
-                          "a|none|none|", "c|not known|not known|is not there"));
+              ElementsAre("b b.example.org, 2026-11-21 2 problems|Card A + Card B|"
+                          "ACM Acme A190, serial A190-1, 2008 + product code 7 (0x0007), no serial, year not known",
+                          "a|none|none", "c 1 problem|not known|not known"));
+}
+
+TEST_F(FleetPage, CallsTheMakerByItsLettersInTheLineOfAMonitor) {
+  TMonitorSummary monitor = MakeMonitor("ACM", "A", 2008);
+  monitor.facts.makerName = "Acme Corporation";
+  Add("a", {monitor});
+  EXPECT_THAT(GetRows(MakeSection("machines")), ElementsAre("a|none|ACM A, no serial, 2008"));
+  EXPECT_THAT(GetRows(MakeSection("models")), ElementsAre("ACM (Acme Corporation)|A|1|a"));
 }
 
 TEST_F(FleetPage, LeavesOutASystemNameThatTheMachineHas) {
   TMachineSummary machine = MakeMachine("ws-17");
   machine.systemName = "ws-17";
   Add(machine);
-  EXPECT_THAT(GetRows(MakeSection("machines")), ElementsAre("ws-17|none|none|"));
+  machine.machine = "ws-17.json";
+  Add(machine);
+  machine.machine = "ws-170";
+  Add(machine);
+  EXPECT_THAT(GetRows(MakeSection("machines")),
+              ElementsAre("ws-17|none|none", "ws-17.json|none|none", "ws-170 ws-17|none|none"));
 }
 
 TEST_F(FleetPage, ListsTheMachinesWithProblems) {
+  TMachineSummary troubled = MakeMachine("c");
+  troubled.problems = {"a problem"};
   Add(MakeMachine("a"));
+  Add(troubled);
   Add(SummarizeFailure("b", "is not there"));
-  EXPECT_THAT(GetRows(MakeSection("problems")), ElementsAre("b|is not there"));
+  const std::string section = MakeSection("problems");
+  EXPECT_THAT(GetRows(section), ElementsAre("b|is not there", "c|a problem"));
+  EXPECT_THAT(FindAll(section, "colspan=\"2\">([^<]*)<"),
+              ElementsAre("Could not be asked: 1 machine", "Answered: 1 machine"));
+}
+
+TEST_F(FleetPage, ListsTheMachinesWithoutAMonitor) {
+  Add(MakeMachine("a"));
+  Add("b", {MakeMonitor("ACM", "A")});
+  Add(MakeMachine("c"));
+  Add(SummarizeFailure("d", "is not there"));
+  EXPECT_THAT(FindAll(MakeSection("without"), "<a href=\"#machine-[0-9]\">([^<]*)<"), ElementsAre("a", "c"));
+}
+
+TEST_F(FleetPage, LinksEachCountToItsMachines) {
+  Add("a", {MakeMonitor("ACM", "A")});
+  Add("b", {});
+  Add(SummarizeFailure("c", "is not there"));
+  EXPECT_THAT(
+      FindAll(Make(), "<li><a href=\"#([a-z-]+)\"><b>"),
+      ElementsAre("machines", "machines", "unasked", "problems", "without", "all-monitors", "all-models", "undated"));
+  EXPECT_THAT(Make(), HasSubstr("<tbody id=\"unasked\">"));
+  EXPECT_THAT(Make(), HasSubstr("<tbody id=\"undated\">"));
+  EXPECT_THAT(Make(), HasSubstr("<div id=\"all-monitors\"><table>"));
+  EXPECT_THAT(Make(), HasSubstr("<div id=\"all-models\"><table>"));
+}
+
+TEST_F(FleetPage, LinksNoCountOfZero) {
+  EXPECT_THAT(FindAll(Make(), "<li><a href=\"#([a-z-]+)\"><b>"), testing::IsEmpty());
 }
 
 TEST_F(FleetPage, ListsTheOldestMonitorsFirstAndUnknownYearsLast) {
@@ -199,7 +242,7 @@ TEST_F(FleetPage, HasAPlaceForEachLink) {
   const std::set<std::string> places(ids.begin(), ids.end());
   EXPECT_EQ(places.size(), ids.size());
   const std::vector<std::string> links = FindAll(text, " href=\"#([^\"]*)\"");
-  EXPECT_EQ(links.size(), 9U + 6U + 1U + 2U + 2U + 2U);
+  EXPECT_EQ(links.size(), 6U + 6U + 1U + 1U + 2U + 2U + 2U);
   for (const std::string& link : links) EXPECT_EQ(places.count(link), 1U) << link;
   EXPECT_THAT(MakeSection("problems"), HasSubstr("<a href=\"#machine-3\">c</a>"));
   EXPECT_THAT(MakeSection("machines"), HasSubstr("<tr id=\"machine-3\"><th scope=\"row\">c"));
@@ -211,13 +254,13 @@ TEST_F(FleetPage, SaysOnceWhichFolderAllMachinesAreIn) {
   }
   EXPECT_THAT(Make(), HasSubstr("All of them are in /captures/<"));
   EXPECT_THAT(GetRows(MakeSection("machines")),
-              ElementsAre("site-a/ws-1|none|none|", "site-b/ws-2.json|none|none|", "site-b/|none|none|"));
+              ElementsAre("site-a/ws-1|none|none", "site-b/ws-2.json|none|none", "site-b/|none|none"));
 }
 
 TEST_F(FleetPage, NamesNoFolderThatTheMachinesDoNotHaveInCommon) {
   for (const char* const name : {"captures/ws-1", "ws-2"}) Add(MakeMachine(name));
   EXPECT_THAT(Make(), Not(HasSubstr("All of them")));
-  EXPECT_THAT(GetRows(MakeSection("machines")), ElementsAre("captures/ws-1|none|none|", "ws-2|none|none|"));
+  EXPECT_THAT(GetRows(MakeSection("machines")), ElementsAre("captures/ws-1|none|none", "ws-2|none|none"));
 }
 
 TEST_F(FleetPage, ShortensLongNamesAndKeepsTheWholeAsATitle) {
@@ -263,9 +306,10 @@ TEST_F(FleetPage, EscapesMarkup) {
   machine.problems = {"</td>"};
   machine.monitors = {MakeMonitor("<i>", "</tr>")};
   Add(machine);
-  EXPECT_THAT(GetRows(MakeSection("machines")),
-              ElementsAre("&lt;script&gt;|&lt;b&gt; + &quot;&amp;&#39;|&lt;i&gt; &lt;/tr&gt;, no serial, year not "
-                          "known|&lt;/td&gt;"));
+  EXPECT_THAT(
+      GetRows(MakeSection("machines")),
+      ElementsAre("&lt;script&gt; 1 problem|&lt;b&gt; + &quot;&amp;&#39;|&lt;i&gt; &lt;/tr&gt;, no serial, year not "
+                  "known"));
   EXPECT_THAT(GetRows(MakeSection("models")), ElementsAre("&lt;i&gt;|&lt;/tr&gt;|1|&lt;script&gt;"));
 }
 
@@ -286,7 +330,7 @@ TEST_F(FleetPage, SaysThatMachinesAreMissingAfterARunThatWasStopped) {
 TEST_F(FleetPage, TakesSeveralLinesAtOnce) {
   page.Take(TFleetPage::MakeLine(MakeMachine("a")) + TFleetPage::MakeLine(MakeMachine("b")));
   page.Take("");
-  EXPECT_THAT(GetRows(MakeSection("machines")), ElementsAre("a|none|none|", "b|none|none|"));
+  EXPECT_THAT(GetRows(MakeSection("machines")), ElementsAre("a|none|none", "b|none|none"));
 }
 
 TEST_F(FleetPage, IsWrittenInPiecesUntilNobodyReadsOn) {
