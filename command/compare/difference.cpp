@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "command/report/device_rows.h"
+#include "command/report/mode_order.h"
 #include "embedded_host/schema.h"
 
 using nlohmann::json;
@@ -124,9 +126,40 @@ std::vector<TChange> Sort(std::vector<TChange> changes) {
   return changes;
 }
 
+TOutput ReadOutput(const TEdid& edid) {
+  TOutput output;
+  output.facts = ReadEdidFacts(edid);
+  return output;
+}
+
+/// What people read of an EDID, except the limits and versions, which the plug-in's properties have too.
+TProperties DescribeFacts(const TOutput& output) {
+  TProperties facts;
+  for (const TOutputRow& row : DescribeEdid(output)) {
+    if (row.place != ERowPlace::kFolded) facts[row.label] = row.text;
+  }
+  return facts;
+}
+
+TModes ListEdidModes(const TOutput& output) {
+  TModes modes;
+  for (const TShownMode& mode : ListModes({}, &output)) modes.push_back(WriteMode(mode));
+  std::sort(modes.begin(), modes.end());
+  return modes;
+}
+
+void AddEdid(const TEdid& before, const TEdid& after, std::vector<TChange>& changes) {
+  if (before == after) return;
+  changes.push_back({"EDID", TChanged<TEdid>{before, after}});
+  const TOutput old = ReadOutput(before);
+  const TOutput now = ReadOutput(after);
+  AddProperties(DescribeFacts(old), DescribeFacts(now), changes);
+  AddFact("Modes of the EDID", ListEdidModes(old), ListEdidModes(now), changes);
+}
+
 std::vector<TChange> ListChanges(const TMonitor& before, const TMonitor& after) {
   std::vector<TChange> changes;
-  AddFact("EDID", before.output.edid, after.output.edid, changes);
+  AddEdid(before.output.edid, after.output.edid, changes);
   AddFact<TPropertyValue>("Listed", before.IsListed(), after.IsListed(), changes);
   // Of a monitor that is reported on one side only, the plug-in's properties are not further differences.
   if (before.IsListed() == after.IsListed()) {

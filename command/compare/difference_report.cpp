@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 
 #include "command/base/base64.h"
 #include "command/base/json_writer.h"
@@ -96,7 +95,7 @@ void WriteValue(TJsonWriter& writer, const TModes& modes) {
 }
 
 /// What a device is known by, and where it is: a value for each key that has one.
-typedef std::map<std::string, TPropertyValue> TDescription;
+typedef TProperties TDescription;
 
 void AddText(TDescription& description, const char* key, const std::string& text) {
   if (!text.empty()) description[key] = text;
@@ -124,30 +123,27 @@ TDescription Describe(const TController& controller) {
   return description;
 }
 
-std::string GetText(const TDescription& description, const char* key) {
-  const auto found = description.find(key);
-  return found == description.end() ? std::string() : GetText(found->second);
-}
+std::string Show(const TDescription& description, const char* key) { return ToPrintable(FindText(description, key)); }
 
 /// "Acme A190 (ACM, product 0, serial A190-004711, card0-DP-1)".
 std::string GetName(const TMonitor& monitor) {
   const TDescription facts = Describe(monitor);
-  std::string details = GetText(facts, "manufacturer");
+  std::string details = Show(facts, "manufacturer");
   const auto add = [&](const char* label, const char* key) {
-    const std::string text = GetText(facts, key);
+    const std::string text = Show(facts, key);
     if (!text.empty()) details += (details.empty() ? "" : ", ") + (label + text);
   };
   add("product ", "productCode");
   add("serial ", facts.count("serial") != 0 ? "serial" : "serialNumber");
   add("", facts.count("connector") != 0 ? "connector" : "deviceID");
-  const std::string name = facts.count("name") != 0 ? GetText(facts, "name") : "without a name";
+  const std::string name = facts.count("name") != 0 ? Show(facts, "name") : "without a name";
   return details.empty() ? name : name + " (" + details + ")";
 }
 
 /// "Example Graphics 2 (PCI:1:0:0)".
 std::string GetName(const TController& controller) {
   const TDescription facts = Describe(controller);
-  return GetText(facts, facts.count("Name") != 0 ? "Name" : "DeviceID") + " (" + GetText(facts, "DisplayId") + ")";
+  return Show(facts, facts.count("Name") != 0 ? "Name" : "DeviceID") + " (" + Show(facts, "DisplayId") + ")";
 }
 
 template <typename TDevice>

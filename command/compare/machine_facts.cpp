@@ -41,13 +41,6 @@ bool IsOneOf(const char* const (&names)[size], const std::string& name) {
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-/// The text of a string; any other value as JSON has it; empty where it is missing.
-std::string GetText(const TProperties& properties, const char* name) {
-  const auto found = properties.find(name);
-  if (found == properties.end()) return std::string();
-  return found->second.is_string() ? found->second.get<std::string>() : found->second.dump();
-}
-
 /// All but those that say where the device is.
 TProperties WithoutPlaces(const TProperties& properties) {
   TProperties others;
@@ -96,10 +89,10 @@ std::vector<TIdentity> Identify(const std::vector<TReadOutput>& outputs) {
 std::map<std::string, TModes> CollectModes(const TReadAnswer& answer) {
   std::map<std::string, TModes> modes;
   for (const TReadInstance* const mode : Select(answer, kMonitorResolutionClass)) {
-    const std::string id = GetText(mode->properties, "SettingID");
-    modes[GetMonitorOfMode(id)].push_back(GetText(mode->properties, "HorizontalResolution") + "x" +
-                                          GetText(mode->properties, "VerticalResolution") + "@" +
-                                          GetText(mode->properties, "RefreshRate") + "Hz");
+    const std::string id = FindText(mode->properties, "SettingID");
+    modes[GetMonitorOfMode(id)].push_back(FindText(mode->properties, "HorizontalResolution") + "x" +
+                                          FindText(mode->properties, "VerticalResolution") + "@" +
+                                          FindText(mode->properties, "RefreshRate") + "Hz");
   }
   for (auto& [id, list] : modes) std::sort(list.begin(), list.end());
   return modes;
@@ -108,7 +101,7 @@ std::map<std::string, TModes> CollectModes(const TReadAnswer& answer) {
 std::vector<TMonitor> MakeMonitors(const TReadAnswer& answer) {
   std::map<std::string, TProperties> properties;  // by DeviceID
   for (const TReadInstance* const monitor : Select(answer, kDesktopMonitorClass)) {
-    TProperties& others = properties[GetText(monitor->properties, kDeviceId)];
+    TProperties& others = properties[FindText(monitor->properties, kDeviceId)];
     others = WithoutPlaces(monitor->properties);
     others.erase(kManufacturingDate);
   }
@@ -138,15 +131,15 @@ std::vector<TController> MakeControllers(const TReadAnswer& answer) {
   std::map<std::string, std::size_t> positions;  // by display id
   for (const TReadInstance* const instance : Select(answer, kVideoControllerClass)) {
     const TProperties& properties = instance->properties;
-    const std::string displayId = GetText(properties, kDisplayId);
+    const std::string displayId = FindText(properties, kDisplayId);
     positions.emplace(displayId, controllers.size());
-    controllers.push_back({displayId, GetText(properties, kDeviceId), WithoutPlaces(properties), {}});
+    controllers.push_back({displayId, FindText(properties, kDeviceId), WithoutPlaces(properties), {}});
   }
   for (const TReadInstance* const head : Select(answer, kVideoHeadClass)) {
-    const auto position = positions.find(GetText(head->properties, kDisplayId));
+    const auto position = positions.find(FindText(head->properties, kDisplayId));
     if (position == positions.end()) continue;
     controllers[position->second].heads.push_back(
-        {GetText(head->properties, kDeviceId), WithoutPlaces(head->properties)});
+        {FindText(head->properties, kDeviceId), WithoutPlaces(head->properties)});
   }
   for (TController& controller : controllers) {
     std::stable_sort(controller.heads.begin(), controller.heads.end(),
@@ -197,6 +190,12 @@ std::optional<std::string> GetAfterCard(const std::string& name) {
 
 }  // namespace
 
+std::string FindText(const TProperties& properties, const char* name) {
+  const auto found = properties.find(name);
+  if (found == properties.end()) return std::string();
+  return found->second.is_string() ? found->second.get<std::string>() : found->second.dump();
+}
+
 bool IsHeadProperty(const std::string& name) {
   constexpr const char* properties[] = {"CurrentBitsPerPixel", "CurrentHorizontalResolution",
                                         "CurrentVerticalResolution", "MonitorString"};
@@ -218,7 +217,7 @@ TMachineFacts MakeFacts(const TReadAnswer& answer) {
 std::string GetSystemName(const TReadAnswer& answer) {
   for (const TReadRequest& request : answer.requests) {
     for (const TReadInstance& instance : request.instances) {
-      std::string name = GetText(instance.properties, kSystemName);
+      std::string name = FindText(instance.properties, kSystemName);
       if (!name.empty()) return name;
     }
   }

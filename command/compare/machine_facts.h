@@ -54,6 +54,9 @@ bool IsCard(const std::string& name);
 
 TMachineFacts MakeFacts(const TReadAnswer& answer);
 
+/// The text of a string; any other value as JSON has it; empty where it is missing.
+std::string FindText(const TProperties& properties, const char* name);
+
 /// What the machine calls itself, as its devices say; empty for one without devices.
 std::string GetSystemName(const TReadAnswer& answer);
 

@@ -75,8 +75,12 @@ TEST_F(Comparison, TellsPeopleWhatIsDifferent) {
             "new\n"
             "  Monitor changed: Flat (ACM, product 0, serial S3, Monitor 2)\n"
             "    EDID: 2 of 128 bytes differ\n"
+            "    Highest rate: 60 Hz (800 x 600) -> 75 Hz (640 x 480)\n"
+            "    Largest mode: 800 x 600 at 60.317 Hz -> 640 x 480 at 75.000 Hz\n"
             "    Modes came: 640x480@75Hz\n"
             "    Modes gone: 800x600@60Hz\n"
+            "    Modes of the EDID came: 640x480@75Hz\n"
+            "    Modes of the EDID gone: 800x600@60.317Hz\n"
             "  Monitor came: Tube (ACM, product 0, serial 7, Monitor 3)\n"
             "  Monitor gone: A190 (ACM, product 0, serial S1, Monitor 1)\n"
             "  Controller changed: Card 2 (PCI:1:0:0)\n"
@@ -88,8 +92,12 @@ TEST_F(Comparison, TellsProgramsAllModesThatThereWereAndAre) {
   MakeMachine("old", {{"edid/0.bin", MakeFlat(0x21)}});
   MakeMachine("new", {{"edid/0.bin", MakeFlat(0x24)}});
   const json changes = json::parse(Run("old new --format json").output)["machines"][0]["monitors"][0]["changes"];
-  EXPECT_EQ(changes[1], json::parse(R"({"property": "Modes", "old": ["640x480@60Hz", "800x600@60Hz"],
+  EXPECT_EQ(changes[2], json::parse(R"({"property": "Largest mode", "old": "800 x 600 at 60.317 Hz",
+                                        "new": "640 x 480 at 75.000 Hz"})"));
+  EXPECT_EQ(changes[3], json::parse(R"({"property": "Modes", "old": ["640x480@60Hz", "800x600@60Hz"],
                                         "new": ["640x480@60Hz", "640x480@75Hz"]})"));
+  EXPECT_EQ(changes[4], json::parse(R"({"property": "Modes of the EDID", "old": ["640x480@59.94Hz", "800x600@60.317Hz"],
+                                        "new": ["640x480@59.94Hz", "640x480@75Hz"]})"));
 }
 
 TEST_F(Comparison, TellsProgramsWhatIsDifferent) {

@@ -103,6 +103,27 @@ TEST(MonitorDifference, TellsAnotherEdidOfTheSameMonitor) {
   EXPECT_EQ(differences[0].changes[0].name, "EDID");
 }
 
+TEST(MonitorDifference, TellsWhatAnotherEdidSaysOfTheMonitor) {
+  const std::vector<std::uint8_t> edid = TEdidBuilder()
+                                             .Manufacturer("ACM")
+                                             .Name(0, "A190")
+                                             .Serial(1, "S1")
+                                             .ImageSize(38, 30)
+                                             .RangeLimits(2, 56, 76, 30, 83, 14)
+                                             .Established(0x20, 0)
+                                             .Build();
+  const auto differences = Compare(TAnswerBuilder().Unlisted(kLeft).Build(), TAnswerBuilder().Unlisted(edid).Build());
+  ASSERT_THAT(differences.monitors, SizeIs(1));
+  const std::vector<TChange>& changes = differences.monitors[0].changes;
+  std::vector<std::string> names;
+  for (const TChange& change : changes) names.push_back(change.name);
+  ASSERT_THAT(names, ElementsAre("EDID", "Highest rate", "Largest mode", "Modes of the EDID", "Picture"));
+  const auto& picture = std::get<TChanged<TPropertyValue>>(changes[4].fact);
+  EXPECT_EQ(picture.before, TPropertyValue());
+  EXPECT_EQ(picture.after, TPropertyValue("380 x 300 mm, 19.1 inches"));
+  EXPECT_THAT(std::get<TChanged<TModes>>(changes[3].fact).after, ElementsAre("640x480@59.94Hz"));
+}
+
 TEST(MonitorDifference, CountsMonitorsThatNothingTellsApart) {
   EXPECT_THAT(CompareMonitors(TAnswerBuilder().Monitor(kNameless).Monitor(kLeft).Monitor(kNameless),
                               TAnswerBuilder().Monitor(kNameless).Monitor(kLeft)),
