@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "command/machine/forms/readers.h"
 
 namespace {
@@ -28,16 +30,17 @@ std::optional<TFoundMachine> ReadXrandr(std::string_view text) {
   TLines lines(text);
   TFoundMachine machine;
   std::string_view connector;
-  std::optional<std::string> bytes;  // of the property that is being read
+  bool isInProperty = false;
+  std::string bytes;  // of the property that is being read
   const auto endProperty = [&] {
-    if (bytes) machine.Add({std::string(connector), std::move(*bytes)});
-    bytes.reset();
+    if (isInProperty) machine.Add({std::string(connector), std::exchange(bytes, {})});
+    isInProperty = false;
   };
   for (std::string_view line; lines.Take(line);) {
-    if (bytes && !Trim(line).empty() && AppendHex(*bytes, Trim(line))) continue;
+    if (isInProperty && !Trim(line).empty() && AppendHex(bytes, Trim(line))) continue;
     endProperty();
     if (const std::optional<std::string_view> name = ReadOutputName(line)) connector = *name;
-    if (!connector.empty() && IsEdidProperty(line)) bytes.emplace();
+    isInProperty = !connector.empty() && IsEdidProperty(line);
   }
   endProperty();
   if (machine.outputs.empty()) return std::nullopt;
