@@ -1,6 +1,6 @@
 #include "command/base/xml_reader.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 
@@ -80,6 +80,11 @@ TEST(XmlReader, RefusesWhatIsNotWellFormed) {
        }) {
     EXPECT_NE(Judge(text), "") << text;
   }
+}
+
+TEST(XmlReader, SaysWhatIsWrongWithAReference) {
+  EXPECT_THAT(Judge("<a>&#0;</a>"), testing::HasSubstr("a reference to no character"));
+  EXPECT_THAT(Judge("<a>&#x110000;</a>"), testing::HasSubstr("a reference to no character"));
 }
 
 TEST(XmlReader, RefusesAZeroByteWhereverItStands) {

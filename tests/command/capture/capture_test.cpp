@@ -217,6 +217,11 @@ TEST_F(Capture, HasFillersForSerialNumbersAndNameWhenItIsAnonymous) {
   EXPECT_EQ(RunShell("grep -r -e ws-17 -e 4711 " + target.string()).output, "");
 }
 
+TEST_F(Capture, SaysThatItFoundNoSerialNumberWhenItIsAnonymous) {
+  EXPECT_THAT(CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, true),
+              ElementsAre("replaced by fillers: the system's name; no serial number was found in an EDID"));
+}
+
 TEST_F(Capture, IsWithoutThemInOneFileToo) {
   live.Json(R"({"systemName": "ws-17"})").Edid(0, TEdidBuilder().Serial(3, "A190-004711").Byte(12, 7).Build());
   CaptureMachine(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, document, true);

@@ -60,6 +60,14 @@ TEST_F(NewTarget, IsKeptWithAllThatWasWritten) {
   EXPECT_TRUE(fs::exists(folder.GetPath() / "with-slash/top"));
 }
 
+TEST_F(NewTarget, IsMadeInTheWorkingFolderWhenOnlyItsNameIsGiven) {
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.GetPath());
+  TNewFile("file", "new").Keep();
+  fs::current_path(before);
+  EXPECT_EQ(Read(folder.GetPath() / "file"), "new");
+}
+
 TEST_F(NewTarget, LeavesNothingUnlessItIsKept) {
   {
     TNewFolder made(target);

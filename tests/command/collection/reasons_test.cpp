@@ -47,6 +47,8 @@ TEST_F(Reasons, OfNoControllerLieInItsConfiguration) {
        "no Device section in /etc/X11/xorg.conf has an EndSection after it"},
       {"Section \"Device\"\n  BusID \"PCI:1:0:0\"\nEndSection\nIdentifier \"a\"\n",
        "no Device section in /etc/X11/xorg.conf has an Identifier"},
+      {"Identifier \"a\"\nEndSection\nSection \"Device\"\n  BusID \"PCI:1:0:0\"\nEndSection\n",
+       "no Device section in /etc/X11/xorg.conf has an Identifier"},
       {" Section \"device\"\n\tIdentifier \"\"\nEndSection\n",
        "no Device section in /etc/X11/xorg.conf has an Identifier"},
       {"Section \"Device\"\n  Identifier \"a\"\n  VideoRam \"64M\"\nEndSection\n",

@@ -94,8 +94,25 @@ TEST(Worker, TakesOneMachineAfterTheOther) {
 TEST(Worker, HandsOverLinesOfAnyLength) {
   TWorker worker(Echo, {}, kTimeout);
   for (const std::size_t size : {std::size_t{0}, std::size_t{65528}, std::size_t{65529}, std::size_t{5'000'000}}) {
-    EXPECT_EQ(Work(worker, std::string(size, 'x')).text.size(), size + 1);
+    const std::string machine(size, 'x');
+    EXPECT_EQ(Work(worker, machine).text, Echo(machine).text);
   }
+}
+
+TEST(Worker, CanBeEndedBySignalsThatItsParentBlocks) {
+  sigset_t blocked;
+  sigset_t before;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTERM);
+  sigprocmask(SIG_BLOCK, &blocked, &before);
+  const auto isBlocked = [](const std::string&) -> TMachineLine {
+    sigset_t own;
+    sigprocmask(SIG_SETMASK, nullptr, &own);
+    return {sigismember(&own, SIGTERM) != 0 ? "blocked" : "free", false};
+  };
+  TWorker worker(isBlocked, {}, kTimeout);
+  EXPECT_EQ(Work(worker, "a").text, "free");
+  sigprocmask(SIG_SETMASK, &before, nullptr);
 }
 
 TEST(Worker, TellsHowItDied) {

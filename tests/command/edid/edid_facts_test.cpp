@@ -107,3 +107,10 @@ TEST(EdidFacts, TellOnlyTheChecksumsOfWhatIsNoEdidOfVersionOne) {
   EXPECT_EQ(other.name, "");
   EXPECT_FALSE(ReadEdidFacts(std::vector<std::uint8_t>(128)).isVersion1);
 }
+
+TEST(EdidFacts, TellNoYearBeforeTheStandardsFirstNorThatOfAFiller) {
+  EXPECT_FALSE(Read(TEdidBuilder().Made(1, 1993)).made);
+  EXPECT_EQ(Read(TEdidBuilder().Made(1, 1994)).made.value().year, 1994U);
+  EXPECT_EQ(Read(TEdidBuilder().Made(1, 2244)).made.value().year, 2244U);
+  EXPECT_FALSE(Read(TEdidBuilder().Made(1, 2245)).made);
+}

@@ -195,3 +195,10 @@ TEST(EdidSerials, ChangeNoSumAndNothingOutsideWhateverTheBlocksAre) {
 }
 
 TEST(EdidSerials, AreNoneInWhatIsNoBlock) { EXPECT_EQ(Replace(std::string(127, 'x')), std::string(127, 'x')); }
+
+TEST(EdidSerials, AreSaidToBeGoneWithABlockThatWasEmptied) {
+  TSerialFillers fillers;
+  std::string edid = Build(Plain().Extension({0x50, 0x01, 0x02}));
+  fillers.Replace(edid);
+  EXPECT_EQ(fillers.Describe(), "1 in a block that was emptied");
+}

@@ -38,6 +38,26 @@ TEST(BiosRecorder, TellsUnitsApartByAllTheirBits) {
   EXPECT_EQ(record.units.at(0x10000).edid, configuration.units[0x10000].edid);
 }
 
+TEST(BiosRecorder, TellsTheBlockFromWhichTheBiosDoesNotReturn) {
+  TVirtualBiosConfiguration configuration;
+  configuration.units[0].edid.assign(256, 0x11);
+  configuration.units[0].failAtBlock = 1;
+  TBiosRecorder recorder(std::make_shared<TVirtualVideoBios>(configuration));
+  TRealModeMemory memory;
+  ASSERT_TRUE(recorder.Start(memory));
+  for (const unsigned int block : {0U, 1U}) {
+    LRMI_regs registers = {};
+    registers.eax = 0x4F15;
+    registers.ebx = 1;
+    registers.edx = block;
+    registers.es = 0x1000;
+    EXPECT_EQ(recorder.Interrupt(0x10, registers, memory), block == 0);
+  }
+  const TVirtualBiosConfiguration::TUnit unit = recorder.GetRecord().units.at(0);
+  EXPECT_EQ(unit.edid, std::vector<std::uint8_t>(128, 0x11));
+  EXPECT_EQ(unit.failAtBlock, 1U);
+}
+
 TEST(BiosRecorder, KeepsTheFailureOfTheStartThatTheCallsCatch) {
   TBiosRecorder recorder(std::make_shared<TFailingBios>());
   TRealModeMemory memory;

@@ -119,6 +119,9 @@ TEST_F(FolderFiles, AreRefusedBeyondTheLimit) {
   } catch (const TZELTException& failure) {
     EXPECT_EQ(failure.what(), kPath + ": is larger than 268435456 bytes, which no such file needs");
   }
+  ASSERT_EQ(files.GetFailures().size(), 1U);
+  EXPECT_FALSE(files.GetFailures()[0].isLookUp);
+  EXPECT_EQ(files.GetFailures()[0].cure, "put the right file in its place");
 }
 
 TEST_F(FolderFiles, MayBeReadAfterTheirFolderWasMoved) {
