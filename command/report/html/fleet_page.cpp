@@ -184,7 +184,7 @@ class TFleetSections {
     const TMarkup text = MakeShortText(name, kMachineColumns);
     const bool isNamed = !machine.systemName.empty() && !IsNamedAfter(name, machine.systemName);
     const std::string more = JoinTexts({isNamed ? machine.systemName : "", machine.collected.substr(0, kDateLength)});
-    const TMarkup described = more.empty() ? text : text + " " + MakeElement("span", "soft", more);
+    TMarkup described = more.empty() ? text : text + " " + MakeElement("span", "soft", more);
     if (!HasProblems(machine)) return described;
     return described + " " +
            TMarkup::Element("a", {{"href", std::string("#") + kProblems}, {"class", "error"}},

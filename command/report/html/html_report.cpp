@@ -36,7 +36,7 @@ TMarkup MakeLog(const std::vector<TLogEntry>& log) {
 
 /// The rows of one place, each made by that function.
 TMarkup MakeRows(const std::vector<TOutputRow>& facts, ERowPlace place,
-                 TMarkup (*make)(const char* label, TMarkup text)) {
+                 TMarkup (*make)(const char* label, const TMarkup& text)) {
   TMarkup rows;
   for (const TOutputRow& row : facts) {
     if (row.place == place) rows += make(row.label, MakeShortText(row.text, kFactColumns));
@@ -44,17 +44,17 @@ TMarkup MakeRows(const std::vector<TOutputRow>& facts, ERowPlace place,
   return rows;
 }
 
-TMarkup MakeProblem(const char* label, TMarkup text) {
+TMarkup MakeProblem(const char* label, const TMarkup& text) {
   return MakeElement("p", "problem", MakeElement("b", label + std::string(":")) + " " + text);
 }
 
-TMarkup MakeTopFact(const char* label, TMarkup text) {
-  return MakeElement("li", MakeElement("span", "soft", label) + " " + MakeElement("b", std::move(text)));
+TMarkup MakeTopFact(const char* label, const TMarkup& text) {
+  return MakeElement("li", MakeElement("span", "soft", label) + " " + MakeElement("b", text));
 }
 
 TMarkup MakeFactTable(const std::vector<TOutputRow>& facts, ERowPlace place) {
-  TMarkup rows = MakeRows(facts, place, [](const char* label, TMarkup text) {
-    return MakeRow(MakeRowName(label) + MakeElement("td", std::move(text)));
+  TMarkup rows = MakeRows(facts, place, [](const char* label, const TMarkup& text) {
+    return MakeRow(MakeRowName(label) + MakeElement("td", text));
   });
   return rows.IsEmpty() ? rows : MakeTable({}, {}, std::move(rows));
 }
