@@ -1,5 +1,6 @@
 #include "command/help.h"
 
+#include "command/base/text_encoding.h"
 #include "command/option_table.h"
 
 namespace {
@@ -31,7 +32,7 @@ std::string DescribeRows(const TPage& page, bool areOptions) {
 std::string DescribeClasses() {
   constexpr std::size_t inLine = 3;
   std::string text = "Classes (default: all six; displayinfo schema explains them):\n";
-  const std::vector<std::string> names = ListClassNames();
+  const std::vector<std::string> names = ListAllClasses();
   for (std::size_t index = 0; index < names.size(); ++index) {
     text += (index % inLine == 0 ? "  " : " ") + names[index] + (index % inLine == inLine - 1 ? "\n" : "");
   }

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iterator>
 
+#include "command/base/text_encoding.h"
 #include "embedded_host/schema.h"
 
 namespace {
@@ -45,7 +46,7 @@ TRequest ReadRequest(const TOptionValue& value) {
   TRequest request = Split(value.text, ',');
   for (const std::string& name : request) {
     if (FindClass(name) != nullptr) continue;
-    throw TWrongUsage("\"" + name + "\" is not a class; the classes are " + Join(ListClassNames(), ", "));
+    throw TWrongUsage("\"" + name + "\" is not a class; the classes are " + Join(ListAllClasses(), ", "));
   }
   return request;
 }
@@ -58,7 +59,7 @@ std::string ReadClass(const TOptionValue& value) {
   std::transform(pages.begin() + 1, pages.end(), std::back_inserter(subcommands),
                  [](const TPage& page) { return page.name; });
   throw TWrongUsage("\"" + value.text + "\" is neither a class nor a subcommand; the classes are " +
-                    Join(ListClassNames(), ", ") + "; the subcommands are " + Join(subcommands, ", "));
+                    Join(ListAllClasses(), ", ") + "; the subcommands are " + Join(subcommands, ", "));
 }
 
 /// Loopback only: the server has neither passwords nor TLS, so something that has them must answer other machines.
@@ -101,7 +102,7 @@ void CheckFleet(const TOptions& options) {
 
 void FinishCollection(TCommandLine& line) {
   CheckFleet(line.options);
-  if (line.options.requests.empty()) line.options.requests.push_back(ListClassNames());
+  if (line.options.requests.empty()) line.options.requests.push_back(ListAllClasses());
 }
 
 void FinishComparison(TCommandLine& line) {
@@ -292,15 +293,3 @@ std::vector<std::string> TOptionRow::ListChoices() const {
 }
 
 const std::vector<TPage>& GetPages() { return kPages; }
-
-std::string Join(const std::vector<std::string>& names, const char* between) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : between) + name;
-  return text;
-}
-
-std::vector<std::string> ListClassNames() {
-  std::vector<std::string> names;
-  for (const TClassDeclaration& declaration : GetSchema()) names.emplace_back(declaration.name);
-  return names;
-}

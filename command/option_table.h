@@ -65,8 +65,3 @@ struct TPage {
 
 /// The command itself, then the subcommands.
 const std::vector<TPage>& GetPages();
-
-/// The names with this text between them.
-std::string Join(const std::vector<std::string>& names, const char* between);
-
-std::vector<std::string> ListClassNames();

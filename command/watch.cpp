@@ -21,18 +21,12 @@ namespace {
 
 constexpr int kMaxReadings = 20;  // for a state that never settles
 
-std::vector<TRequest> AskForAll() {
-  TRequest all;
-  for (const TClassDeclaration& declaration : GetSchema()) all.emplace_back(declaration.name);
-  return {all};
-}
-
 /// The state of the machine: a line.
 std::string Read(const TWatchOptions& options) {
   const TTimeLimit limit(options.timeout, "displayinfo: this machine " + DescribeTimeout(options.timeout) + "\n");
   return WithinMemory([&] {
     const TMachine machine = MakeThisMachine(EEdidSource::kDrm, EXconfigSource::kAuto);
-    const TAnswer answer = Collect(machine, options.plugin, AskForAll(), [](const TLogEntry&) {});
+    const TAnswer answer = Collect(machine, options.plugin, {ListAllClasses()}, [](const TLogEntry&) {});
     return MakeMachineLine(machine.host.systemName, answer, ELogPart::kLeftOut);
   });
 }

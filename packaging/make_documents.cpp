@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 
+#include "command/base/text_encoding.h"
 #include "command/option_table.h"
 
 namespace {
@@ -46,7 +47,7 @@ std::string WriteManualRows(const TPage& page) {
 std::string WriteCompletion(const TOptionRow& row) {
   if (row.IsOption() && !row.HasValue()) return "flag";
   if (row.completion == ECompletion::kFiles) return "files";
-  return "value " + Join(row.completion == ECompletion::kClasses ? ListClassNames() : row.ListChoices(), " ");
+  return "value " + Join(row.completion == ECompletion::kClasses ? ListAllClasses() : row.ListChoices(), " ");
 }
 
 /// The lines that stand in the place of each line of a template.
@@ -58,7 +59,7 @@ TFillings FillManual() {
     const std::string name = page.name;
     fillings[".\\\" OPTIONS" + (name.empty() ? "" : " " + name)] = WriteManualRows(page);
   }
-  fillings[".\\\" CLASSES"] = Join(ListClassNames(), "\n") + "\n";
+  fillings[".\\\" CLASSES"] = Join(ListAllClasses(), "\n") + "\n";
   return fillings;
 }
 

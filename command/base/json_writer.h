@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "command/base/text_buffer.h"
 
@@ -29,6 +30,23 @@ class TJsonWriter {
 
   /// From now on a string is written as `change` makes it; null: as it is.
   void ChangeStrings(std::string (*change)(const std::string& text)) { m_change = change; }
+
+  /// A member of an object: its name, and a string, a number, true or false, or an array of strings.
+  template <typename T>
+  void Member(std::string_view name, const T& value) {
+    Key(name);
+    if constexpr (std::is_convertible_v<T, std::string_view>) {
+      String(value);
+    } else if constexpr (std::is_same_v<T, bool>) {
+      Literal(value ? "true" : "false");
+    } else if constexpr (std::is_arithmetic_v<T>) {
+      Literal(std::to_string(value));
+    } else {
+      BeginArray();
+      for (const std::string& text : value) String(text);
+      EndArray();
+    }
+  }
 
   /// A value that is JSON already, such as a number or null.
   void Literal(std::string_view text);

@@ -3,9 +3,11 @@
 #include <utf8.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "command/base/text_buffer.h"
 
@@ -330,4 +332,24 @@ std::size_t GetLength(std::string_view text, std::size_t columns) {
     if (BeginsCharacter(text[length]) && columns-- == 0) break;
   }
   return length;
+}
+
+std::string Join(const std::vector<std::string>& texts, const char* between) {
+  std::string joined;
+  for (const std::string& text : texts) {
+    if (!text.empty()) joined += (joined.empty() ? "" : between) + text;
+  }
+  return joined;
+}
+
+std::string WriteFixed(double number, int decimals) {
+  char text[512];  // the largest double has 309 digits
+  return {text, std::to_chars(text, std::end(text), number, std::chars_format::fixed, decimals).ptr};
+}
+
+std::string WriteNumber(double number) {
+  std::string text = WriteFixed(number, 3);
+  text.erase(text.find_last_not_of('0') + 1);
+  if (text.back() == '.') text.pop_back();
+  return text;
 }

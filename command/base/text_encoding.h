@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class TTextBuffer;
 
@@ -45,3 +46,12 @@ std::size_t CountColumns(std::string_view text);
 
 /// The length in bytes of the first `columns` characters.
 std::size_t GetLength(std::string_view text, std::size_t columns);
+
+/// The texts that are not empty, with `between` between them.
+std::string Join(const std::vector<std::string>& texts, const char* between = ", ");
+
+/// The number with that many decimals: "60.000".
+std::string WriteFixed(double number, int decimals);
+
+/// The number with as many decimals as it has, three at most: "59.94".
+std::string WriteNumber(double number);

@@ -32,12 +32,6 @@ namespace {
 
 constexpr std::chrono::seconds kGrace(5);  // for the starter to say that a collection took too long
 
-TRequest MakeRequest() {
-  TRequest request;
-  for (const TClassDeclaration& declaration : GetSchema()) request.emplace_back(declaration.name);
-  return request;
-}
-
 /// What the command says of such an answer, a sentence each.
 std::vector<std::string> ListAllRemarks(const TMachine& machine, const TAnswer& answer) {
   std::vector<std::string> remarks = ListRemarks(machine, answer);
@@ -65,7 +59,7 @@ bool HasLookAlikes(const TAnswer& answer) {
 std::string MakeLines(const TServeOptions& options) {
   const TMachine machine = options.machine ? ReadCapturedMachine(*options.machine)
                                            : MakeThisMachine(options.edidSource, options.xconfigSource);
-  const TAnswer answer = Collect(machine, options.plugin, {MakeRequest()}, [](const TLogEntry&) {});
+  const TAnswer answer = Collect(machine, options.plugin, {ListAllClasses()}, [](const TLogEntry&) {});
   std::string lines;
   for (const std::string& remark : ListAllRemarks(machine, answer)) lines += ToMessage(remark) + "\n";
   return lines + MakeMachineLine(answer.identity.systemName, answer, ELogPart::kLeftOut,

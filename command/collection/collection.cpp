@@ -65,7 +65,7 @@ class TTimeZone {
 
 bool AsksForMonitors(const TRequestAnswer& request) {
   return std::any_of(request.classes.begin(), request.classes.end(),
-                     [](const std::string& name) { return FindClass(name)->part == EPart::kMonitors; });
+                     [](const std::string& name) { return IsOf(name, EPart::kMonitors); });
 }
 
 }  // namespace

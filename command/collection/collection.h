@@ -13,9 +13,23 @@
 #include "command/machine/machine.h"
 #include "embedded_host/cim_store.h"
 #include "embedded_host/log.h"
+#include "embedded_host/schema.h"
 
 /// The classes of one GetData call, in order.
 typedef std::vector<std::string> TRequest;
+
+/// All six, in the order of the schema.
+inline TRequest ListAllClasses() {
+  TRequest names;
+  for (const TClassDeclaration& declaration : GetSchema()) names.emplace_back(declaration.name);
+  return names;
+}
+
+/// True for the name of a class of that part.
+inline bool IsOf(const std::string& className, EPart part) {
+  const TClassDeclaration* const declaration = FindClass(className);
+  return declaration != nullptr && declaration->part == part;
+}
 
 struct TPluginIdentity {
   std::string name;

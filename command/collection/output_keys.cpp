@@ -1,12 +1,11 @@
 #include "command/collection/output_keys.h"
 
-#include <charconv>
 #include <cstring>
-#include <iterator>
 #include <optional>
 #include <type_traits>
 
 #include "command/base/base64.h"
+#include "command/base/text_encoding.h"
 #include "command/edid/serial_rules.h"
 #include "command/edid/sha256.h"
 
@@ -19,18 +18,10 @@ typedef const TOutput& TRef;
 TNumber MakeNumber(unsigned int number) { return {std::to_string(number)}; }
 
 /// With `decimals` of them.
-TNumber MakeNumber(double number, int decimals) {
-  char text[512];  // the largest double has 309 digits
-  return {{text, std::to_chars(text, std::end(text), number, std::chars_format::fixed, decimals).ptr}};
-}
+TNumber MakeNumber(double number, int decimals) { return {WriteFixed(number, decimals)}; }
 
 /// With as many decimals as it has, three at most.
-TNumber MakeNumber(double number) {
-  std::string text = MakeNumber(number, 3).text;
-  text.erase(text.find_last_not_of('0') + 1);
-  if (text.back() == '.') text.pop_back();
-  return {text};
-}
+TNumber MakeNumber(double number) { return {WriteNumber(number)}; }
 
 TKeyValue MakeValue(bool value) { return value; }
 TKeyValue MakeValue(unsigned int number) { return MakeNumber(number); }
@@ -156,24 +147,24 @@ constexpr TOutputKey kKeys[] = {
     {"", "identity", EKeyType::kString, "",
      "What the monitor is known again by: maker, product code, date and serial number, or the beginning of the hash "
      "where it has no serial number.",
-     Own<&TOutput::identity, &TIdentity::text>},
+     Own<&TOutput::identity, &TIdentity::text>, true},
     {"", "identityFrom", EKeyType::kString, "",
      "What decides the identity: `serial`, `number` (of the header), `edid` (the hash) or `connector` (of byte-equal "
      "EDIDs).",
-     Own<&TOutput::identity, &TIdentity::from>},
+     Own<&TOutput::identity, &TIdentity::from>, true},
     {"", "serial", EKeyType::kString, "",
      "The serial number of the monitor, as printed on its case where a rule for the maker is known.",
-     OfSerial<&TSerial::serial>},
+     OfSerial<&TSerial::serial>, true},
     {"", "serialFrom", EKeyType::kString, "", "Where it comes from: `rule`, `text` or `number` (of the header).",
-     OfSerial<&TSerial::source>},
+     OfSerial<&TSerial::source>, true},
     {"", "alternativeSerial", EKeyType::kString, "", "Another serial number that the same monitor may be known by.",
-     OfSerial<&TSerial::alternative>},
+     OfSerial<&TSerial::alternative>, true},
     {"", "maker", EKeyType::kString, "", "The three letters of the maker.", Fact<&TEdidFacts::maker>},
     {"", "productCode", EKeyType::kInteger, "", "The maker's own number of the model.", Fact<&TEdidFacts::productCode>},
     {"", "serialNumber", EKeyType::kInteger, "",
      "The serial number in the EDID's header, unless it is one of the fillers 0 and 0x01010101.",
-     Fact<&TEdidFacts::serialNumber>},
-    {"", "serialText", EKeyType::kString, "", "The serial number as a text.", Fact<&TEdidFacts::serialText>},
+     Fact<&TEdidFacts::serialNumber>, true},
+    {"", "serialText", EKeyType::kString, "", "The serial number as a text.", Fact<&TEdidFacts::serialText>, true},
     {"", "name", EKeyType::kString, "", "The name of the model.", Fact<&TEdidFacts::name>},
     {"", "texts", EKeyType::kStrings, "", "Other texts, such as the part number of a panel.", Fact<&TEdidFacts::texts>},
     {"", "version", EKeyType::kString, "", "The version of the EDID.", Fact<&TEdidFacts::version>},
@@ -183,7 +174,8 @@ constexpr TOutputKey kKeys[] = {
     {"made", "modelYear", EKeyType::kInteger, "",
      "The year of the model, where the EDID does not say when the monitor was made.", GetYear<true>},
     {"", "sha256", EKeyType::kString, "", "The SHA-256 hash of the whole EDID, hex in lower case.",
-     [](TRef output, std::size_t) { return output.edid.empty() ? TKeyValue() : MakeValue(HashSha256(output.edid)); }},
+     [](TRef output, std::size_t) { return output.edid.empty() ? TKeyValue() : MakeValue(HashSha256(output.edid)); },
+     true},
     {"", "checksums", EKeyType::kBoolean, "", "True when the checksum of every block is right.",
      OfAnyEdid<&TEdidFacts::hasValidChecksums>},
     {"", "extensions", EKeyType::kInteger, "", "How many blocks follow the first.", OfAnyEdid<&TEdidFacts::extensions>},
@@ -302,7 +294,8 @@ constexpr TOutputKey kKeys[] = {
      Fact<&TEdidFacts::contradictions>},
     {"", "edid", EKeyType::kString, "", "The whole EDID in base64.",
      [](TRef output,
-        std::size_t) { return MakeValue(EncodeBase64(std::string(output.edid.begin(), output.edid.end()))); }},
+        std::size_t) { return MakeValue(EncodeBase64(std::string(output.edid.begin(), output.edid.end()))); },
+     true},
 };
 
 /// Null for a group that is no array.

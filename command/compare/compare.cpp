@@ -31,8 +31,6 @@ constexpr int kDifferent = 1;
 constexpr int kUnusable = 2;
 
 TReadAnswer Ask(const std::string& name, const std::function<TMachine()>& read, const TCompareOptions& options) {
-  TRequest all;
-  for (const TClassDeclaration& declaration : GetSchema()) all.emplace_back(declaration.name);
   OnThrowingPlugin([](const std::string& reason) {
     std::cerr << "displayinfo: " << ToMessage(reason) << '\n';
     std::_Exit(kUnusable);
@@ -41,7 +39,7 @@ TReadAnswer Ask(const std::string& name, const std::function<TMachine()>& read, 
                          "displayinfo: " + ToMessage(name) + ": " + DescribeTimeout(options.timeout) + "\n", kUnusable);
   return WithinMemory([&] {
     const TMachine machine = read();
-    const TAnswer answer = Collect(machine, options.plugin, {all}, {});
+    const TAnswer answer = Collect(machine, options.plugin, {ListAllClasses()}, {});
     // Of files that may not be read it is not known whether their controllers are gone.
     const std::string unreadable = ExplainUnreadableFiles(machine, answer.fileQueries);
     if (!unreadable.empty()) throw TUnusable(unreadable);

@@ -167,14 +167,9 @@ std::string ExplainUnknown(const TMachineReport& machine) {
   return text;
 }
 
-void WriteMember(TJsonWriter& writer, const char* name, const std::string& text) {
-  writer.Key(name);
-  writer.String(text);
-}
-
 void WriteChange(TJsonWriter& writer, const TChange& change) {
   writer.BeginObject();
-  WriteMember(writer, "property", change.name);
+  writer.Member("property", change.name);
   std::visit(
       [&](const auto& fact) {
         writer.Key("old");
@@ -201,10 +196,10 @@ void WriteDevices(TJsonWriter& writer, const char* name, const TMachineReport& m
   writer.BeginArray();
   for (const auto& difference : differences) {
     writer.BeginObject();
-    WriteMember(writer, "state", GetName(difference.state));
+    writer.Member("state", GetName(difference.state));
     if (difference.state == EState::kMoved) {
-      WriteMember(writer, "from", difference.origin);
-      WriteMember(writer, "to", machine.name);
+      writer.Member("from", difference.origin);
+      writer.Member("to", machine.name);
     }
     WriteDescription(writer, difference.device);
     if (difference.state == EState::kChanged) {
@@ -221,23 +216,21 @@ void WriteDevices(TJsonWriter& writer, const char* name, const TMachineReport& m
 void WriteDoubtful(TJsonWriter& writer, const TDoubtfulSerial& serial) {
   writer.BeginObject();
   WriteDescription(writer, serial.monitor);
-  writer.Key("old");
-  writer.Literal(std::to_string(serial.before));
-  writer.Key("new");
-  writer.Literal(std::to_string(serial.after));
+  writer.Member("old", serial.before);
+  writer.Member("new", serial.after);
   writer.EndObject();
 }
 
 void WriteMachine(TJsonWriter& writer, const TMachineReport& machine) {
   writer.BeginObject();
-  WriteMember(writer, "machine", machine.name);
-  WriteMember(writer, "state", GetName(machine.state));
+  writer.Member("machine", machine.name);
+  writer.Member("state", GetName(machine.state));
   if (machine.state == EMachineState::kChanged || !machine.difference.IsEmpty()) {
     WriteDevices(writer, "monitors", machine, machine.difference.monitors);
     WriteDevices(writer, "controllers", machine, machine.difference.controllers);
   }
-  if (machine.before) WriteMember(writer, "oldError", *machine.before);
-  if (machine.after) WriteMember(writer, "newError", *machine.after);
+  if (machine.before) writer.Member("oldError", *machine.before);
+  if (machine.after) writer.Member("newError", *machine.after);
   writer.EndObject();
 }
 
@@ -293,8 +286,7 @@ std::string TJsonDifferenceReport::End(const TMachineCounts& counts, const std::
   }
   writer.BeginObject();
   for (std::size_t state = 0; state < kMachineStates; ++state) {
-    writer.Key(kMachineStateNames[state]);
-    writer.Literal(std::to_string(counts[state]));
+    writer.Member(kMachineStateNames[state], counts[state]);
   }
   writer.EndObject();
   return text + "  \"counts\": " + writer.TakeText() + "\n}\n";

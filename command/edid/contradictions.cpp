@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <cstdio>
 #include <numeric>
 
+#include "command/base/text_encoding.h"
 #include "command/edid/edid_draft.h"
 
 namespace {
@@ -10,12 +10,6 @@ typedef std::vector<std::string> TSentences;
 
 std::string WriteSize(const TImageSize& size, const char* unit) {
   return std::to_string(size.width) + " x " + std::to_string(size.height) + unit;
-}
-
-std::string WriteNumber(double number) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.3f", number);
-  return text;
 }
 
 std::string WriteCount(std::size_t count) {
@@ -75,7 +69,7 @@ bool IsWithin(double rate, const TRates& limits) {
 
 void CheckRate(double rate, const TRates& limits, const char* unit, TSentences& sentences) {
   if (limits.max == 0 || IsWithin(rate, limits)) return;
-  sentences.push_back("Its preferred mode needs " + WriteNumber(rate) + unit + ", but its limits are " +
+  sentences.push_back("Its preferred mode needs " + WriteFixed(rate, 3) + unit + ", but its limits are " +
                       std::to_string(limits.min) + " to " + std::to_string(limits.max) + unit + ".");
 }
 
@@ -87,7 +81,7 @@ void CheckLimits(const TEdidDraft& draft, TSentences& sentences) {
   CheckRate(preferred.mode.refresh, limits.fields, " Hz", sentences);
   CheckRate(preferred.lineRate, limits.lines, " kHz", sentences);
   if (limits.pixelClock && preferred.clock > *limits.pixelClock * kilohertz) {
-    sentences.push_back("Its preferred mode needs a pixel clock of " + WriteNumber(preferred.clock / kilohertz) +
+    sentences.push_back("Its preferred mode needs a pixel clock of " + WriteFixed(preferred.clock / kilohertz, 3) +
                         " MHz, but its limit is " + std::to_string(*limits.pixelClock) + " MHz.");
   }
 }

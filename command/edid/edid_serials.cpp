@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "command/base/text_encoding.h"
 #include "edid/cta_layout.h"
 #include "edid/display_id_layout.h"
 #include "edid/layout.h"
@@ -193,11 +194,9 @@ void TSerialFillers::Replace(std::string& edid) {
 }
 
 std::string TSerialFillers::Describe() const {
-  std::string text;
-  for (const auto& [name, kind] : m_kinds) {
-    text += (text.empty() ? "" : ", ") + std::to_string(kind.replaced) + " " + name;
-  }
-  return text;
+  std::vector<std::string> texts;
+  for (const auto& [name, kind] : m_kinds) texts.push_back(std::to_string(kind.replaced) + " " + name);
+  return Join(texts);
 }
 
 unsigned int TSerialFillers::Number(const char* kind, const std::string& original) {

@@ -24,7 +24,7 @@ class TMachineWriter {
 
   std::string MakeDocument() {
     m_json.BeginObject();
-    WriteNumber("captured", kDocumentVersion);
+    m_json.Member("captured", kDocumentVersion);
     WriteMachine();
     WriteFiles();
     WriteEdids();
@@ -32,37 +32,21 @@ class TMachineWriter {
   }
 
  private:
-  void WriteText(const char* key, const std::string& text) {
-    m_json.Key(key);
-    m_json.String(text);
-  }
-
-  void WriteBoolean(const char* key, bool value) {
-    m_json.Key(key);
-    m_json.Literal(value ? "true" : "false");
-  }
-
-  template <typename T>
-  void WriteNumber(const char* key, T value) {
-    m_json.Key(key);
-    m_json.Literal(std::to_string(value));
-  }
-
   void BeginObject(const std::string& key) {
     m_json.Key(key);
     m_json.BeginObject();
   }
 
   void WriteMachine() {
-    WriteText("systemName", m_machine.host.systemName);
-    if (!m_machine.collected.empty()) WriteText("collected", m_machine.collected);
-    WriteText("systemCreationClassName", m_machine.host.systemCreationClassName);
-    WriteNumber("systemType", m_machine.host.systemType);
-    WriteBoolean("provider", m_machine.host.provider);
+    m_json.Member("systemName", m_machine.host.systemName);
+    if (!m_machine.collected.empty()) m_json.Member("collected", m_machine.collected);
+    m_json.Member("systemCreationClassName", m_machine.host.systemCreationClassName);
+    m_json.Member("systemType", m_machine.host.systemType);
+    m_json.Member("provider", m_machine.host.provider);
     BeginObject("bios");
-    WriteBoolean("present", m_machine.bios.present);
-    WriteBoolean("memory", m_machine.bios.memory);
-    if (m_machine.bios.ignoresUnit) WriteBoolean("ignoresUnit", true);
+    m_json.Member("present", m_machine.bios.present);
+    m_json.Member("memory", m_machine.bios.memory);
+    if (m_machine.bios.ignoresUnit) m_json.Member("ignoresUnit", true);
     WriteUnits();
     m_json.EndObject();
   }
@@ -82,13 +66,13 @@ class TMachineWriter {
   void WriteUnit(unsigned int number) {
     BeginObject(std::to_string(number));
     const auto connector = m_machine.connectors.find(number);
-    if (connector != m_machine.connectors.end()) WriteText("connector", connector->second);
+    if (connector != m_machine.connectors.end()) m_json.Member("connector", connector->second);
     const auto path = m_machine.paths.find(number);
-    if (path != m_machine.paths.end()) WriteText("path", path->second);
+    if (path != m_machine.paths.end()) m_json.Member("path", path->second);
     const auto unit = m_machine.bios.units.find(number);
     if (unit != m_machine.bios.units.end()) {
-      if (unit->second.failAtBlock) WriteNumber("failAtBlock", *unit->second.failAtBlock);
-      if (unit->second.errorAtBlock) WriteNumber("errorAtBlock", *unit->second.errorAtBlock);
+      if (unit->second.failAtBlock) m_json.Member("failAtBlock", *unit->second.failAtBlock);
+      if (unit->second.errorAtBlock) m_json.Member("errorAtBlock", *unit->second.errorAtBlock);
     }
     m_json.EndObject();
   }
@@ -99,7 +83,7 @@ class TMachineWriter {
       if (!IsUtf8(path)) throw TUnusable(path + ": has a name that is not UTF-8; capture to a folder");
       BeginObject(path);
       const bool isText = IsUtf8(content);
-      WriteText(isText ? "text" : "base64", isText ? content : EncodeBase64(content));
+      m_json.Member(isText ? "text" : "base64", isText ? content : EncodeBase64(content));
       m_json.EndObject();
     }
     m_json.EndObject();
@@ -109,7 +93,7 @@ class TMachineWriter {
     BeginObject("edids");
     for (const auto& [number, unit] : m_machine.bios.units) {
       const std::string bytes(unit.edid.begin(), unit.edid.end());
-      if (!bytes.empty()) WriteText(std::to_string(number).c_str(), EncodeBase64(bytes));
+      if (!bytes.empty()) m_json.Member(std::to_string(number), EncodeBase64(bytes));
     }
     m_json.EndObject();
   }

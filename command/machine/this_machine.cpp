@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "command/base/text_encoding.h"
 #include "command/base/utc_time.h"
 #include "command/machine/bios_recorder.h"
 #include "command/machine/drm_cards.h"
@@ -63,16 +64,17 @@ void FindPortsBehindHubs(TKernel& kernel) {
 }
 
 void ReadModes(TKernel& kernel) {
-  std::string unasked;
+  std::vector<std::string> unasked;
   std::string fault;
   for (const TDrmCard& card : kernel.graphics.cards) {
     const TDrmDevice& device = AskDevice(kernel, card);
     for (const auto& [connector, mode] : device.modes) kernel.graphics.modes[card.name + "-" + connector] = mode;
     if (device.fault.empty()) continue;
-    unasked += (unasked.empty() ? "" : ", ") + card.name;
+    unasked.push_back(card.name);
     if (fault.empty()) fault = device.fault;
   }
-  if (!fault.empty()) kernel.notes.push_back("the modes that are set now on " + unasked + " are not known: " + fault);
+  if (!fault.empty())
+    kernel.notes.push_back("the modes that are set now on " + Join(unasked) + " are not known: " + fault);
 }
 
 /// Empty when the kernel knows no card.
@@ -114,12 +116,12 @@ void UseXconfig(TMachine& machine, EXconfigSource source, const std::shared_ptr<
 std::string ExplainNoEdid(const TKernel& kernel) {
   const std::string folder = kernel.folders.cards.string();
   if (kernel.graphics.cards.empty()) return "the kernel shows no graphics card in " + folder;
-  std::string connected;
+  std::vector<std::string> connected;
   for (const TDrmCard& card : kernel.graphics.cards) {
-    for (const TDrmOutput& output : card.outputs) connected += (connected.empty() ? "" : ", ") + output.connector;
+    for (const TDrmOutput& output : card.outputs) connected.push_back(output.connector);
   }
   if (connected.empty()) return "no output in " + folder + " has a monitor connected";
-  return "no connected output in " + folder + " has an EDID (connected: " + connected + ")";
+  return "no connected output in " + folder + " has an EDID (connected: " + Join(connected) + ")";
 }
 
 /// Whether anything is connected, even without an EDID.

@@ -1,7 +1,6 @@
 #include "command/report/answer_view.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 #include <set>
 
@@ -10,11 +9,6 @@
 #include "command/collection/plugin_texts.h"
 
 namespace {
-
-bool Belongs(const std::string& className, EPart part) {
-  const TClassDeclaration* const declaration = FindClass(className);
-  return declaration != nullptr && declaration->part == part;
-}
 
 /// The one head of which that is true; null where there is none, or more. The instances of one head count once.
 template <typename TIsIt>
@@ -28,12 +22,6 @@ const TInstanceView* FindOnly(const TInstances& heads, TIsIt isIt) {
     found = &head;
   }
   return found;
-}
-
-std::string WriteFixed(double number, int decimals) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, number);
-  return text;
 }
 
 }  // namespace
@@ -91,7 +79,7 @@ void TRequestView::JoinMonitors() {
 
 bool TRequestView::Asks(EPart part) const {
   return std::any_of(m_request.classes.begin(), m_request.classes.end(),
-                     [&](const std::string& name) { return Belongs(name, part); });
+                     [&](const std::string& name) { return IsOf(name, part); });
 }
 
 const TInstanceView* TRequestView::FindHead(const TMonitorView& monitor, const TOutput* output) const {
@@ -121,7 +109,7 @@ std::vector<std::string> TRequestView::GetComplaints(EPart part) const {
     const std::size_t begin = entry.message.find(marker);
     if (begin != std::string::npos) {
       const std::string rest = entry.message.substr(begin + marker.size());
-      concerns = Belongs(rest.substr(0, rest.size() - 1), part);
+      concerns = IsOf(rest.substr(0, rest.size() - 1), part);
     } else if (concerns && entry.severity <= NQRXZELT20::ILogger::kStatus) {
       const std::string text = ToPrintable(entry.message);
       if (known.insert(text).second) complaints.push_back(text);
@@ -139,14 +127,6 @@ const TInstances& TRequestView::Select(const std::string& className) const {
 bool IsConfigured(const TInstanceView* head, unsigned int width, unsigned int height) {
   return head != nullptr && head->Has("CurrentHorizontalResolution") &&
          head->Number("CurrentHorizontalResolution") == width && head->Number("CurrentVerticalResolution") == height;
-}
-
-std::string JoinTexts(const std::vector<std::string>& texts) {
-  std::string joined;
-  for (const std::string& text : texts) {
-    if (!text.empty()) joined += (joined.empty() ? "" : ", ") + text;
-  }
-  return joined;
 }
 
 std::string WriteRefresh(const TMode& mode) { return WriteFixed(mode.refresh, 3); }

@@ -28,7 +28,7 @@ class TInstanceView {
   /// The value as people read it, an array's elements joined by commas; empty for a property that the instance lacks.
   std::string Text(const std::string& name) const {
     const auto found = m_instance->GetProperties().find(name);
-    return found == m_instance->GetProperties().end() ? std::string() : ToPrintable(Join(found->second));
+    return found == m_instance->GetProperties().end() ? std::string() : ToPrintable(Write(found->second));
   }
 
   /// The property's unit, as the schema has it; empty for one without.
@@ -56,13 +56,10 @@ class TInstanceView {
   const std::string& Path() const { return m_instance->GetPathText(); }
 
  private:
-  static std::string Join(const NQRXZELT20::TCIMValue& value) {
+  static std::string Write(const NQRXZELT20::TCIMValue& value) {
     if (!value.IsArray()) return value;
-    std::string joined;
-    for (const NQRXZELT20::TCIMValue& element : value.GetElements()) {
-      joined += (joined.empty() ? "" : ", ") + static_cast<std::string>(element);
-    }
-    return joined;
+    const auto& elements = value.GetElements();
+    return Join(std::vector<std::string>(elements.begin(), elements.end()));
   }
 
   const TStoredInstance* m_instance;  // a pointer, so that a view can be assigned
@@ -117,9 +114,6 @@ class TRequestView {
 
 /// True when the configuration sets the head to that resolution. `head`: may be null.
 bool IsConfigured(const TInstanceView* head, unsigned int width, unsigned int height);
-
-/// The texts that are not empty, with ", " between them.
-std::string JoinTexts(const std::vector<std::string>& texts);
 
 /// Where a page shows a row: problems come first, then in large type what people look for, and last, folded away, what
 /// few ask for.

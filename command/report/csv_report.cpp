@@ -84,12 +84,6 @@ std::string MakeCell(const std::string& content) {
   return cell + '"';
 }
 
-std::string JoinWithSemicolons(const std::vector<std::string>& texts) {
-  std::string joined;
-  for (const std::string& text : texts) joined += (joined.empty() ? "" : "; ") + text;
-  return joined;
-}
-
 enum class EContent { kText, kNumber };
 
 /// `monitor`: empty for a machine without one.
@@ -106,7 +100,7 @@ const TColumn kColumns[] = {
     {"Machine", [](TMachineRef machine, TMonitorRef) { return machine.machine; }},
     {"System", [](TMachineRef machine, TMonitorRef) { return machine.systemName; }},
     {"Collected", [](TMachineRef machine, TMonitorRef) { return machine.collected; }},
-    {"Controllers", [](TMachineRef machine, TMonitorRef) { return JoinWithSemicolons(machine.controllers); }},
+    {"Controllers", [](TMachineRef machine, TMonitorRef) { return Join(machine.controllers, "; "); }},
     {"Monitor", [](TMachineRef, TMonitorRef monitor) { return monitor.id; }},
     {"Connector", [](TMachineRef, TMonitorRef monitor) { return monitor.connector; }},
     {"Not listed", [](TMachineRef, TMonitorRef monitor) { return monitor.notListed; }},
@@ -138,7 +132,7 @@ const TColumn kColumns[] = {
     {"Input", [](TMachineRef, TMonitorRef monitor) { return monitor.facts.input; }},
     {"Problems",
      [](TMachineRef machine, TMonitorRef) {
-       return machine.problems.empty() ? machine.noMonitors : JoinWithSemicolons(machine.problems);
+       return machine.problems.empty() ? machine.noMonitors : Join(machine.problems, "; ");
      }},
 };
 

@@ -14,7 +14,7 @@ std::string PowerStates(const TInstanceView& monitor) {
                                         std::pair{"DPMSActiveOff", "active off"}}) {
     if (monitor.Text(property) == "true") states.emplace_back(state);
   }
-  return states.empty() ? "none" : JoinTexts(states);
+  return states.empty() ? "none" : Join(states);
 }
 
 /// In MiB, or in bytes where these are not whole MiB.
@@ -29,8 +29,8 @@ std::string VideoMemory(const TInstanceView& controller) {
 std::string Extend(const std::string& text, const char* words) { return text.empty() ? text : text + words; }
 
 std::string ConfiguredMode(const TInstanceView& head) {
-  return JoinTexts({head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"),
-                    Extend(head.TextWithUnit("CurrentBitsPerPixel"), " per pixel")});
+  return Join({head.Size("CurrentHorizontalResolution", "CurrentVerticalResolution"),
+               Extend(head.TextWithUnit("CurrentBitsPerPixel"), " per pixel")});
 }
 
 /// The plug-in's instance of a monitor, and the facts that people read.
@@ -70,7 +70,7 @@ const TRow<TMonitorParts> kMonitorRows[] = {
     {"Highest rate", [](const TMonitorParts& m) { return m.facts.highestRate; }},
     {"Picture",
      [](const TMonitorParts& m) {
-       return JoinTexts({m.facts.size, m.facts.diagonal});
+       return Join({m.facts.size, m.facts.diagonal});
      },
      ERowPlace::kTop},
     {"Connector", [](const TMonitorParts& m) { return m.connector; }, ERowPlace::kTop},

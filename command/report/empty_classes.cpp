@@ -93,13 +93,6 @@ void Add(TSentences& sentences, const std::string& sentence) {
   if (std::find(sentences.begin(), sentences.end(), printable) == sentences.end()) sentences.push_back(printable);
 }
 
-/// "A or B".
-std::string JoinWithOr(const TSentences& names) {
-  std::string joined;
-  for (const std::string& name : names) joined += (joined.empty() ? "" : " or ") + name;
-  return joined;
-}
-
 /// Messages of the plug-in about a text that it could not use, which it ends with. They are of no severity that people
 /// see, and a head is without a value for it.
 struct TUnusedValue {
@@ -124,7 +117,7 @@ std::string NameHeadsWithout(const TRequestAnswer& request, const char* property
     if (head.Declaration().name != std::string(kVideoHeadClass) || head.Has(property)) continue;
     if (!head.Text("DeviceID").empty()) Add(names, head.Text("DeviceID"));
   }
-  return names.empty() ? "a head" : "head " + JoinWithOr(names);
+  return names.empty() ? "a head" : "head " + Join(names, " or ");
 }
 
 void AddUnusedValues(const TRequestAnswer& request, TSentences& sentences) {
@@ -137,11 +130,6 @@ void AddUnusedValues(const TRequestAnswer& request, TSentences& sentences) {
       Add(sentences, NameHeadsWithout(request, property) + text);
     }
   }
-}
-
-bool IsOf(const std::string& className, EPart part) {
-  const TClassDeclaration* const declaration = FindClass(className);
-  return declaration != nullptr && declaration->part == part;
 }
 
 /// Of the classes without instances; those of one cause are named together.
@@ -163,7 +151,7 @@ void AddCauses(const TAnswer& answer, const TRequestAnswer& request, EPart part,
     }
   }
   for (const auto& [cause, names] : causes) {
-    Add(sentences, isPartEmpty ? cause : "No " + JoinWithOr(names) + ": " + cause);
+    Add(sentences, isPartEmpty ? cause : "No " + Join(names, " or ") + ": " + cause);
   }
 }
 

@@ -16,11 +16,6 @@ namespace {
 
 constexpr std::size_t kMaxLine = std::size_t{64} * 1024 * 1024;  // bytes
 
-void WriteMember(TJsonWriter& json, const char* name, std::string_view text) {
-  json.Key(name);
-  json.String(text);
-}
-
 /// A number is written with a point or an exponent, so that a reader of any language takes it for a real.
 std::string MakeJsonReal(const TCIMValue& value) {
   if (!std::isfinite(value.GetReal())) return "null";
@@ -56,14 +51,14 @@ void WriteValue(TJsonWriter& json, const TCIMValue& value) {
 
 void WriteInstance(TJsonWriter& json, const TStoredInstance& instance) {
   json.BeginObject();
-  WriteMember(json, "class", instance.GetDeclaration().name);
-  WriteMember(json, "path", instance.GetPathText());
+  json.Member("class", instance.GetDeclaration().name);
+  json.Member("path", instance.GetPathText());
   json.Key("properties");
   json.BeginObject();
   for (const auto& [name, value] : instance.GetProperties()) {
     json.Key(name);
     json.BeginObject();
-    WriteMember(json, "type", GetTypeName(value.GetType(), value.IsArray()));
+    json.Member("type", GetTypeName(value.GetType(), value.IsArray()));
     json.Key("value");
     WriteValue(json, value);
     json.EndObject();
@@ -77,8 +72,8 @@ void WriteLog(TJsonWriter& json, const std::vector<TLogEntry>& entries) {
   json.BeginArray();
   for (const TLogEntry& entry : entries) {
     json.BeginObject();
-    WriteMember(json, "severity", GetSeverityName(entry.severity));
-    WriteMember(json, "message", entry.message);
+    json.Member("severity", GetSeverityName(entry.severity));
+    json.Member("message", entry.message);
     json.EndObject();
   }
   json.EndArray();
@@ -86,10 +81,7 @@ void WriteLog(TJsonWriter& json, const std::vector<TLogEntry>& entries) {
 
 void WriteRequest(TJsonWriter& json, const TRequestAnswer& request, ELogPart log) {
   json.BeginObject();
-  json.Key("classes");
-  json.BeginArray();
-  for (const std::string& name : request.classes) json.String(name);
-  json.EndArray();
+  json.Member("classes", request.classes);
   json.Key("instances");
   json.BeginArray();
   for (const auto& instance : request.instances) WriteInstance(json, *instance);
@@ -101,11 +93,10 @@ void WriteRequest(TJsonWriter& json, const TRequestAnswer& request, ELogPart log
 void WritePlugin(TJsonWriter& json, const TPluginIdentity& plugin) {
   json.Key("plugin");
   json.BeginObject();
-  WriteMember(json, "name", plugin.name);
-  WriteMember(json, "version", plugin.version);
-  WriteMember(json, "interfaceVersion", plugin.interfaceVersion);
-  json.Key("type");
-  json.Literal(std::to_string(plugin.type));
+  json.Member("name", plugin.name);
+  json.Member("version", plugin.version);
+  json.Member("interfaceVersion", plugin.interfaceVersion);
+  json.Member("type", plugin.type);
   json.EndObject();
 }
 
@@ -192,8 +183,8 @@ void WriteAnswer(TJsonWriter& json, const TAnswer& answer, ELogPart log) {
 }
 
 void WriteInstanceMembers(TJsonWriter& json, const TStoredInstance& instance) {
-  WriteMember(json, "class", instance.GetDeclaration().name);
-  WriteMember(json, "path", instance.GetPathText());
+  json.Member("class", instance.GetDeclaration().name);
+  json.Member("path", instance.GetPathText());
   for (const auto& [name, value] : instance.GetProperties()) {
     json.Key(name);
     WriteValue(json, value);
@@ -210,9 +201,9 @@ class TRows {
   template <typename TWrite>
   void Add(TWrite write) {
     m_json.BeginObject();
-    WriteMember(m_json, "machine", m_machine);
-    if (!m_identity.collected.empty()) WriteMember(m_json, "collected", m_identity.collected);
-    WriteMember(m_json, "version", m_identity.version);
+    m_json.Member("machine", m_machine);
+    if (!m_identity.collected.empty()) m_json.Member("collected", m_identity.collected);
+    m_json.Member("version", m_identity.version);
     write(m_json);
     m_json.EndObject();
     m_json.EndLine();
@@ -235,7 +226,7 @@ std::string MakeRows(const std::string& machine, const TAnswer& answer, std::siz
   }
   for (const TOutput& output : answer.outputs) {
     rows.Add([&](TJsonWriter& json) {
-      WriteMember(json, "class", "output");
+      json.Member("class", "output");
       WriteOutputMembers(json, output);
     });
   }
@@ -260,7 +251,7 @@ std::string MakeMachineLine(const std::string& machine, const TAnswer& answer, E
   TJsonWriter json(TJsonWriter::ELayout::kOneLine, kMaxLine);
   json.ChangeStrings(change);
   json.BeginObject();
-  WriteMember(json, "machine", machine);
+  json.Member("machine", machine);
   WriteAnswer(json, answer, log);
   json.EndObject();
   json.EndLine();
@@ -282,8 +273,8 @@ std::string MakeMachineRows(const std::string& machine, const TAnswer& answer) t
 std::string MakeErrorLine(const std::string& machine, const std::string& reason) {
   TJsonWriter json(TJsonWriter::ELayout::kOneLine);
   json.BeginObject();
-  WriteMember(json, "machine", machine);
-  WriteMember(json, "error", reason);
+  json.Member("machine", machine);
+  json.Member("error", reason);
   json.EndObject();
   json.EndLine();
   return json.TakeText();

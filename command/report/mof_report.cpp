@@ -25,7 +25,7 @@ std::string MakeValue(const TCIMValue& value) {
   if (value.IsArray()) {
     std::vector<std::string> elements;
     for (const TCIMValue& element : value.GetElements()) elements.push_back(MakeValue(element));
-    return "{" + JoinTexts(elements) + "}";
+    return "{" + Join(elements) + "}";
   }
   std::string text = value;
   switch (value.GetType().GetCode()) {
@@ -69,7 +69,7 @@ std::string MakeMofReport(const TAnswer& answer) {
   std::set<std::string> written;
   std::string text;
   for (const TRequestAnswer& request : answer.requests) {
-    if (answer.requests.size() > 1) text += "// Request: " + JoinTexts(request.classes) + "\n";
+    if (answer.requests.size() > 1) text += "// Request: " + Join(request.classes) + "\n";
     for (const auto& instance : request.instances) {
       const std::string path = instance->GetPathText();
       if (written.insert(path).second) text += MakeInstance(*newest.at(path));

@@ -138,7 +138,7 @@ std::string WriteHdr(const TEdidFacts& facts) {
   if (!facts.hdr->hdr10Plus.empty()) texts.push_back("HDR10+ " + facts.hdr->hdr10Plus);
   if (!facts.hdr->dolbyVision.empty()) texts.push_back("Dolby Vision " + facts.hdr->dolbyVision);
   if (facts.hdr->maxLuminance) texts.push_back("up to " + WriteNumber(*facts.hdr->maxLuminance) + " cd/m2");
-  return JoinTexts(texts);
+  return Join(texts);
 }
 
 std::string WriteVariableRate(const TEdidFacts& facts) {
@@ -155,10 +155,10 @@ std::string WriteLink(const TEdidFacts& facts) {
   if (hdmi.maxTmdsClock) texts.push_back("TMDS up to " + std::to_string(*hdmi.maxTmdsClock) + " MHz");
   if (*hdmi.fixedRateLink != '\0') texts.push_back("FRL of " + std::string(hdmi.fixedRateLink));
   if (hdmi.hasCompression) texts.emplace_back("DSC");
-  std::string bits;
-  for (const unsigned int depth : hdmi.deepColourBits) bits += (bits.empty() ? "" : " or ") + std::to_string(depth);
-  if (!bits.empty()) texts.push_back(bits + " bits per colour");
-  return texts.empty() ? "HDMI" : "HDMI: " + JoinTexts(texts);
+  std::vector<std::string> bits;
+  for (const unsigned int depth : hdmi.deepColourBits) bits.push_back(std::to_string(depth));
+  if (!bits.empty()) texts.push_back(Join(bits, " or ") + " bits per colour");
+  return texts.empty() ? "HDMI" : "HDMI: " + Join(texts);
 }
 
 std::string WriteSound(const TEdidFacts& facts) {
@@ -166,7 +166,7 @@ std::string WriteSound(const TEdidFacts& facts) {
   for (const TAudioFormat& format : facts.audio) {
     texts.push_back(format.name + (format.channels ? " (" + std::to_string(*format.channels) + " channels)" : ""));
   }
-  return JoinTexts(texts);
+  return Join(texts);
 }
 
 std::string Range(const TInstanceView& monitor, const char* min, const char* max) {
@@ -246,15 +246,6 @@ const TSource kSources[] = {
 };
 
 }  // namespace
-
-std::string WriteNumber(double number) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.3f", number);
-  std::string written = text;
-  written.erase(written.find_last_not_of('0') + 1);
-  if (written.back() == '.') written.pop_back();
-  return written;
-}
 
 TMonitorFacts DescribeMonitor(const TOutput* output, const TInstanceView* monitor, const TMakerNames& makers) {
   const bool hasEdid = output != nullptr && output->facts && output->facts->isVersion1;

@@ -41,9 +41,6 @@ struct TMonitorFacts {
   std::string GetMaker() const { return makerName.empty() ? makerCode : makerCode + " (" + makerName + ")"; }
 };
 
-/// With as many decimals as it has, three at most.
-std::string WriteNumber(double number);
-
 /// What the output's EDID says, and where that says nothing, what the plug-in's instance of the monitor
 /// (QRXSG_DesktopMonitor) does. Either may be null.
 TMonitorFacts DescribeMonitor(const TOutput* output, const TInstanceView* monitor, const TMakerNames& makers);

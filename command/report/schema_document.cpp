@@ -34,11 +34,11 @@ std::string MakeMofProperty(const TPropertyDeclaration& property) {
 
 std::string JoinScopes(unsigned int scopes) {
   if (scopes == kAnyScope) return "any";
-  std::string joined;
+  std::vector<std::string> names;
   for (const TQualifierScopeName& scope : kQualifierScopes) {
-    if ((scopes & scope.scope) != 0) joined += (joined.empty() ? "" : ", ") + std::string(scope.name);
+    if ((scopes & scope.scope) != 0) names.emplace_back(scope.name);
   }
-  return joined;
+  return Join(names);
 }
 
 std::string MakeMofQualifier(const TQualifier& qualifier) {

@@ -111,8 +111,7 @@ class TRequestReport {
         if (isMarked) texts.back() += *marks.insert(mark).first;
       }
     }
-    return MakeRow("Modes", JoinTexts(texts)) +
-           MakeRow("", marks.count(kConfiguredMark) != 0 ? kConfiguredLegend : "") +
+    return MakeRow("Modes", Join(texts)) + MakeRow("", marks.count(kConfiguredMark) != 0 ? kConfiguredLegend : "") +
            MakeRow("", marks.count(kPreferredMark) != 0 ? kPreferredLegend : "") +
            MakeRow("", marks.count(kListedMark) != 0 ? kListedLegend : "");
   }
@@ -151,7 +150,7 @@ std::string MakeTextReport(const TAnswer& answer, const TMakerNames& makers, std
       lines.Wrap("", ShowSystemName(answer.identity)) + lines.Wrap("", DescribeCollection(answer.identity));
   for (const TRequestAnswer& request : answer.requests) {
     text += "\n";
-    if (answer.requests.size() > 1) text += lines.Wrap("Request: ", JoinTexts(request.classes));
+    if (answer.requests.size() > 1) text += lines.Wrap("Request: ", Join(request.classes));
     text += TRequestReport(answer, request, makers, lines).Make();
   }
   return text;

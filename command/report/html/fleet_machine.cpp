@@ -8,23 +8,6 @@ using nlohmann::json;
 
 namespace {
 
-void WriteMember(TJsonWriter& line, const char* name, const std::string& text) {
-  line.Key(name);
-  line.String(text);
-}
-
-void WriteMember(TJsonWriter& line, const char* name, unsigned int number) {
-  line.Key(name);
-  line.Literal(std::to_string(number));
-}
-
-void WriteMember(TJsonWriter& line, const char* name, const std::vector<std::string>& texts) {
-  line.Key(name);
-  line.BeginArray();
-  for (const std::string& text : texts) line.String(text);
-  line.EndArray();
-}
-
 /// The model's name, else the number that its maker gave it.
 std::string NameModel(const TMonitorFacts& facts) {
   if (!facts.model.empty()) return facts.model;
@@ -36,26 +19,26 @@ std::string NameModel(const TMonitorFacts& facts) {
 std::string WriteFleetMachine(const TMachineSummary& machine) {
   TJsonWriter line(TJsonWriter::ELayout::kOneLine);
   line.BeginObject();
-  WriteMember(line, "name", machine.machine);
-  WriteMember(line, "systemName", machine.systemName);
-  WriteMember(line, "collected", machine.collected);
-  WriteMember(line, "hasAnswered", machine.hasAnswered ? 1 : 0);
-  WriteMember(line, "controllers", machine.controllers);
-  WriteMember(line, "problems", machine.problems);
+  line.Member("name", machine.machine);
+  line.Member("systemName", machine.systemName);
+  line.Member("collected", machine.collected);
+  line.Member("hasAnswered", machine.hasAnswered ? 1 : 0);
+  line.Member("controllers", machine.controllers);
+  line.Member("problems", machine.problems);
   line.Key("monitors");
   line.BeginArray();
   for (const TMonitorSummary& monitor : machine.monitors) {
     line.BeginObject();
-    WriteMember(line, "maker", monitor.facts.GetMaker());
-    WriteMember(line, "model", NameModel(monitor.facts));
-    WriteMember(line, "serialNumber", monitor.facts.serialNumber);
-    WriteMember(line, "identity", monitor.identity);
-    WriteMember(line, "made", monitor.facts.made);
-    WriteMember(line, "largestMode", monitor.facts.largestMode);
-    WriteMember(line, "connector", monitor.connector);
-    WriteMember(line, "isListed", monitor.notListed.empty() ? 1 : 0);
-    WriteMember(line, "year", monitor.year);
-    WriteMember(line, "week", monitor.week);
+    line.Member("maker", monitor.facts.GetMaker());
+    line.Member("model", NameModel(monitor.facts));
+    line.Member("serialNumber", monitor.facts.serialNumber);
+    line.Member("identity", monitor.identity);
+    line.Member("made", monitor.facts.made);
+    line.Member("largestMode", monitor.facts.largestMode);
+    line.Member("connector", monitor.connector);
+    line.Member("isListed", monitor.notListed.empty() ? 1 : 0);
+    line.Member("year", monitor.year);
+    line.Member("week", monitor.week);
     line.EndObject();
   }
   line.EndArray();

@@ -65,9 +65,9 @@ std::string DescribeSerial(const TFleetMonitor& monitor, bool isDoubtful) {
 std::string DescribeMonitor(const TFleetMonitor& monitor, bool isDoubtful) {
   const std::string letters = monitor.maker.substr(0, monitor.maker.find(' '));
   return letters + (letters.empty() ? "" : " ") +
-         JoinTexts({monitor.model, monitor.largestMode, monitor.connector, monitor.isListed ? "" : "not listed",
-                    DescribeSerial(monitor, isDoubtful),
-                    monitor.year == 0 ? "year not known" : std::to_string(monitor.year)});
+         Join({monitor.model, monitor.largestMode, monitor.connector, monitor.isListed ? "" : "not listed",
+               DescribeSerial(monitor, isDoubtful),
+               monitor.year == 0 ? "year not known" : std::to_string(monitor.year)});
 }
 
 /// True for a file or a folder of the system's name, such as "ws-17.json".
@@ -183,7 +183,7 @@ class TFleetSections {
     const std::string name = m_links.GetName(position);
     const TMarkup text = MakeShortText(name, kMachineColumns);
     const bool isNamed = !machine.systemName.empty() && !IsNamedAfter(name, machine.systemName);
-    const std::string more = JoinTexts({isNamed ? machine.systemName : "", machine.collected.substr(0, kDateLength)});
+    const std::string more = Join({isNamed ? machine.systemName : "", machine.collected.substr(0, kDateLength)});
     TMarkup described = more.empty() ? text : text + " " + MakeElement("span", "soft", more);
     if (!HasProblems(machine)) return described;
     return described + " " +

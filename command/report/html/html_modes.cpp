@@ -112,13 +112,13 @@ TMarkup MakePlot(const std::vector<TShownResolution>& resolutions) {
 /// "800 x 600: 75, 60 Hz (configured, preferred at 60 Hz, listed by the plug-in at 75 Hz)".
 std::string Describe(const TShownResolution& resolution) {
   const bool areAllListed = resolution.listedRates.size() == resolution.rates.size();
-  const std::string listed = JoinTexts(resolution.listedRates);
-  const std::string marks = JoinTexts(
-      {resolution.isConfigured ? "configured" : "",
-       resolution.preferredRate.empty() ? "" : "preferred at " + resolution.preferredRate + " Hz",
-       listed.empty() ? "" : "listed by the plug-in" + (areAllListed ? std::string() : " at " + listed + " Hz")});
-  return std::to_string(resolution.width) + " x " + std::to_string(resolution.height) + ": " +
-         JoinTexts(resolution.rates) + " Hz" + (marks.empty() ? "" : " (" + marks + ")");
+  const std::string listed = Join(resolution.listedRates);
+  const std::string marks =
+      Join({resolution.isConfigured ? "configured" : "",
+            resolution.preferredRate.empty() ? "" : "preferred at " + resolution.preferredRate + " Hz",
+            listed.empty() ? "" : "listed by the plug-in" + (areAllListed ? std::string() : " at " + listed + " Hz")});
+  return std::to_string(resolution.width) + " x " + std::to_string(resolution.height) + ": " + Join(resolution.rates) +
+         " Hz" + (marks.empty() ? "" : " (" + marks + ")");
 }
 
 TMarkup MakeList(const std::vector<TShownResolution>& resolutions) {

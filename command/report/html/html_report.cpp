@@ -84,7 +84,7 @@ class TRequestSection {
 
   TMarkup Make() const {
     TMarkup content;
-    if (m_level > 2) content += MakeHeading(2, "Request: " + JoinTexts(m_request.classes));
+    if (m_level > 2) content += MakeHeading(2, "Request: " + Join(m_request.classes));
     TMarkup panels;
     if (m_view.Asks(EPart::kVideo)) panels += MakePanel("Video controllers", MakeVideo(), EPart::kVideo);
     if (m_view.Asks(EPart::kMonitors)) panels += MakePanel("Monitors", MakeMonitors(), EPart::kMonitors);

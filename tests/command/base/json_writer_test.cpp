@@ -126,3 +126,16 @@ TEST(JsonWriter, ThrowsAtTheValueThatMakesTheTextTooLong) {
   TJsonWriter literals(TJsonWriter::ELayout::kOneLine, 3);
   EXPECT_THROW(literals.Literal("12345"), std::length_error);
 }
+
+TEST(JsonWriter, WritesAMemberAsItsTypeHasIt) {
+  TJsonWriter writer(TJsonWriter::ELayout::kOneLine);
+  writer.BeginObject();
+  writer.Member("text", "a");
+  writer.Member("string", std::string("b"));
+  writer.Member("number", -3);
+  writer.Member("truth", true);
+  writer.Member("texts", std::vector<std::string>{"c", "d"});
+  writer.Member("none", std::vector<std::string>());
+  writer.EndObject();
+  EXPECT_EQ(writer.TakeText(), R"({"text":"a","string":"b","number":-3,"truth":true,"texts":["c","d"],"none":[]})");
+}

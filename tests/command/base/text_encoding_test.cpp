@@ -197,3 +197,18 @@ TEST(Columns, AreCharactersNotBytes) {
   EXPECT_EQ(GetLength("a\xC3\xA9\xE2\x82\xAC", 2), 3U);
   EXPECT_EQ(GetLength("a", 2), 1U);
 }
+
+TEST(Join, LeavesOutWhatIsEmpty) {
+  EXPECT_EQ(Join({"a", "", "b"}), "a, b");
+  EXPECT_EQ(Join({"a", "b"}, " or "), "a or b");
+  EXPECT_EQ(Join({}), "");
+}
+
+TEST(WriteNumber, WritesWithTheDecimalsTheyHave) {
+  EXPECT_EQ(WriteNumber(60.0), "60");
+  EXPECT_EQ(WriteNumber(59.94), "59.94");
+  EXPECT_EQ(WriteNumber(59.9404), "59.94");
+  EXPECT_EQ(WriteNumber(100.0), "100");
+  EXPECT_EQ(WriteFixed(60.0, 3), "60.000");
+  EXPECT_EQ(WriteFixed(27.04, 1), "27.0");
+}
