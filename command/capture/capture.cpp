@@ -17,6 +17,7 @@
 #include "command/capture/new_target.h"
 #include "command/collection/budgets.h"
 #include "command/collection/collection.h"
+#include "command/collection/output_keys.h"
 #include "command/collection/reasons.h"
 #include "command/edid/edid_serials.h"
 #include "command/machine/captured_machine.h"
@@ -38,15 +39,9 @@ constexpr const char* kFileEndings[] = {".json", ".jsonl", ".tar", ".tgz",  ".gz
                                         ".7z",   ".rar",   ".txt", ".text", ".log",  ".xml", ".html", ".htm", ".yaml",
                                         ".yml",  ".csv",   ".mof", ".bin",  ".edid", ".img", ".iso",  ".cpio"};
 
-std::vector<TRequest> AskForAll() {
-  TRequest all;
-  for (const TClassDeclaration& declaration : GetSchema()) all.emplace_back(declaration.name);
-  return {all};
-}
-
 /// Throws rather than return an answer that lacks what no memory was left for.
 TAnswer Ask(const TMachine& machine, const fs::path& plugin) {
-  TAnswer answer = Collect(machine, plugin, AskForAll(), {});
+  TAnswer answer = Collect(machine, plugin, {ListAllClasses()}, {});
   if (HasMemoryRunOut()) throw TUnusable(DescribeMemoryLimit());
   return answer;
 }
@@ -76,10 +71,6 @@ TSerialFillers ReplaceSerials(TMachineDocument& machine) {
   return fillers;
 }
 
-/// The keys of an output that come from its serial numbers.
-constexpr const char* kSerialKeys[] = {"identity",     "identityFrom", "serial", "serialFrom", "alternativeSerial",
-                                       "serialNumber", "serialText",   "sha256", "edid"};
-
 /// The answer as JSON with nothing in the places of serial numbers.
 json BlankSerials(const TAnswer& answer) {
   json blank = json::parse(MakeJsonReport(answer));
@@ -90,7 +81,11 @@ json BlankSerials(const TAnswer& answer) {
     }
   }
   for (json& output : blank["outputs"]) {
-    for (const char* const key : kSerialKeys) output.erase(key);
+    for (const TKeyGroup& group : GetKeyGroups()) {
+      for (const TOutputKey* const key : group.keys) {
+        if (key->hasSerial) output.erase(key->name);
+      }
+    }
   }
   return blank;
 }

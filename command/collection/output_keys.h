@@ -27,6 +27,7 @@ struct TOutputKey {
   const char* meaning;  // a sentence
   /// `element`: of the group's array; 0 where the group is none.
   TKeyValue (*get)(const TOutput& output, std::size_t element);
+  bool hasSerial = false;  // its value comes from a serial number of the EDID
 };
 
 /// A key of the output itself, or the members of one object.

@@ -61,63 +61,49 @@ std::string WriteSixDigits(TNumber number, const std::string& text) {
 enum class EText { kAny, kPresent, kMissing };
 enum class EUse { kSerial, kAlternative };
 
+/// Product codes; every one where the list is empty.
+struct TModels {
+  const unsigned int* begin = nullptr;
+  const unsigned int* end = nullptr;
+
+  bool Have(unsigned int productCode) const { return begin == end || std::find(begin, end, productCode) != end; }
+};
+
+template <std::size_t count>
+constexpr TModels ListModels(const unsigned int (&productCodes)[count]) {
+  return {productCodes, productCodes + count};
+}
+
+// The models on which these makers print the serial number that others of theirs have as the alternative.
+constexpr unsigned int kAcerModels[] = {0x0019, 0x001A, 0x0020, 0x0024, 0x0026, 0x0076, 0x00A3, 0x00C7, 0x0133,
+                                        0x02D4, 0x0319, 0x032D, 0x0330, 0x0335, 0x0337, 0x033A, 0x0353, 0x042E,
+                                        0x0468, 0x047B, 0x0480, 0x0512, 0x056B, 0x0771, 0x2311, 0x56AD, 0xAD72};
+constexpr unsigned int kSamsungModels[] = {0x0694, 0x0835, 0x09C6, 0x0BC9, 0x0CA5};
+
 /// A maker's models, and what is made of their numbers and texts.
 struct TRule {
   std::string_view maker;
-  unsigned int first;  // product code
-  unsigned int last;
+  TModels models;
   EText text;
   EUse use;
   std::string (*make)(TNumber number, const std::string& text);
 };
 
-constexpr unsigned int kAnyFirst = 0;
-constexpr unsigned int kAnyLast = 0xFFFF;
-
-// The first that fits counts. A model has its own row where the maker prints the other one of two serial numbers on it.
+// The first that fits counts.
 constexpr TRule kRules[] = {
-    {"ACR", 0x0019, 0x001A, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0020, 0x0020, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0024, 0x0024, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0026, 0x0026, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0076, 0x0076, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x00A3, 0x00A3, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x00C7, 0x00C7, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0133, 0x0133, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x02D4, 0x02D4, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0319, 0x0319, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x032D, 0x032D, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0330, 0x0330, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0335, 0x0335, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0337, 0x0337, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x033A, 0x033A, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0353, 0x0353, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x042E, 0x042E, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0468, 0x0468, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x047B, 0x047B, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0480, 0x0480, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0512, 0x0512, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x056B, 0x056B, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x0771, 0x0771, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x2311, 0x2311, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0x56AD, 0x56AD, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", 0xAD72, 0xAD72, EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
-    {"ACR", kAnyFirst, kAnyLast, EText::kPresent, EUse::kAlternative, WeaveNumberIntoText},
-    {"BNQ", kAnyFirst, kAnyLast, EText::kPresent, EUse::kSerial, PutLettersBeforeText},
-    {"GSM", kAnyFirst, kAnyLast, EText::kAny, EUse::kAlternative, WriteFiveCharacters},
-    {"PHL", kAnyFirst, kAnyLast, EText::kPresent, EUse::kAlternative, WriteSixDigits},
-    {"PHL", kAnyFirst, kAnyLast, EText::kMissing, EUse::kSerial, WriteSixDigits},
-    {"SAM", 0x0694, 0x0694, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
-    {"SAM", 0x0835, 0x0835, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
-    {"SAM", 0x09C6, 0x09C6, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
-    {"SAM", 0x0BC9, 0x0BC9, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
-    {"SAM", 0x0CA5, 0x0CA5, EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
-    {"SAM", kAnyFirst, kAnyLast, EText::kPresent, EUse::kAlternative, PutFourCharactersBeforeText},
+    {"ACR", ListModels(kAcerModels), EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
+    {"ACR", {}, EText::kPresent, EUse::kAlternative, WeaveNumberIntoText},
+    {"BNQ", {}, EText::kPresent, EUse::kSerial, PutLettersBeforeText},
+    {"GSM", {}, EText::kAny, EUse::kAlternative, WriteFiveCharacters},
+    {"PHL", {}, EText::kPresent, EUse::kAlternative, WriteSixDigits},
+    {"PHL", {}, EText::kMissing, EUse::kSerial, WriteSixDigits},
+    {"SAM", ListModels(kSamsungModels), EText::kPresent, EUse::kSerial, PutFourCharactersBeforeText},
+    {"SAM", {}, EText::kPresent, EUse::kAlternative, PutFourCharactersBeforeText},
 };
 
 bool IsFor(const TRule& rule, const std::string& maker, unsigned int productCode, bool hasText) {
   if (rule.text != EText::kAny && (rule.text == EText::kPresent) != hasText) return false;
-  return maker == rule.maker && productCode >= rule.first && productCode <= rule.last;
+  return maker == rule.maker && rule.models.Have(productCode);
 }
 
 /// Without the bytes that some makers fill the text up with, which nobody prints.
