@@ -5,52 +5,32 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "command/base/descriptor.h"
+#include "command/base/json_reader.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
 #include "command/machine/rooted_folder.h"
 
 namespace fs = std::filesystem;
-using nlohmann::json;
 
 namespace {
 
 constexpr const char* kCure = "; --resume takes what an earlier run has written";
 
-/// Looks for the machine's name in a line and at nothing after it: a line may be long, and the name comes first.
-class TNameFinder : public nlohmann::json_sax<json> {
- public:
+/// The machine's name in a line. What follows it is not looked at: a line may be long, and the name comes first.
+std::optional<std::string> FindName(const std::string& line) try {
+  TJsonReader reader({"", "answer"}, EUnexpected::kSkipped);
   std::optional<std::string> name;
-
-  bool start_object(std::size_t) override { return m_depth++ == 0; }
-  bool key(string_t& key) override { return key == "machine"; }
-  bool string(string_t& value) override {
-    if (m_depth == 1) name = value;
-    return false;
-  }
-
-  bool null() override { return false; }
-  bool boolean(bool) override { return false; }
-  bool number_integer(number_integer_t) override { return false; }
-  bool number_unsigned(number_unsigned_t) override { return false; }
-  bool number_float(number_float_t, const string_t&) override { return false; }
-  bool binary(binary_t&) override { return false; }
-  bool end_object() override { return false; }
-  bool start_array(std::size_t) override { return false; }
-  bool end_array() override { return false; }
-  bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
-
- private:
-  int m_depth = 0;
-};
-
-std::optional<std::string> FindName(const std::string& line) {
-  TNameFinder finder;
-  json::sax_parse(line, &finder);
-  return finder.name;
+  const auto take = [&](std::string& text) {
+    name = std::move(text);
+    reader.Stop();
+  };
+  reader.Read(line, TJsonRule::Object({{"machine", TJsonRule::Text(take)}}));
+  return name;
+} catch (const TUnusable&) {
+  return std::nullopt;
 }
 
 /// The beginnings of a file's lines, one after the other.

@@ -114,8 +114,8 @@ TEST(AnswerReader, NamesTheKeyOfAValueOfAWrongType) {
 }
 
 TEST(AnswerReader, RefusesAKeyTwice) {
-  ExpectUnusable(R"({"machine": "a", "machine": "b"})", "\"machine\" is there twice");
-  ExpectUnusable(WithInstance(R"("class": "C", "class": "D")"), "\"requests.instances.class\" is there twice");
+  ExpectUnusable(R"({"machine": "a", "machine": "b"})", "\"machine\" appears twice");
+  ExpectUnusable(WithInstance(R"("class": "C", "class": "D")"), "\"requests.instances.class\" appears twice");
 }
 
 TEST(AnswerReader, RefusesAnEdidThatIsNotWholeBlocks) {

@@ -196,7 +196,7 @@ TEST_F(CapturedMachine, SaysThatItsNameIsTooLong) {
 }
 
 TEST_F(CapturedMachine, HasAKeyOnce) {
-  EXPECT_EQ(GetJsonFailure(R"({"provider": true, "provider": false})"), "machine.json: \"provider\" is there twice");
+  EXPECT_EQ(GetJsonFailure(R"({"provider": true, "provider": false})"), "machine.json: \"provider\" appears twice");
 }
 
 TEST_F(CapturedMachine, HasAMachineJsonOfAMegabyteAtMost) {

@@ -125,14 +125,14 @@ TEST(MachineDocument, OfAnotherVersionIsRefusedBeforeAnythingElseInIt) {
 }
 
 TEST(MachineDocument, HasNoKeyTwice) {
-  EXPECT_EQ(GetFailureOf(R"("captured": 1)"), "\"captured\" is there twice");
-  EXPECT_EQ(GetFailureOf(R"("systemType": 1, "provider": true, "systemType": 1)"), "\"systemType\" is there twice");
-  EXPECT_EQ(GetFailureOf(R"("bios": {"units": {"0": {}, "1": {}, "0": {}}})"), "\"bios.units.0\" is there twice");
+  EXPECT_EQ(GetFailureOf(R"("captured": 1)"), "\"captured\" appears twice");
+  EXPECT_EQ(GetFailureOf(R"("systemType": 1, "provider": true, "systemType": 1)"), "\"systemType\" appears twice");
+  EXPECT_EQ(GetFailureOf(R"("bios": {"units": {"0": {}, "1": {}, "0": {}}})"), "\"bios.units.0\" appears twice");
   EXPECT_EQ(GetFailureOf(R"("bios": {"units": {"0": {"failAtBlock": 1, "failAtBlock": 1}}})"),
-            "\"bios.units.0.failAtBlock\" is there twice");
-  EXPECT_EQ(GetFailureOf(R"("edids": {"0": "", "0": ""})"), "\"edids.0\" is there twice");
-  EXPECT_EQ(GetFailureOf(R"("files": {"/a": {"text": ""}, "/\u0061": {"text": ""}})"), "\"files./a\" is there twice");
-  EXPECT_EQ(GetFailureOf(R"("files": {"/a": {"text": "", "text": ""}})"), "\"files./a.text\" is there twice");
+            "\"bios.units.0.failAtBlock\" appears twice");
+  EXPECT_EQ(GetFailureOf(R"("edids": {"0": "", "0": ""})"), "\"edids.0\" appears twice");
+  EXPECT_EQ(GetFailureOf(R"("files": {"/a": {"text": ""}, "/\u0061": {"text": ""}})"), "\"files./a\" appears twice");
+  EXPECT_EQ(GetFailureOf(R"("files": {"/a": {"text": "", "text": ""}})"), "\"files./a.text\" appears twice");
 }
 
 TEST(MachineDocument, MayHaveOneKeyInSeveralPlaces) {
@@ -275,6 +275,6 @@ TEST(MachineDocument, OfMachineJsonHasNoFilesEdidsOrVersion) {
 
 TEST(MachineDocument, OfMachineJsonHasNoKeyTwice) {
   EXPECT_EQ(GetFailure(R"({"systemName": "a", "systemName": "b"})", ReadMachineJson),
-            "x.json: \"systemName\" is there twice");
-  EXPECT_EQ(GetFailure(R"({"bios": {}, "bios": {}})", ReadMachineJson), "x.json: \"bios\" is there twice");
+            "x.json: \"systemName\" appears twice");
+  EXPECT_EQ(GetFailure(R"({"bios": {}, "bios": {}})", ReadMachineJson), "x.json: \"bios\" appears twice");
 }

@@ -322,7 +322,7 @@ TEST(Forms, RefuseAnInventoryThatIsTooDeepOrSaysAThingTwice) {
   EXPECT_EQ(GetFailure("{\"a\": " + std::string(100, '[')),
             "ws-17.txt: is more than 16 values deep, which no inventory is");
   EXPECT_EQ(GetFailure(R"({"content": {"monitors": [{"port": "A", "port": "B"}]}})"),
-            "ws-17.txt: \"content.monitors[].port\" appears twice");
+            "ws-17.txt: \"content.monitors.port\" appears twice");
 }
 
 TEST(Forms, TakeAnEdidOfTooManyBlocksForADamagedOne) {
