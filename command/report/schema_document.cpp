@@ -5,9 +5,10 @@
 #include <nlohmann/json.hpp>
 
 #include "command/base/text_encoding.h"
+#include "command/collection/collection.h"
 #include "command/collection/output_keys.h"
+#include "command/report/json_schema.h"
 #include "command/report/qualifiers.h"
-#include "embedded_host/log.h"
 #include "embedded_host/schema.h"
 
 using nlohmann::ordered_json;
@@ -66,8 +67,6 @@ ordered_json MakeObject(const ordered_json& properties, const ordered_json& requ
   return schema;
 }
 
-ordered_json MakeReference(const std::string& name) { return {{"$ref", "#/$defs/" + name}}; }
-
 /// The JSON form of a value of a type.
 ordered_json MakeValue(NQRXZELT20::TCIMValue::TCIMType::ECIMType type) {
   typedef NQRXZELT20::TCIMValue::TCIMType TType;
@@ -116,14 +115,6 @@ ordered_json MakeInstanceSchema(const TClassDeclaration& declaration) {
   return schema;
 }
 
-ordered_json MakeLogSchema() {
-  ordered_json severities = ordered_json::array();
-  for (int severity = NQRXZELT20::ILogger::kError; severity <= NQRXZELT20::ILogger::kVerbose; ++severity) {
-    severities.push_back(GetSeverityName(static_cast<NQRXZELT20::ILogger::EZELTLogSeverity>(severity)));
-  }
-  return MakeArray(MakeObject({{"severity", {{"enum", severities}}}, {"message", {{"type", "string"}}}}));
-}
-
 /// The JSON form of a key's value.
 ordered_json MakeKeySchema(const TOutputKey& key) {
   const std::string type = GetName(key.type);
@@ -152,37 +143,6 @@ ordered_json MakeOutputMembers() {
   return members;
 }
 
-ordered_json MakeOutputSchema() {
-  ordered_json schema = MakeObject(MakeOutputMembers(), {"unit", "deviceID"});
-  schema["description"] =
-      "What the command itself knows of the output that a unit of the video BIOS stands for: not "
-      "the plug-in's";
-  return schema;
-}
-
-/// `members`: those that come before the answer's own.
-ordered_json MakeAnswerSchema(ordered_json members) {
-  const ordered_json string = {{"type", "string"}};
-  ordered_json names = ordered_json::array();
-  for (const TClassDeclaration& declaration : GetSchema()) names.push_back(declaration.name);
-  ordered_json required = ordered_json::array();
-  for (const auto& [name, schema] : members.items()) required.push_back(name);
-  for (const char* const name : {"plugin", "requests", "outputs"}) required.push_back(name);
-  // The logs are left out with --no-log.
-  const ordered_json request = MakeObject({{"classes", MakeArray({{"enum", names}})},
-                                           {"instances", MakeArray(MakeReference("instance"))},
-                                           {"log", MakeReference("log")}},
-                                          {"classes", "instances"});
-  members.update(ordered_json(
-      {{"plugin",
-        MakeObject(
-            {{"name", string}, {"version", string}, {"interfaceVersion", string}, {"type", {{"type", "integer"}}}})},
-       {"requests", MakeArray(request)},
-       {"outputs", MakeArray(MakeReference("output"))},
-       {"log", MakeReference("log")}}));
-  return MakeObject(members, required);
-}
-
 /// Of --format rows: an instance with its properties as plain values, or an output. `required`: beside the members of
 /// every row.
 ordered_json MakeRowSchema(const std::string& className, const ordered_json& members, const ordered_json& required) {
@@ -195,7 +155,7 @@ ordered_json MakeRowSchema(const std::string& className, const ordered_json& mem
   return MakeObject(all, names);
 }
 
-ordered_json MakeRowsSchema() {
+ordered_json MakeRowSchemas() {
   ordered_json rows = ordered_json::array();
   for (const TClassDeclaration& declaration : GetSchema()) {
     ordered_json members = {{"path", {{"type", "string"}}}};
@@ -207,52 +167,7 @@ ordered_json MakeRowsSchema() {
     rows.push_back(MakeRowSchema(declaration.name, members, required));
   }
   rows.push_back(MakeRowSchema("output", MakeOutputMembers(), {"unit", "deviceID"}));
-  return {{"oneOf", rows}, {"description", "A line of --format rows"}};
-}
-
-/// `known`: what a device is known by.
-ordered_json MakeDifferencesSchema(const ordered_json& known) {
-  const ordered_json change = MakeObject(
-      {{"property", {{"type", "string"}}}, {"old", ordered_json::object()}, {"new", ordered_json::object()}});
-  const ordered_json string = {{"type", "string"}};
-  ordered_json members = {
-      {"state", {{"enum", {"came", "gone", "changed", "moved"}}}}, {"from", string}, {"to", string}};
-  members.update(known);
-  members["changes"] = MakeArray(change);
-  return MakeArray(MakeObject(members, {"state"}));
-}
-
-ordered_json MakeComparisonSchema() {
-  const ordered_json number = {{"type", "integer"}, {"minimum", 0}};
-  const ordered_json string = {{"type", "string"}};
-  const ordered_json monitor = {{"manufacturer", string}, {"productCode", number}, {"serialNumber", number},
-                                {"serial", string},       {"name", string},        {"connector", string},
-                                {"deviceID", string}};
-  const ordered_json monitors = MakeDifferencesSchema(monitor);
-  const ordered_json controllers =
-      MakeDifferencesSchema({{"DisplayId", string}, {"DeviceID", string}, {"Name", string}});
-  const ordered_json machine = MakeObject({{"machine", string},
-                                           {"state", {{"enum", {"came", "gone", "changed", "unknown"}}}},
-                                           {"monitors", monitors},
-                                           {"controllers", controllers},
-                                           {"oldError", string},
-                                           {"newError", string}},
-                                          {"machine", "state"});
-  const ordered_json counts =
-      MakeObject({{"equal", number}, {"came", number}, {"gone", number}, {"changed", number}, {"unknown", number}});
-  ordered_json doubtful = monitor;
-  doubtful.update({{"old", number}, {"new", number}});
-  ordered_json schema = MakeObject({{"machines", MakeArray(machine)},
-                                    {"doubtful", MakeArray(MakeObject(doubtful, {"old", "new"}))},
-                                    {"counts", counts}},
-                                   {"machines", "counts"});
-  schema["description"] = "What displayinfo compare --format json writes";
-  return schema;
-}
-
-ordered_json Describe(ordered_json schema, const char* description) {
-  schema["description"] = description;
-  return schema;
+  return rows;
 }
 
 }  // namespace
@@ -283,26 +198,14 @@ std::string MakeSchemaMof() {
 }
 
 std::string MakeJsonSchema() {
-  ordered_json instances = ordered_json::array();
-  for (const TClassDeclaration& declaration : GetSchema()) instances.push_back(MakeInstanceSchema(declaration));
-  const ordered_json string = {{"type", "string"}};
-  const ordered_json definitions = {
-      {"answer", Describe(MakeAnswerSchema(ordered_json::object()), "What --format json writes of one machine")},
-      {"line", Describe(MakeAnswerSchema({{"machine", string}}), "A line of --machines")},
-      {"failure",
-       Describe(MakeObject({{"machine", string}, {"error", string}}), "The line of a machine that could not be asked")},
-      {"row", MakeRowsSchema()},
-      {"comparison", MakeComparisonSchema()},
-      {"instance", {{"oneOf", instances}}},
-      {"output", MakeOutputSchema()},
-      {"log", MakeLogSchema()}};
-  ordered_json documents = ordered_json::array();
-  for (const char* const name : {"answer", "line", "failure", "row", "comparison"}) {
-    documents.push_back(MakeReference(name));
+  ordered_json schema = ordered_json::parse(kJsonSchema);
+  ordered_json& parts = schema["$defs"];
+  parts["request"]["properties"]["classes"]["items"]["enum"] = ListAllClasses();
+  parts["instance"]["oneOf"] = ordered_json::array();
+  for (const TClassDeclaration& declaration : GetSchema()) {
+    parts["instance"]["oneOf"].push_back(MakeInstanceSchema(declaration));
   }
-  const ordered_json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
-                               {"title", "What displayinfo writes as JSON: a document, or each line of many"},
-                               {"anyOf", documents},
-                               {"$defs", definitions}};
+  parts["output"]["properties"] = MakeOutputMembers();
+  parts["row"]["oneOf"] = MakeRowSchemas();
   return schema.dump(2) + "\n";
 }

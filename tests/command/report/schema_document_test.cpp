@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 
+#include "embedded_host/log.h"
 #include "embedded_host/schema.h"
 
 using nlohmann::json;
@@ -89,4 +90,13 @@ TEST(JsonSchema, KnowsEveryClassAndTheOutputsAsRows) {
     }
   }
   EXPECT_EQ(rows.back()["properties"]["class"]["const"], "output");
+}
+
+TEST(JsonSchema, KnowsTheSeveritiesOfTheLog) {
+  std::vector<std::string> severities;
+  for (int severity = NQRXZELT20::ILogger::kError; severity <= NQRXZELT20::ILogger::kVerbose; ++severity) {
+    severities.emplace_back(GetSeverityName(static_cast<NQRXZELT20::ILogger::EZELTLogSeverity>(severity)));
+  }
+  const json log = json::parse(MakeJsonSchema())["$defs"]["log"];
+  EXPECT_EQ(log["items"]["properties"]["severity"]["enum"], json(severities));
 }
