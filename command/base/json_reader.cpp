@@ -110,7 +110,11 @@ void TJsonReader::FailToParse(const std::string& reason) const {
   const std::string firstLine = "line 1, ";
   const std::size_t found = m_source.isLine ? reason.find(firstLine) : std::string::npos;
   const std::string shown = found == std::string::npos ? reason : std::string(reason).erase(found, firstLine.size());
-  throw TUnusable(m_source.name + ": is not JSON: " + ShortenForMessage(shown, kMaxReason) + m_source.cure);
+  FailWithCure("is not JSON: " + ShortenForMessage(shown, kMaxReason));
+}
+
+void TJsonReader::FailWithCure(const std::string& what) const {
+  throw TUnusable(m_source.name + ": " + what + (*m_source.cure == '\0' ? "" : "; ") + m_source.cure);
 }
 
 std::string TJsonReader::GetKey() const {
@@ -157,8 +161,7 @@ bool TJsonReader::Open(TJsonRule::EShape shape) {
     rule = nullptr;
   }
   if (m_frames.size() == kMaxDepth) {
-    throw TUnusable(m_source.name + ": is more than " + std::to_string(kMaxDepth) + " values deep, which no " +
-                    m_source.kind + " is" + m_source.cure);
+    FailWithCure("is more than " + std::to_string(kMaxDepth) + " values deep, which no " + m_source.kind + " is");
   }
   if (rule != nullptr && rule->begin) rule->begin();
   const bool isArray = shape == TJsonRule::kArray;

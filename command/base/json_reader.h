@@ -58,7 +58,7 @@ enum class EUnexpected { kRefused, kUnknownSkipped, kSkipped };
 struct TJsonSource {
   std::string name;       // where a message begins: the file, or the file and its line
   const char* kind;       // "captured machine"
-  const char* cure = "";  // after "; "
+  const char* cure = "";  // ends a message, after "; "; or empty
   bool isLine = false;    // the name says which line of a file it is
 };
 
@@ -101,6 +101,7 @@ class TJsonReader {
   const TJsonRule* GetNext() const { return m_frames.empty() ? m_document : m_frames.back().next; }
   std::string GetKey() const;
   [[noreturn]] void FailToParse(const std::string& reason) const;
+  [[noreturn]] void FailWithCure(const std::string& what) const;
 
   TJsonSource m_source;
   EUnexpected m_unexpected;

@@ -14,14 +14,12 @@ using NQRXZELT20::TCIMValue;
 
 namespace {
 
-constexpr const char* kCure = "; compare takes captured machines, and what --format json or --machines has written";
-
 /// The rules of an answer's keys.
 class TAnswerReader {
  public:
   /// `isLine`: the place says which line of a file it is.
   TAnswerReader(const std::string& place, bool isLine)
-      : m_place(place), m_json({place, "answer", kCure, isLine}, EUnexpected::kUnknownSkipped) {}
+      : m_place(place), m_json({place, "answer", kCompareTakes, isLine}, EUnexpected::kUnknownSkipped) {}
 
   TReadAnswer Read(const std::string& text) {
     // A captured machine, or the inventory of one, has none of an answer's keys, but another reader.
@@ -101,7 +99,7 @@ class TAnswerReader {
 
   void RequireAnswer() const {
     for (const auto& [key, hasKey] : {std::pair("requests", m_hasRequests), std::pair("outputs", m_hasOutputs)}) {
-      if (!hasKey) throw TUnusable(m_place + ": has no \"" + key + "\", so it is no answer" + kCure);
+      if (!hasKey) throw TUnusable(m_place + ": has no \"" + key + "\", so it is no answer; " + kCompareTakes);
     }
   }
 

@@ -45,6 +45,10 @@ struct TReadAnswer {
   std::vector<TReadOutput> outputs;
 };
 
+/// What people are told where something else is found.
+constexpr const char* kCompareTakes =
+    "compare takes captured machines, and what --format json or --machines has written";
+
 /// `place`: the file, or the file and the line, where a message begins. Throws TUnusable, naming place and key, for a
 /// text that is no such answer.
 TReadAnswer ReadAnswer(const std::string& text, const std::string& place);

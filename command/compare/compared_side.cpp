@@ -24,6 +24,23 @@ bool MayBeAnswer(const std::string& beginning) {
 /// off is one too.
 bool IsWholeLine(const std::string& line) { return BeginsWith(line, "{\"machine\":") || nlohmann::json::accept(line); }
 
+constexpr std::size_t kMaxSize = std::size_t{64} * 1024 * 1024;  // bytes of a line, or of a file that is one answer
+
+/// The next line that is not blank; nothing at the end of the file.
+std::optional<std::string> TakeAnswer(TLineReader& file) {
+  while (std::optional<TLine> line = file.TakeNext()) {
+    if (line->text.find_first_not_of(" \t\r") != std::string::npos) return std::move(line->text);
+  }
+  return std::nullopt;
+}
+
+std::string TakeRest(TLineReader& file) {
+  std::string rest = file.TakeRest(kMaxSize);
+  if (rest.size() <= kMaxSize) return rest;
+  throw TUnusable(file.GetName() + ": is larger than " + std::to_string(kMaxSize) +
+                  " bytes; an answer without its log is smaller: --no-log");
+}
+
 void RequirePlain(const std::string& text, const std::string& name) {
   constexpr const char* packed[] = {"\x1F\x8B", "\xFD\x37zXZ", "BZh", "\x28\xB5\x2F\xFD"};
   for (const char* const beginning : packed) {
@@ -56,20 +73,20 @@ TComparedMachine TComparedSide::TakeNext() {
 void TComparedSide::LoseBytes() { m_next->answer = AsWritten(std::move(m_next->answer)); }
 
 void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
-  TLineFile file(path);
+  TLineReader file = TLineReader::Open(path, kMaxSize, ELongLine::kRefused, kCompareTakes);
   const std::string name = file.GetName();
   RequirePlain(file.GetBeginning(), name);
-  if (!MayBeAnswer(file.GetBeginning())) return AskMachine(file.TakeRest(), name, ask);
-  std::optional<std::string> first = file.TakeLine();
+  if (!MayBeAnswer(file.GetBeginning())) return AskMachine(TakeRest(file), name, ask);
+  std::optional<std::string> first = TakeAnswer(file);
   if (!first) throw TUnusable(name + ": is empty, so there is nothing to compare");
   std::string text = std::move(*first);
   const bool isLine = IsWholeLine(text);
   // The lines before are empty, and they count in what the parser says of a place.
-  if (!isLine) text = std::string(file.GetNumber() - 1, '\n') + text + "\n" + file.TakeRest();
+  if (!isLine) text = std::string(file.GetNumber() - 1, '\n') + text + "\n" + TakeRest(file);
   const std::string place = isLine ? name + ", line " + std::to_string(file.GetNumber()) : name;
   TReadAnswer answer = ReadAnswer(text, place);
   if (answer.isCapturedMachine) {
-    if (isLine && file.TakeLine()) {
+    if (isLine && TakeAnswer(file)) {
       throw TUnusable(place + ": is a captured machine, after which nothing may follow");
     }
     return AskMachine(text, name, ask);
@@ -80,7 +97,7 @@ void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
   if (!isLine) return;
   m_lines = std::move(file);
   if (m_hasNames) return;
-  if (m_lines->TakeLine()) throw TUnusable(place + ": names no \"machine\", which each of several lines does");
+  if (TakeAnswer(*m_lines)) throw TUnusable(place + ": names no \"machine\", which each of several lines does");
   m_lines.reset();
 }
 
@@ -90,7 +107,7 @@ void TComparedSide::AskMachine(const std::string& text, const std::string& name,
 }
 
 void TComparedSide::TakeLine() {
-  const std::optional<std::string> line = m_lines->TakeLine();
+  const std::optional<std::string> line = TakeAnswer(*m_lines);
   if (!line) return;
   const std::string place = m_lines->GetName() + ", line " + std::to_string(m_lines->GetNumber());
   TReadAnswer answer = ReadAnswer(*line, place);

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "command/base/line_reader.h"
 #include "command/compare/answer_reader.h"
-#include "command/compare/line_file.h"
 #include "command/machine/machine.h"
 
 struct TComparedMachine {
@@ -46,6 +46,6 @@ class TComparedSide {
 
   bool m_hasNames = false;
   bool m_hasBytes = false;
-  std::optional<TLineFile> m_lines;  // those that are left
+  std::optional<TLineReader> m_lines;  // those that are left
   std::optional<TComparedMachine> m_next;
 };

@@ -1,15 +1,10 @@
 #include "command/fleet/machine_list.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <utility>
-
-#include "command/base/unusable.h"
 
 namespace fs = std::filesystem;
 
@@ -17,10 +12,7 @@ namespace {
 
 constexpr std::size_t kPiece = 65536;  // bytes that are read at a time
 
-[[noreturn]] void Fail(const std::string& name) {
-  const std::string problem = errno == EBADF ? " is closed" : std::string(": cannot be read: ") + std::strerror(errno);
-  throw TUnusable(name + problem + "; --machines takes a file of machines, one a line, or - for standard input");
-}
+constexpr const char* kListCure = "--machines takes a file of machines, one a line, or - for standard input";
 
 bool IsBlank(char character) { return character == ' ' || character == '\t'; }
 
@@ -64,17 +56,14 @@ bool IsRegularFile(int descriptor) {
 
 }  // namespace
 
-TMachineList::TMachineList(const std::vector<std::string>& names) : m_name("the list") {
+TMachineList::TMachineList(const std::vector<std::string>& names) {
   for (const std::string& name : names) m_names.push_back(name.substr(0, kMaxName));
 }
 
-TMachineList::TMachineList(std::string name, TDescriptor file) : m_name(std::move(name)), m_file(std::move(file)) {
-  if (!m_file.IsOpen()) Fail(m_name);
-}
+TMachineList::TMachineList(TLineReader lines) : m_lines(std::move(lines)) {}
 
 TMachineList TMachineList::Open(const fs::path& file) {
-  if (file != "-") return {file.string(), TDescriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC))};
-  return {"standard input", TDescriptor(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0))};
+  return TMachineList(TLineReader::Open(file, kMaxName, ELongLine::kCut, kListCure));
 }
 
 bool TMachineList::HasNext() const { return !m_names.empty(); }
@@ -85,45 +74,27 @@ std::string TMachineList::TakeNext() {
   return name;
 }
 
-bool TMachineList::IsAtEnd() const { return m_names.empty() && !m_file.IsOpen(); }
+bool TMachineList::IsAtEnd() const { return m_names.empty() && (!m_lines || m_lines->IsAtEnd()); }
 
 void TMachineList::ReadMore() {
-  char piece[kPiece];
-  const ssize_t count = read(m_file.Get(), piece, sizeof piece);
-  if (count < 0 && errno != EINTR && errno != EAGAIN) Fail(m_name);
-  if (count > 0) TakeLines(piece, static_cast<std::size_t>(count));
-  if (count == 0) {
-    EndLine();
-    m_file.Close();
+  m_lines->ReadMore();
+  while (std::optional<TLine> line = m_lines->TakeRead()) {
+    std::string& name = line->text;
+    if (!name.empty() && name.back() == '\r') name.pop_back();
+    if (!name.empty() && !IsComment(name)) m_names.push_back(std::move(name));
   }
-}
-
-void TMachineList::TakeLines(const char* piece, std::size_t size) {
-  const char* const end = piece + size;
-  while (piece != end) {
-    const char* const lineEnd = std::find(piece, end, '\n');
-    m_line.append(piece, std::min(static_cast<std::size_t>(lineEnd - piece), kMaxName - m_line.size()));
-    if (lineEnd == end) return;
-    EndLine();
-    piece = lineEnd + 1;
-  }
-}
-
-void TMachineList::EndLine() {
-  if (!m_line.empty() && m_line.back() == '\r') m_line.pop_back();
-  const std::string line = std::exchange(m_line, {});
-  if (!line.empty() && !IsComment(line)) m_names.push_back(line);
 }
 
 std::optional<std::size_t> TMachineList::CountAll() const {
-  if (!m_file.IsOpen()) return m_names.size();
-  const off_t begin = lseek(m_file.Get(), 0, SEEK_CUR);
-  if (!IsRegularFile(m_file.Get()) || begin < 0) return std::nullopt;
+  if (!m_lines || m_lines->IsAtEnd()) return m_names.size();
+  const int file = m_lines->GetDescriptor();
+  const off_t begin = lseek(file, 0, SEEK_CUR);
+  if (!IsRegularFile(file) || begin < 0) return std::nullopt;
   TNameCount count;
   char piece[kPiece];
   ssize_t size = 0;
   // pread leaves the place where ReadMore goes on.
-  for (off_t place = begin; (size = pread(m_file.Get(), piece, sizeof piece, place)) > 0; place += size) {
+  for (off_t place = begin; (size = pread(file, piece, sizeof piece, place)) > 0; place += size) {
     std::for_each(piece, piece + size, [&](char byte) { count.Take(byte); });
   }
   return count.Get();

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "command/base/descriptor.h"
+#include "command/base/line_reader.h"
 
 /// Names that are known from the start, or come line by line from a file or standard input; empty lines are skipped,
 /// and those whose first character but blanks is #; lines may end as those of Windows do.
@@ -31,20 +31,15 @@ class TMachineList {
 
   /// What to wait for (with poll) when neither is true; then ReadMore takes a piece of what has come, without waiting
   /// for more. Throws TUnusable when the list cannot be read.
-  int GetDescriptor() const { return m_file.Get(); }
+  int GetDescriptor() const { return m_lines->GetDescriptor(); }
   void ReadMore();
 
   /// How many names there are in all; nothing when that is known only at the end.
   std::optional<std::size_t> CountAll() const;
 
  private:
-  TMachineList(std::string name, TDescriptor file);
+  explicit TMachineList(TLineReader lines);
 
-  void TakeLines(const char* piece, std::size_t size);
-  void EndLine();
-
-  std::string m_name;  // for messages
-  TDescriptor m_file;  // closed when no more is to be read
-  std::string m_line;  // the beginning of a line whose end has not come, cut to kMaxName
+  std::optional<TLineReader> m_lines;  // nothing for names that are known from the start
   std::deque<std::string> m_names;
 };

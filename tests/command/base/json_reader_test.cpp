@@ -12,7 +12,7 @@ typedef std::vector<std::string> TSteps;
 
 /// What the rules of a made-up document do with the text, step by step, and last the message of a failure.
 TSteps Read(const std::string& text, EUnexpected unexpected = EUnexpected::kUnknownSkipped, bool isLine = false) {
-  TJsonReader reader({"x.json", "test", "; write it anew", isLine}, unexpected);
+  TJsonReader reader({"x.json", "test", "write it anew", isLine}, unexpected);
   TSteps steps;
   const auto step = [&steps](const std::string& what) { return [&steps, what] { steps.push_back(what); }; };
   const auto take = [&](const std::string& what) {
