@@ -39,7 +39,7 @@ struct TMachine {
   std::string filesPlace;  // the folder that stands for "/"; empty for this machine and for one without a folder
   /// Why there is no X server's configuration, of which the plug-in looked for so many files.
   std::function<std::string(std::size_t count)> explainNoXconfig = [](std::size_t count) {
-    return "none of the " + std::to_string(count) + " X server configuration files that were looked for is there";
+    return "no X server configuration file exists (" + std::to_string(count) + " places tried)";
   };
   /// Where the X server's configuration comes from when it is no file of the machine, asked after a collection; empty
   /// when it is one, or does not exist.

@@ -150,13 +150,12 @@ TEST_F(ThisMachine, SaysThatTheOutputsHaveNoEdidBeforeItSaysThatTheBiosHasNone) 
 
 TEST_F(ThisMachine, SaysWhyItHasNoConfigurationByWhereThatIsToComeFrom) {
   const std::string noCard = "the kernel shows no graphics card in " + drm.GetPath().string();
-  EXPECT_EQ(
-      Make(EEdidSource::kDrm, EXconfigSource::kAuto).explainNoXconfig(10),
-      "none of the 10 X server configuration files that were looked for is there, and " + noCard + " to make one from");
+  EXPECT_EQ(Make(EEdidSource::kDrm, EXconfigSource::kAuto).explainNoXconfig(10),
+            "no X server configuration file exists (10 places tried), and " + noCard + " to make one from");
   EXPECT_EQ(Make(EEdidSource::kDrm, EXconfigSource::kKernel).explainNoXconfig(10),
             noCard + ", so no X server configuration could be made");
   EXPECT_EQ(Make(EEdidSource::kDrm, EXconfigSource::kFile).explainNoXconfig(10),
-            "none of the 10 X server configuration files that were looked for is there; --xconfig-source kernel makes "
+            "no X server configuration file exists (10 places tried); --xconfig-source kernel makes "
             "one from what the kernel knows");
 }
 
