@@ -1,4 +1,5 @@
 // What any bytes say as an EDID: each mode once, in order, with pixels and a rate, and nothing of what is no EDID.
+// Fillers for its serial numbers leave its size and its checksums as they are.
 //
 // Input: the EDID; what is left of a block of 128 bytes is zeros.
 #include "command/edid/edid_facts.h"
@@ -8,6 +9,7 @@
 #include <string>
 #include <tuple>
 
+#include "command/edid/edid_serials.h"
 #include "command/edid/identity.h"
 #include "edid/layout.h"
 #include "fuzz/require.h"
@@ -30,6 +32,14 @@ void RequireModes(const std::vector<TListedMode>& modes) {
   }
 }
 
+void RequireFillers(const std::vector<std::uint8_t>& edid, bool hasValidChecksums) {
+  std::string filled(edid.begin(), edid.end());
+  TSerialFillers().Replace(filled);
+  Require(filled.size() == edid.size(), "fillers fit into the EDID");
+  const TEdidFacts facts = ReadEdidFacts({filled.begin(), filled.end()});
+  Require(facts.hasValidChecksums == hasValidChecksums, "fillers leave the checksums as they are");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -41,5 +51,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(facts.isVersion1 || (facts.modes.empty() && facts.name.empty()), "what is no EDID says nothing");
   Require(facts.imageSize.has_value() == facts.diagonalInches.has_value(), "a size has a diagonal");
   Require(!Identify({facts, edid}).text.empty(), "every monitor has an identity");
+  RequireFillers(edid, facts.hasValidChecksums);
   return 0;
 }

@@ -187,6 +187,17 @@ std::vector<TEdidBuilder> MakeOddEdids() {
   };
 }
 
+/// Of the makers that have rules for serial numbers.
+std::vector<TEdidBuilder> MakeEdidsWithSerials() {
+  std::vector<TEdidBuilder> edids;
+  for (const char* const maker : {"ACR", "BNQ", "GSM", "PHL", "SAM"}) {
+    TEdidBuilder edid = TEdidBuilder().Manufacturer(maker).Serial(0, "0123456789");
+    edids.push_back(edid.Byte(edid::kSerialNumber, 'E').Byte(edid::kSerialNumber + 1, 'T'));
+    edids.push_back(edid.Byte(edid::kSerialNumber + 2, '4').Byte(edid::kSerialNumber + 3, '2'));
+  }
+  return edids;
+}
+
 /// The files below a folder of a machine, in order of their names; none without the folder.
 std::vector<fs::path> ListFiles(const fs::path& folder) {
   std::vector<fs::path> files;
@@ -248,6 +259,7 @@ int main(int argumentCount, char** arguments) try {
     units += MakeUnit(builder);
   }
   seeds.Add("monitors", units);
+  for (const TEdidBuilder& builder : MakeEdidsWithSerials()) seeds.Add("edid_facts", MakeUnit(builder).substr(1));
   for (const auto& [name, edid] : MakeRichEdids()) seeds.Add("edid_facts", std::string(edid.begin(), edid.end()));
   for (const char* text : kSections) seeds.Add("sections", text);
   for (const char* text : kMachineJsons) seeds.Add("machine_json", text);
