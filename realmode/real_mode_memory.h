@@ -16,6 +16,10 @@ class REALMODE_API TRealModeMemory {
  public:
   static constexpr std::size_t kSize = 0x100000;  // bytes: what 20 address lines reach
 
+  // Where a BIOS's pool lies: in conventional memory, away from the interrupt vectors and the BIOS.
+  static constexpr std::uint32_t kPoolBegin = 0x10000;
+  static constexpr std::uint32_t kPoolEnd = 0x20000;
+
   /// An image of zeros without any room for buffers. Throws std::bad_alloc.
   TRealModeMemory();
 

@@ -46,9 +46,7 @@ constexpr std::uint32_t kSizeOffset = 2;
 constexpr std::uint32_t kSizeUnit = 512;
 static_assert(kVideoBios + 0xFF * kSizeUnit <= kSystemBios, "the largest video BIOS ends before the system BIOS");
 
-// What a session lays out in the conventional memory between them.
-constexpr std::uint32_t kPoolBegin = 0x10000;
-constexpr std::uint32_t kPoolEnd = 0x20000;
+// What a session lays out in the conventional memory between them, after the pool of buffers.
 constexpr std::uint16_t kStackSegment = 0x2000;
 constexpr std::uint16_t kStackTop = 0xFFF0;
 constexpr std::uint16_t kReturnSegment = 0x3000;  // where the interrupt returns to, offset 0
@@ -282,7 +280,7 @@ bool TRealVideoBios::Start(TRealModeMemory& memory) {
     m_machine->Close();
     return Fail("this machine has no video BIOS that can be read, as one started by UEFI may not");
   }
-  memory.GrantPool(kPoolBegin, kPoolEnd);
+  memory.GrantPool(TRealModeMemory::kPoolBegin, TRealModeMemory::kPoolEnd);
   return true;
 }
 

@@ -8,10 +8,6 @@
 
 namespace {
 
-// For the buffers: conventional memory, away from the interrupt vectors and the BIOS.
-constexpr std::uint32_t kPoolBegin = 0x10000;
-constexpr std::uint32_t kPoolEnd = 0x20000;
-
 constexpr int kVideoInterrupt = 0x10;
 constexpr unsigned int kDisplayDataChannel = 0x4F15;
 constexpr unsigned int kReadEdid = 1;
@@ -31,7 +27,7 @@ TVirtualVideoBios::TVirtualVideoBios(TVirtualBiosConfiguration configuration)
     : m_configuration(std::move(configuration)) {}
 
 bool TVirtualVideoBios::Start(TRealModeMemory& memory) {
-  if (m_configuration.memory) memory.GrantPool(kPoolBegin, kPoolEnd);
+  if (m_configuration.memory) memory.GrantPool(TRealModeMemory::kPoolBegin, TRealModeMemory::kPoolEnd);
   return m_configuration.present;
 }
 

@@ -16,8 +16,6 @@ using NQRXZELT20::TZELTException;
 
 namespace {
 
-constexpr const char* kMonitor = "QRXSG_DesktopMonitor";
-
 /// Closes the real-mode set-up of a request, even when an exception ends the request.
 class TRealModeEnd {
  public:

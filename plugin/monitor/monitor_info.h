@@ -17,6 +17,8 @@
 
 class TMonitorInfo : public TDisplay {
  public:
+  static constexpr const char* kMonitor = "QRXSG_DesktopMonitor";  // the class that the settings look up again
+
   explicit TMonitorInfo(boost::shared_ptr<NQRXZELT20::ICIMClass> cimClass);
   TMonitorInfo(boost::shared_ptr<NQRXZELT20::ICIMClass> cimClass, NQRXZELT20::TPluginManagerProvider* provider);
   ~TMonitorInfo() override;

@@ -11,7 +11,6 @@ using NQRXZELT20::TZELTException;
 
 namespace {
 
-constexpr const char* kMonitor = "QRXSG_DesktopMonitor";
 constexpr const char* kResolution = "QRXSG_MonitorResolution";
 
 bool BeginsWith(const std::string& text, const std::string& beginning) {

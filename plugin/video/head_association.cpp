@@ -11,8 +11,6 @@ using NQRXZELT20::TZELTException;
 
 namespace {
 
-constexpr const char* kController = "QRXSG_VideoController";
-constexpr const char* kHead = "QRXSG_VideoHead";
 const std::string kDisplayId = "DisplayId";
 
 /// Appends a pair for each controller with the head's display id. A head without one gets no pair.

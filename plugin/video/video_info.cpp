@@ -22,8 +22,6 @@ struct TVideoLists {
 
 namespace {
 
-constexpr const char* kController = "QRXSG_VideoController";
-constexpr const char* kHead = "QRXSG_VideoHead";
 constexpr const char* kHeadOfController = "QRXSG_HeadOfVideoController";
 
 }  // namespace

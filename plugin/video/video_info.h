@@ -16,6 +16,10 @@
 
 class TVideoInfo : public TDisplay, public TXConfig {
  public:
+  // The classes that the third one, their association, looks up again.
+  static constexpr const char* kController = "QRXSG_VideoController";
+  static constexpr const char* kHead = "QRXSG_VideoHead";
+
   explicit TVideoInfo(boost::shared_ptr<NQRXZELT20::ICIMClass> cimClass);
   TVideoInfo(boost::shared_ptr<NQRXZELT20::ICIMClass> cimClass, NQRXZELT20::TPluginManagerProvider* provider);
 
