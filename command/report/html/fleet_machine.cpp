@@ -4,8 +4,6 @@
 
 #include "command/base/json_writer.h"
 
-using nlohmann::json;
-
 namespace {
 
 /// The model's name, else the number that its maker gave it.
@@ -47,12 +45,12 @@ std::string WriteFleetMachine(const TMachineSummary& machine) {
 }
 
 TFleetMachine ReadFleetMachine(std::string_view line) {
-  const json members = json::parse(line);
+  const nlohmann::json members = nlohmann::json::parse(line);
   TFleetMachine machine = {
       members["name"], members["systemName"], members["collected"], members["hasAnswered"] == 1, {}, {}, {}};
   machine.controllers = members["controllers"].get<std::vector<std::string>>();
   machine.problems = members["problems"].get<std::vector<std::string>>();
-  for (const json& monitor : members["monitors"]) {
+  for (const nlohmann::json& monitor : members["monitors"]) {
     machine.monitors.push_back({monitor["maker"], monitor["model"], monitor["serialNumber"], monitor["identity"],
                                 monitor["made"], monitor["largestMode"], monitor["connector"], monitor["isListed"] == 1,
                                 monitor["year"], monitor["week"]});
