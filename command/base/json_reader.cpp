@@ -45,6 +45,7 @@ class TJsonEvents : public nlohmann::json_sax<json> {
   bool parse_error(std::size_t, const std::string&, const json::exception& error) override {
     // The parser's text begins with its own error number, in brackets.
     const std::string text = error.what();
+    // cppcheck-suppress missingReturn ; it throws
     m_reader.FailToParse(text.substr(std::min(text.find("] ") + 2, text.size())));
   }
 

@@ -97,7 +97,7 @@ TKeyValue OfAudio(TRef output, std::size_t element) {
   return Reach<members...>(output.facts->audio[element]);
 }
 
-TKeyValue Rate(const TMode& mode) { return MakeNumber(mode.refresh, 3); }
+TKeyValue Rate(const TEdidMode& mode) { return MakeNumber(mode.refresh, 3); }
 
 template <auto member>
 TKeyValue OfSerial(TRef output, std::size_t) {
@@ -200,9 +200,9 @@ constexpr TOutputKey kKeys[] = {
      }},
     {"preferredMode", "width", EKeyType::kInteger, "pixels",
      "The width of the mode that the monitor prefers: its first detailed timing, where that comes first.",
-     Fact<&TEdidFacts::preferredMode, &TMode::width>},
+     Fact<&TEdidFacts::preferredMode, &TEdidMode::width>},
     {"preferredMode", "height", EKeyType::kInteger, "pixels", "The height of its whole picture.",
-     Fact<&TEdidFacts::preferredMode, &TMode::height>},
+     Fact<&TEdidFacts::preferredMode, &TEdidMode::height>},
     {"preferredMode", "refresh", EKeyType::kReal, "Hz",
      "Its rate with three decimals, of fields when it is interlaced.",
      [](TRef output, std::size_t) {
@@ -215,8 +215,8 @@ constexpr TOutputKey kKeys[] = {
        return facts != nullptr && facts->preferredMode ? IfTrue(facts->preferredMode->isInterlaced) : TKeyValue();
      }},
     {"modes", "width", EKeyType::kInteger, "pixels",
-     "The width of a mode. Each mode comes once: the largest first, then by rate.", OfMode<&TMode::width>},
-    {"modes", "height", EKeyType::kInteger, "pixels", "The height of its whole picture.", OfMode<&TMode::height>},
+     "The width of a mode. Each mode comes once: the largest first, then by rate.", OfMode<&TEdidMode::width>},
+    {"modes", "height", EKeyType::kInteger, "pixels", "The height of its whole picture.", OfMode<&TEdidMode::height>},
     {"modes", "refresh", EKeyType::kReal, "Hz", "Its rate with three decimals, of fields when it is interlaced.",
      [](TRef output, std::size_t element) { return Rate(output.facts->modes[element]); }},
     {"modes", "interlaced", EKeyType::kBoolean, "", "True when it is interlaced; else left out.",

@@ -146,7 +146,7 @@ TResolutions CollectResolutions(const std::vector<TRequestAnswer>& requests, std
 bool HasSizes(const TOutput& output, const std::set<TListedResolution>& resolutions) {
   return output.facts && std::all_of(resolutions.begin(), resolutions.end(), [&](const TListedResolution& resolution) {
            const auto& modes = output.facts->modes;
-           return std::any_of(modes.begin(), modes.end(), [&](const TMode& mode) {
+           return std::any_of(modes.begin(), modes.end(), [&](const TEdidMode& mode) {
              return mode.width == std::get<0>(resolution) && mode.height == std::get<1>(resolution);
            });
          });
@@ -259,7 +259,7 @@ std::string ExplainNoMonitor(const TVirtualBiosConfiguration& bios, int systemTy
   return std::string();
 }
 
-bool IsInClasses(const TOutput& output, const TMode& mode) {
+bool IsInClasses(const TOutput& output, const TEdidMode& mode) {
   const auto rate = static_cast<unsigned int>(std::lround(mode.refresh));
   return output.resolutions && output.resolutions->count({mode.width, mode.height, rate}) != 0;
 }

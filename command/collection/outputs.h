@@ -39,7 +39,7 @@ constexpr int kNativeSystem = 2;  // the only kind of system whose BIOS the plug
 std::string ExplainNoMonitor(const TVirtualBiosConfiguration& bios, int systemType);
 
 /// True when the answer has that mode of the output's monitor.
-bool IsInClasses(const TOutput& output, const TMode& mode);
+bool IsInClasses(const TOutput& output, const TEdidMode& mode);
 
 /// True when the plug-in should have listed the monitor, or one of its modes, and a reason says why it did not.
 bool IsUnlisted(const TOutput& output);

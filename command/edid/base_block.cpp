@@ -72,7 +72,7 @@ void ReadEstablished(TBytes block, TModeList& modes) {
     const edid::TEstablishedTiming& timing = edid::kEstablished[index];
     modes.Add(edid::FindDmtTiming(timing.dmt), EModeSource::Established);
     const auto refresh = static_cast<double>(timing.refresh);
-    if (timing.dmt == 0) modes.Add(TMode{timing.width, timing.height, refresh}, EModeSource::Established);
+    if (timing.dmt == 0) modes.Add(TEdidMode{timing.width, timing.height, refresh}, EModeSource::Established);
   }
 }
 
@@ -84,7 +84,8 @@ void ReadStandard(TBytes block, TEdidDraft& draft) {
 
 void ReadSlots(TBytes block, TEdidDraft& draft) {
   for (const std::size_t slot : edid::kDescriptors) {
-    const std::optional<TMode> mode = ReadSlot(block.Part(slot, edid::kDescriptorSize), EModeSource::Detailed, draft);
+    const std::optional<TEdidMode> mode =
+        ReadSlot(block.Part(slot, edid::kDescriptorSize), EModeSource::Detailed, draft);
     if (slot == edid::kDescriptors.front()) draft.facts.preferredMode = mode;
   }
 }

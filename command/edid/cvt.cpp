@@ -35,7 +35,7 @@ double GetSyncHeight(unsigned int width, unsigned int height) {
 }
 
 /// [CVT 1.2, 5.3]
-TMode MakeStandard(const TCvtRequest& request) {
+TEdidMode MakeStandard(const TCvtRequest& request) {
   constexpr double minSyncAndBackPorch = 550;  // microseconds
   constexpr double dutyOffset = 30;            // per cent
   constexpr double dutyGradient = 300;         // per cent of a millisecond
@@ -67,7 +67,7 @@ TReducedBlanking GetBlanking(const TCvtRequest& request) {
 }
 
 /// [CVT 1.2, 5.4]
-TMode MakeReduced(const TCvtRequest& request) {
+TEdidMode MakeReduced(const TCvtRequest& request) {
   const TReducedBlanking blanking = GetBlanking(request);
   const double cell = request.blanking == EBlanking::Reduced ? kCell : 1;
   const double width = std::floor(request.width / cell) * cell;
@@ -83,7 +83,7 @@ TMode MakeReduced(const TCvtRequest& request) {
 
 }  // namespace
 
-TMode MakeCvtMode(const TCvtRequest& request) {
+TEdidMode MakeCvtMode(const TCvtRequest& request) {
   if (request.width == 0 || request.height == 0 || request.refresh <= 0) return {};
   return request.blanking == EBlanking::Standard ? MakeStandard(request) : MakeReduced(request);
 }

@@ -17,4 +17,4 @@ struct TCvtRequest {
 };
 
 /// The mode with the exact rate of the timing. It has no rate when there is no such timing.
-TMode MakeCvtMode(const TCvtRequest& request);
+TEdidMode MakeCvtMode(const TCvtRequest& request);

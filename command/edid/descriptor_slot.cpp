@@ -34,8 +34,8 @@ TDetailedTiming ReadTiming(TBytes slot) {
   const bool isInterlaced = (slot[edid::kTimingFlags] & edid::kInterlaced) != 0;
   const double clock = slot.Number(edid::kPixelClock, 2) * kilohertzPerUnit;
   // Two fields share a line between them.
-  const TMode mode = MakeMode(width, isInterlaced ? 2 * height : height, clock, columns,
-                              isInterlaced ? lines + 0.5 : lines, isInterlaced);
+  const TEdidMode mode = MakeMode(width, isInterlaced ? 2 * height : height, clock, columns,
+                                  isInterlaced ? lines + 0.5 : lines, isInterlaced);
   return {mode,
           clock,
           clock / columns,
@@ -43,7 +43,7 @@ TDetailedTiming ReadTiming(TBytes slot) {
            ReadLowerHalf(slot, edid::kImageHeight, edid::kImageHighBits)}};
 }
 
-std::optional<TMode> ReadDetailedTiming(TBytes slot, EModeSource source, TEdidDraft& draft) {
+std::optional<TEdidMode> ReadDetailedTiming(TBytes slot, EModeSource source, TEdidDraft& draft) {
   if (IsFiller(slot)) return std::nullopt;
   const TDetailedTiming timing = ReadTiming(slot);
   if (timing.mode.width == 0 || timing.mode.height == 0 || timing.mode.refresh == 0) return std::nullopt;
@@ -131,7 +131,7 @@ constexpr TDescriptorReader kDescriptorReaders[] = {
 
 }  // namespace
 
-std::optional<TMode> ReadSlot(TBytes slot, EModeSource source, TEdidDraft& draft) {
+std::optional<TEdidMode> ReadSlot(TBytes slot, EModeSource source, TEdidDraft& draft) {
   if (slot.Number(edid::kPixelClock, 2) != 0) return ReadDetailedTiming(slot, source, draft);
   for (const TDescriptorReader& reader : kDescriptorReaders) {
     if (slot[edid::kDescriptorTag] == reader.tag) reader.read(slot, draft);
@@ -164,7 +164,7 @@ void ReadStandardTiming(TBytes timing, TEdidDraft& draft) {
   const unsigned int height = draft.revision < edid::kFirstWith16By10 ? edid::GetOldStandardHeight(width, second)
                                                                       : edid::GetStandardHeight(width, second);
   const auto refresh = static_cast<double>(edid::GetStandardRefresh(second));
-  draft.modes.Add(TMode{width, height, refresh}, EModeSource::Standard);
+  draft.modes.Add(TEdidMode{width, height, refresh}, EModeSource::Standard);
 }
 
 void ReadVideoTimingExtension(TBytes block, TEdidDraft& draft) {

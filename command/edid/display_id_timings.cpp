@@ -10,25 +10,25 @@ namespace displayid = edid::displayid;
 namespace {
 
 /// A timing in full, as DisplayID numbers it: the lines are those of a whole picture.
-TMode MakeFullMode(double clock, unsigned int width, unsigned int blankWidth, unsigned int height,
-                   unsigned int blankHeight, bool isInterlaced) {
+TEdidMode MakeFullMode(double clock, unsigned int width, unsigned int blankWidth, unsigned int height,
+                       unsigned int blankHeight, bool isInterlaced) {
   // Two fields share a line between them.
   const double fieldLines = isInterlaced ? (height + blankHeight) / 2 + 0.5 : height + blankHeight;
   return MakeMode(width, height, clock, width + blankWidth, fieldLines, isInterlaced);
 }
 
-TMode ReadTypeIOrVII(double clockUnit, TBytes timing) {
+TEdidMode ReadTypeIOrVII(double clockUnit, TBytes timing) {
   const auto read = [&](std::size_t offset) { return timing.Number(offset, 2) + 1; };
   return MakeFullMode((timing.Number(displayid::kClock, 3) + 1) * clockUnit, read(displayid::kTypeIWidth),
                       read(displayid::kTypeIBlankWidth), read(displayid::kTypeIHeight),
                       read(displayid::kTypeIBlankHeight), (timing[displayid::kFlags] & displayid::kInterlaced) != 0);
 }
 
-TMode ReadTypeI(TBytes timing) { return ReadTypeIOrVII(displayid::kTypeIClock, timing); }
+TEdidMode ReadTypeI(TBytes timing) { return ReadTypeIOrVII(displayid::kTypeIClock, timing); }
 
-TMode ReadTypeVII(TBytes timing) { return ReadTypeIOrVII(1, timing); }
+TEdidMode ReadTypeVII(TBytes timing) { return ReadTypeIOrVII(1, timing); }
 
-TMode ReadTypeII(TBytes timing) {
+TEdidMode ReadTypeII(TBytes timing) {
   const double clock = (timing.Number(displayid::kClock, 3) + 1) * static_cast<double>(displayid::kTypeIClock);
   const unsigned int widths = timing.Number(displayid::kTypeIIWidth, 2);
   const unsigned int width = ((widths & displayid::kTypeIIWidthBits) + 1) * displayid::kCell;
@@ -38,7 +38,7 @@ TMode ReadTypeII(TBytes timing) {
                       (timing[displayid::kFlags] & displayid::kInterlaced) != 0);
 }
 
-TMode ReadTypeIII(TBytes timing) {
+TEdidMode ReadTypeIII(TBytes timing) {
   const unsigned int aspect = timing[0] & displayid::kAspectBits;
   if (aspect >= std::size(displayid::kAspects)) return {};
   const unsigned int formula = timing[0] >> displayid::kTypeIIIFormulaShift & displayid::kTypeIIIFormulaBits;
@@ -48,13 +48,13 @@ TMode ReadTypeIII(TBytes timing) {
   return MakeCvtMode({width, height, refresh, formula == 1 ? EBlanking::Reduced : EBlanking::Standard});
 }
 
-TMode ReadTypeV(TBytes timing) {
+TEdidMode ReadTypeV(TBytes timing) {
   const auto read = [&](std::size_t offset) { return timing.Number(offset, 2) + 1; };
   const double refresh = timing[displayid::kTypeVRate] + 1;
   return MakeCvtMode({read(displayid::kTypeVWidth), read(displayid::kTypeVHeight), refresh, EBlanking::Reduced2});
 }
 
-TMode ReadTypeVI(TBytes timing) {
+TEdidMode ReadTypeVI(TBytes timing) {
   const auto read = [&](std::size_t offset) { return (timing.Number(offset, 2) & displayid::kTypeVIBits) + 1; };
   const double clock = (timing.Number(displayid::kClock, 3) & displayid::kTypeVIClockBits) + 1;
   const unsigned int blankWidth =
@@ -76,14 +76,14 @@ TCvtRequest ReadCvtRequest(TBytes timing, unsigned int refresh) {
   return request;
 }
 
-TMode ReadTypeIX(TBytes timing) {
+TEdidMode ReadTypeIX(TBytes timing) {
   TCvtRequest request = ReadCvtRequest(timing, timing[displayid::kTypeIXRate] + 1);
   if (request.blanking == EBlanking::Reduced3) request.blanking = EBlanking::Standard;
   return MakeCvtMode(request);
 }
 
 /// Version 3 of reduced blanking may add to the blank, or take away from a wide one.
-TMode ReadTypeX(TBytes timing) {
+TEdidMode ReadTypeX(TBytes timing) {
   constexpr unsigned int wide = 160;  // pixels
   constexpr unsigned int pixels = 8;  // of a step
   constexpr unsigned int steps = 7;
@@ -101,7 +101,7 @@ TMode ReadTypeX(TBytes timing) {
 }
 
 /// Timings one after the other, each of so many bytes.
-void ReadEach(TBytes payload, std::size_t size, TMode (*read)(TBytes timing), TEdidDraft& draft) {
+void ReadEach(TBytes payload, std::size_t size, TEdidMode (*read)(TBytes timing), TEdidDraft& draft) {
   for (; payload.GetSize() >= size; payload = payload.From(size)) {
     draft.modes.Add(read(payload.Part(0, size)), EModeSource::DisplayId);
   }

@@ -19,7 +19,7 @@ enum class ERangeSource { FreeSync, Hdmi, DisplayId };
 inline double RoundTo(double number, unsigned int decimals) { return std::round(number * decimals) / decimals; }
 
 struct TDetailedTiming {
-  TMode mode;
+  TEdidMode mode;
   double clock;     // kHz
   double lineRate;  // kHz
   TImageSize size;  // of the image
@@ -67,7 +67,7 @@ struct TEdidDraft {
 void ReadBaseBlock(TBytes block, TEdidDraft& draft);
 
 /// A detailed timing or a display descriptor of 18 bytes. Returns the mode of a timing.
-std::optional<TMode> ReadSlot(TBytes slot, EModeSource source, TEdidDraft& draft);
+std::optional<TEdidMode> ReadSlot(TBytes slot, EModeSource source, TEdidDraft& draft);
 
 /// A code of three bytes, with a mode for each rate that it names.
 void ReadCvtCode(TBytes code, TEdidDraft& draft);

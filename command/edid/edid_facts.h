@@ -9,7 +9,7 @@
 
 #include "command/edid/serial_rules.h"
 
-struct TMode {
+struct TEdidMode {
   unsigned int width;   // pixels
   unsigned int height;  // lines of a whole picture, of both fields when it is interlaced
   double refresh;       // Hz with three decimals, of fields when it is interlaced
@@ -24,7 +24,7 @@ const char* GetName(EModeSource source);
 
 enum class EYcbcr420 : std::uint8_t { No, Also, Only };
 
-struct TListedMode : TMode {
+struct TListedMode : TEdidMode {
   EModeSource source;  // the best that has it
   EYcbcr420 ycbcr420;  // whether it works with YCbCr 4:2:0 sampling, or with that only
 };
@@ -123,8 +123,8 @@ struct TEdidFacts {
   std::optional<double> aspectRatio;  // of the image, width to height, with two decimals
   std::optional<double> diagonalInches;
 
-  std::optional<TMode> preferredMode;  // the first detailed timing, when it comes first
-  std::vector<TListedMode> modes;      // each once: the largest first, then progressive ones, then the highest rate
+  std::optional<TEdidMode> preferredMode;  // the first detailed timing, when it comes first
+  std::vector<TListedMode> modes;          // each once: the largest first, then progressive ones, then the highest rate
   std::optional<TRangeLimits> limits;
   std::optional<TRefreshRange> refreshRange;
 

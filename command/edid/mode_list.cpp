@@ -28,7 +28,7 @@ EYcbcr420 Describe(std::uint64_t samplings) {
 
 TModeList::TModeList() { m_entries.reserve(kUsualCount); }
 
-void TModeList::Add(const TMode& mode, EModeSource source, ESampling sampling) {
+void TModeList::Add(const TEdidMode& mode, EModeSource source, ESampling sampling) {
   if (mode.width == 0 || mode.height == 0 || mode.refresh == 0) return;
   const auto rate = static_cast<std::uint64_t>(mode.refresh * kDecimals + 0.5);
   Add(mode.width, mode.height, mode.isInterlaced, rate, source, sampling);
@@ -56,7 +56,7 @@ bool TModeList::TEntry::ComesBefore(const TEntry& other) const {
   return shape != other.shape ? shape > other.shape : rate > other.rate;
 }
 
-TMode TModeList::TEntry::MakeMode() const {
+TEdidMode TModeList::TEntry::MakeMode() const {
   return {shape >> 1, height, static_cast<double>(rate >> kRateShift) / kDecimals, (shape & 1U) == 0};
 }
 
@@ -76,8 +76,8 @@ std::vector<TListedMode> TModeList::Take() {
   return modes;
 }
 
-TMode MakeMode(unsigned int width, unsigned int height, double clock, double totalWidth, double fieldLines,
-               bool isInterlaced) {
+TEdidMode MakeMode(unsigned int width, unsigned int height, double clock, double totalWidth, double fieldLines,
+                   bool isInterlaced) {
   constexpr double hertz = 1000;  // of a kilohertz
   const double total = totalWidth * fieldLines;
   const double rate = total > 0 ? clock * hertz / total : 0;

@@ -14,7 +14,7 @@ class TModeList {
   TModeList();
 
   /// A mode without pixels or without a rate is none.
-  void Add(const TMode& mode, EModeSource source, ESampling sampling = ESampling::Any);
+  void Add(const TEdidMode& mode, EModeSource source, ESampling sampling = ESampling::Any);
 
   /// Null adds nothing: a code that names no timing.
   void Add(const edid::TTiming* timing, EModeSource source, ESampling sampling = ESampling::Any);
@@ -27,7 +27,7 @@ class TModeList {
   struct TEntry {
     bool IsSameMode(const TEntry& other) const;
     bool ComesBefore(const TEntry& other) const;
-    TMode MakeMode() const;
+    TEdidMode MakeMode() const;
 
     std::uint32_t pixels;
     std::uint32_t shape;  // its width, and in the lowest bit whether it is progressive
@@ -44,5 +44,5 @@ class TModeList {
 
 /// A mode from its clock in kHz and its totals. `fieldLines`: the lines of a field, with those that are blank, which
 /// have a half one when it is interlaced. The rate is 0 when a total is.
-TMode MakeMode(unsigned int width, unsigned int height, double clock, double totalWidth, double fieldLines,
-               bool isInterlaced);
+TEdidMode MakeMode(unsigned int width, unsigned int height, double clock, double totalWidth, double fieldLines,
+                   bool isInterlaced);

@@ -129,7 +129,7 @@ bool IsConfigured(const TInstanceView* head, unsigned int width, unsigned int he
          head->Number("CurrentHorizontalResolution") == width && head->Number("CurrentVerticalResolution") == height;
 }
 
-std::string WriteRefresh(const TMode& mode) { return WriteFixed(mode.refresh, 3); }
+std::string WriteRefresh(const TEdidMode& mode) { return WriteFixed(mode.refresh, 3); }
 
 std::string WriteDiagonal(double inches) { return WriteFixed(inches, 1); }
 

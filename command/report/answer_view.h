@@ -139,5 +139,5 @@ std::vector<std::string> ExplainUnlisted(const TAnswer& answer);
 std::string GetEdidSource(const TAnswer& answer, const TOutput& output);
 
 /// The same numbers as JSON has them: Hz with three decimals, inches with one.
-std::string WriteRefresh(const TMode& mode);
+std::string WriteRefresh(const TEdidMode& mode);
 std::string WriteDiagonal(double inches);

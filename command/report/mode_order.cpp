@@ -17,7 +17,7 @@ auto GetOrder(const TShownMode& mode) {
 /// `tolerance`: in Hz, of the mode's rate.
 bool IsPreferred(const TOutput* output, const TShownMode& mode, double tolerance) {
   if (output == nullptr || !output->facts || !output->facts->preferredMode) return false;
-  const TMode& preferred = *output->facts->preferredMode;
+  const TEdidMode& preferred = *output->facts->preferredMode;
   return preferred.width == mode.width && preferred.height == mode.height &&
          preferred.isInterlaced == mode.isInterlaced && std::abs(preferred.refresh - mode.refresh) <= tolerance;
 }
@@ -37,7 +37,7 @@ std::vector<TShownMode> ListModes(const TInstances& resolutions, const TOutput* 
   constexpr double rounded = 0.5;     // Hz
   std::vector<TShownMode> modes;
   if (output != nullptr && output->facts) {
-    for (const TMode& mode : output->facts->modes) {
+    for (const TEdidMode& mode : output->facts->modes) {
       modes.push_back({mode.width, mode.height, mode.refresh, mode.isInterlaced, IsInClasses(*output, mode), false});
       modes.back().isPreferred = IsPreferred(output, modes.back(), exactly);
     }

@@ -91,11 +91,11 @@ std::string WritePixelClock(const TEdidFacts& facts) {
   return WriteClock(isKnown ? std::to_string(*facts.limits->pixelClock) + " MHz" : "");
 }
 
-std::string WriteResolution(const TMode& mode) {
+std::string WriteResolution(const TEdidMode& mode) {
   return std::to_string(mode.width) + " x " + std::to_string(mode.height);
 }
 
-std::string WriteMode(const TMode& mode) {
+std::string WriteMode(const TEdidMode& mode) {
   return WriteResolution(mode) + " at " + WriteRefresh(mode) + " Hz" + (mode.isInterlaced ? ", interlaced" : "");
 }
 
@@ -108,15 +108,15 @@ std::string WriteLargestMode(const TEdidFacts& facts) {
 }
 
 /// Of several with the highest rate the largest; null where no mode is known.
-const TMode* FindFastestMode(const TEdidFacts& facts) {
+const TEdidMode* FindFastestMode(const TEdidFacts& facts) {
   const auto fastest =
       std::max_element(facts.modes.begin(), facts.modes.end(),
-                       [](const TMode& left, const TMode& right) { return left.refresh < right.refresh; });
+                       [](const TEdidMode& left, const TEdidMode& right) { return left.refresh < right.refresh; });
   return fastest == facts.modes.end() ? nullptr : &*fastest;
 }
 
 std::string WriteHighestRate(const TEdidFacts& facts) {
-  const TMode* const mode = FindFastestMode(facts);
+  const TEdidMode* const mode = FindFastestMode(facts);
   if (mode == nullptr) return std::string();
   return std::to_string(std::lround(mode->refresh)) + " Hz (" + WriteResolution(*mode) + ")";
 }

@@ -9,7 +9,7 @@
 #include "command/edid/edid_facts.h"
 #include "tests/support/edid_builder.h"
 
-inline std::string Write(const TMode& mode) {
+inline std::string Write(const TEdidMode& mode) {
   std::ostringstream text;
   text.precision(9);
   text << mode.width << 'x' << mode.height << (mode.isInterlaced ? "i@" : "@") << mode.refresh;

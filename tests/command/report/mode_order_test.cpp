@@ -20,7 +20,7 @@ class ModeOrder : public TAnswerTest {
     return TInstanceView(*answer.requests.back().instances.front());
   }
 
-  static TOutput MakeOutput(const TMode& preferred, const std::vector<TListedMode>& modes = {}) {
+  static TOutput MakeOutput(const TEdidMode& preferred, const std::vector<TListedMode>& modes = {}) {
     TEdidFacts facts;
     facts.isVersion1 = true;
     facts.preferredMode = preferred;
@@ -28,7 +28,7 @@ class ModeOrder : public TAnswerTest {
     return {0, "", "Monitor 1", "", facts, {}};
   }
 
-  static TListedMode MakeListed(const TMode& mode) { return {mode, EModeSource::Detailed, EYcbcr420::No}; }
+  static TListedMode MakeListed(const TEdidMode& mode) { return {mode, EModeSource::Detailed, EYcbcr420::No}; }
 };
 
 /// With a "+" after the preferred one, and a "=" after those of the answer.
