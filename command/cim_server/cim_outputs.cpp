@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
 
 #include "command/collection/output_keys.h"
 
@@ -52,12 +54,11 @@ const TOutputKey& FindKey(const char* groupName, const char* name) {
   const auto isNamed = [&](const TOutputKey* key) {
     return std::strcmp(key->group, groupName) == 0 && std::strcmp(key->name, name) == 0;
   };
-  const TOutputKey* found = nullptr;
   for (const TKeyGroup& group : GetKeyGroups()) {
     const auto key = std::find_if(group.keys.begin(), group.keys.end(), isNamed);
-    if (key != group.keys.end()) found = *key;
+    if (key != group.keys.end()) return **key;
   }
-  return *found;
+  throw std::logic_error(std::string("no output has the key ") + name);
 }
 
 TType::ECIMType GetType(const TOutputKey& key) {
