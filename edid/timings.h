@@ -15,6 +15,7 @@ struct TTiming {
       : width(activeWidth),
         height(activeHeight),
         isInterlaced(hasFields),
+        // NOLINTNEXTLINE(bugprone-incorrect-roundings): std::lround is no constant expression
         refresh(static_cast<unsigned int>(clock * (hasFields ? 2e6 : 1e6) / (totalWidth * totalHeight) + 0.5)) {}
 
   unsigned short width;   // pixels

@@ -42,11 +42,12 @@ std::time_t GetDay(int year, int month, int day) {
 /// `date`: a CIM datetime as text. The plug-in counts weeks of seven days from New Year, in local time: where the
 /// clocks skipped a day, its date is a day off.
 bool IsMadeAt(const std::string& date, const std::optional<TMade>& made) {
-  constexpr std::time_t day = 24 * 60 * 60;  // seconds
+  constexpr std::time_t day = 86400;  // seconds
   int numbers[3] = {};
   const bool isDate = std::sscanf(date.c_str(), "%4d%2d%2d", &numbers[0], &numbers[1], &numbers[2]) == 3;
   if (!isDate || !made || !made->week) return true;  // one of the two does not say it
-  const std::time_t week = GetDay(static_cast<int>(made->year), 1, 1) + (*made->week - 1) * 7 * day;
+  const std::time_t weeks = *made->week - 1;
+  const std::time_t week = GetDay(static_cast<int>(made->year), 1, 1) + weeks * 7 * day;
   return std::abs(GetDay(numbers[0], numbers[1], numbers[2]) - week) <= day;
 }
 

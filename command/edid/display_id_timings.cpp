@@ -13,7 +13,9 @@ namespace {
 TEdidMode MakeFullMode(double clock, unsigned int width, unsigned int blankWidth, unsigned int height,
                        unsigned int blankHeight, bool isInterlaced) {
   // Two fields share a line between them.
-  const double fieldLines = isInterlaced ? (height + blankHeight) / 2 + 0.5 : height + blankHeight;
+  const unsigned int lines = height + blankHeight;
+  const unsigned int halfOfThem = lines / 2;
+  const double fieldLines = isInterlaced ? halfOfThem + 0.5 : lines;
   return MakeMode(width, height, clock, width + blankWidth, fieldLines, isInterlaced);
 }
 

@@ -3,6 +3,7 @@
 
 #include <bitset>
 #include <cmath>
+#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -53,7 +54,7 @@ struct TEdidDraft {
   // The video codes in the order in which CTA-861 data blocks list them, and which of them work with YCbCr 4:2:0 too,
   // as far as the bits of a data block reach.
   std::vector<unsigned char> videoCodes;
-  std::bitset<edid::cta::kSizeBits * 8> ycbcr420Map;
+  std::bitset<std::size_t{8} * edid::cta::kSizeBits> ycbcr420Map;
 
   std::optional<ERangeSource> rangeSource;  // of facts.refreshRange
 
