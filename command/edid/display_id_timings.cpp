@@ -14,8 +14,8 @@ TEdidMode MakeFullMode(double clock, unsigned int width, unsigned int blankWidth
                        unsigned int blankHeight, bool isInterlaced) {
   // Two fields share a line between them.
   const unsigned int lines = height + blankHeight;
-  const unsigned int halfOfThem = lines / 2;
-  const double fieldLines = isInterlaced ? halfOfThem + 0.5 : lines;
+  const unsigned int half = lines / 2;
+  const double fieldLines = isInterlaced ? half + 0.5 : lines;
   return MakeMode(width, height, clock, width + blankWidth, fieldLines, isInterlaced);
 }
 

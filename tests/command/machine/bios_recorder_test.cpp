@@ -15,6 +15,17 @@ class TFailingBios : public IVideoBios {
   void Stop() override {}
 };
 
+/// The registers of VBE/DDC's function to read a block of an EDID.
+LRMI_regs AskForEdid(unsigned int unit, unsigned int block) {
+  LRMI_regs registers = {};
+  registers.eax = 0x4F15;
+  registers.ebx = 1;
+  registers.ecx = unit;
+  registers.edx = block;
+  registers.es = 0x1000;
+  return registers;
+}
+
 }  // namespace
 
 TEST(BiosRecorder, TellsUnitsApartByAllTheirBits) {
@@ -25,11 +36,7 @@ TEST(BiosRecorder, TellsUnitsApartByAllTheirBits) {
   TRealModeMemory memory;
   ASSERT_TRUE(recorder.Start(memory));
   for (const unsigned int unit : {0U, 0x10000U}) {
-    LRMI_regs registers = {};
-    registers.eax = 0x4F15;
-    registers.ebx = 1;
-    registers.ecx = unit;
-    registers.es = 0x1000;
+    LRMI_regs registers = AskForEdid(unit, 0);
     ASSERT_TRUE(recorder.Interrupt(0x10, registers, memory));
   }
   const TVirtualBiosConfiguration record = recorder.GetRecord();
@@ -46,11 +53,7 @@ TEST(BiosRecorder, TellsTheBlockFromWhichTheBiosDoesNotReturn) {
   TRealModeMemory memory;
   ASSERT_TRUE(recorder.Start(memory));
   for (const unsigned int block : {0U, 1U}) {
-    LRMI_regs registers = {};
-    registers.eax = 0x4F15;
-    registers.ebx = 1;
-    registers.edx = block;
-    registers.es = 0x1000;
+    LRMI_regs registers = AskForEdid(0, block);
     EXPECT_EQ(recorder.Interrupt(0x10, registers, memory), block == 0);
   }
   const TVirtualBiosConfiguration::TUnit unit = recorder.GetRecord().units.at(0);
