@@ -21,7 +21,8 @@ constexpr std::array<std::uint8_t, 256> MakeValues() {
 
 constexpr std::array<std::uint8_t, 256> kValues = MakeValues();
 
-/// Appends the bytes of four characters, padded ones included; false when they are not in the alphabet.
+/// Appends the bytes of four characters, the last `padding` of which are padding. False if EncodeBase64 writes no such
+/// group.
 bool AppendGroup(std::string& bytes, std::string_view group, std::size_t padding) {
   std::uint32_t bits = 0;
   for (std::size_t index = 0; index < 4; ++index) {
@@ -31,7 +32,7 @@ bool AppendGroup(std::string& bytes, std::string_view group, std::size_t padding
     bits = bits << 6 | value;
   }
   const std::size_t count = 3 - padding;
-  if ((bits & ((1U << (8 * padding)) - 1)) != 0) return false;  // the same bytes would have a second text
+  if ((bits & ((1U << (8 * padding)) - 1)) != 0) return false;  // a second text for the same bytes
   for (std::size_t index = 0; index < count; ++index) bytes += static_cast<char>(bits >> (16 - 8 * index));
   return true;
 }

@@ -7,6 +7,6 @@
 
 std::string EncodeBase64(std::string_view bytes);
 
-/// The bytes; nothing for a text that EncodeBase64 never writes: one with other characters (white space too), without
-/// its padding, or with bits set beyond the last byte.
+/// The bytes; nothing for a text that EncodeBase64 never writes: with other characters (even white space), without
+/// padding, or with bits set beyond the last byte.
 std::optional<std::string> DecodeBase64(std::string_view text);

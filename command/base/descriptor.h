@@ -1,4 +1,4 @@
-// An open file, socket or folder, closed when its owner goes.
+// An open file, socket or folder, closed by its destructor.
 #pragma once
 
 #include <unistd.h>
@@ -7,7 +7,7 @@
 
 class TDescriptor {
  public:
-  /// Takes over what open() or the like returned; -1 for none, with errno left as it is.
+  /// Owns what open() or the like returned, also -1. Leaves errno as it is.
   explicit TDescriptor(int descriptor = -1) : m_descriptor(descriptor) {}
   ~TDescriptor() { Close(); }
   TDescriptor(TDescriptor&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
@@ -19,7 +19,7 @@ class TDescriptor {
   bool IsOpen() const { return m_descriptor >= 0; }
   /// -1 when none is open.
   int Get() const { return m_descriptor; }
-  /// Gives it up: the caller closes it.
+  /// From now on the caller owns the descriptor and closes it.
   int Release() { return std::exchange(m_descriptor, -1); }
   void Close() {
     if (IsOpen()) close(std::exchange(m_descriptor, -1));

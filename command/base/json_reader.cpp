@@ -11,7 +11,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t kMaxDepth = 16;    // of values in values; what is read needs nine
+constexpr std::size_t kMaxDepth = 16;    // nested objects and arrays; the deepest document we read has nine
 constexpr std::size_t kMaxShown = 100;   // characters of a key in a message
 constexpr std::size_t kMaxReason = 300;  // characters of what the parser says
 
@@ -24,7 +24,7 @@ std::string ListNames(const TJsonRule::TMembers& members) {
 
 }  // namespace
 
-/// What the parser finds, as it goes.
+/// Passes what the parser finds to the reader.
 class TJsonEvents : public nlohmann::json_sax<json> {
  public:
   explicit TJsonEvents(TJsonReader& reader) : m_reader(reader) {}
@@ -35,7 +35,7 @@ class TJsonEvents : public nlohmann::json_sax<json> {
   bool number_unsigned(std::uint64_t value) override { return m_reader.TakeValue(value); }
   bool number_float(double value, const std::string&) override { return m_reader.TakeValue(value); }
   bool string(std::string& value) override { return m_reader.TakeValue(std::move(value)); }
-  bool binary(json::binary_t&) override { return false; }  // not in JSON
+  bool binary(json::binary_t&) override { return false; }  // never called: JSON has no binary values
   bool key(std::string& name) override { return m_reader.TakeKey(name); }
   bool start_object(std::size_t) override { return m_reader.Open(TJsonRule::kObject); }
   bool start_array(std::size_t) override { return m_reader.Open(TJsonRule::kArray); }
@@ -96,7 +96,7 @@ TJsonReader::TJsonReader(TJsonSource source, EUnexpected unexpected)
     : m_source(std::move(source)), m_unexpected(unexpected) {}
 
 void TJsonReader::Read(const std::string& text, const TJsonRule& document) {
-  // The parser would take a zero byte for the end, and ignore what follows it.
+  // The parser would take a zero byte as the end of the text and ignore the rest.
   if (text.find('\0') != std::string::npos) throw TUnusable(m_source.name + ": is not JSON: it has a zero byte");
   m_document = &document;
   TJsonEvents events(*this);

@@ -1,5 +1,5 @@
-// Reads JSON that strangers send piece by piece, by rules that say what is expected where: the first wrong thing ends
-// the reading, and nothing is kept except what a rule takes.
+// Reads strangers' JSON piece by piece. Rules say what is expected where; the first error ends the reading, and only
+// what a rule takes is kept.
 #pragma once
 
 #include <cstddef>
@@ -12,10 +12,10 @@
 #include <variant>
 #include <vector>
 
-/// A value that is no object and no array.
+/// A value that is neither an object nor an array.
 typedef std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string> TJsonValue;
 
-/// The whole number that the value is, if it has 64 bits with a sign.
+/// The value as a whole number; nothing if it is none, or does not fit.
 std::optional<std::int64_t> GetInteger(const TJsonValue& value);
 
 bool IsNumber(const TJsonValue& value);
@@ -32,64 +32,65 @@ struct TJsonRule {
 
   /// A string.
   static TJsonRule Text(std::function<void(std::string& text)> take);
-  /// A plain value that `take` accepts; `expected` tells people what that is: "must be true or false".
+  /// A plain value that `take` accepts; `expected` tells people what it must be: "must be true or false".
   static TJsonRule Plain(std::function<bool(TJsonValue& value)> take, const char* expected);
-  /// An object of known members.
+  /// An object whose members have known names.
   static TJsonRule Object(TMembers members, TStep begin = {}, TStep end = {});
-  /// An object whose members have any names and are all of one kind. `name` is called before each.
+  /// An object whose members may have any name and all follow one rule. `name` is called before each of them.
   static TJsonRule Names(TJsonRule each, std::function<void(const std::string& name)> name);
-  /// An array whose elements are all of one kind.
+  /// An array whose elements all follow one rule.
   static TJsonRule Array(TJsonRule each);
 
-  unsigned int shapes;   // one or more of EShape
-  const char* expected;  // what is said of a value that is none of them: "must be an object"
+  unsigned int shapes;                               // one or more of EShape
+  const char* expected;                              // the message for any other value: "must be an object"
   std::function<bool(TJsonValue& value)> take = {};  // false: the value is not what is expected
   TMembers members = {};
-  std::vector<TJsonRule> each = {};  // one, for an array or an object of any names
+  std::vector<TJsonRule> each = {};  // the one rule of an array's elements, or of members with any name
   std::function<void(const std::string& name)> name = {};
   TStep begin = {};  // before the first member or element, ...
   TStep end = {};    // ... and after the last, when the object or the array is closed
 };
 
-/// What becomes of values for which there is no rule, and of values that their rule does not expect.
+/// What happens to values without a rule, and to values that their rule does not expect: both are refused, only the
+/// latter are, or both are skipped.
 enum class EUnexpected { kRefused, kUnknownSkipped, kSkipped };
 
-/// What is read, as messages tell it.
+/// How messages name what is being read.
 struct TJsonSource {
-  std::string name;       // where a message begins: the file, or the file and its line
+  std::string name;       // the file, or the file and its line: the beginning of a message
   const char* kind;       // "captured machine"
   const char* cure = "";  // ends a message, after "; "; or empty
-  bool isLine = false;    // the name says which line of a file it is
+  bool isLine = false;    // the name includes the line, so the parser's line number is left out
 };
 
-/// Values are nested 16 deep at most. In an object that has a rule, no member that has one may appear twice.
+/// Refuses values nested more than 16 deep, and a member with a rule that appears twice in its object.
 class TJsonReader {
  public:
   TJsonReader(TJsonSource source, EUnexpected unexpected);
 
-  /// Throws TUnusable, naming the source and the key, for a text that is not JSON or not what the rule expects.
+  /// Throws TUnusable, which names the source and the key, if the text is not JSON or not what the rule expects.
   void Read(const std::string& text, const TJsonRule& document);
 
-  // For the functions of the rules:
+  // For the functions in the rules:
 
-  /// Throws TUnusable: the source, the key that is being read, and `what`.
+  /// Throws TUnusable with the source, the key that is being read, and `what`.
   [[noreturn]] void Fail(const std::string& what) const;
 
   /// The source and the key that is being read, such as: ws-17.json: "bios.units.0.failAtBlock".
   std::string GetPlace() const;
 
-  /// The rest of the text is not looked at.
+  /// Ends the reading: the rest of the text is ignored.
   void Stop() { m_isStopped = true; }
 
  private:
   friend class TJsonEvents;
 
-  /// An object or an array that is open.
+  /// An object or array whose end has not come yet.
   struct TFrame {
-    const TJsonRule* rule;  // null for one that is skipped
+    const TJsonRule* rule;  // null if it is skipped
     bool isArray;
-    std::string key;        // of the member that comes next
-    const TJsonRule* next;  // of that member, or of the elements; null when these are skipped
+    std::string key;        // of the next member
+    const TJsonRule* next;  // for the next member or element; null if it is skipped
     std::set<std::string> seen;
   };
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kIndent = 2;  // columns a level
+constexpr std::size_t kIndent = 2;  // columns per level
 
 }  // namespace
 

@@ -1,5 +1,5 @@
-// Writes JSON text value by value, without holding the document as objects first: an answer is mostly strings that
-// already exist, and building, copying and freeing a tree of them was the larger part of a short run.
+// Writes JSON text value by value, without building a tree first: an answer is mostly strings that already exist, and
+// building, copying and freeing a tree of them took most of the time of a short run.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@ class TJsonWriter {
  public:
   enum class ELayout { kIndented, kOneLine };
 
-  /// A value by which the text becomes longer than `maxSize` bytes throws std::length_error.
+  /// Writing a value throws std::length_error if it makes the text longer than `maxSize` bytes.
   explicit TJsonWriter(ELayout layout, std::size_t maxSize = std::numeric_limits<std::size_t>::max());
 
   void BeginObject();
@@ -25,13 +25,13 @@ class TJsonWriter {
   /// The name of the next value; only inside an object.
   void Key(std::string_view name);
 
-  /// A string, as QuoteJson makes it of any bytes.
+  /// A string of any bytes, written as QuoteJson does.
   void String(std::string_view text);
 
-  /// From now on a string is written as `change` makes it; null: as it is.
+  /// From now on `change` is applied to every string; null: none is changed.
   void ChangeStrings(std::string (*change)(const std::string& text)) { m_change = change; }
 
-  /// A member of an object: its name, and a string, a number, true or false, or an array of strings.
+  /// A member of an object: its name and its value, which is a string, a number, a Boolean or an array of strings.
   template <typename T>
   void Member(std::string_view name, const T& value) {
     Key(name);
@@ -48,13 +48,13 @@ class TJsonWriter {
     }
   }
 
-  /// A value that is JSON already, such as a number or null.
+  /// A value that is already JSON, such as a number or null.
   void Literal(std::string_view text);
 
-  /// Ends the line after a whole document; the next value begins another one.
+  /// Ends the line after a complete document; the next value begins a new one.
   void EndLine();
 
-  /// The text so far. The writer is empty then.
+  /// Returns the text so far and empties the writer.
   std::string TakeText();
 
  private:
@@ -69,6 +69,6 @@ class TJsonWriter {
   std::size_t m_maxSize;
   TTextBuffer m_text;
   std::size_t m_depth = 0;
-  bool m_isFirst = true;  // the innermost object or array is still empty
+  bool m_isFirst = true;  // true while the innermost object or array is empty
   bool m_followsKey = false;
 };

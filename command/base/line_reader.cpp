@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::size_t kPiece = 65536;  // bytes that are read at a time
+constexpr std::size_t kPiece = 65536;  // bytes per read
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// What people are told in addition to the answer.
+// Remarks: what people are told on standard error in addition to the answer.
 #pragma once
 
 #include <iostream>
@@ -6,7 +6,7 @@
 
 #include "command/base/text_encoding.h"
 
-/// One line on standard error, written at once since several processes may share it. An empty remark is none.
+/// Writes one line by one call, since several processes may share standard error. Writes nothing for an empty remark.
 inline void ShowRemark(const std::string& remark) {
   if (!remark.empty()) std::cerr << "displayinfo: " + ToMessage(remark) + "\n";
 }

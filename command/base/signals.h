@@ -1,4 +1,4 @@
-// The signals by which people end a run that has something to finish.
+// Notes the signals that end a run, so that the run can finish its line first.
 #pragma once
 
 #include <poll.h>
@@ -8,11 +8,11 @@
 #include <optional>
 #include <vector>
 
-/// Whether people, the system or its limits end a run by that signal: SIGINT, SIGTERM, SIGHUP, SIGXCPU.
+/// True for the signals by which people, the system or its limits end a run: SIGINT, SIGTERM, SIGHUP, SIGXCPU.
 bool IsEndingSignal(int signal);
 
-/// While it lives, the first of these signals is noted instead of ending the process, so that a line can be finished.
-/// The second one ends it. A SIGHUP that is ignored, as by nohup, stays so. One at a time in a process.
+/// While it lives, the first of each of these signals is noted instead of ending the process; the second one ends it.
+/// An ignored SIGHUP (nohup) stays ignored. A process may have only one TSignals at a time.
 class TSignals {
  public:
   TSignals();
@@ -22,10 +22,10 @@ class TSignals {
 
   /// The signal that has come, or 0.
   static int Get();
-  /// One that came to a worker: most are sent to the whole run.
+  /// Notes a signal that ended a worker, since most are sent to the whole run.
   static void Note(int signal);
 
-  /// poll, which a signal ends even when it comes just before. Without `longest` it waits for as long as it takes.
+  /// Like poll, but a signal ends the wait even if it came just before. Without `longest` there is no time limit.
   void Wait(std::vector<pollfd>& descriptors, const std::optional<std::chrono::nanoseconds>& longest) const;
 
  private:

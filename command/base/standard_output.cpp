@@ -14,14 +14,13 @@
 
 namespace {
 
-/// The program that started the command may have set standard output not to wait for its reader.
+/// Needed where the program that started the command has made standard output non-blocking.
 void WaitForReader() {
   pollfd output = {STDOUT_FILENO, POLLOUT, 0};
   poll(&output, 1, -1);
 }
 
-/// Cuts the file that standard output is after its last whole line, when there is no room for more: the rest of the
-/// next one would be missing.
+/// If standard output is a file, removes the incomplete line at its end, whose rest could not be written.
 void CutHalfLine(std::string_view written) {
   struct stat status = {};
   const off_t half = static_cast<off_t>(written.size() - (written.rfind('\n') + 1));
@@ -40,7 +39,7 @@ void CutHalfLine(std::string_view written) {
 void KeepStandardDescriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) >= 0 || errno != EBADF) continue;
-    // open() takes the lowest free number, which in this order is this one. It is opened for the wrong direction, so
+    // open() takes the lowest free number, which in this order is `descriptor`. It is opened in the wrong direction, so
     // that using it fails.
     static_cast<void>(open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
   }

@@ -1,5 +1,5 @@
-// A text that is written from its front to its end, with room after it: an answer is made of thousands of short pieces,
-// and each costs only a look whether the room is used up.
+// A text that grows at its end, with room to spare: an answer is made of thousands of short pieces, and appending one
+// costs only a check of the room.
 #pragma once
 
 #include <algorithm>
@@ -23,14 +23,14 @@ class TTextBuffer {
     EndAt(end);
   }
 
-  /// Room for that many bytes after the text. Whoever writes there says with EndAt where the text ends now.
+  /// Room for `size` bytes after the text. After writing there, call EndAt with the new end of the text.
   char* GetRoom(std::size_t size) {
     if (m_capacity - m_size < size) Grow(size);
     return m_bytes.get() + m_size;
   }
   void EndAt(const char* end) { m_size = static_cast<std::size_t>(end - m_bytes.get()); }
 
-  /// The text; the buffer is empty afterwards and keeps its room.
+  /// Returns the text and empties the buffer, which keeps its room.
   std::string Take() { return std::string(m_bytes.get(), std::exchange(m_size, 0)); }
 
  private:

@@ -15,12 +15,12 @@ namespace {
 
 constexpr const char* kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
-// A message keeps this much of its front and of its end.
+// The characters that a long message keeps of its front and of its end.
 constexpr std::size_t kMessageFront = 600;
 constexpr std::size_t kMessageEnd = 300;
-constexpr std::size_t kMessageLimit = 1000;  // more than both with the words between them
+constexpr std::size_t kMessageLimit = 1000;  // more than both and the words between them
 
-typedef std::uint32_t TCode;  // of a character, in Unicode
+typedef std::uint32_t TCode;  // a character's number in Unicode
 
 struct TRange {
   TCode first, last;
@@ -37,15 +37,15 @@ bool IsHidden(TCode code) {
                      [&](const TRange& range) { return code >= range.first && code <= range.last; });
 }
 
-/// `format`: of printf, for one number.
+/// `format`: as for printf, with one number.
 std::string EscapeCode(const char* format, TCode code) {
   char text[16];
   std::snprintf(text, sizeof text, format, static_cast<unsigned int>(code));
   return text;
 }
 
-// What is written for a character in each kind of text. Each appends it, or returns false for a character that is
-// written as it is.
+// How a character is written in each kind of text. Each function appends its escape, or returns false for a character
+// that needs none.
 
 bool EscapeForPeople(std::string& target, TCode code) {
   if (!IsHidden(code) || code == '\t') return false;
@@ -74,7 +74,7 @@ constexpr char GetShortEscape(TCode code) {
   }
 }
 
-/// `format`: of printf, for a hidden character without a short escape.
+/// `format`: as for printf, for a hidden character without a short escape.
 bool EscapeForLiteral(std::string& target, TCode code, const char* format) {
   if (const char letter = GetShortEscape(code)) {
     target.append(1, '\\').append(1, letter);
@@ -89,7 +89,7 @@ bool EscapeForJson(std::string& target, TCode code) { return EscapeForLiteral(ta
 
 bool EscapeForMof(std::string& target, TCode code) { return EscapeForLiteral(target, code, "\\x%04X"); }
 
-/// The entity of a character of HTML's markup; null for any other.
+/// The entity of a character that HTML would read as markup; null for any other.
 const char* GetEntity(TCode code) {
   switch (code) {
     case '&':
@@ -102,7 +102,7 @@ const char* GetEntity(TCode code) {
       return "&quot;";
     case '\'':
       return "&#39;";
-    case 0xFFFE:  // no characters of XML
+    case 0xFFFE:  // not allowed in XML
     case 0xFFFF:
       return kReplacement;
     default:
@@ -117,7 +117,7 @@ bool EscapeForHtml(std::string& target, TCode code) {
   return true;
 }
 
-/// No kind of text escapes it; most texts are made of such characters only.
+/// True for a character that no kind of text escapes. Most texts have only such characters.
 constexpr bool IsPlain(char byte) {
   return byte >= ' ' && byte < 0x7F && byte != '"' && byte != '\\' && byte != '&' && byte != '<' && byte != '>' &&
          byte != '\'';
@@ -130,7 +130,7 @@ struct TPlainBytes {
     for (int byte = 0; byte < 256; ++byte) isPlain[byte] = IsPlain(static_cast<char>(byte));
   }
 };
-constexpr TPlainBytes kPlain;  // a table, since every byte of every answer is looked at
+constexpr TPlainBytes kPlain;  // a table for speed: every byte of every answer is looked up
 
 const char* FindSpecial(const char* begin, const char* end) {
   return std::find_if_not(begin, end, [](char byte) { return kPlain.isPlain[static_cast<unsigned char>(byte)]; });
@@ -138,7 +138,7 @@ const char* FindSpecial(const char* begin, const char* end) {
 
 bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
-/// Goes through the text: `append` takes each run of well-formed characters, and U+FFFD stands for each byte between.
+/// Calls `append` for each run of well-formed characters, and appends U+FFFD for each byte between them.
 template <typename TAppend>
 void Convert(std::string& converted, std::string_view text, TAppend append) {
   while (true) {
@@ -153,7 +153,7 @@ void Convert(std::string& converted, std::string_view text, TAppend append) {
   }
 }
 
-/// Appends a text that is well-formed, with what `escape` writes for its characters.
+/// Appends a well-formed text, its characters escaped by `escape`.
 template <typename TEscape>
 void AppendWellFormed(std::string& target, std::string_view text, TEscape escape) {
   const char* const end = text.data() + text.size();
@@ -166,7 +166,7 @@ void AppendWellFormed(std::string& target, std::string_view text, TEscape escape
   }
 }
 
-/// Appends the ASCII at the front of the text, with what `escape` writes for its characters; returns its length. It is
+/// Appends the ASCII characters at the front of the text, escaped by `escape`, and returns their number. They are
 /// nearly always the whole text.
 template <typename TEscape>
 std::size_t AppendAsciiFront(std::string& target, std::string_view text, TEscape escape) {
@@ -195,10 +195,10 @@ std::string Escape(std::string_view text, TEscape escape) {
   return escaped;
 }
 
-/// What JSON writes for the bytes of ASCII: the letter after the backslash, or 0 for a byte that stands as it is.
+/// How JSON escapes each byte: the letter after the backslash, or 0 for a byte that needs no escape.
 struct TJsonEscapes {
   static constexpr char kNumber = 'u';       // the character's number follows
-  static constexpr char kBeyondAscii = '?';  // no ASCII
+  static constexpr char kBeyondAscii = '?';  // a byte that is not ASCII
 
   char letters[256] = {};
 
@@ -215,8 +215,8 @@ typedef std::size_t TWord;
 
 constexpr TWord Repeat(unsigned char byte) { return ~TWord{0} / 0xFF * byte; }
 
-/// True when JSON has all bytes of the word as they are. Each of the terms sets the highest bit of a byte that it looks
-/// for: one beyond ASCII, 0x7F, a control, a quote, a backslash.
+/// True if JSON escapes no byte of the word. Each term sets the highest bit of the bytes that it looks for: beyond
+/// ASCII, 0x7F, a control, a quote, a backslash.
 bool IsPlainInJson(TWord word) {
   const TWord found = word | (word + Repeat(1)) | (word - Repeat(0x20)) | ((word ^ Repeat('"')) - Repeat(1)) |
                       ((word ^ Repeat('\\')) - Repeat(1));
@@ -236,9 +236,9 @@ void CopyPlainWords(const char*& in, const char* end, char*& out) {
   out = to;
 }
 
-constexpr std::size_t kLongestInJson = 6;  // bytes that are written for one: \u001f
+constexpr std::size_t kLongestInJson = 6;  // bytes written for one byte: \u001f
 
-/// Writes a byte that JSON escapes.
+/// Writes the escape of a byte, and returns its end.
 char* WriteJsonEscape(char* out, char letter, unsigned char byte) {
   constexpr const char* digits = "0123456789abcdef";
   *out++ = '\\';
@@ -249,8 +249,8 @@ char* WriteJsonEscape(char* out, char letter, unsigned char byte) {
   return out;
 }
 
-/// Writes ASCII as a JSON string has it; `in` is then the end, or the first byte beyond ASCII. Returns the end of what
-/// was written, at most kLongestInJson bytes for each.
+/// Writes ASCII, escaped for a JSON string: at most kLongestInJson bytes for each. Moves `in` to the end or to the
+/// first byte beyond ASCII, and returns the end of what was written.
 char* WriteJson(char* out, const char*& in, const char* end) {
   while (in != end) {
     CopyPlainWords(in, end, out);
@@ -296,7 +296,7 @@ std::string QuoteJson(const std::string& text) {
 }
 
 void AppendJson(TTextBuffer& target, std::string_view text) {
-  constexpr std::size_t longest = 4096;  // a piece, so that a long text does not take room for its longest form
+  constexpr std::size_t longest = 4096;  // bytes per piece, so that a long text does not take six times its size
   const char* in = text.data();
   const char* const end = in + text.size();
   bool isAscii = true;
@@ -316,7 +316,7 @@ std::string QuoteMof(const std::string& text) { return '"' + Escape(text, Escape
 std::string EscapeHtml(const std::string& text) { return Escape(text, EscapeForHtml); }
 
 std::size_t CountColumns(std::string_view text) {
-  // cppcheck-suppress invalidLifetime ; it takes a caller's variable, which lives, for one that is gone
+  // cppcheck-suppress invalidLifetime ; the variable that it means is the caller's, and still lives
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
 }
 

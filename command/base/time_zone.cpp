@@ -10,7 +10,7 @@
 
 void LoadTimeZone() {
   errno = 0;
-  tzset();  // it returns nothing, and leaves errno as its calls do
+  tzset();  // returns nothing; errno is that of its last failing system call
   if (errno == 0 || errno == ENOENT) return;
   if (!DescribesFile(errno)) FailToRead("the time zone (TZ, or /etc/localtime)", errno);
   ShowRemark(std::string("the time zone (TZ, or /etc/localtime) cannot be read: ") + std::strerror(errno) +

@@ -1,6 +1,6 @@
-// The time zone of this process, in which the plug-in gives a monitor's date of manufacture.
+// Loads the time zone of this process, in which the plug-in gives a monitor's date of manufacture.
 #pragma once
 
-/// Reads it, once for the process. The C library takes UTC, in silence, for a zone that it cannot read: this throws
-/// TUnusable instead, and shows a remark where the zone's file may not be read. No such file means UTC.
+/// Call it once in a process. For a zone that it cannot read, the C library silently takes UTC. This function throws
+/// TUnusable instead, or shows a remark if the file may not be read. If there is no such file, the zone is UTC.
 void LoadTimeZone();

@@ -3,7 +3,7 @@
 namespace {
 
 constexpr const char* kFormat = "%Y-%m-%dT%H:%M:%SZ";
-constexpr std::size_t kLength = 20;  // of the year in four digits
+constexpr std::size_t kLength = 20;  // with a year of four digits
 
 }  // namespace
 
@@ -17,7 +17,7 @@ std::string WriteUtcTime(std::time_t time) {
 bool IsUtcTime(const std::string& text) {
   std::tm parts = {};
   if (strptime(text.c_str(), kFormat, &parts) == nullptr) return false;
-  // strptime takes blanks, short numbers and the 31st of any month, all of which come out another way.
+  // strptime accepts blanks, short numbers and the 31st of any month. None of these gives the same text when written.
   return text.size() == kLength && WriteUtcTime(timegm(&parts)) == text;
 }
 

@@ -4,10 +4,10 @@
 #include <ctime>
 #include <string>
 
-/// The text of a time of the years 1000 to 9999.
+/// The text of a time in the years 1000 to 9999.
 std::string WriteUtcTime(std::time_t time);
 
-/// Whether the text is as WriteUtcTime writes one, of a day and a time that exist.
+/// True for a text that WriteUtcTime writes: in its format, with a day and a time that exist.
 bool IsUtcTime(const std::string& text);
 
 /// The same for people: "2026-11-21 21:30:00 UTC". `text`: as WriteUtcTime writes it.

@@ -1,4 +1,4 @@
-// The version of the command, which CMakeLists.txt of the project sets.
+// The version of the command, set by the project's CMakeLists.txt.
 #pragma once
 
 extern const char* const kCommandVersion;

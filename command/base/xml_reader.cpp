@@ -38,7 +38,7 @@ bool IsSameWord(std::string_view one, std::string_view other) {
                     [&](char left, char right) { return lower(left) == lower(right); });
 }
 
-/// Goes through the document once, from its first byte to its last, without calling itself.
+/// Reads the document once, from its first byte to its last, without recursion.
 class TReader {
  public:
   TReader(std::string_view text, const TXmlLimits& limits) : m_text(text), m_limits(limits) {}
@@ -64,7 +64,7 @@ class TReader {
   }
 
   bool IsAtEnd() const { return m_position == m_text.size(); }
-  /// Zero after the end, which no text holds.
+  /// The byte at `offset` from here; zero, which no text holds, after the end.
   char At(std::size_t offset) const { return m_position + offset < m_text.size() ? m_text[m_position + offset] : '\0'; }
   bool Begins(std::string_view piece) const { return m_text.substr(m_position, piece.size()) == piece; }
   bool Skip(std::string_view piece) {
@@ -227,8 +227,8 @@ class TReader {
     return m_text[m_position++];
   }
 
-  /// Text up to one of `ends`, which must come, with its references resolved. There are two ends in an attribute, where
-  /// each blank is a space.
+  /// The text up to one of `ends`, which must come, with its references resolved. An attribute has two `ends`; in it
+  /// every blank becomes a space.
   std::string TakeCharacters(std::string_view ends) {
     const bool isAttribute = ends.size() > 1;
     std::string taken;

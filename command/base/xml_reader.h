@@ -1,4 +1,4 @@
-// Reads XML that strangers send into a tree of elements.
+// Reads strangers' XML into a tree of elements.
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,7 @@ class TXmlFault : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// What a document may make its reader spend. An element without content takes about 100 bytes of memory.
+/// The most that a document may hold. An element without content takes about 100 bytes of memory.
 struct TXmlLimits {
   std::size_t size = std::size_t{64} * 1024 * 1024;  // of the document, bytes
   std::size_t depth = 64;                            // nested elements
@@ -35,7 +35,7 @@ struct TXmlLimits {
   std::size_t elements = 1'000'000;
 };
 
-/// The document's element. Throws TXmlFault unless the text is one well-formed XML 1.0 document in UTF-8 within the
-/// limits. Document type declarations are refused, and with them every entity except the five that XML has; so are
-/// names with characters beyond ASCII. Prefixes of names are part of the names. The time is proportional to the size.
+/// Returns the root element. Throws TXmlFault unless the text is one well-formed XML 1.0 document in UTF-8 within the
+/// limits. Also refuses document type declarations, every entity except the five of XML, and names with characters
+/// beyond ASCII. A name includes its prefix. The time is proportional to the size.
 TXmlElement ReadXml(std::string_view text, const TXmlLimits& limits = {});

@@ -13,7 +13,7 @@ bool IsBadControl(char byte) {
   return static_cast<unsigned char>(byte) < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
 }
 
-/// The length of what XML does not have at the start of valid UTF-8; 0 for a good character.
+/// The length in bytes of the first character of valid UTF-8 if XML does not allow it; otherwise 0.
 std::size_t GetBadLength(std::string_view text) {
   if (IsBadControl(text.front())) return 1;
   for (const std::string_view character : kNoncharacters) {
@@ -24,7 +24,7 @@ std::size_t GetBadLength(std::string_view text) {
 
 bool IsPlainXml(char byte) { return static_cast<unsigned char>(byte) < 0x80 && !IsBadControl(byte); }
 
-/// U+FFFD in place of a character that XML does not have, or of a byte that is not UTF-8.
+/// Appends U+FFFD in place of a character that XML does not allow, or of a byte that is not UTF-8.
 void AppendReplacement(std::string& target, std::string_view bad, bool isNumbered) {
   constexpr const char* digits = "0123456789ABCDEF";
   if (!isNumbered) target += kNotXml;
@@ -47,7 +47,7 @@ void AppendValid(std::string& target, std::string_view valid, bool isNumbered) {
 }
 
 std::string ReplaceBad(const std::string& text, bool isNumbered) {
-  if (std::all_of(text.begin(), text.end(), IsPlainXml)) return text;  // as most texts are
+  if (std::all_of(text.begin(), text.end(), IsPlainXml)) return text;  // most texts are plain
   std::string clean;
   for (std::string_view rest = text; !rest.empty();) {
     const std::size_t valid = static_cast<std::size_t>(utf8::find_invalid(rest.begin(), rest.end()) - rest.begin());
@@ -93,7 +93,7 @@ std::string EscapeXml(std::string_view text) {
       case '"':
         escaped += "&quot;";
         break;
-      case '\r':  // a reader would make a line feed of it
+      case '\r':  // unescaped, a reader would take it as a line feed
         escaped += "&#13;";
         break;
       default:
