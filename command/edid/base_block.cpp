@@ -11,7 +11,7 @@ constexpr unsigned int kRevisionWithInterface = 4;
 
 bool IsAtLeast14(TBytes block) { return block[edid::kRevision] >= kRevisionWithInterface; }
 
-/// Three letters of five bits; empty when they are none.
+/// Three letters of five bits each; empty if they are not letters.
 std::string ReadMaker(TBytes block) {
   const unsigned int packed = block[edid::kManufacturer] << 8 | block[edid::kManufacturer + 1];
   std::string letters;
@@ -32,7 +32,7 @@ std::optional<std::uint32_t> ReadSerialNumber(TBytes block) {
 
 std::optional<TMade> ReadMade(TBytes block) {
   constexpr unsigned int weeks = 53;
-  // Before the standard's first year, and in 2245, it is a filler.
+  // A year before the standard's first, or 2245, is a filler.
   constexpr unsigned int firstYear = 1994;
   constexpr unsigned int lastYear = edid::kFirstYear + 0xFE;
   const unsigned int week = block[edid::kManufacturingWeek];

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// A part of an EDID. Beyond its end it reads as zeros: a block that is cut off, or says that it is longer than it is,
-/// has nothing there.
+/// A part of an EDID, not owned. Bytes beyond its end read as zero, since a block may be cut off or claim to be longer
+/// than it is.
 class TBytes {
  public:
   TBytes() = default;
@@ -15,14 +15,14 @@ class TBytes {
 
   unsigned int operator[](std::size_t offset) const { return offset < m_size ? m_begin[offset] : 0U; }
 
-  /// The number in at most four bytes, the lowest first.
+  /// The number in `size` bytes at `offset`, at most four, the lowest byte first.
   std::uint32_t Number(std::size_t offset, std::size_t size) const {
     std::uint32_t number = 0;
     for (std::size_t index = size; index-- > 0;) number = number << 8 | (*this)[offset + index];
     return number;
   }
 
-  /// As much of `size` bytes from there as exists.
+  /// The `size` bytes at `offset`, or as many of them as exist.
   TBytes Part(std::size_t offset, std::size_t size) const {
     const std::size_t begin = std::min(offset, m_size);
     return {m_begin + begin, std::min(size, m_size - begin)};

@@ -61,8 +61,8 @@ void CheckImageSize(const TEdidDraft& draft, TSentences& sentences) {
   }
 }
 
-/// Limits are whole numbers, so a rate may be one beyond them. Limits of one rate only are those of panels, which are
-/// driven more slowly too.
+/// Limits are whole numbers, so a rate may exceed them by less than one. Panels give one rate as both limits, and are
+/// also driven more slowly.
 bool IsWithin(double rate, const TRates& limits) {
   return rate < limits.max + 1.0 && (rate > limits.min - 1.0 || limits.min >= limits.max);
 }
@@ -74,7 +74,7 @@ void CheckRate(double rate, const TRates& limits, const char* unit, TSentences& 
 }
 
 void CheckLimits(const TEdidDraft& draft, TSentences& sentences) {
-  constexpr double kilohertz = 1000;  // of a megahertz
+  constexpr double kilohertz = 1000;  // per megahertz
   if (!draft.facts.preferredMode || !draft.facts.limits) return;
   const TDetailedTiming& preferred = draft.timings.front();
   const TRangeLimits& limits = *draft.facts.limits;

@@ -30,7 +30,7 @@ void ReadPreference(TBytes payload, TEdidDraft& draft) {
   for (const std::uint8_t code : payload) draft.modes.Add(edid::FindVic(code), EModeSource::Vic);
 }
 
-/// A map without bits is about all video codes.
+/// An empty map means all video codes.
 void ReadYcbcr420Map(TBytes payload, TEdidDraft& draft) {
   if (payload.GetSize() == 0) draft.ycbcr420Map.set();
   for (std::size_t index = 0; index < payload.GetSize() * 8; ++index) {
@@ -50,7 +50,7 @@ std::vector<TValue> Select(const TValue (&values)[kCount], unsigned int bits) {
   return selected;
 }
 
-/// Of a format whose bits of channels are spread: one less than the channels, five bits.
+/// The channels of a format that stores their number, less one, in five bits of two bytes.
 unsigned int ReadSpreadChannels(TBytes descriptor) {
   return ((descriptor[0] & cta::kChannelBits) | (descriptor[0] & 0x80U) >> 4 | (descriptor[1] & 0x80U) >> 3) + 1;
 }
@@ -79,7 +79,7 @@ TAudioFormat ReadFormat(TBytes descriptor) {
   return format;
 }
 
-/// A block that ends within a descriptor is broken.
+/// Ignores a block that ends within a descriptor: it is broken.
 void ReadAudio(TBytes payload, TEdidDraft& draft) {
   if (payload.GetSize() % cta::kAudioDescriptorSize != 0) return;
   draft.facts.audio.reserve(draft.facts.audio.size() + payload.GetSize() / cta::kAudioDescriptorSize);
@@ -125,7 +125,7 @@ void ReadByTag(const TBlockReader (&readers)[kCount], unsigned int tag, TBytes p
   }
 }
 
-/// A block of HDMI Forum that begins with two reserved bytes instead of an identifier.
+/// An HDMI Forum block that begins with two reserved bytes instead of an identifier.
 void ReadForumSink(TBytes payload, TEdidDraft& draft) { ReadForumBlock(payload.From(2), draft); }
 
 void ReadBlockCount(TBytes payload, TEdidDraft& draft) {
@@ -160,7 +160,7 @@ constexpr TBlockReader kReaders[] = {
     {cta::kTagSpeakers, ReadSpeakers}, {cta::kTagExtended, ReadExtended},
 };
 
-/// Slots of 18 bytes up to the checksum, or to the first that is all zeros.
+/// Slots of 18 bytes, up to the checksum or to the first slot of zeros.
 void ReadTimingSlots(TBytes slots, TEdidDraft& draft) {
   for (; slots.GetSize() >= edid::kDescriptorSize; slots = slots.From(edid::kDescriptorSize)) {
     const TBytes slot = slots.Part(0, edid::kDescriptorSize);

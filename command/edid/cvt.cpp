@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr double kMicroseconds = 1e6;  // of a second
+constexpr double kMicroseconds = 1e6;  // per second
 constexpr double kCell = 8;            // pixels
 constexpr double kFrontPorch = 3;      // lines
 constexpr double kMinBackPorch = 6;    // lines
@@ -21,7 +21,7 @@ struct TReducedBlanking {
   bool isClockRoundedUp;
 };
 
-/// The lines of the vertical sync tell the aspect ratio [CVT 1.2, table 3-2].
+/// The lines of the vertical sync, which encode the aspect ratio [CVT 1.2, table 3-2].
 double GetSyncHeight(unsigned int width, unsigned int height) {
   constexpr struct {
     unsigned int width, height, sync;

@@ -1,5 +1,5 @@
-// The rates of VESA Coordinated Video Timings (CVT 2.0): a monitor that names only a size and a rate means the timing
-// that these formulas make of them.
+// Calculates VESA Coordinated Video Timings (CVT 2.0): where an EDID gives only a size and a rate, it means the timing
+// that these formulas give.
 #pragma once
 
 #include "command/edid/edid_facts.h"
@@ -11,10 +11,10 @@ struct TCvtRequest {
   unsigned int height;  // lines
   double refresh;       // Hz
   EBlanking blanking;
-  // Of version 3 of reduced blanking:
+  // Only for version 3 of reduced blanking:
   unsigned int blankWidth = 80;     // pixels
   unsigned int minBlankTime = 460;  // microseconds
 };
 
-/// The mode with the exact rate of the timing. It has no rate when there is no such timing.
+/// The mode with the exact rate of the timing; its rate is 0 if no such timing exists.
 TEdidMode MakeCvtMode(const TCvtRequest& request);

@@ -10,7 +10,7 @@ namespace {
 
 // A detailed timing.
 
-/// Its numbers of 12 bits, by where their bytes are.
+/// Numbers of 12 bits: the highest four are in the upper or the lower half of the byte at `high`.
 unsigned int ReadUpperHalf(TBytes slot, std::size_t low, std::size_t high) {
   return slot[low] | (slot[high] & 0xF0U) << 4;
 }
@@ -19,7 +19,8 @@ unsigned int ReadLowerHalf(TBytes slot, std::size_t low, std::size_t high) {
   return slot[low] | (slot[high] & 0x0FU) << 8;
 }
 
-/// One byte all over, such as 4095 x 8190, or a clock that no monitor has, such as that of 1 x 1 at 38.609 Hz.
+/// True for a slot of one byte repeated (it would read as 4095 x 8190), or with a clock too slow for any monitor (such
+/// as 1 x 1 at 38.609 Hz).
 bool IsFiller(TBytes slot) {
   return slot.Number(edid::kPixelClock, 2) < edid::kMinPixelClock ||
          std::all_of(slot.begin(), slot.end(), [&](std::uint8_t byte) { return byte == slot[0]; });
@@ -54,7 +55,7 @@ std::optional<TEdidMode> ReadDetailedTiming(TBytes slot, EModeSource source, TEd
 
 // Display descriptors.
 
-/// Up to its end, without the blanks that fill it up.
+/// The text up to its end, without the blanks that pad it.
 std::string ReadText(TBytes slot) {
   const TBytes bytes = slot.From(edid::kDescriptorText);
   const auto isEnd = [](std::uint8_t byte) { return byte == '\n' || byte == 0; };
@@ -75,7 +76,7 @@ void ReadOtherText(TBytes slot, TEdidDraft& draft) {
   if (!text.empty()) draft.facts.texts.push_back(std::move(text));
 }
 
-/// The upper end of a rate may be raised, and only then its lower end.
+/// The offsets may raise the upper end of a rate, and the lower end only together with it.
 TRates ReadRates(TBytes slot, unsigned int offsets, std::size_t min, unsigned int raisesMin, unsigned int raisesMax) {
   const bool isMaxRaised = (offsets & raisesMax) != 0;
   const bool isMinRaised = isMaxRaised && (offsets & raisesMin) != 0;
@@ -83,7 +84,7 @@ TRates ReadRates(TBytes slot, unsigned int offsets, std::size_t min, unsigned in
 }
 
 void ReadLimits(TBytes slot, TEdidDraft& draft) {
-  constexpr unsigned int megahertz = 10;  // of the clock's unit
+  constexpr unsigned int megahertz = 10;  // per unit of the clock
   if (draft.facts.limits) return;
   const unsigned int offsets = draft.revision >= edid::kFirstWithRateOffsets ? slot[edid::kRateOffsets] : 0U;
   TRangeLimits limits;

@@ -8,7 +8,7 @@ namespace displayid = edid::displayid;
 
 namespace {
 
-/// In millimetres, from sides in that unit or in a tenth of it.
+/// Reads the size of the image. `unitsPerMillimetre`: 1 or 10, the unit of its sides.
 void ReadParameters(unsigned int unitsPerMillimetre, TBytes payload, TEdidDraft& draft) {
   const auto read = [&](std::size_t offset) {
     return (payload.Number(offset, 2) + unitsPerMillimetre / 2) / unitsPerMillimetre;

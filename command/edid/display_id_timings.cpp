@@ -9,7 +9,7 @@ namespace displayid = edid::displayid;
 
 namespace {
 
-/// A timing in full, as DisplayID numbers it: the lines are those of a whole picture.
+/// A detailed timing. DisplayID counts the lines of a whole picture, even of an interlaced one.
 TEdidMode MakeFullMode(double clock, unsigned int width, unsigned int blankWidth, unsigned int height,
                        unsigned int blankHeight, bool isInterlaced) {
   // Two fields share a line between them.
@@ -66,7 +66,7 @@ TEdidMode ReadTypeVI(TBytes timing) {
                       (timing[displayid::kTypeVIFlags] & displayid::kTypeVIInterlaced) != 0);
 }
 
-/// The size and the formula of type IX and X, which have the rate in different sizes.
+/// The size and the formula of a timing of type IX or X. Their rates differ in size, so the caller reads them.
 TCvtRequest ReadCvtRequest(TBytes timing, unsigned int refresh) {
   constexpr EBlanking blankings[] = {EBlanking::Standard, EBlanking::Reduced, EBlanking::Reduced2, EBlanking::Reduced3};
   const unsigned int formula = timing[0] & displayid::kFormulaBits;
@@ -84,12 +84,12 @@ TEdidMode ReadTypeIX(TBytes timing) {
   return MakeCvtMode(request);
 }
 
-/// Version 3 of reduced blanking may add to the blank, or take away from a wide one.
+/// Version 3 of reduced blanking may add pixels to the blank, or take them from a wide one.
 TEdidMode ReadTypeX(TBytes timing) {
   constexpr unsigned int wide = 160;  // pixels
-  constexpr unsigned int pixels = 8;  // of a step
+  constexpr unsigned int pixels = 8;  // per step
   constexpr unsigned int steps = 7;
-  constexpr unsigned int microseconds = 35;  // of a step
+  constexpr unsigned int microseconds = 35;  // per step
   const bool hasLongRate = timing.GetSize() > displayid::kTypeIXSize;
   const unsigned int rate =
       timing.Number(displayid::kTypeIXRate, 2) & (hasLongRate ? displayid::kTypeXRateBits : 0xFFU);
@@ -102,14 +102,14 @@ TEdidMode ReadTypeX(TBytes timing) {
   return MakeCvtMode(request);
 }
 
-/// Timings one after the other, each of so many bytes.
+/// Consecutive timings of `size` bytes each.
 void ReadEach(TBytes payload, std::size_t size, TEdidMode (*read)(TBytes timing), TEdidDraft& draft) {
   for (; payload.GetSize() >= size; payload = payload.From(size)) {
     draft.modes.Add(read(payload.Part(0, size)), EModeSource::DisplayId);
   }
 }
 
-/// Timings of type VI tell their own size.
+/// Consecutive timings of type VI, each of which says how long it is.
 void ReadEachTypeVI(TBytes payload, TEdidDraft& draft) {
   while (payload.GetSize() >= displayid::kTypeVISize) {
     const bool isLong = (payload[displayid::kTypeVIClockFlags] & displayid::kTypeVIIsLong) != 0;
@@ -137,7 +137,7 @@ void ReadCodes(unsigned int revision, std::size_t size, TBytes payload, TEdidDra
   }
 }
 
-/// The timing of code n at bit n - 1.
+/// A bit for each timing: bit n - 1 stands for code n.
 void ReadBits(TBytes payload, std::size_t count, const edid::TTiming* (*find)(unsigned int), TEdidDraft& draft) {
   for (unsigned int index = 0; index < count; ++index) {
     if ((payload[index / 8] >> index % 8 & 1U) != 0) draft.modes.Add(find(index + 1), EModeSource::DisplayId);

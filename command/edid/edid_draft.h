@@ -1,4 +1,4 @@
-// What is known of an EDID while its blocks are read, and the readers of the blocks. Each reader adds what it finds.
+// The facts of an EDID while its blocks are read, and the readers of the blocks, which add what they find.
 #pragma once
 
 #include <bitset>
@@ -13,7 +13,7 @@
 #include "edid/cta_layout.h"
 #include "edid/layout.h"
 
-/// Where refresh ranges come from, the one that counts first.
+/// Where a refresh range comes from; earlier ones win.
 enum class ERangeSource { FreeSync, Hdmi, DisplayId };
 
 /// `decimals`: 10 for one, 100 for two.
@@ -26,7 +26,7 @@ struct TDetailedTiming {
   TImageSize size;  // of the image
 };
 
-/// What a DisplayID section says whose monitor it is about.
+/// The product that a DisplayID section says it describes.
 struct TDisplayIdProduct {
   std::string maker;  // three letters
   unsigned int productCode;
@@ -34,7 +34,7 @@ struct TDisplayIdProduct {
 
 struct TEdidDraft {
   TEdidDraft() {
-    // What nearly every EDID with an extension needs.
+    // Enough for nearly every EDID with an extension.
     timings.reserve(8);
     videoCodes.reserve(32);
   }
@@ -51,8 +51,8 @@ struct TEdidDraft {
   TImageSize centimetres = {0, 0};
   std::optional<TImageSize> displayIdSize;
 
-  // The video codes in the order in which CTA-861 data blocks list them, and which of them work with YCbCr 4:2:0 too,
-  // as far as the bits of a data block reach.
+  // The video codes in the order in which CTA-861 data blocks list them. The map has a bit for each of them, as far as
+  // a data block reaches: it also works with YCbCr 4:2:0.
   std::vector<unsigned char> videoCodes;
   std::bitset<std::size_t{8} * edid::cta::kSizeBits> ycbcr420Map;
 
@@ -61,48 +61,49 @@ struct TEdidDraft {
   THdr& Hdr() { return facts.hdr ? *facts.hdr : facts.hdr.emplace(); }
   THdmi& Hdmi() { return facts.hdmi ? *facts.hdmi : facts.hdmi.emplace(); }
 
-  /// Keeps the range if no better source has said one. A lower end of 0 is no range, an upper end of 0 is not known.
+  /// Keeps the range unless a better source has given one. With a lower end of 0 it is no range; an upper end of 0
+  /// is unknown.
   void OfferRange(ERangeSource source, unsigned int min, unsigned int max);
 };
 
 void ReadBaseBlock(TBytes block, TEdidDraft& draft);
 
-/// A detailed timing or a display descriptor of 18 bytes. Returns the mode of a timing.
+/// Reads a detailed timing or a display descriptor of 18 bytes. Returns the mode of a timing.
 std::optional<TEdidMode> ReadSlot(TBytes slot, EModeSource source, TEdidDraft& draft);
 
-/// A code of three bytes, with a mode for each rate that it names.
+/// Reads a code of three bytes, and adds a mode for each rate that it names.
 void ReadCvtCode(TBytes code, TEdidDraft& draft);
 
-/// A standard timing of two bytes.
+/// Reads a standard timing of two bytes.
 void ReadStandardTiming(TBytes timing, TEdidDraft& draft);
 
 void ReadVideoTimingExtension(TBytes block, TEdidDraft& draft);
 
 void ReadCtaExtension(TBytes block, TEdidDraft& draft);
 
-/// The data blocks of CTA-861 that begin before `end`; DisplayID may have such blocks too. The last one may run past
-/// it, which happens in real EDIDs: its own size counts then.
+/// Reads the CTA-861 data blocks that begin before `end`; DisplayID may hold such blocks too. The last one may run past
+/// `end`, as it does in some real EDIDs, and is then read whole.
 void ReadCtaDataBlocks(TBytes blocks, std::size_t end, TEdidDraft& draft);
 
-/// A vendor-specific data block, or one on video, from its identifier on.
+/// `payload`: of a vendor-specific data block or video data block, beginning with its identifier.
 void ReadVendorBlock(TBytes payload, TEdidDraft& draft);
 void ReadVendorVideoBlock(TBytes payload, TEdidDraft& draft);
 
-/// HDR static metadata.
+/// Reads HDR static metadata.
 void ReadHdrStatic(TBytes payload, TEdidDraft& draft);
 
-/// What HDMI Forum's blocks say, without what is before it: an identifier or two reserved bytes.
+/// Reads an HDMI Forum block without its first bytes, an identifier or two reserved bytes.
 void ReadForumBlock(TBytes payload, TEdidDraft& draft);
 
 void ReadDisplayIdExtension(TBytes block, TEdidDraft& draft);
 
-/// The payload of a DisplayID data block of timings, by its tag and revision. Blocks of other kinds have none.
+/// Reads the payload of a DisplayID data block of timings, by its tag and revision. Ignores other kinds of blocks.
 void ReadDisplayIdTimings(unsigned int tag, unsigned int revision, TBytes payload, TEdidDraft& draft);
 
-/// Judges the size of the image from all that was said of it.
+/// Decides the size of the image from everything that the blocks say of it.
 void DecideImageSize(TEdidDraft& draft);
 
-/// What the preferred detailed timing says of it, in millimetres.
+/// The size of the image that the preferred detailed timing gives, in millimetres.
 std::optional<TImageSize> GetPreferredSize(const TEdidDraft& draft);
 
 /// True if the centimetres are an aspect ratio, such as 16 x 9.
@@ -111,7 +112,7 @@ bool IsRatioAsSize(const TEdidDraft& draft);
 /// True if the size in millimetres and the one in centimetres differ by more than a tenth.
 bool ContradictsSize(const TEdidDraft& draft, const TImageSize& millimetres);
 
-/// Where the EDID disagrees with itself, as TEdidFacts::contradictions. `edid`: all blocks.
+/// The sentences for TEdidFacts::contradictions. `edid`: all blocks.
 std::vector<std::string> FindContradictions(TBytes edid, const TEdidDraft& draft);
 
 /// Block 0 is the base block. `edid`: all blocks.
@@ -119,8 +120,8 @@ inline TBytes GetBlock(TBytes edid, std::size_t number) {
   return edid.Part(number * edid::kBlockSize, edid::kBlockSize);
 }
 
-/// True if it begins as base blocks do.
+/// True if the block begins as a base block does.
 bool HasHeader(TBytes block);
 
-/// True if the bytes of the block sum up to a multiple of 256.
+/// True if the sum of the block's bytes is a multiple of 256.
 bool HasValidChecksum(TBytes block);

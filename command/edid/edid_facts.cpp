@@ -27,7 +27,7 @@ constexpr TExtensionReader kExtensionReaders[] = {{edid::cta::kExtension, ReadCt
                                                   {edid::kVideoTimingExtension, ReadVideoTimingExtension},
                                                   {edid::displayid::kExtension, ReadDisplayIdExtension}};
 
-/// Up to a base block: what follows that belongs to another EDID, or appears twice.
+/// Stops at another base block: the blocks after it belong to another EDID, or repeat this one.
 void ReadExtensions(TBytes edid, TEdidDraft& draft) {
   for (std::size_t block = 1; block * edid::kBlockSize < edid.GetSize(); ++block) {
     const TBytes bytes = GetBlock(edid, block);

@@ -12,7 +12,7 @@ namespace displayid = edid::displayid;
 
 namespace {
 
-// What is replaced, as people are told it.
+// What was replaced, in words for people.
 constexpr const char* kInHeader = "in a header";
 constexpr const char* kInDescriptor = "in a descriptor";
 constexpr const char* kInDisplayId = "in a DisplayID product identification";
@@ -22,10 +22,10 @@ constexpr const char* kContainerId = "as a container id";
 constexpr const char* kUnknown = "in a block that was emptied";
 
 constexpr unsigned char kVersion1 = 1;
-constexpr std::size_t kAfterVersion = 20;      // of a base block; in other versions what follows is not known
+constexpr std::size_t kAfterVersion = 20;      // in a base block; what follows is unknown in other versions
 constexpr std::size_t kAfterExtensionTag = 2;  // and after its version
 
-/// Whether a DisplayID data block is of one of these kinds, one of version 1 and one of version 2.
+/// True for the tags that DisplayID 1 and DisplayID 2 give to such a data block.
 constexpr bool IsProduct(unsigned int tag) { return tag == displayid::kTagProduct || tag == displayid::kTagProduct2; }
 constexpr bool IsTopology(unsigned int tag) {
   return tag == displayid::kTagTopology || tag == displayid::kTagTopology2;
@@ -55,9 +55,9 @@ class TSerialFillers::TEditor {
         return EditDisplayId();
       case edid::kDisplayInformationExtension:
       case edid::kBlockMap:
-        return;  // what these hold is known, and is no serial number
-      // Others hold anything: localized strings (0x50) the serial number in another script, a maker's own (0xFF) and
-      // repeated base blocks the serial number itself.
+        return;  // these are known to hold no serial number
+      // Other blocks can hold anything: localized strings (0x50) have the serial number in another script; a maker's
+      // own blocks (0xFF) and repeated base blocks have the serial number itself.
       default:
         return EmptyFrom(kAfterExtensionTag);
     }
@@ -68,7 +68,7 @@ class TSerialFillers::TEditor {
 
   std::string Get(std::size_t position, std::size_t size) const { return m_edid.substr(m_block + position, size); }
 
-  /// The sum of the bytes with the checksum stays what it was.
+  /// Changes a byte, and adjusts the checksum so that the sum stays the same.
   void Set(std::size_t position, unsigned char value) {
     char& checksum = m_edid[m_block + m_checksum];
     checksum = static_cast<char>(checksum + m_edid[m_block + position] - static_cast<char>(value));
@@ -81,14 +81,14 @@ class TSerialFillers::TEditor {
     }
   }
 
-  /// Of zeros, or of `none`, it is no serial number.
+  /// Zeros, or the bytes of `none`, are no serial number and stay.
   void EditNumber(const char* kind, std::size_t position, std::size_t size, const std::string& none = "") {
     const std::string original = Get(position, size);
     if (original == none || original == std::string(size, '\0')) return;
     SetNumber(position, size, m_fillers.Number(kind, original));
   }
 
-  /// A text of at most `size` bytes, ended as those of descriptors are.
+  /// Replaces a text of at most `size` bytes that ends as those in descriptors do.
   void EditText(const char* kind, std::size_t position, std::size_t size) {
     const std::string original = Get(position, size);
     const std::string text = original.substr(0, original.find_first_of(std::string("\n\0", 2)));
@@ -102,7 +102,7 @@ class TSerialFillers::TEditor {
     }
     if (filler.size() < size) filler += '\n';
     filler.resize(size, ' ');
-    // A text that ends in zeros keeps them when there is none.
+    // An empty text of zeros stays as it is.
     if (text.empty() && original == std::string(size, '\0')) return;
     for (std::size_t byte = 0; byte < size; ++byte) Set(position + byte, static_cast<unsigned char>(filler[byte]));
   }
@@ -142,7 +142,7 @@ class TSerialFillers::TEditor {
     if (oui == cta::kMicrosoft) EditNumber(kContainerId, content + id, displayid::kContainerIdSize);
   }
 
-  /// The section has a checksum of its own, and the block keeps its sum when that is adjusted.
+  /// The section has its own checksum. Adjusting it keeps the sum of the block as well.
   void EditDisplayId() {
     const std::size_t end = displayid::kDataBlocks + At(displayid::kSectionSize);
     if (end >= edid::kChecksum || !HasWholeBlocks(end)) return EmptyFrom(kAfterExtensionTag);
@@ -153,7 +153,7 @@ class TSerialFillers::TEditor {
     }
   }
 
-  /// Whether each data block of a DisplayID section ends in it. Else it is not known what is where.
+  /// True if the last data block of the DisplayID section ends within it. Otherwise the blocks cannot be told apart.
   bool HasWholeBlocks(std::size_t end) const {
     std::size_t block = displayid::kDataBlocks;
     while (block + displayid::kPayload <= end) block += displayid::kPayload + At(block + displayid::kPayloadSize);
@@ -173,7 +173,7 @@ class TSerialFillers::TEditor {
       EditNumber(kContainerId, content, displayid::kContainerIdSize);
   }
 
-  /// Leaves nothing from there on but a number that stands for what was there.
+  /// Replaces everything from `begin` on by one number that stands for it.
   void EmptyFrom(std::size_t begin) { EditNumber(kUnknown, begin, edid::kChecksum - begin); }
 
   TSerialFillers& m_fillers;

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t kHashDigits = 16;  // of an identity without a serial number
+constexpr std::size_t kHashDigits = 16;  // in an identity without a serial number
 
 std::string WriteHex(unsigned int code) {
   std::string text;
@@ -14,7 +14,7 @@ std::string WriteHex(unsigned int code) {
   return text;
 }
 
-/// The year and the week; 0 for what is not known.
+/// The year and the week; 0 where they are unknown.
 std::string WriteDate(const std::optional<TMade>& made) {
   if (!made) return "0.0";
   return std::to_string(made->year) + "." + std::to_string(made->week.value_or(0));

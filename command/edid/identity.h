@@ -1,4 +1,4 @@
-// What a monitor is known again by, on its machine and on others.
+// The identity of a monitor, by which it is recognised again on its machine and on others.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct TIdentity {
                           // hash), or "connector" (byte-equal EDIDs of one machine, told apart by where they are)
 };
 
-/// True for the same monitor, even at another input or on another machine.
+/// True if both are the same monitor, even at another input or on another machine.
 inline bool SameMonitor(const TIdentity& left, const TIdentity& right) { return left.text == right.text; }
 
 /// A monitor's EDID, whole 128-byte blocks, and what it says.
@@ -22,15 +22,15 @@ struct TIdentified {
   const std::vector<std::uint8_t>& edid;
 };
 
-/// The identity that the EDID gives: maker, product code, year and week, and serial number; without a serial number the
-/// beginning of the EDID's SHA-256 hash.
+/// Makes the identity of the EDID's maker, product code, year, week and serial number. Without a serial number it has
+/// the beginning of the EDID's SHA-256 hash instead.
 TIdentity Identify(const TIdentified& monitor);
 
-/// The same at a place of a machine: the connector, or the unit where none is known.
+/// A monitor and its place in a machine: the connector, or the unit if that is unknown.
 struct TPlacedMonitor {
   TIdentified monitor;
   std::string place;
 };
 
-/// The identities of a machine's monitors, in their order. Byte-equal EDIDs get the place at the end.
+/// The identities of a machine's monitors, in their order. Where EDIDs are equal in all bytes, the place is appended.
 std::vector<TIdentity> IdentifyAll(const std::vector<TPlacedMonitor>& monitors);

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Sides that are an aspect ratio, in centimetres or in millimetres.
+/// Pairs of sides that are an aspect ratio instead of centimetres or millimetres.
 constexpr TImageSize kAspectRatios[] = {{16, 9}, {16, 10}, {160, 90}, {160, 100}};
 
 bool IsAspectRatio(const TImageSize& size) {
@@ -17,7 +17,7 @@ bool IsAspectRatio(const TImageSize& size) {
 
 bool IsSize(const TImageSize& size) { return size.width != 0 && size.height != 0; }
 
-/// Within a tenth.
+/// True if they differ by at most a tenth.
 bool IsClose(unsigned int left, unsigned int right) {
   const unsigned int difference = left > right ? left - right : right - left;
   return difference * 10 <= std::max(left, right);
@@ -27,7 +27,7 @@ bool IsClose(const TImageSize& left, const TImageSize& right) {
   return IsClose(left.width, right.width) && IsClose(left.height, right.height);
 }
 
-/// The centimetres, in millimetres.
+/// The size in whole centimetres, converted to millimetres.
 TImageSize GetWholeCentimetres(const TEdidDraft& draft) {
   constexpr unsigned int millimetres = 10;
   return {draft.centimetres.width * millimetres, draft.centimetres.height * millimetres};
@@ -42,7 +42,7 @@ std::optional<TImageSize> ChooseSize(const TEdidDraft& draft) {
   return whole;
 }
 
-/// With one side 0, the other one stands for an aspect ratio [3.6.2].
+/// If one side is 0, the other one encodes an aspect ratio [3.6.2].
 double ReadAspectRatio(const TImageSize& centimetres) {
   const double stored = centimetres.width + centimetres.height + edid::kAspectOffset;
   return centimetres.width != 0 ? stored / edid::kAspectUnit : edid::kAspectUnit / stored;

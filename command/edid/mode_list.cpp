@@ -7,13 +7,13 @@ namespace {
 constexpr std::size_t kUsualCount = 64;
 constexpr double kDecimals = 1000;
 
-// Below the rate of an entry: its sampling, and above that its source.
+// TEntry::rate has the sampling in its lowest bits, the source above it, and the rate above that.
 constexpr unsigned int kSamplingBits = 3;
 constexpr unsigned int kSourceShift = 2;
 constexpr unsigned int kSourceBits = 7;
 constexpr unsigned int kRateShift = 5;
 
-/// The most that there can be, 65,536 x 65,536, is one too many for 32 bits.
+/// The largest mode, 65,536 x 65,536, has one pixel more than 32 bits can hold.
 std::uint32_t CountPixels(unsigned int width, unsigned int height) {
   const std::uint64_t pixels = std::uint64_t{width} * height;
   return pixels >> 32 != 0 ? 0xFFFFFFFF : static_cast<std::uint32_t>(pixels);
@@ -78,7 +78,7 @@ std::vector<TListedMode> TModeList::Take() {
 
 TEdidMode MakeMode(unsigned int width, unsigned int height, double clock, double totalWidth, double fieldLines,
                    bool isInterlaced) {
-  constexpr double hertz = 1000;  // of a kilohertz
+  constexpr double hertz = 1000;  // per kilohertz
   const double total = totalWidth * fieldLines;
   const double rate = total > 0 ? clock * hertz / total : 0;
   return {width, height, static_cast<double>(static_cast<std::uint64_t>(rate * kDecimals + 0.5)) / kDecimals,

@@ -1,4 +1,4 @@
-// The modes of an EDID, while they are collected.
+// Collects the modes of an EDID.
 #pragma once
 
 #include <vector>
@@ -6,32 +6,32 @@
 #include "command/edid/edid_facts.h"
 #include "edid/timings.h"
 
-/// What sampling a declaration of a mode is about.
+/// The sampling for which an EDID declares a mode.
 enum class ESampling : std::uint8_t { Any = 1, Ycbcr420 = 2 };
 
 class TModeList {
  public:
   TModeList();
 
-  /// A mode without pixels or without a rate is none.
+  /// Ignores a mode without pixels or without a rate.
   void Add(const TEdidMode& mode, EModeSource source, ESampling sampling = ESampling::Any);
 
-  /// Null adds nothing: a code that names no timing.
+  /// Ignores null, which stands for a code that names no timing.
   void Add(const edid::TTiming* timing, EModeSource source, ESampling sampling = ESampling::Any);
 
   /// Each mode once, in the order of TEdidFacts::modes. The list is empty afterwards.
   std::vector<TListedMode> Take();
 
  private:
-  /// A mode as numbers that compare fast, since sorting is up to half of what it takes to read an EDID.
+  /// A mode as numbers that compare fast: sorting takes up to half of the time of reading an EDID.
   struct TEntry {
     bool IsSameMode(const TEntry& other) const;
     bool ComesBefore(const TEntry& other) const;
     TEdidMode MakeMode() const;
 
     std::uint32_t pixels;
-    std::uint32_t shape;  // its width, and in the lowest bit whether it is progressive
-    std::uint64_t rate;   // in thousandths of a hertz, and below it its source, the best the highest, and sampling
+    std::uint32_t shape;  // the width; the lowest bit is set if the mode is progressive
+    std::uint64_t rate;  // in thousandths of a hertz; in its lowest bits the source (the best is highest), the sampling
     std::uint32_t height;
   };
 
@@ -42,7 +42,7 @@ class TModeList {
   std::vector<TEntry> m_entries;
 };
 
-/// A mode from its clock in kHz and its totals. `fieldLines`: the lines of a field, with those that are blank, which
-/// have a half one when it is interlaced. The rate is 0 when a total is.
+/// Makes a mode from its clock in kHz and its totals. `fieldLines`: all lines of a field, blank ones included; they end
+/// in a half line if the mode is interlaced. The rate is 0 if a total is 0.
 TEdidMode MakeMode(unsigned int width, unsigned int height, double clock, double totalWidth, double fieldLines,
                    bool isInterlaced);

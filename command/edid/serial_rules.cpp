@@ -16,16 +16,16 @@ std::string Format(const char* format, TNumber number) {
   return text;
 }
 
-// What makers make of number and text. Each gives an empty text where it does not apply.
+// How makers combine number and text. Each function returns an empty text where its rule does not apply.
 
-/// Acer: the number in hex stands between the eighth character of the text and the ninth.
+/// Acer: the number in hex, between the eighth and the ninth character of the text.
 std::string WeaveNumberIntoText(TNumber number, const std::string& text) {
   constexpr std::size_t place = 8;
   if (text.size() <= place) return std::string();
   return text.substr(0, place) + Format("%08x", number) + text.substr(place);
 }
 
-/// Samsung: the number is four characters, the first in its highest byte, and the text goes on after them.
+/// Samsung: the number holds the first four characters, the first one in its highest byte; the text holds the rest.
 std::string PutFourCharactersBeforeText(TNumber number, const std::string& text) {
   std::string characters;
   for (const unsigned int shift : {24U, 16U, 8U, 0U}) characters += static_cast<char>(number >> shift & 0xFFU);
@@ -35,14 +35,14 @@ std::string PutFourCharactersBeforeText(TNumber number, const std::string& text)
   return isText ? characters + text : std::string();
 }
 
-constexpr TNumber kBenqLetters = 0x5445;  // "ET" in its two lowest bytes, the first in the lower
+constexpr TNumber kBenqLetters = 0x5445;  // "ET": the first letter in the lowest byte
 
-/// BenQ: the number is the two letters that every serial number begins with.
+/// BenQ: the number holds the two letters with which every serial number begins.
 std::string PutLettersBeforeText(TNumber number, const std::string& text) {
   return number == kBenqLetters ? "ET" + text : std::string();
 }
 
-/// LG: the last five characters of the printed number. Two count the thousands, in digits and the letters but I and O.
+/// LG: the last five characters of the printed number. The first two count thousands in base 34, without I and O.
 std::string WriteFiveCharacters(TNumber number, const std::string&) {
   constexpr char digits[] = "0123456789ABCDEFGHJKLMNPQRSTUVWXYZ";
   constexpr TNumber base = std::size(digits) - 1;
@@ -51,7 +51,7 @@ std::string WriteFiveCharacters(TNumber number, const std::string&) {
   return std::string{digits[thousands / base], digits[thousands % base]} + Format("%03u", number % 1000);
 }
 
-/// Philips: the number in six digits, with which most texts end.
+/// Philips: the number in six digits, unless the text ends with them, as most do.
 std::string WriteSixDigits(TNumber number, const std::string& text) {
   std::string digits = Format("%06u", number);
   const bool isInText = text.size() >= digits.size() && text.substr(text.size() - digits.size()) == digits;
@@ -61,7 +61,7 @@ std::string WriteSixDigits(TNumber number, const std::string& text) {
 enum class EText { kAny, kPresent, kMissing };
 enum class EUse { kSerial, kAlternative };
 
-/// Product codes; every one where the list is empty.
+/// A list of product codes; an empty list means all.
 struct TModels {
   const unsigned int* begin = nullptr;
   const unsigned int* end = nullptr;
@@ -74,13 +74,13 @@ constexpr TModels ListModels(const unsigned int (&productCodes)[count]) {
   return {productCodes, productCodes + count};
 }
 
-// The models on which these makers print the serial number that others of theirs have as the alternative.
+// The models whose printed serial number follows the rule; on these makers' other models the result is an alternative.
 constexpr unsigned int kAcerModels[] = {0x0019, 0x001A, 0x0020, 0x0024, 0x0026, 0x0076, 0x00A3, 0x00C7, 0x0133,
                                         0x02D4, 0x0319, 0x032D, 0x0330, 0x0335, 0x0337, 0x033A, 0x0353, 0x042E,
                                         0x0468, 0x047B, 0x0480, 0x0512, 0x056B, 0x0771, 0x2311, 0x56AD, 0xAD72};
 constexpr unsigned int kSamsungModels[] = {0x0694, 0x0835, 0x09C6, 0x0BC9, 0x0CA5};
 
-/// A maker's models, and what is made of their numbers and texts.
+/// A rule for some or all models of a maker.
 struct TRule {
   std::string_view maker;
   TModels models;
@@ -89,7 +89,7 @@ struct TRule {
   std::string (*make)(TNumber number, const std::string& text);
 };
 
-// The first that fits counts.
+// The first rule that applies counts.
 constexpr TRule kRules[] = {
     {"ACR", ListModels(kAcerModels), EText::kPresent, EUse::kSerial, WeaveNumberIntoText},
     {"ACR", {}, EText::kPresent, EUse::kAlternative, WeaveNumberIntoText},
@@ -106,14 +106,14 @@ bool IsFor(const TRule& rule, const std::string& maker, unsigned int productCode
   return maker == rule.maker && rule.models.Have(productCode);
 }
 
-/// Without the bytes that some makers fill the text up with, which nobody prints.
+/// Removes the unprintable bytes with which some makers pad the text.
 std::string RemoveUnprintableEnd(std::string text) {
   const auto isPrintable = [](char character) { return character > ' ' && character <= '~'; };
   text.erase(std::find_if(text.rbegin(), text.rend(), isPrintable).base(), text.end());
   return text;
 }
 
-/// Without any rule.
+/// The serial number without any rule of the maker.
 std::optional<TSerial> FindPlainSerial(std::optional<TNumber> number, const std::string& text) {
   if (!text.empty()) return TSerial{text, ESerialSource::kText, ""};
   if (number) return TSerial{std::to_string(*number), ESerialSource::kNumber, ""};
@@ -132,7 +132,7 @@ std::optional<TSerial> FindSerial(const std::string& maker, unsigned int product
   if (number && IsFillerSerial(std::to_string(*number))) number.reset();
   std::string known = RemoveUnprintableEnd(text);
   if (IsFillerSerial(known)) known.clear();
-  // The letters are those of every BenQ.
+  // Every BenQ has these letters, so they are no serial number without a text.
   if (maker == "BNQ" && known.empty() && number == kBenqLetters) number.reset();
   std::optional<TSerial> plain = FindPlainSerial(number, known);
   if (!number) return plain;

@@ -10,11 +10,11 @@ constexpr std::size_t kLengthSize = 8;  // bytes at the end of the last block
 
 typedef std::array<std::uint32_t, 8> TState;
 
-/// The first 32 bits of the fractions of the square roots of the first eight primes [5.3.3].
+/// The first 32 bits of the fractional parts of the square roots of the first eight primes [5.3.3].
 constexpr TState kStart = {0x6A09E667, 0xBB67AE85, 0x3C6EF372, 0xA54FF53A,
                            0x510E527F, 0x9B05688C, 0x1F83D9AB, 0x5BE0CD19};
 
-/// The same of the cube roots of the first 64 primes [4.2.2].
+/// The first 32 bits of the fractional parts of the cube roots of the first 64 primes [4.2.2].
 constexpr std::uint32_t kRoundConstants[] = {
     0x428A2F98, 0x71374491, 0xB5C0FBCF, 0xE9B5DBA5, 0x3956C25B, 0x59F111F1, 0x923F82A4, 0xAB1C5ED5,
     0xD807AA98, 0x12835B01, 0x243185BE, 0x550C7DC3, 0x72BE5D74, 0x80DEB1FE, 0x9BDC06A7, 0xC19BF174,
@@ -44,8 +44,8 @@ std::array<std::uint32_t, 64> MakeSchedule(const std::uint8_t* block) {
   return words;
 }
 
-/// One round, which replaces d and h [6.2.2, step 3]. The caller turns the eight words by one place for the next round,
-/// which costs less than moving them.
+/// One round, which replaces d and h [6.2.2, step 3]. For the next round the caller passes the eight words rotated by
+/// one place, which is faster than moving them.
 inline void DoRound(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t& d, std::uint32_t e,
                     std::uint32_t f, std::uint32_t g, std::uint32_t& h, std::uint32_t word) {
   h += (Rotate(e, 6) ^ Rotate(e, 11) ^ Rotate(e, 25)) + (g ^ (e & (f ^ g))) + word;
@@ -53,7 +53,7 @@ inline void DoRound(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint
   h += (Rotate(a, 2) ^ Rotate(a, 13) ^ Rotate(a, 22)) + ((a & b) | (c & (a | b)));
 }
 
-/// Takes one block in [6.2.2, steps 2 to 4].
+/// Adds one block to the state [6.2.2, steps 2 to 4].
 void Compress(TState& state, const std::uint8_t* block) {
   const std::array<std::uint32_t, 64> words = MakeSchedule(block);
   auto [a, b, c, d, e, f, g, h] = state;
@@ -72,7 +72,7 @@ void Compress(TState& state, const std::uint8_t* block) {
   for (std::size_t index = 0; index < state.size(); ++index) state[index] += worked[index];
 }
 
-/// What is left of the message after its whole blocks, a bit, zeros, and the length in bits [5.1.1].
+/// The rest of the message after its whole blocks, padded: a 1 bit, zeros, and the length in bits [5.1.1].
 std::vector<std::uint8_t> MakeTail(const std::vector<std::uint8_t>& bytes, std::size_t begin) {
   std::vector<std::uint8_t> tail(bytes.begin() + static_cast<std::ptrdiff_t>(begin), bytes.end());
   tail.push_back(0x80);

@@ -16,7 +16,7 @@ void RaiseMaxTmds(unsigned int clock, THdmi& hdmi) {
   if (clock != 0) hdmi.maxTmdsClock = std::max(hdmi.maxTmdsClock.value_or(0), clock);
 }
 
-/// The video codes come after the latencies, which may be left out.
+/// The video codes come after the latencies, which may be missing.
 void ReadHdmiVideo(TBytes payload, TEdidDraft& draft) {
   const unsigned int fields = payload[cta::kHdmiFields];
   if ((fields & cta::kHdmiHasVideo) == 0) return;
@@ -76,7 +76,7 @@ void ReadByVendor(const TVendorReader (&readers)[kCount], TBytes payload, TEdidD
 
 constexpr unsigned int kLuminanceDecimals = 1000;
 
-/// A code of 0 says nothing [CTA-861-I, 7.5.13].
+/// A code of 0 means unknown [CTA-861-I, 7.5.13].
 std::optional<double> ReadLuminance(unsigned int code) {
   constexpr double lowest = 50;  // cd/m2
   constexpr double octave = 32;
