@@ -16,10 +16,10 @@ namespace {
 std::string gLine;
 int gStatus = 1;
 
-/// A signal handler: it may call no more than poll, write and _exit.
+/// A signal handler: it may call only functions such as poll, write and _exit.
 void End(int) {
   pollfd errors = {STDERR_FILENO, POLLOUT, 0};
-  // A reader that takes nothing must not keep the process from ending.
+  // A reader that reads nothing must not keep the process from ending.
   if (poll(&errors, 1, 0) == 1) static_cast<void>(!write(STDERR_FILENO, gLine.data(), gLine.size()));
   _exit(gStatus);
 }
@@ -35,14 +35,14 @@ void SetTimer(std::chrono::milliseconds time) {
 constexpr rlim_t kBudget = rlim_t{2} * 1024 * 1024 * 1024;
 
 volatile bool gHasRunOut = false;
-rlim_t gUsersLimit = RLIM_INFINITY;  // where it leaves a machine less than the budget
+rlim_t gUsersLimit = RLIM_INFINITY;  // the user's own limit, if it is lower than the budget
 
 [[noreturn]] void NoteThatItRanOut() {
   gHasRunOut = true;
   throw std::bad_alloc();
 }
 
-/// Bytes of address space that are mapped. There may be many: a sanitizer maps terabytes before main begins.
+/// The mapped address space in bytes. It can be large: a sanitizer maps terabytes before main begins.
 rlim_t CountMapped() {
   rlim_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;

@@ -32,7 +32,8 @@ TRequestAnswer Ask(TPluginLibrary& plugin, TEmbeddedHost& host, const TRequest& 
   return {request, store->TakeCommits(), host.GetLog().GetEntriesSince(begin)};
 }
 
-/// Whether the answer has no instance of a class that it was asked for: only then its reasons are worth their time.
+/// True if the answer has no instance of some class that it was asked for. Only then the reasons are looked for, which
+/// takes time.
 bool HasGap(const TAnswer& answer) {
   for (const TRequestAnswer& request : answer.requests) {
     for (const std::string& name : request.classes) {
@@ -43,8 +44,8 @@ bool HasGap(const TAnswer& answer) {
   return false;
 }
 
-/// While it lives, the process has the time zone that the system has now. Without TZ the C library looks at the zone's
-/// file for every date, whether it has changed; with the file's name in TZ it does not.
+/// Keeps the system's time zone of now while it lives. Without TZ, the C library checks for every date whether the
+/// zone's file has changed; with the file's name in TZ it does not.
 class TTimeZone {
  public:
   TTimeZone() : m_isSet(std::getenv(kVariable) == nullptr) {
@@ -104,7 +105,7 @@ std::vector<std::string> ListRemarks(const TMachine& machine, const TAnswer& ans
   std::vector<std::string> remarks = answer.notes;
   if (std::none_of(answer.requests.begin(), answer.requests.end(), AsksForMonitors)) return remarks;
   for (const TOutput& output : answer.outputs) {
-    // What is wrong with a damaged EDID is among the notes, with its file.
+    // The notes already say what is wrong with a damaged EDID, and name its file.
     if (IsUnlisted(output) && machine.damagedEdids.count(output.unit) == 0) remarks.push_back(ExplainUnlisted(output));
   }
   return remarks;

@@ -1,4 +1,4 @@
-// One collection: the plug-in loaded over a machine, asked for classes, and unloaded again.
+// Collects from one machine: loads the plug-in, asks it for classes, unloads it, and joins what it answered.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -18,14 +18,14 @@
 /// The classes of one GetData call, in order.
 typedef std::vector<std::string> TRequest;
 
-/// All six, in the order of the schema.
+/// All six classes, in the order of the schema.
 inline TRequest ListAllClasses() {
   TRequest names;
   for (const TClassDeclaration& declaration : GetSchema()) names.emplace_back(declaration.name);
   return names;
 }
 
-/// True for the name of a class of that part.
+/// True if the named class belongs to that part of the schema.
 inline bool IsOf(const std::string& className, EPart part) {
   const TClassDeclaration* const declaration = FindClass(className);
   return declaration != nullptr && declaration->part == part;
@@ -45,14 +45,14 @@ struct TRequestAnswer {
   std::vector<TLogEntry> log;  // of this request
 };
 
-/// Whose answer it is, and who collected it.
+/// Which system an answer is about, and when and by which version it was collected.
 struct TAnswerIdentity {
   std::string systemName;  // as the host presents it
-  std::string collected;   // when, as utc_time.h writes it; empty where a capture does not say
+  std::string collected;   // the time, as utc_time.h writes it; empty if a capture does not give it
   std::string version;     // of the command that answers
 };
 
-/// All that a collection found out, and what its machine says of its EDIDs. It outlives the plug-in and the host.
+/// Everything that a collection found out, and what its machine says of its EDIDs. Outlives the plug-in and the host.
 struct TAnswer {
   TAnswerIdentity identity;
   TPluginIdentity plugin;
@@ -60,18 +60,18 @@ struct TAnswer {
   std::vector<TLogEntry> log;  // of the whole run
   std::vector<TFileQuery> fileQueries;
   TEdidOrigin edidOrigin;
-  std::vector<TOutput> outputs;    // what the command knows of each, in the order of the units
-  TReasons reasons;                // why parts of it are empty, where they are
-  std::string xconfigOrigin;       // of a configuration that is no file of the machine; else empty
+  std::vector<TOutput> outputs;    // in the order of the units
+  TReasons reasons;                // why parts of it are empty, if they are
+  std::string xconfigOrigin;       // where a configuration comes from that is no file of the machine; otherwise empty
   std::vector<std::string> notes;  // what the command did without, a sentence each
 };
 
-/// Runs the requests in order. `logListener` hears of each log message when it is written. Throws TUnusable when the
-/// plug-in cannot be used, or when a failure of the host gets out of a request.
+/// Runs the requests in order. `logListener` is called for each log message as it is written. Throws TUnusable if the
+/// plug-in cannot be used, or if a request throws.
 TAnswer Collect(const TMachine& machine, const std::filesystem::path& plugin, const std::vector<TRequest>& requests,
                 std::function<void(const TLogEntry&)> logListener);
 
-/// What people should know of an answer beside its instances, a sentence each: what the command did without, and, where
-/// a request asked for monitors or their modes, which outputs are not among the monitors and why. `machine`: that was
+/// What people should know besides the instances, a sentence each: what the command did without and, if a request asked
+/// for monitors or their modes, which outputs are missing among the monitors and why. `machine`: the one that was
 /// asked.
 std::vector<std::string> ListRemarks(const TMachine& machine, const TAnswer& answer);

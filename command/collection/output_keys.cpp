@@ -13,14 +13,14 @@ namespace {
 
 typedef const TOutput& TRef;
 
-// How a value comes from a fact: a fact that is not known gives none.
+// Make the value of a key from a fact; an unknown fact has no value.
 
 TNumber MakeNumber(unsigned int number) { return {std::to_string(number)}; }
 
-/// With `decimals` of them.
+/// With that many decimals.
 TNumber MakeNumber(double number, int decimals) { return {WriteFixed(number, decimals)}; }
 
-/// With as many decimals as it has, three at most.
+/// With as many decimals as it needs, at most three.
 TNumber MakeNumber(double number) { return {WriteNumber(number)}; }
 
 TKeyValue MakeValue(bool value) { return value; }
@@ -54,7 +54,7 @@ struct TIsOptional : std::false_type {};
 template <typename T>
 struct TIsOptional<std::optional<T>> : std::true_type {};
 
-/// The value of a member of an object, or of a member of that member, ...; none where one of them is not known.
+/// The value of a member of an object, or of a member of that member, and so on; none if one of them is unknown.
 template <auto member, auto... rest, typename T>
 TKeyValue Reach(const T& object) {
   const auto& value = object.*member;
@@ -74,13 +74,13 @@ TKeyValue Own(TRef output, std::size_t) {
   return Reach<members...>(output);
 }
 
-/// Of an EDID of any version.
+/// A fact of an EDID of any version.
 template <auto... members>
 TKeyValue OfAnyEdid(TRef output, std::size_t) {
   return output.facts ? Reach<members...>(*output.facts) : TKeyValue();
 }
 
-/// Of an EDID of version 1.
+/// A fact of an EDID of version 1.
 template <auto... members>
 TKeyValue Fact(TRef output, std::size_t) {
   const TEdidFacts* const facts = GetFacts(output);
@@ -105,7 +105,7 @@ TKeyValue OfSerial(TRef output, std::size_t) {
   return facts != nullptr && facts->serial ? Reach<member>(*facts->serial) : TKeyValue();
 }
 
-/// Of the manufacture, or of the model.
+/// The year in which the monitor was made, or the model's year.
 template <bool isModel>
 TKeyValue GetYear(TRef output, std::size_t) {
   const TEdidFacts* const facts = GetFacts(output);
@@ -113,7 +113,7 @@ TKeyValue GetYear(TRef output, std::size_t) {
   return hasYear ? MakeValue(facts->made->year) : TKeyValue();
 }
 
-/// Only where it is true.
+/// True, or no value.
 TKeyValue IfTrue(bool value) { return value ? TKeyValue(true) : TKeyValue(); }
 
 TKeyValue GetYcbcr420(const TListedMode& mode) {
@@ -298,7 +298,7 @@ constexpr TOutputKey kKeys[] = {
      true},
 };
 
-/// Null for a group that is no array.
+/// Null if the group is no array.
 auto FindCount(const char* group) -> std::size_t (*)(TRef) {
   for (const auto& array : kArrays) {
     if (std::strcmp(array.name, group) == 0) return array.count;

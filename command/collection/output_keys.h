@@ -1,4 +1,4 @@
-// The keys of an output: one table, from which JSON, rows, their schema and the table of docs/json.md are made.
+// The table of an output's keys, from which JSON, rows, their schema and the table in docs/json.md are made.
 #pragma once
 
 #include <cstddef>
@@ -15,17 +15,17 @@ struct TNumber {
   std::string text;
 };
 
-/// Of a key; nothing where an output has no value for it.
+/// The value of a key; std::monostate if the output has none.
 typedef std::variant<std::monostate, bool, TNumber, std::string, std::vector<TNumber>, std::vector<std::string>>
     TKeyValue;
 
 struct TOutputKey {
-  const char* group;  // the object whose member it is, or the array of objects; empty for a key of the output itself
+  const char* group;  // the object or the array of objects that the key belongs to; empty for the output itself
   const char* name;
   EKeyType type;
-  const char* unit;     // empty for none
+  const char* unit;     // empty if it has none
   const char* meaning;  // a sentence
-  /// `element`: of the group's array; 0 where the group is none.
+  /// `element`: its index in the group's array; 0 if the group is no array.
   TKeyValue (*get)(const TOutput& output, std::size_t element);
   bool hasSerial = false;  // its value comes from a serial number of the EDID
 };
@@ -33,19 +33,19 @@ struct TOutputKey {
 /// A key of the output itself, or the members of one object.
 struct TKeyGroup {
   const char* name;  // of the object or the array; empty for a key of the output itself
-  /// How many objects an output has in the array; null where the group is no array.
+  /// How many objects an output has in the array; null if the group is no array.
   std::size_t (*count)(const TOutput& output);
   std::vector<const TOutputKey*> keys;
 };
 
-/// In the order in which JSON has them.
+/// All groups, in the order of the JSON.
 const std::vector<TKeyGroup>& GetKeyGroups();
 
-/// True for a key that every output has: null where it has no value. Other keys are left out then.
+/// True for a key that every output has, as null if it has no value. Other keys are left out then.
 bool IsAlwaysThere(const TOutputKey& key);
 
-/// "integer", "string[]", ...: how docs and schemas call the type.
+/// The name of the type in docs and schemas: "integer", "string[]", ...
 std::string GetName(EKeyType type);
 
-/// The table of docs/json.md: a line for each key, in Markdown.
+/// The table for docs/json.md: a line of Markdown for each key.
 std::string MakeKeyTable();

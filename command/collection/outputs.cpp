@@ -25,7 +25,7 @@ std::string Trim(const std::string& text) {
   return begin == std::string::npos ? std::string() : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
 }
 
-/// A property's text without the blanks around it; empty for a property that the instance lacks.
+/// A property's text without the blanks around it; empty if the instance lacks the property.
 std::string GetText(const TStoredInstance& instance, const char* name) {
   const auto found = instance.GetProperties().find(name);
   return found == instance.GetProperties().end() ? std::string() : Trim(found->second);
@@ -39,27 +39,27 @@ std::time_t GetDay(int year, int month, int day) {
   return timegm(&date);
 }
 
-/// `date`: a CIM datetime as text. The plug-in counts weeks of seven days from New Year, in local time: where the
-/// clocks skipped a day, its date is a day off.
+/// `date`: a CIM datetime as text. The plug-in counts weeks of seven days from New Year in local time, so its date is a
+/// day off where the clocks skipped a day.
 bool IsMadeAt(const std::string& date, const std::optional<TMade>& made) {
   constexpr std::time_t day = 86400;  // seconds
   int numbers[3] = {};
   const bool isDate = std::sscanf(date.c_str(), "%4d%2d%2d", &numbers[0], &numbers[1], &numbers[2]) == 3;
-  if (!isDate || !made || !made->week) return true;  // one of the two does not say it
+  if (!isDate || !made || !made->week) return true;  // one of the two gives no date
   const std::time_t weeks = *made->week - 1;
   const std::time_t week = GetDay(static_cast<int>(made->year), 1, 1) + weeks * 7 * day;
   return std::abs(GetDay(numbers[0], numbers[1], numbers[2]) - week) <= day;
 }
 
-/// Whether an instance may leave out what the EDID says.
+/// Whether an instance must have everything that the EDID says, or may leave out a part.
 enum class EMatch { kWhole, kPart };
 
 bool IsSame(const std::string& told, const std::string& known, EMatch match) {
   return told == Trim(known) || (match == EMatch::kPart && told.empty());
 }
 
-/// True when the instance of a monitor says the same of its EDID. The plug-in shows a maker of other signs than
-/// letters.
+/// True if the instance of a monitor agrees with the EDID. A maker that is not three letters is not compared: the
+/// plug-in shows it, and the facts have none.
 bool IsMadeFrom(const TStoredInstance& monitor, const TEdidFacts& facts, EMatch match) {
   return (facts.maker.empty() || IsSame(GetText(monitor, "MonitorManufacturer"), facts.maker, match)) &&
          IsSame(GetText(monitor, "Name"), facts.name, match) &&
@@ -83,8 +83,8 @@ void ForEach(const std::vector<TRequestAnswer>& requests, const std::string& cla
   }
 }
 
-/// The monitors of the answer that no output has got yet, each with its id. One that was committed several times is as
-/// it was last.
+/// The monitors of the answer that no output has been given yet. If one was committed several times, the last commit
+/// counts.
 class TListedMonitors {
  public:
   explicit TListedMonitors(const std::vector<TRequestAnswer>& requests) {
@@ -112,8 +112,8 @@ class TListedMonitors {
   std::vector<const TStoredInstance*> m_monitors;
 };
 
-/// In the order of the units, each output gets the first monitor of its EDID. What says all that the EDID does comes
-/// before what says less.
+/// In the order of the units, gives each output the first monitor that agrees with its EDID: first the monitors that
+/// say everything that the EDID does, then those that say less.
 void JoinMonitors(std::vector<TOutput>& outputs, const std::vector<TRequestAnswer>& requests) {
   TListedMonitors monitors(requests);
   for (const EMatch match : {EMatch::kWhole, EMatch::kPart}) {
@@ -124,14 +124,14 @@ void JoinMonitors(std::vector<TOutput>& outputs, const std::vector<TRequestAnswe
   }
 }
 
-typedef std::map<std::string, std::set<TListedResolution>> TResolutions;  // by the ids of their monitors
+typedef std::map<std::string, std::set<TListedResolution>> TResolutions;  // by the monitor's id
 
 unsigned int GetNumber(const TStoredInstance& instance, const char* name) {
   const auto found = instance.GetProperties().find(name);
   return found == instance.GetProperties().end() || found->second.IsNull() ? 0 : found->second.GetUnsigned();
 }
 
-/// `ids`: those of the monitors, in commit order.
+/// `ids` receives the ids of the monitors, in commit order.
 TResolutions CollectResolutions(const std::vector<TRequestAnswer>& requests, std::vector<std::string>& ids) {
   TResolutions resolutions;
   ForEach(requests, kMonitorResolutionClass, [&](const TStoredInstance& mode) {
@@ -143,7 +143,7 @@ TResolutions CollectResolutions(const std::vector<TRequestAnswer>& requests, std
   return resolutions;
 }
 
-/// True when the EDID has every size among the modes of its monitor.
+/// True if the EDID has a mode of every size in `resolutions`.
 bool HasSizes(const TOutput& output, const std::set<TListedResolution>& resolutions) {
   return output.facts && std::all_of(resolutions.begin(), resolutions.end(), [&](const TListedResolution& resolution) {
            const auto& modes = output.facts->modes;
@@ -153,8 +153,8 @@ bool HasSizes(const TOutput& output, const std::set<TListedResolution>& resoluti
          });
 }
 
-/// Gives each output the modes of its monitor. Where monitors were not asked for, the outputs that nothing is wrong
-/// with get the first modes that their EDIDs have, in the order of the units.
+/// Gives each output the modes of its monitor. If monitors were not asked for, each output without a fault gets, in the
+/// order of the units, the first monitor's modes that all are in its EDID.
 void JoinModes(std::vector<TOutput>& outputs, const std::vector<TRequestAnswer>& requests) {
   if (!AsksFor(requests, kMonitorResolutionClass)) return;
   std::vector<std::string> ids;
@@ -172,7 +172,7 @@ void JoinModes(std::vector<TOutput>& outputs, const std::vector<TRequestAnswer>&
   }
 }
 
-/// By what each monitor is known again, here and on other machines.
+/// Gives each output the identity of its monitor.
 void Identify(std::vector<TOutput>& outputs) {
   std::vector<TPlacedMonitor> monitors;
   std::vector<TOutput*> identified;
@@ -186,30 +186,31 @@ void Identify(std::vector<TOutput>& outputs) {
   for (std::size_t index = 0; index < identities.size(); ++index) identified[index]->identity = identities[index];
 }
 
-// Why an output is missing.
+// Finding out why an output is missing.
 
 bool HasSameBaseBlock(const TUnit& left, const TUnit& right) {
   return std::equal(left.edid.begin(), left.edid.begin() + edid::kBlockSize, right.edid.begin());
 }
 
-/// Whether the BIOS hands out the first block of the unit's EDID. Later ones do not decide about a monitor.
+/// True if the BIOS does not hand out the first block of the unit's EDID. Later blocks do not decide whether the
+/// plug-in lists the monitor.
 bool FailsAtOnce(const TUnit& unit) { return unit.failAtBlock == 0U || unit.errorAtBlock == 0U; }
 
-/// Goes through the units for what is wrong with those that are not listed. The first fault ends the plug-in's own
-/// look at them.
+/// Goes through the units and finds out what is wrong with those that are not listed. The plug-in stops at the first
+/// fault.
 class TFaultFinder {
  public:
   TFaultFinder(const TVirtualBiosConfiguration& bios, const TDamages& damages, int systemType)
       : m_bios(bios), m_damages(damages), m_end(ExplainNoMonitor(bios, systemType)) {}
 
-  /// Why the answer does not have the output's monitor. The units come in ascending order, those that are listed too.
+  /// Why the answer lacks the output's monitor; empty if it is listed. Call it for all units in ascending order.
   std::string Explain(const TOutput& output, const TUnit& unit) {
     if (m_end.empty() && output.unit != m_next) Stop(m_next, "is missing");
     m_next = output.unit + 1;
     const TUnit* const previous = std::exchange(m_previous, &unit);
     if (output.deviceId) return std::string();
     const bool isReached = m_end.empty();
-    // Of a damaged EDID this is said wherever the plug-in stopped, since it is what people can mend.
+    // A damaged EDID is reported even if the plug-in stopped before it, since people can mend it.
     const bool isDamaged = m_damages.count(output.unit) != 0;
     const std::string fault = isReached || isDamaged ? FindFault(output, unit, previous) : std::string();
     if (fault.empty()) return isReached && output.isAskedFor ? "the answer has no monitor of such an EDID" : m_end;
@@ -218,7 +219,7 @@ class TFaultFinder {
   }
 
  private:
-  /// What is wrong with the unit's EDID; empty when the plug-in takes it. `previous`: the unit before it.
+  /// What is wrong with the unit's EDID; empty if the plug-in accepts it. `previous`: the unit before it.
   std::string FindFault(const TOutput& output, const TUnit& unit, const TUnit* previous) const {
     const auto damage = m_damages.find(output.unit);
     if (damage != m_damages.end()) return damage->second.fault;
@@ -243,7 +244,7 @@ class TFaultFinder {
   const TUnit* m_previous = nullptr;
 };
 
-/// Of an output without an EDID.
+/// What may give an EDID to an output without one.
 std::string FindCure(const TDamages& damages, unsigned int unit) {
   const auto damage = damages.find(unit);
   if (damage != damages.end()) return damage->second.cure;

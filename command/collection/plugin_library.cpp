@@ -27,7 +27,7 @@ std::function<void(const std::string& reason)> gTell = [](const std::string& rea
   std::cerr << "displayinfo: " + ToPrintable(reason) + '\n';
 };
 
-/// The text of the exception that is being handled.
+/// The message of the exception that is being handled.
 std::string DescribeException() try {
   if (std::current_exception() == nullptr) return "it ended the program";
   throw;
@@ -37,7 +37,8 @@ std::string DescribeException() try {
   return "an exception that says nothing";
 }
 
-/// While it lives, std::terminate says what was thrown: an exception that cannot leave dlopen ends there.
+/// While it lives, std::terminate says what was thrown. An exception thrown within dlopen cannot leave it and ends
+/// there.
 class TLastWords {
  public:
   explicit TLastWords(std::string file) : m_before(std::set_terminate(End)) { s_file = std::move(file); }
@@ -59,7 +60,7 @@ std::string TLastWords::s_file;
 void* Load(const fs::path& file) {
   RequirePlugin(file);
   const TLastWords lastWords(file.string());
-  // A path without a slash would be looked for elsewhere.
+  // dlopen would search other folders for a path without a slash.
   void* library = dlopen(fs::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) {
     throw TUnusable(std::string("the plug-in cannot be loaded: ") + dlerror() + "; " + kCure);
@@ -97,7 +98,7 @@ void RequirePlugin(const fs::path& file) {
 fs::path FindPlugin() {
   std::error_code error;
   fs::path command = fs::read_symlink("/proc/self/exe", error);
-  // Without /proc it is found by the name that it was started by.
+  // Without /proc, the command is found by the name under which it was started.
   if (error) command = fs::canonical(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), error);
   if (error) {
     throw TUnusable("the plug-in beside the command cannot be found: /proc/self/exe: " + error.message() +

@@ -1,4 +1,4 @@
-// The plug-in as a loaded library.
+// Loads and unloads the plug-in.
 #pragma once
 
 #include <filesystem>
@@ -10,11 +10,12 @@
 
 class TEmbeddedHost;
 
-/// Loads the plug-in into `host` at construction, where it registers itself; lets it prepare and unloads it at
-/// destruction.
+/// The constructor loads the plug-in, which registers itself with `host`. The destructor lets it prepare for unloading
+/// and unloads it.
 class TPluginLibrary {
  public:
-  /// Throws TUnusable, naming the file, when it cannot be loaded or does not register a plug-in that answers requests.
+  /// Throws TUnusable, which names the file, if it cannot be loaded or does not register a plug-in that answers
+  /// requests.
   TPluginLibrary(const std::filesystem::path& file, TEmbeddedHost& host);
   ~TPluginLibrary();
   TPluginLibrary(const TPluginLibrary&) = delete;
@@ -33,13 +34,13 @@ class TPluginLibrary {
   NQRXZELT20::IPluginBasicQueryCallbacks* m_queryCallbacks;
 };
 
-/// What to do, instead of a line on standard error, when a plug-in throws while it is loaded. An exception cannot pass
-/// the C library's dlopen, so the process ends afterwards, with status 1. `tell` is given the reason, which names the
-/// file.
+/// Sets what is called, instead of writing a line on standard error, if a plug-in throws while it is loaded. `tell`
+/// gets the reason, which names the file. Afterwards the process ends with status 1, since an exception cannot pass
+/// through the C library's dlopen.
 void OnThrowingPlugin(std::function<void(const std::string& reason)> tell);
 
-/// Throws TUnusable when there is no such file.
+/// Throws TUnusable if there is no such file.
 void RequirePlugin(const std::filesystem::path& file);
 
-/// The plug-in to load when none is named: the one beside the command, else the installed one.
+/// The plug-in to load if none is named: the one beside the command, or else the installed one.
 std::filesystem::path FindPlugin();

@@ -1,5 +1,5 @@
-// Texts of the plug-in that are read back: parts of ids, and of messages in its log. A test holds each against what the
-// plug-in writes.
+// Texts that the command recognises in the plug-in's answers: parts of ids and of log messages. A test compares each
+// with what the plug-in writes.
 #pragma once
 
 #include <string>
@@ -12,11 +12,11 @@ inline std::string GetMonitorOfMode(const std::string& settingId) {
   return settingId.substr(0, settingId.rfind(kModeOfMonitor));
 }
 
-/// Comes before the name of a class, and the full stop after it, in the message that opens the serving of that class.
+/// The log message with which the plug-in begins to serve a class; the class's name and a full stop follow.
 constexpr const char* kServesClass = "Received request for class ";
 
-// Messages that end with a text of the configuration that is no number.
+// Messages that end with the text of the configuration that is not a number.
 constexpr const char* kNoColourDepth = "Could not convert to integer color quality from";
 constexpr const char* kNoWidthOrDepth = "Could not convert to integer horizontal resolution from";
-/// Ends with the width of the mode, not with the height that failed.
+/// Ends with the width of the mode instead of the height, which is what failed.
 constexpr const char* kNoHeight = "Could not convert to integer vertical resolution from ";

@@ -10,16 +10,16 @@
 
 namespace {
 
-/// What there is of the Device sections in an X server's configuration, from which the plug-in makes its controllers.
+/// What an X server's configuration has of Device sections, from which the plug-in makes its controllers.
 struct TDeviceSections {
-  bool isEmpty = false;        // the whole file
-  std::size_t begun = 0;       // sections
-  std::size_t ended = 0;       // of them
-  std::size_t identified = 0;  // of those
+  bool isEmpty = false;        // the file is empty
+  std::size_t begun = 0;       // sections that begin
+  std::size_t ended = 0;       // those that also end
+  std::size_t identified = 0;  // those that also have an identifier
   bool hasBadVideoRam = false;
 };
 
-/// The causes of an empty answer, in the order in which they count. "%" stands for the file.
+/// A cause of an empty answer; the first that applies counts. "%" stands for the file.
 struct TConfigurationCause {
   bool (*applies)(const TDeviceSections& sections);
   const char* sentence;
@@ -38,7 +38,7 @@ constexpr TConfigurationCause kConfigurationCauses[] = {
     {[](const TDeviceSections&) { return true; }, "% yields none"},
 };
 
-/// Takes the next word off the text: quotes and blanks part words.
+/// Takes the next word from the text. Quotes and blanks separate words.
 std::string_view TakeWord(std::string_view& text) {
   constexpr std::string_view kSeparators = " \t\r\f\v\"";
   text.remove_prefix(std::min(text.find_first_not_of(kSeparators), text.size()));
@@ -79,7 +79,7 @@ TDeviceSections FindDeviceSections(std::string_view text) {
   return sections;
 }
 
-/// The file that the plug-in read: the last that it found, since it looks no further.
+/// The file that the plug-in read: the last one that it found, since it stops there.
 std::optional<std::string> FindReadFile(const TMachine& machine, const std::vector<TFileQuery>& queries) {
   const auto found =
       std::find_if(queries.rbegin(), queries.rend(), [](const TFileQuery& query) { return query.exists; });
@@ -156,7 +156,7 @@ std::string ExplainUnreadableFiles(const TMachine& machine, const std::vector<TF
     const auto failure = failed(query);
     if (failure == failures.end()) continue;
     ++count;
-    if (!first || (first->isLookUp && !failure->isLookUp)) first = *failure;  // the one that says most
+    if (!first || (first->isLookUp && !failure->isLookUp)) first = *failure;  // a file that exists says more
   }
   if (!first) return std::string();
   const std::string cure = "; " + first->cure;

@@ -17,25 +17,26 @@
 
 namespace {
 
-// Between the two processes, which are the same program: a machine's name after its size, and a line after this.
+// The two processes are the same program. The parent sends a machine's name after its size; the worker sends a line
+// after this header.
 struct TLineHeader {
   std::uint32_t size;  // of the line, bytes
   std::uint16_t hasFailed;
   std::uint16_t isLast;
 };
 
-int gParent = -1;  // in a worker, the socket to the process that gives it machines
+int gParent = -1;  // in a worker: the socket to its parent
 
 // Processes that were killed and may not have ended yet.
 std::vector<pid_t> gKilled;
 
-/// Waits for those that have ended, so that the system can forget them.
+/// Reaps the killed processes that have ended.
 void ReapKilled() {
   const auto hasEnded = [](pid_t process) { return waitpid(process, nullptr, WNOHANG) != 0; };
   gKilled.erase(std::remove_if(gKilled.begin(), gKilled.end(), hasEnded), gKilled.end());
 }
 
-/// Sends header and text as one message, so that their receiver is woken once.
+/// Sends header and text as one message, so that the receiver is woken only once.
 template <typename THeader>
 bool Send(int descriptor, const THeader& header, const std::string& text) {
   const std::string message = std::string(reinterpret_cast<const char*>(&header), sizeof header) + text;
@@ -67,14 +68,14 @@ bool ReceiveMachine(int descriptor, std::string& machine) {
   return Receive(descriptor, machine.data(), size);
 }
 
-/// What the parent does at a signal is its own; what it was started to ignore stays ignored.
+/// Removes the parent's handler of a signal. An ignored signal stays ignored.
 void DropHandler(int signal) {
   struct sigaction action = {};
   sigaction(signal, nullptr, &action);
   if (action.sa_handler != SIG_IGN) std::signal(signal, SIG_DFL);
 }
 
-/// The parent answers Ctrl-C, and the worker ends when the parent does.
+/// Only the parent answers Ctrl-C, and the worker ends when the parent does.
 void PrepareProcess(pid_t parent) {
   std::signal(SIGINT, SIG_IGN);
   std::signal(SIGTERM, SIG_DFL);
@@ -82,8 +83,8 @@ void PrepareProcess(pid_t parent) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  prctl(PR_SET_PDEATHSIG, SIGKILL);   // even while it is stopped
-  if (getppid() != parent) _exit(0);  // it ended before that was said
+  prctl(PR_SET_PDEATHSIG, SIGKILL);   // works even on a stopped worker
+  if (getppid() != parent) _exit(0);  // the parent ended before the call
 }
 
 [[noreturn]] void Serve(const TWorker::TWork& work) {
@@ -178,11 +179,11 @@ TMachineLine TWorker::WaitForLine() {
 }
 
 std::string TWorker::DescribeDeath() {
-  // It is ending, or it closed its socket and goes on. The signal stops the latter; a process that has begun to end
+  // The worker is ending, or has closed its socket and goes on. The signal ends it in the second case; in the first it
   // keeps its own status.
   kill(m_process, SIGKILL);
   int status = 0;
-  constexpr int maxLooks = 30'000;  // with the pauses 30 s: on a busy machine it takes long to give back gigabytes
+  constexpr int maxLooks = 30'000;  // 30 s with the pauses: a busy machine takes long to free gigabytes
   constexpr useconds_t pause = 1000;
   for (int look = 0; waitpid(m_process, &status, WNOHANG) != m_process; ++look) {
     if (look == maxLooks) return "neither works nor ends";
