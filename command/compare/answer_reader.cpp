@@ -14,15 +14,15 @@ using NQRXZELT20::TCIMValue;
 
 namespace {
 
-/// The rules of an answer's keys.
+/// Reads an answer by rules for its keys.
 class TAnswerReader {
  public:
-  /// `isLine`: the place says which line of a file it is.
+  /// `isLine`: `place` includes the line of the file.
   TAnswerReader(const std::string& place, bool isLine)
       : m_place(place), m_json({place, "answer", kCompareTakes, isLine}, EUnexpected::kUnknownSkipped) {}
 
   TReadAnswer Read(const std::string& text) {
-    // A captured machine, or the inventory of one, has none of an answer's keys, but another reader.
+    // A captured machine, or the inventory of one, has other keys than an answer, and is left to another reader.
     TJsonRule captured = TJsonRule::Plain([this](TJsonValue&) { return StopAtCapturedMachine(); }, "");
     captured.shapes |= TJsonRule::kObject | TJsonRule::kArray;
     captured.each = {captured};
@@ -62,7 +62,7 @@ class TAnswerReader {
         [this] { m_instance = {}; }, [this] { EndInstance(); });
   }
 
-  /// A plain value, or an array of such.
+  /// A plain value, or an array of plain values.
   TJsonRule MakeValueRule() {
     constexpr const char* expected = "must be a plain value, or an array of such";
     const auto takeInto = [this](void (TAnswerReader::*take)(json)) {
@@ -135,9 +135,9 @@ class TAnswerReader {
   TReadAnswer m_answer;
   bool m_hasRequests = false;
   bool m_hasOutputs = false;
-  TReadInstance m_instance;  // that is being read
-  std::string m_property;    // of it
-  json m_value;              // of that
+  TReadInstance m_instance;  // the one that is being read
+  std::string m_property;    // its property that is being read
+  json m_value;              // that property's value
 };
 
 TPropertyValue TakeValue(const TCIMValue& value) {
@@ -157,7 +157,7 @@ TPropertyValue TakeValue(const TCIMValue& value) {
     case TType::kUint32:
       return value.GetUnsigned();
     case TType::kReal32:
-      // An answer has the shortest decimal of the number, which is not the same number with the bits of a double.
+      // A written answer has the shortest decimal of the number; read as a double, it differs from the number itself.
       if (!std::isfinite(value.GetReal())) return nullptr;
       return json::parse(static_cast<std::string>(value)).get<double>();
     case TType::kString:
@@ -175,7 +175,7 @@ TReadInstance TakeInstance(const TStoredInstance& stored) {
 }
 
 void ReplaceBytes(TPropertyValue& value) {
-  // A plain value is its own only element.
+  // Iterating over a plain value gives the value itself.
   for (TPropertyValue& element : value) {
     if (element.is_string()) element = ToUtf8(element.get_ref<const std::string&>());
   }

@@ -1,8 +1,7 @@
-// An answer as a comparison takes it: one that displayinfo has written, or one that the plug-in has just given.
+// Reads an answer for a comparison: one that displayinfo has written, or one that the plug-in has just given.
 //
-// A written one comes from strangers. It is read piece by piece by tables of what is expected where, so that the first
-// wrong thing ends the reading, and no more is kept than a comparison needs. Unknown keys are skipped: a later version
-// may write more.
+// Strangers send written ones. They are read piece by piece, the first error ends the reading, and only what a
+// comparison needs is kept. Unknown keys are skipped, since a later version may write more.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +13,8 @@
 
 #include "command/collection/collection.h"
 
-/// Null, a boolean, a number, a text, or an array of these. A text that the plug-in has just given may have any bytes;
-/// in a written one, U+FFFD stands for those that are not UTF-8.
+/// Null, a Boolean, a number, a text, or an array of these. A text that the plug-in has just given may have any bytes;
+/// a written one has U+FFFD in place of those that are not UTF-8.
 typedef nlohmann::json TPropertyValue;
 typedef std::map<std::string, TPropertyValue> TProperties;
 
@@ -32,29 +31,29 @@ struct TReadRequest {
 };
 
 struct TReadOutput {
-  std::string deviceId;   // empty when the plug-in reports no monitor for it
-  std::string connector;  // empty when it is not known
-  TEdid edid;             // empty when it has none
+  std::string deviceId;   // empty if the plug-in reports no monitor for it
+  std::string connector;  // empty if it is unknown
+  TEdid edid;             // empty if it has none
 };
 
 struct TReadAnswer {
-  bool isCapturedMachine = false;      // it is no answer but a captured machine, and was read no further
-  std::optional<std::string> machine;  // its name, which only a line has
-  std::optional<std::string> error;    // why it could not be asked; then the rest is empty
+  bool isCapturedMachine = false;      // it is a captured machine instead of an answer, and was not read further
+  std::optional<std::string> machine;  // its name; only a line of many has one
+  std::optional<std::string> error;    // why the machine could not be asked; the rest is then empty
   std::vector<TReadRequest> requests;
   std::vector<TReadOutput> outputs;
 };
 
-/// What people are told where something else is found.
+/// What the message says if the file is something else.
 constexpr const char* kCompareTakes =
     "compare takes captured machines, and what --format json or --machines has written";
 
-/// `place`: the file, or the file and the line, where a message begins. Throws TUnusable, naming place and key, for a
-/// text that is no such answer.
+/// `place`: the file, or the file and the line: the beginning of a message. Throws TUnusable, which names place and
+/// key, if the text is no such answer.
 TReadAnswer ReadAnswer(const std::string& text, const std::string& place);
 
-/// What the plug-in has just given, with its texts as they are.
+/// Takes what the plug-in has just given, with its texts as they are.
 TReadAnswer TakeAnswer(const TAnswer& answer);
 
-/// The same answer as it would be read after it was written.
+/// The answer as it would be after writing and reading it.
 TReadAnswer AsWritten(TReadAnswer answer);

@@ -40,7 +40,7 @@ TReadAnswer Ask(const std::string& name, const std::function<TMachine()>& read, 
   return WithinMemory([&] {
     const TMachine machine = read();
     const TAnswer answer = Collect(machine, options.plugin, {ListAllClasses()}, {});
-    // Of files that may not be read it is not known whether their controllers are gone.
+    // If a configuration may not be read, nobody knows whether its controllers are gone.
     const std::string unreadable = ExplainUnreadableFiles(machine, answer.fileQueries);
     if (!unreadable.empty()) throw TUnusable(unreadable);
     for (const std::string& note : answer.notes) ShowRemark(note);
@@ -48,13 +48,13 @@ TReadAnswer Ask(const std::string& name, const std::function<TMachine()>& read, 
   });
 }
 
-/// What a machine is known again by.
+/// By what a machine is recognised on the other side.
 struct TMachineKey {
-  std::string path;        // how its line or its file calls it
-  std::string systemName;  // empty where its answer has none, or where machines are known by their paths
+  std::string path;        // its name in its line, or its file's name
+  std::string systemName;  // empty if its answer has none, or if machines are recognised by their paths
 };
 
-/// The machines of the older side, kept until their counterpart comes.
+/// The machines of the older side, kept until their counterparts come.
 class TKnownMachines {
  public:
   void Add(TMachineKey key, const TMachineFacts& facts) {
@@ -65,11 +65,11 @@ class TKnownMachines {
 
   std::size_t CountAll() const { return m_machines.size(); }
 
-  /// The packed facts of the only machine.
+  /// The packed facts of the machine, if there is only one.
   std::string TakeOnly() { return TakeAt(0); }
 
-  /// The packed facts of the machine with the system name, where it is the only one; else of that with the path, which
-  /// must not have another system name. Several with one path come in their order. Nothing when none is left.
+  /// The packed facts of the only machine with the system name; otherwise those of the machine with the path, unless it
+  /// has another system name. Several with one path are taken in their order. Nothing if none is left.
   std::optional<std::string> Take(const TMachineKey& key) {
     const auto namesakes = m_bySystemName.find(key.systemName);
     if (namesakes != m_bySystemName.end() && namesakes->second.size() == 1) {
@@ -87,7 +87,7 @@ class TKnownMachines {
     return TakeAt(waiting.front());
   }
 
-  /// Reports of those that are left, in their order.
+  /// Reports of the machines that were not taken, in their order.
   std::vector<TMachineReport> ListGone() const {
     std::vector<TMachineReport> reports;
     for (const TMachine& machine : m_machines) {
@@ -111,7 +111,7 @@ class TKnownMachines {
   }
 
   std::vector<TMachine> m_machines;
-  std::unordered_map<std::string, std::deque<std::size_t>> m_byPath;  // in m_machines
+  std::unordered_map<std::string, std::deque<std::size_t>> m_byPath;  // indexes in m_machines
   std::unordered_map<std::string, std::vector<std::size_t>> m_bySystemName;
 };
 
@@ -158,7 +158,7 @@ class TComparison {
     try {
       AddAll(after, hasNames, known);
     } catch (const TUnusable&) {
-      WriteReports();  // of the machines before
+      WriteReports();  // of the machines before the unusable one
       throw;
     }
     for (TMachineReport& machine : known.ListGone()) Add(std::move(machine));
@@ -173,7 +173,7 @@ class TComparison {
   void AddAll(TComparedSide& after, bool hasNames, TKnownMachines& known) {
     while (after.HasNext()) {
       const TComparedMachine machine = after.TakeNext();
-      // Of one machine on each side it does not matter what the file is called.
+      // With one machine on each side, the names of the files do not matter.
       const bool isOnlyOne = !hasNames && m_done++ == 0 && known.CountAll() == 1 && !after.HasNext();
       AddNew(machine, isOnlyOne ? known.TakeOnly() : known.Take(GetKey(machine)));
     }
@@ -183,7 +183,7 @@ class TComparison {
     return {machine.name, m_options.isByPath ? std::string() : GetSystemName(machine.answer)};
   }
 
-  /// `before`: the packed facts of its counterpart; nothing when it has none.
+  /// `before`: the packed facts of its counterpart; nothing if it has none.
   void AddNew(const TComparedMachine& machine, const std::optional<std::string>& before) {
     const TMachineFacts facts = MakeFacts(machine.answer);
     m_moves.CountNew(facts);
@@ -198,7 +198,7 @@ class TComparison {
   void Add(TMachineReport machine) {
     ++m_counts[static_cast<std::size_t>(machine.state)];
     if (machine.state == EMachineState::kEqual) return;
-    // One that could be asked neither then nor now may be the same.
+    // A machine that could be asked neither then nor now does not count as different.
     m_isDifferent = m_isDifferent || !machine.before || !machine.after;
     m_reports.push_back(std::move(machine));
   }
@@ -210,19 +210,19 @@ class TComparison {
     }
   }
 
-  /// Nothing is equal where each machine is an error on both sides.
+  /// Throws if every machine is an error on both sides: that must not count as equal.
   void RequireAsked() const {
     const bool isCompared = m_isDifferent || m_counts[static_cast<std::size_t>(EMachineState::kEqual)] != 0;
     if (!isCompared) throw TUnusable("there is nothing to compare, since no machine could be asked, then or now");
   }
 
-  /// When nobody reads any more, the exit status is still to be found.
+  /// Stops writing once nobody reads any more; the comparison goes on for the sake of the exit status.
   void Write(const std::string& text) { m_isRead = m_isRead && WriteStandardOutput(text); }
 
   const TCompareOptions& m_options;
   std::unique_ptr<IDifferenceReport> m_report;
   TMoves m_moves;
-  std::vector<TMachineReport> m_reports;  // kept until it is known what came from which machine
+  std::vector<TMachineReport> m_reports;  // kept until all moves are known
   TMachineCounts m_counts = {};
   std::size_t m_done = 0;
   bool m_isDifferent = false;

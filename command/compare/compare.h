@@ -1,4 +1,4 @@
-// displayinfo compare: which monitors and controllers came, went or changed.
+// Does the work of displayinfo compare: which monitors and controllers came, went, moved or changed.
 #pragma once
 
 #include <chrono>
@@ -8,11 +8,11 @@ struct TCompareOptions {
   std::filesystem::path before;
   std::filesystem::path after;
   bool isJson = false;
-  bool isByPath = false;             // the machines of fleets are known again by their paths, not by system names
-  std::filesystem::path plugin;      // that captured machines are asked with
-  std::chrono::seconds timeout{60};  // for each of them
+  bool isByPath = false;             // recognise the machines of fleets by their paths instead of their system names
+  std::filesystem::path plugin;      // for asking captured machines
+  std::chrono::seconds timeout{60};  // for each captured machine
 };
 
-/// Writes the differences to standard output. The exit status: 0 when there are none, 1 when there are. Throws
-/// TUnusable, naming file and line, when one of the two cannot be compared.
+/// Writes the differences to standard output. Returns the exit status: 0 if there are none, 1 if there are. Throws
+/// TUnusable, which names file and line, if one of the two cannot be compared.
 int Compare(const TCompareOptions& options);

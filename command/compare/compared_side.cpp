@@ -14,14 +14,14 @@ bool BeginsWith(const std::string& text, const std::string& beginning) {
   return text.compare(0, beginning.size(), beginning) == 0;
 }
 
-/// Whether a file with that beginning may be JSON, as every answer is. Else only a captured machine is left.
+/// True if a file with that beginning may be JSON, as every answer is. Otherwise it can only be a captured machine.
 bool MayBeAnswer(const std::string& beginning) {
   const std::size_t first = beginning.find_first_not_of(" \t\r\n");
   return first == std::string::npos || beginning[first] == '{';
 }
 
-/// Whether the first line of a file is one of many, and not the beginning of an indented document. A line that was cut
-/// off is one too.
+/// True if the first line of a file is one answer of many, even one that was cut off; false if it is the beginning of
+/// an indented document.
 bool IsWholeLine(const std::string& line) { return BeginsWith(line, "{\"machine\":") || nlohmann::json::accept(line); }
 
 constexpr std::size_t kMaxSize = std::size_t{64} * 1024 * 1024;  // bytes of a line, or of a file that is one answer
@@ -81,7 +81,7 @@ void TComparedSide::ReadFile(const fs::path& path, const TAsk& ask) {
   if (!first) throw TUnusable(name + ": is empty, so there is nothing to compare");
   std::string text = std::move(*first);
   const bool isLine = IsWholeLine(text);
-  // The lines before are empty, and they count in what the parser says of a place.
+  // Put back the empty lines before it, so that the parser counts lines as the file does.
   if (!isLine) text = std::string(file.GetNumber() - 1, '\n') + text + "\n" + TakeRest(file);
   const std::string place = isLine ? name + ", line " + std::to_string(file.GetNumber()) : name;
   TReadAnswer answer = ReadAnswer(text, place);

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* kMonitorString = "MonitorString";
 
-/// The identities of the monitors by the connectors at which they hang.
+/// The identity of each monitor, by its connector.
 typedef std::map<std::string, std::string> TConnected;
 
 TConnected ListConnected(const TMachineFacts& machine) {
@@ -32,7 +32,8 @@ void EraseHeadProperties(TProperties& properties) {
   }
 }
 
-/// The kernel tells the modes of a card only to those who may open its device. Then no connector of it has one.
+/// False if the controller has connectors, but none of them has a mode: the kernel shows the modes of a card only to
+/// those who may open its device.
 bool ShowsModes(const TController& controller) {
   const auto isConnector = [](const THead& head) { return IsConnector(head.name); };
   const auto hasMode = [](const THead& head) { return head.properties.count("CurrentHorizontalResolution") != 0; };
@@ -40,7 +41,7 @@ bool ShowsModes(const TController& controller) {
          std::any_of(controller.heads.begin(), controller.heads.end(), hasMode);
 }
 
-/// Leaves of each device what two machines can be compared by.
+/// Reduces each device to the facts that the two machines can be compared by.
 class TComparableFacts {
  public:
   TComparableFacts(const TMachineFacts& before, const TMachineFacts& after)
@@ -63,13 +64,13 @@ class TComparableFacts {
 
   TController Choose(TController controller) const {
     if (AreAsked(kVideoHeadClass)) {
-      // The heads tell it themselves, each its own.
+      // Each head reports its own.
       EraseHeadProperties(controller.properties);
       for (THead& head : controller.heads) ChooseHead(head, controller.identity);
       return controller;
     }
     controller.heads.clear();
-    // It repeats what its first head says, whose monitor may be another one on the other side.
+    // The controller repeats what its first head says, which may have another monitor on the other side.
     if (IsConnector(controller.deviceId)) EraseHeadProperties(controller.properties);
     return controller;
   }
@@ -78,7 +79,8 @@ class TComparableFacts {
   /// `controller`: its identity.
   void ChooseHead(THead& head, const std::string& controller) const {
     if (!IsConnector(head.name)) return;
-    // The monitor at a connector is told of as one. It takes its mode with it, which is no change of the controller.
+    // A change of the monitor at a connector is reported as such. Its mode changes with it, which is no change of the
+    // controller.
     head.properties.erase(kMonitorString);
     const bool isComparable = HasSameMonitor(head.name) && m_withoutModes.count(controller) == 0;
     if (!isComparable) EraseHeadProperties(head.properties);
@@ -132,7 +134,7 @@ TOutput ReadOutput(const TEdid& edid) {
   return output;
 }
 
-/// What people read of an EDID, except the limits and versions, which the plug-in's properties have too.
+/// What people read of an EDID, except limits and versions, which are also among the plug-in's properties.
 TProperties DescribeFacts(const TOutput& output) {
   TProperties facts;
   for (const TOutputRow& row : DescribeEdid(output)) {
@@ -161,7 +163,7 @@ std::vector<TChange> ListChanges(const TMonitor& before, const TMonitor& after) 
   std::vector<TChange> changes;
   AddEdid(before.output.edid, after.output.edid, changes);
   AddFact<TPropertyValue>("Listed", before.IsListed(), after.IsListed(), changes);
-  // Of a monitor that is reported on one side only, the plug-in's properties are not further differences.
+  // If only one side lists the monitor, the plug-in's properties are no further differences.
   if (before.IsListed() == after.IsListed()) {
     AddFact("Modes", before.modes, after.modes, changes);
     AddProperties(before.properties, after.properties, changes);
@@ -169,7 +171,7 @@ std::vector<TChange> ListChanges(const TMonitor& before, const TMonitor& after) 
   return Sort(std::move(changes));
 }
 
-/// A head with its controller, which says some of the same.
+/// A head and its controller, which repeats some of its properties.
 struct THeadOf {
   const THead& head;
   const TController& controller;
@@ -177,7 +179,7 @@ struct THeadOf {
   bool Repeats(const std::string& name) const { return Get(head.properties, name) == Get(controller.properties, name); }
 };
 
-/// What the controller says too is told of the controller.
+/// Leaves out changes that the controller repeats: they are reported as the controller's.
 void AddHead(const THeadOf& before, const THeadOf& after, std::vector<TChange>& changes) {
   std::vector<TChange> all;
   AddProperties(before.head.properties, after.head.properties, all);
@@ -187,7 +189,7 @@ void AddHead(const THeadOf& before, const THeadOf& after, std::vector<TChange>& 
   }
 }
 
-/// Heads of one name are taken together in their order.
+/// Heads of one name are paired in their order.
 void AddHeads(const TController& before, const TController& after, std::vector<TChange>& changes) {
   auto head = after.heads.begin();
   for (const THead& old : before.heads) {
@@ -203,8 +205,8 @@ TPropertyValue ListNames(const std::vector<THead>& heads) {
   return names;
 }
 
-/// Whether the heads are those of the configuration that is made from what the kernel knows: one for each monitor, or
-/// one that stands for the card.
+/// True if the heads come from the configuration that the command makes from what the kernel knows: one head for each
+/// monitor, or one that stands for the card.
 bool AreMade(const std::vector<THead>& heads) {
   if (heads.size() == 1 && IsCard(heads.front().name)) return true;
   return std::all_of(heads.begin(), heads.end(), [](const THead& head) { return IsConnector(head.name); });
@@ -214,7 +216,7 @@ std::vector<TChange> ListChanges(const TController& before, const TController& a
   std::vector<TChange> changes;
   AddProperties(before.properties, after.properties, changes);
   AddHeads(before, after, changes);
-  // A monitor that comes or goes takes such a head with it.
+  // Made heads come and go with their monitors, which are reported themselves.
   if (!AreMade(before.heads) || !AreMade(after.heads)) {
     AddFact("Heads", ListNames(before.heads), ListNames(after.heads), changes);
   }
@@ -227,7 +229,7 @@ std::string Serialize(const json& value) {
   return text;
 }
 
-// What equal devices have alike.
+// A key is equal for equal devices.
 
 std::string MakeKey(const TMonitor& monitor) {
   return Serialize(json::array(
@@ -240,20 +242,20 @@ std::string MakeKey(const TController& controller) {
   return Serialize(json::array({controller.identity, controller.properties, heads}));
 }
 
-/// Devices as they are, and what can be compared of each.
+/// A device, and what can be compared of it.
 template <typename TDevice>
 struct TCandidate {
   const TDevice* device;
   TDevice comparable;
 };
 
-/// Takes the devices of two lists together in pairs: first those that are equal, so that the smallest difference is
-/// told of devices that nothing tells apart.
+/// Pairs the devices of two lists and compares each pair. Equal ones are paired first, so that devices of one identity
+/// give the smallest difference.
 template <typename TDevice>
 std::vector<TDeviceDifference<TDevice>> ComparePairs(const std::vector<TDevice>& before,
                                                      const std::vector<TDevice>& after,
                                                      const TComparableFacts& comparable) {
-  std::unordered_map<std::string, std::deque<const TDevice*>> equals;  // of before, by their keys
+  std::unordered_map<std::string, std::deque<const TDevice*>> equals;  // of `before`, by their keys
   for (const TDevice& device : before) equals[MakeKey(comparable.Choose(device))].push_back(&device);
 
   std::vector<TCandidate<TDevice>> unequal;
@@ -267,7 +269,7 @@ std::vector<TDeviceDifference<TDevice>> ComparePairs(const std::vector<TDevice>&
     }
   }
 
-  std::map<std::string, std::deque<TCandidate<TDevice>>> left;  // of before, by identity
+  std::map<std::string, std::deque<TCandidate<TDevice>>> left;  // of `before`, by identity
   for (const TDevice& device : before) {
     TDevice chosen = comparable.Choose(device);
     auto& devices = equals[MakeKey(chosen)];

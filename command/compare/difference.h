@@ -1,4 +1,4 @@
-// What is different between two machines, or between one machine then and now.
+// Finds what is different between two machines, or between one machine then and now.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 #include "command/compare/machine_facts.h"
 
-/// Moved: it came from another machine. Left: it is gone to one, where its move is told.
+/// Moved: it came from another machine. Left: it went to another machine, which reports the move.
 enum class EState { kCame, kGone, kChanged, kMoved, kLeft };
 
 template <typename TFact>
@@ -16,7 +16,7 @@ struct TChanged {
   TFact after;
 };
 
-/// A fact that is not the same. A property is null where it is missing.
+/// A fact that changed. A missing property is null.
 struct TChange {
   std::string name;
   std::variant<TChanged<TPropertyValue>, TChanged<TEdid>, TChanged<TModes>> fact;
@@ -25,9 +25,9 @@ struct TChange {
 template <typename TDevice>
 struct TDeviceDifference {
   EState state;
-  TDevice device;                // the old one when it is gone, else the new one
-  std::vector<TChange> changes;  // of one that has changed, sorted by their names
-  std::string origin = {};       // of one that has moved: the machine that it was at
+  TDevice device;                // the old one if it is gone, otherwise the new one
+  std::vector<TChange> changes;  // if it has changed: sorted by name
+  std::string origin = {};       // if it has moved: the machine that it came from
 };
 
 typedef std::vector<TDeviceDifference<TMonitor>> TMonitorDifferences;
@@ -40,11 +40,11 @@ struct TMachineDifference {
   bool IsEmpty() const { return monitors.empty() && controllers.empty(); }
 };
 
-/// Whether both were asked for monitors, or both for controllers. Else no difference can be found.
+/// True if both were asked for monitors, or both for controllers. Otherwise no difference can be found.
 bool AreComparable(const TMachineFacts& before, const TMachineFacts& after);
 
 /// The differences of a machine that came or is gone: each monitor that it was asked for.
 TMonitorDifferences ListMonitors(const TMachineFacts& machine, EState state);
 
-/// Where devices stand in their lists is no difference. What one of the two was not asked for is not compared.
+/// The order of devices is no difference. A class that one of the two was not asked for is not compared.
 TMachineDifference Compare(const TMachineFacts& before, const TMachineFacts& after);

@@ -29,7 +29,7 @@ const char* GetName(EState state) {
   return "changed";
 }
 
-/// A value as people read it.
+/// A value as text for people.
 std::string GetText(const TPropertyValue& value) {
   if (value.is_null()) return "none";
   if (value.is_string()) return ToPrintable(value.get<std::string>());
@@ -58,7 +58,7 @@ std::string MakeText(const std::string& name, const TChanged<TEdid>& edid) {
   return MakeLine(name, std::to_string(count) + " of " + std::to_string(before.size()) + " bytes differ");
 }
 
-/// The modes that only one of the two lists has: most of a monitor's modes stay when some change.
+/// Only the modes that one of the two lists lacks, since most modes of a monitor stay.
 std::string MakeText(const std::string& name, const TChanged<TModes>& modes) {
   const auto listMissing = [&](const char* what, const TModes& list, const TModes& others) {
     TModes missing;
@@ -94,7 +94,7 @@ void WriteValue(TJsonWriter& writer, const TModes& modes) {
   writer.EndArray();
 }
 
-/// What a device is known by, and where it is: a value for each key that has one.
+/// How a device is recognised, and where it is: a value for each key that has one.
 typedef TProperties TDescription;
 
 void AddText(TDescription& description, const char* key, const std::string& text) {
@@ -241,7 +241,7 @@ std::string TTextDifferenceReport::Add(const TMachineReport& machine) {
   if (machine.state == EMachineState::kUnknown) return name + " could not be asked\n" + ExplainUnknown(machine);
   const std::string devices = MakeText("Monitor", machine, machine.difference.monitors) +
                               MakeText("Controller", machine, machine.difference.controllers);
-  // Where nothing else has changed than that monitors left, that is told where they are now.
+  // If the only change is that monitors left, the machines where they are now report it.
   const bool hasState = machine.state != EMachineState::kChanged || devices.empty();
   return name + (hasState ? std::string(" ") + GetName(machine.state) : "") + "\n" + devices;
 }

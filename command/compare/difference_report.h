@@ -1,4 +1,4 @@
-// The differences for people, and for programs (docs/compare.md describes the JSON), machine by machine.
+// Writes the differences machine by machine, as text for people or as JSON (docs/compare.md describes it).
 #pragma once
 
 #include <cstddef>
@@ -7,30 +7,30 @@
 
 #include "command/compare/difference.h"
 
-/// What became of a machine. Unknown: it could not be asked, then or now.
+/// What happened to a machine. Unknown: it could not be asked, then or now.
 enum class EMachineState { kEqual, kCame, kGone, kChanged, kUnknown };
 constexpr std::size_t kMachineStates = 5;
 
 struct TMachineReport {
   std::string name;
   EMachineState state;
-  TMachineDifference difference;           // of one that has changed; of one that came, what moved to it
-  std::optional<std::string> before = {};  // why it could not be asked
-  std::optional<std::string> after = {};
+  TMachineDifference difference;           // if it has changed; also what moved to a machine that came
+  std::optional<std::string> before = {};  // why it could not be asked then, ...
+  std::optional<std::string> after = {};   // ... or now
 };
 
 /// A monitor whose serial number several machines of one side have.
 struct TDoubtfulSerial {
   TMonitor monitor;
-  std::size_t before;  // machines of the older side
-  std::size_t after;   // and of the newer
+  std::size_t before;  // machines of the older side that have it
+  std::size_t after;   // machines of the newer side that have it
 };
 
-/// How many machines there are of each state.
+/// The number of machines in each state.
 typedef std::size_t TMachineCounts[kMachineStates];
 
-/// The texts of a report, which follow each other: the beginning, one for each machine, the end with the doubtful
-/// serial numbers.
+/// Returns the consecutive texts of a report: the beginning, one for each machine, and the end with the doubtful serial
+/// numbers.
 class IDifferenceReport {
  public:
   virtual ~IDifferenceReport() = default;
@@ -45,7 +45,7 @@ class TTextDifferenceReport : public IDifferenceReport {
   std::string End(const TMachineCounts& counts, const std::vector<TDoubtfulSerial>& doubtful) override;
 };
 
-/// One JSON document, each machine on a line of it.
+/// One JSON document with one line for each machine.
 class TJsonDifferenceReport : public IDifferenceReport {
  public:
   std::string Begin() override;

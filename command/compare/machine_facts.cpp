@@ -19,18 +19,17 @@ constexpr const char* kDisplayId = "DisplayId";
 constexpr const char* kDeviceId = "DeviceID";
 constexpr const char* kSystemName = "SystemName";
 
-/// Properties that say which device it is, or where it stands in a row. A controller's OtherIdentifyingInfo repeats its
-/// DeviceID.
+/// Properties that name the device or number it. A controller's OtherIdentifyingInfo repeats its DeviceID.
 constexpr const char* kPlaces[] = {"CreationClassName", "SystemCreationClassName", "SystemName",
                                    kDeviceId,           "OtherIdentifyingInfo",    "HeadNumber",
                                    kDisplayId};
 
-/// The day and the hour at which a week began differ from time zone to time zone. The EDID has the week itself.
+/// Not compared: the day and hour at which a week began depend on the time zone, and the EDID has the week itself.
 constexpr const char* kManufacturingDate = "ManufacturingDate";
 
 constexpr const char* kCard = "card";
 
-// Where an identity comes from when it is not a serial number.
+// Values of TIdentity::from for an identity without a serial number.
 constexpr const char* kEdid = "edid";
 constexpr const char* kConnector = "connector";
 
@@ -41,7 +40,7 @@ bool IsOneOf(const char* const (&names)[size], const std::string& name) {
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
-/// All but those that say where the device is.
+/// All properties except those in kPlaces.
 TProperties WithoutPlaces(const TProperties& properties) {
   TProperties others;
   std::copy_if(properties.begin(), properties.end(), std::inserter(others, others.end()),
@@ -49,8 +48,8 @@ TProperties WithoutPlaces(const TProperties& properties) {
   return others;
 }
 
-/// What the last request that asked for the class has of it. One that asked for it several times has all of its
-/// instances as often; the last ones count.
+/// The class's instances in the last request that asked for it. A request that names the class several times has all
+/// its instances as often; the last ones count.
 std::vector<const TReadInstance*> Select(const TReadAnswer& answer, const char* className) {
   std::vector<const TReadInstance*> selected;
   for (auto request = answer.requests.rbegin(); request != answer.requests.rend(); ++request) {
@@ -68,8 +67,8 @@ std::vector<const TReadInstance*> Select(const TReadAnswer& answer, const char* 
 
 // Monitors.
 
-/// The identities of the outputs that have an EDID, in their order. Byte-equal EDIDs keep one: at which connector each
-/// hangs does not matter here.
+/// The identities of the outputs that have an EDID, in their order. EDIDs that are equal in all bytes have the same
+/// identity here, whatever their connectors.
 std::vector<TIdentity> Identify(const std::vector<TReadOutput>& outputs) {
   std::deque<TEdidFacts> facts;
   std::vector<TPlacedMonitor> monitors;
@@ -114,7 +113,8 @@ std::vector<TMonitor> MakeMonitors(const TReadAnswer& answer) {
     const bool isNumbered = !IsFrom(identity, kEdid) && !IsFrom(identity, kConnector);
     TMonitor monitor = {identity.text, isNumbered, output, {}, {}};
     if (monitor.IsListed()) {
-      // Only the first of several outputs with one DeviceID, which no plug-in makes: copies for each could be endless.
+      // Only the first of several outputs with one DeviceID gets them: no plug-in makes such outputs, and a hostile
+      // answer could ask for endless copies.
       monitor.properties = std::exchange(properties[output.deviceId], {});
       monitor.modes = std::exchange(modes[output.deviceId], {});
     }
@@ -125,7 +125,7 @@ std::vector<TMonitor> MakeMonitors(const TReadAnswer& answer) {
 
 // Controllers.
 
-/// A head belongs to the controller of its display id; to the first where two have the same.
+/// A head belongs to the first controller with its display id.
 std::vector<TController> MakeControllers(const TReadAnswer& answer) {
   std::vector<TController> controllers;
   std::map<std::string, std::size_t> positions;  // by display id
@@ -179,7 +179,7 @@ json PackAll(const std::vector<TDevice>& devices, json (*pack)(const TDevice&)) 
   return packed;
 }
 
-/// Where the name goes on after "card" and a number; nothing for one that does not begin so.
+/// The rest of the name after "card" and a number; nothing if it does not begin so.
 std::optional<std::string> GetAfterCard(const std::string& name) {
   const std::size_t number = std::strlen(kCard);
   if (name.compare(0, number, kCard) != 0) return std::nullopt;

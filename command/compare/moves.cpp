@@ -8,7 +8,7 @@ namespace {
 
 typedef TDeviceDifference<TMonitor> TMonitorDifference;
 
-/// Each identity once: a monitor may hang at two inputs of a machine.
+/// The identities made of serial numbers, each once: a monitor may be connected to two outputs of a machine.
 std::set<std::string> ListNumbered(const TMachineFacts& machine) {
   std::set<std::string> identities;
   for (const TMonitor& monitor : machine.monitors) {
@@ -22,7 +22,7 @@ struct TGone {
   TMonitorDifference& difference;
 };
 
-/// By identity.
+/// The monitors that are gone, by identity.
 std::map<std::string, TGone> ListGone(std::vector<TMachineReport>& reports) {
   std::map<std::string, TGone> gone;
   for (TMachineReport& report : reports) {
@@ -35,7 +35,7 @@ std::map<std::string, TGone> ListGone(std::vector<TMachineReport>& reports) {
   return gone;
 }
 
-/// Makes a move of what came, where the same monitor is gone from another machine.
+/// Turns a monitor that came into a move if the same monitor is gone from another machine.
 void Move(TMonitorDifference& came, std::map<std::string, TGone>& gone) {
   const auto origin = gone.find(came.device.identity);
   if (origin == gone.end()) return;

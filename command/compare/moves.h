@@ -1,4 +1,4 @@
-// Monitors that went from one machine of a fleet to another.
+// Finds monitors that went from one machine of a fleet to another.
 #pragma once
 
 #include <string>
@@ -15,18 +15,19 @@ struct TMachinesOf {
 
 class TMoves {
  public:
-  // Counts the monitors of a machine of one side.
+  // Count the monitors of a machine of one side.
   void CountOld(const TMachineFacts& machine);
   void CountNew(const TMachineFacts& machine);
 
-  /// Makes one move of each monitor that is gone from one machine and came to another, where its identity is made of a
-  /// serial number that no two machines of one side have. The move stays in the place of what came. Returns those that
-  /// came or are gone with a serial number that several machines of one side have: it is doubtful, and moves nothing.
+  /// Finds each monitor that is gone from one machine and came to another, and reports it as moved there. This takes a
+  /// serial number that no two machines of one side have. Returns the monitors that came or are gone with a serial
+  /// number that several machines of one side have: it is doubtful and proves no move.
   std::vector<TDoubtfulSerial> Find(std::vector<TMachineReport>& reports) const;
 
  private:
   std::unordered_map<std::string, TMachinesOf> m_counts;  // by identity
 };
 
-/// Leaves out what left to another machine; and of a machine that came or is gone as a whole, all but what moved.
+/// Removes the monitors that left for another machine. Of a machine that came or is gone as a whole, keeps only the
+/// monitors that moved.
 void RemoveWhatIsNotTold(TMachineReport& report);
