@@ -10,7 +10,8 @@
 
 namespace {
 
-/// The one head of which that is true; null where there is none, or more. The instances of one head count once.
+/// The only head for which `isIt` is true; null if there is none or more than one. All instances of one head count as
+/// one.
 template <typename TIsIt>
 const TInstanceView* FindOnly(const TInstances& heads, TIsIt isIt) {
   const TInstanceView* found = nullptr;
@@ -41,7 +42,7 @@ TRequestView::TRequestView(const TRequestAnswer& request) : m_request(request) {
   JoinMonitors();
 }
 
-/// By the display id, which the association goes by too; a request need not have asked for the association.
+/// Joins by display id, as the association does, since a request need not have asked for the association.
 void TRequestView::JoinVideo() {
   std::multimap<std::string, std::size_t> byDisplay;
   std::map<std::pair<std::string, std::string>, std::size_t> positions;
@@ -63,7 +64,7 @@ void TRequestView::JoinVideo() {
 }
 
 void TRequestView::JoinMonitors() {
-  std::map<std::string, std::size_t> positions;  // by the device id
+  std::map<std::string, std::size_t> positions;  // by device id
   for (const TInstanceView& monitor : Select(kDesktopMonitorClass)) {
     const std::string id = monitor.Text("DeviceID");
     positions.emplace(id, m_monitors.size());

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kLineEnd = "\r\n";
 
-/// What a spreadsheet takes for the beginning of a formula, the full-width forms of these characters among them.
+/// What a spreadsheet takes as the beginning of a formula, including the full-width forms of these characters.
 constexpr std::string_view kFormulaBegins[] = {"=", "+", "-", "@", "\uFF1D", "\uFF0B", "\uFF0D", "\uFF20"};
 
 bool BeginsFormula(std::string_view text) {
@@ -19,8 +19,8 @@ bool BeginsFormula(std::string_view text) {
                      [&](std::string_view begin) { return text.substr(0, begin.size()) == begin; });
 }
 
-/// The text with an apostrophe before what could begin a formula: at its front, even after blanks and quotes, and right
-/// after a semicolon, which a spreadsheet of another language takes for the end of a cell.
+/// The text with an apostrophe before everything that could begin a formula: at its front, even after blanks and
+/// quotes, and right after a semicolon, which a spreadsheet in another language takes as the end of a cell.
 std::string DisarmFormulas(const std::string& text) {
   std::string disarmed;
   std::string_view skipped = " \"";
@@ -35,7 +35,7 @@ std::string DisarmFormulas(const std::string& text) {
   return disarmed;
 }
 
-// What a spreadsheet reads in numbers, times and dates.
+// What a spreadsheet accepts in numbers, times and dates.
 constexpr const char* kDigits = "0123456789";
 constexpr const char* kNumberSigns = "0123456789 .,:/%$()+-";
 constexpr std::string_view kNumberWords[] = {
@@ -43,13 +43,13 @@ constexpr std::string_view kNumberWords[] = {
     "JUN",   "JUL",  "AUG",  "SEP",  "OCT",    "NOV",       "DEC",     "JANUARY",  "FEBRUARY", "MARCH",
     "APRIL", "SEPT", "JUNE", "JULY", "AUGUST", "SEPTEMBER", "OCTOBER", "NOVEMBER", "DECEMBER"};
 
-/// A whole number that a spreadsheet shows as it is, since it has no leading zero and fits into a double.
+/// True for a whole number that a spreadsheet shows unchanged: it has no leading zero and fits into a double.
 bool IsPlainNumber(const std::string& text) {
   constexpr std::size_t maxDigits = 15;
   return text.find_first_not_of(kDigits) == std::string::npos && text.size() <= maxDigits && text[0] != '0';
 }
 
-/// True for a text such as "0012345", "4711E10" or "12MAR20", of which a spreadsheet makes a number or a date.
+/// True for a text that a spreadsheet would turn into a number or a date, such as "0012345", "4711E10" or "12MAR20".
 bool IsTakenForNumber(std::string text) {
   if (text.empty() || IsPlainNumber(text)) return false;
   std::transform(text.begin(), text.end(), text.begin(), [](unsigned char letter) { return std::toupper(letter); });
@@ -63,15 +63,15 @@ bool IsTakenForNumber(std::string text) {
   return true;
 }
 
-/// A printable text may still have a tab, which RFC 4180 does not allow and a spreadsheet may take for the end of a
-/// cell.
+/// Replaces tabs, which printable texts may have: RFC 4180 does not allow them, and a spreadsheet may take one as the
+/// end of a cell.
 std::string ShowTabs(std::string text) {
   for (std::size_t tab = 0; (tab = text.find('\t', tab)) != std::string::npos;) text.replace(tab, 1, "\\x09");
   return text;
 }
 
-/// With an apostrophe before what a spreadsheet would read as something else: LibreOffice Calc shows it, Gnumeric takes
-/// it away, and both keep the text.
+/// The text, with an apostrophe before it if a spreadsheet would read it as something else. LibreOffice Calc shows the
+/// apostrophe, Gnumeric removes it, and both keep the text.
 std::string MakeText(const std::string& text) {
   const std::string content = DisarmFormulas(ShowTabs(ToPrintable(text)));
   return IsTakenForNumber(content) ? "'" + content : content;
@@ -86,7 +86,7 @@ std::string MakeCell(const std::string& content) {
 
 enum class EContent { kText, kNumber };
 
-/// `monitor`: empty for a machine without one.
+/// A column of the table. `monitor`: empty for a machine without monitors.
 struct TColumn {
   const char* name;
   std::string (*text)(const TMachineSummary& machine, const TMonitorSummary& monitor);
@@ -136,7 +136,7 @@ const TColumn kColumns[] = {
      }},
 };
 
-/// `text`: of a column.
+/// `text`: gives the content of a column.
 template <typename TText>
 std::string MakeRow(TText text) {
   std::string row;

@@ -1,4 +1,4 @@
-// Monitors as a table for a spreadsheet: CSV as RFC 4180 has it, in UTF-8.
+// Writes monitors as a table for a spreadsheet: CSV (RFC 4180) in UTF-8.
 #pragma once
 
 #include <string>
@@ -8,6 +8,6 @@
 /// The first line: the names of the columns.
 std::string MakeCsvHead();
 
-/// A row for each monitor of the machine, which repeats what concerns the whole machine; one row for a machine without
-/// monitors, or one that could not be asked. Each ends with CR and LF.
+/// A row for each monitor of the machine, each repeating the facts of the machine. A machine without monitors, or one
+/// that could not be asked, has one row. Each row ends with CR and LF.
 std::string MakeCsvRows(const TMachineSummary& machine);

@@ -17,7 +17,7 @@ std::string PowerStates(const TInstanceView& monitor) {
   return states.empty() ? "none" : Join(states);
 }
 
-/// In MiB, or in bytes where these are not whole MiB.
+/// The video memory in MiB, or in bytes if it is not a whole number of MiB.
 std::string VideoMemory(const TInstanceView& controller) {
   constexpr unsigned int mebibyte = 1024 * 1024;  // bytes
   const unsigned int bytes = controller.Number("VideoRamSize");
@@ -25,7 +25,7 @@ std::string VideoMemory(const TInstanceView& controller) {
   return std::to_string(bytes / mebibyte) + " MiB";
 }
 
-/// The text and the words after it, or nothing.
+/// The text followed by the words; nothing if the text is empty.
 std::string Extend(const std::string& text, const char* words) { return text.empty() ? text : text + words; }
 
 std::string ConfiguredMode(const TInstanceView& head) {
@@ -33,16 +33,16 @@ std::string ConfiguredMode(const TInstanceView& head) {
                Extend(head.TextWithUnit("CurrentBitsPerPixel"), " per pixel")});
 }
 
-/// The plug-in's instance of a monitor, and the facts that people read.
+/// The plug-in's instance of a monitor, and the facts about it as texts.
 struct TMonitorParts {
-  const TInstanceView* instance;  // null for a monitor that the answer does not have
+  const TInstanceView* instance;  // null if the answer does not have the monitor
   TMonitorFacts facts;
   std::string notListed, cure, connector, source;
 
   std::string Text(const char* name) const { return instance == nullptr ? std::string() : instance->Text(name); }
 };
 
-// A label, and how its text comes out of what is known of the device.
+// A label, and how its text is made from what is known of the device.
 template <typename T>
 struct TRow {
   const char* label;
@@ -62,7 +62,7 @@ const TRow<TInstanceView> kHeadRows[] = {
     {"Monitor model", [](const TInstanceView& i) { return i.Text("MonitorString"); }},
 };
 
-// What people ask for first stands first.
+// In the order in which people look for them.
 const TRow<TMonitorParts> kMonitorRows[] = {
     {"Not listed", [](const TMonitorParts& m) { return m.notListed; }, ERowPlace::kProblem},
     {"What helps", [](const TMonitorParts& m) { return m.cure; }, ERowPlace::kProblem},

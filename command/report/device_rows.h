@@ -1,4 +1,4 @@
-// What the text report and the page say of each device: rows of a label and a text, without those that are empty.
+// Describes each device for the text report and the page: rows of a label and a text. Empty rows are left out.
 #pragma once
 
 #include <vector>
@@ -11,18 +11,18 @@ std::vector<TOutputRow> DescribeController(const TInstanceView& controller);
 
 std::vector<TOutputRow> DescribeHead(const TInstanceView& head);
 
-/// The model's name, or the part number of a panel without one; empty where neither is known.
+/// The model's name, or the part number of a panel without a name; empty if neither is known.
 std::string NameMonitor(const TAnswer& answer, const TMonitorView& view);
 std::string NameMonitor(const TOutput& output);
 
-/// What is known of an output whose monitor the plug-in does not list, with the reason, and without the modes.
+/// Everything except the modes of an output whose monitor the plug-in does not list, with the reason.
 std::vector<TOutputRow> DescribeUnlisted(const TAnswer& answer, const TOutput& output, const TMakerNames& makers);
 
-/// How the names of makers are to be had, as a sentence without its full stop; empty where no maker lacks its name.
+/// A sentence without its full stop that says how to get the names of makers; empty if no name is missing.
 std::string SuggestMakerNames(const TAnswer& answer, const TMakerNames& makers);
 
-/// What the output's EDID says, without the modes.
+/// What the output's EDID says, except the modes.
 std::vector<TOutputRow> DescribeEdid(const TOutput& output);
 
-/// Everything except the modes. Of a monitor that the request did not ask for, only the mode that it prefers.
+/// Everything except the modes; only the preferred mode if the request did not ask for monitors.
 std::vector<TOutputRow> DescribeMonitor(const TAnswer& answer, const TMonitorView& view, const TMakerNames& makers);

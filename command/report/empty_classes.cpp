@@ -12,10 +12,10 @@ namespace {
 
 typedef std::vector<std::string> TSentences;
 
-/// What the host's model held when a class was asked for: an association links instances that are in it by then.
+/// What the host's model held when a class was asked for. An association links only instances that it holds by then.
 class TModelBefore {
  public:
-  /// Before the class at that position of the request.
+  /// The model just before the class at `position` of the request.
   TModelBefore(const TAnswer& answer, const TRequestAnswer& request, std::size_t position) {
     for (const TRequestAnswer& earlier : answer.requests) {
       if (&earlier == &request) break;
@@ -45,12 +45,12 @@ class TModelBefore {
   TSentences m_held;
 };
 
-/// Why a class can have no instances.
+/// Why a class may have no instances.
 struct TCause {
   const char* className;
-  std::string TReasons::*reason;  // of the machine; null for an association
-  const char* linked[2];          // what an association links
-  const char* otherwise;          // why it links none of them although they exist
+  std::string TReasons::*reason;  // the machine's reason; null for an association
+  const char* linked[2];          // the classes that an association links
+  const char* otherwise;          // why it links none of their instances, if they exist
 };
 
 const TCause kCauses[] = {
@@ -93,11 +93,11 @@ void Add(TSentences& sentences, const std::string& sentence) {
   if (std::find(sentences.begin(), sentences.end(), printable) == sentences.end()) sentences.push_back(printable);
 }
 
-/// Messages of the plug-in about a text that it could not use, which it ends with. They are of no severity that people
-/// see, and a head is without a value for it.
+/// A message of the plug-in that ends with a text that it could not use, so that a head lacks a property. Its severity
+/// is too low for people to see it.
 struct TUnusedValue {
   const char* message;
-  const char* property;  // that the head lacks
+  const char* property;  // the one that the head lacks
   const char* meaning;   // "%" stands for the text
 };
 
@@ -109,7 +109,7 @@ constexpr TUnusedValue kUnusedValues[] = {
      " has no configured height: what follows \"%x\" in its Screen section is no number of lines"},
 };
 
-/// The heads without that property, by their names: the message does not say whose text it was.
+/// Names all heads without that property, since the message does not say which head's text it was.
 std::string NameHeadsWithout(const TRequestAnswer& request, const char* property) {
   TSentences names;
   for (const auto& instance : request.instances) {
@@ -132,7 +132,7 @@ void AddUnusedValues(const TRequestAnswer& request, TSentences& sentences) {
   }
 }
 
-/// Of the classes without instances; those of one cause are named together.
+/// Adds the causes of classes without instances. Classes with the same cause are named together.
 void AddCauses(const TAnswer& answer, const TRequestAnswer& request, EPart part, TSentences& sentences) {
   const bool isPartEmpty = !HasInstances(request, part);
   std::vector<std::pair<std::string, TSentences>> causes;  // with the names of their classes

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kMaxLine = std::size_t{64} * 1024 * 1024;  // bytes
 
-/// A number is written with a point or an exponent, so that a reader of any language takes it for a real.
+/// Always has a point or an exponent, so that a reader in any programming language takes the number as a real.
 std::string MakeJsonReal(const TCIMValue& value) {
   if (!std::isfinite(value.GetReal())) return "null";
   const std::string text = value;
@@ -112,7 +112,8 @@ void WriteKeyValue(TJsonWriter& json, const std::vector<T>& values) {
   json.EndArray();
 }
 
-/// Keys without a value are left out. `begin` is called before each key that is written.
+/// Leaves out keys without a value, except those that every output has. `begin` is called before each key that is
+/// written.
 template <typename TBegin>
 void WriteKeys(TJsonWriter& json, const TKeyGroup& group, const TOutput& output, std::size_t element, TBegin begin) {
   for (const TOutputKey* const key : group.keys) {
@@ -134,7 +135,7 @@ void WriteGroup(TJsonWriter& json, const TKeyGroup& group, const TOutput& output
   if (isOpen) json.EndObject();
 }
 
-/// An array without objects is left out too.
+/// Leaves out an array without objects.
 void WriteArray(TJsonWriter& json, const TKeyGroup& group, const TOutput& output) {
   const std::size_t count = group.count(output);
   if (count == 0) return;
@@ -191,13 +192,13 @@ void WriteInstanceMembers(TJsonWriter& json, const TStoredInstance& instance) {
   }
 }
 
-/// The rows, as long as `maxSize` bytes at most; else throws std::length_error.
+/// Writes the rows of an answer. Throws std::length_error if they have more than `maxSize` bytes.
 class TRows {
  public:
   TRows(const std::string& machine, const TAnswerIdentity& identity, std::size_t maxSize)
       : m_machine(machine), m_identity(identity), m_json(TJsonWriter::ELayout::kOneLine, maxSize) {}
 
-  /// `write`: writes the members of one row after those that all rows have.
+  /// Adds a row. `write`: writes its members after those that all rows have.
   template <typename TWrite>
   void Add(TWrite write) {
     m_json.BeginObject();

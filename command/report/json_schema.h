@@ -1,5 +1,5 @@
-// The JSON Schema of everything that the command writes as JSON. schema_document.cpp replaces each null: by what it
-// makes of the six classes and of the table of an output's keys.
+// The JSON Schema of everything that the command writes as JSON. schema_document.cpp replaces each null by what it
+// makes from the six classes and from the table of an output's keys.
 #pragma once
 
 constexpr const char* kJsonSchema = R"json({

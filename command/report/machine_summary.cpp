@@ -43,7 +43,7 @@ std::vector<std::string> ListControllers(const TViews& views) {
   return names;
 }
 
-/// The plug-in's instance of the monitor; null when no request asked for it.
+/// The plug-in's instance of the monitor; null if no request asked for it.
 const TInstanceView* FindMonitor(const TViews& views, const std::string& id) {
   for (const TRequestView& view : views) {
     for (const TMonitorView& monitor : view.GetMonitors()) {
@@ -53,7 +53,7 @@ const TInstanceView* FindMonitor(const TViews& views, const std::string& id) {
   return nullptr;
 }
 
-/// The same on every machine: without the place of one that only that tells apart.
+/// The identity made of the serial number, without a connector, so that it is the same on every machine.
 std::string IdentifyByNumber(const TOutput& output) {
   if (!output.facts || !output.facts->isVersion1 || !output.facts->serial) return std::string();
   return ToPrintable(Identify({*output.facts, output.edid}).text);
@@ -76,7 +76,7 @@ TMonitorSummary SummarizeMonitor(const TOutput& output, const TViews& views, con
   return monitor;
 }
 
-/// The outputs, and the monitors of the answer that stand for none of them.
+/// The outputs, then the monitors of the answer that belong to no output.
 std::vector<TMonitorSummary> SummarizeMonitors(const TAnswer& answer, const TViews& views, const TMakerNames& makers) {
   std::vector<TMonitorSummary> monitors;
   std::set<std::string> known;

@@ -14,7 +14,7 @@ constexpr std::size_t kLetters = 3;
 constexpr std::size_t kMaxSize = std::size_t{1} * 1024 * 1024;  // bytes; the list has less than a tenth
 constexpr std::size_t kMaxName = 100;                           // characters
 
-/// The list with a line end before its first line as well; empty when it cannot be read, or is no such list.
+/// The list, with a line end also before its first line; empty if it cannot be read or is too large.
 std::string ReadList(const std::filesystem::path& path) {
   const TDescriptor found = FindPath(path);
   if (!found.IsOpen()) return std::string();

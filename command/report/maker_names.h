@@ -1,5 +1,5 @@
-// The names of the makers of monitors, from the list that the package hwdata has of their three letters (pnp.ids),
-// which the command can do without.
+// Looks up the names of monitors' makers by their three letters in hwdata's list (pnp.ids), which need not be
+// installed.
 #pragma once
 
 #include <filesystem>
@@ -12,14 +12,14 @@ class TMakerNames {
   /// Knows no name.
   TMakerNames() = default;
 
-  /// `list`: a line for each maker, which is its three letters, a tab and its name. It is read when the first name is
-  /// asked for; one that cannot be read has no names.
+  /// `list`: has a line for each maker: its three letters, a tab and its name. It is read when the first name is asked
+  /// for. If it cannot be read, no name is known.
   explicit TMakerNames(std::filesystem::path list) : m_list(std::move(list)) {}
 
-  /// True when there should be a list, but it is not there, or not readable.
+  /// True if there should be a list, but it is missing or unreadable.
   bool IsListMissing() const;
 
-  /// The name as printable text; empty when it is not known.
+  /// The name as printable text; empty if it is unknown.
   std::string Find(const std::string& letters) const;
 
  private:
@@ -29,5 +29,5 @@ class TMakerNames {
   mutable std::optional<std::string> m_text;
 };
 
-/// The list of this system: what the environment variable DISPLAYINFO_PNP_IDS names, else where hwdata has it.
+/// The path of this system's list: the environment variable DISPLAYINFO_PNP_IDS, or else hwdata's place for it.
 std::filesystem::path FindMakerList();

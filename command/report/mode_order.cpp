@@ -14,7 +14,7 @@ auto GetOrder(const TShownMode& mode) {
   return std::tuple(pixels, mode.width, !mode.isInterlaced, mode.refresh);
 }
 
-/// `tolerance`: in Hz, of the mode's rate.
+/// `tolerance`: how much the rates may differ, in Hz.
 bool IsPreferred(const TOutput* output, const TShownMode& mode, double tolerance) {
   if (output == nullptr || !output->facts || !output->facts->preferredMode) return false;
   const TEdidMode& preferred = *output->facts->preferredMode;
@@ -22,7 +22,7 @@ bool IsPreferred(const TOutput* output, const TShownMode& mode, double tolerance
          preferred.isInterlaced == mode.isInterlaced && std::abs(preferred.refresh - mode.refresh) <= tolerance;
 }
 
-/// True when a mode of the EDID stands for the one of the answer.
+/// True if the modes of the EDID already have that mode of the answer.
 bool IsShown(const std::vector<TShownMode>& modes, const TShownMode& resolution) {
   return std::any_of(modes.begin(), modes.end(), [&](const TShownMode& mode) {
     return mode.width == resolution.width && mode.height == resolution.height &&

@@ -1,4 +1,4 @@
-// The modes of a monitor in the order in which people look for one.
+// Lists the modes of a monitor in the order in which people look for one.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 #include "command/collection/outputs.h"
 #include "command/report/answer_view.h"
 
-/// A mode that the EDID has, or the answer, or both.
+/// A mode of the EDID, of the answer, or of both.
 struct TShownMode {
   unsigned int width;   // pixels
   unsigned int height;  // lines
@@ -17,16 +17,15 @@ struct TShownMode {
   bool isPreferred;  // the mode that the monitor prefers
 };
 
-/// The modes of the output's EDID, and those of the answer that it does not have, whose rates the plug-in has in whole
-/// Hz. The largest picture comes first; the modes of one resolution follow each other by their rates. `output` may be
-/// null.
+/// The modes of the output's EDID, and those that only the answer has, whose rates are whole Hz. They are sorted by the
+/// size of the picture, then by rate, the largest first. `output` may be null.
 std::vector<TShownMode> ListModes(const TInstances& resolutions, const TOutput* output);
 
-/// True when there is no use in marking those that the answer has.
+/// True if the answer has all modes, so that it is useless to mark those that it has.
 bool AreAllInClasses(const std::vector<TShownMode>& modes);
 
 /// "1920x1080@60Hz", "1920x1080@59.94iHz".
 std::string WriteMode(const TShownMode& mode);
 
-/// The rate with as many decimals as it has, three at most, without its unit; "i" follows that of an interlaced mode.
+/// The rate with at most three decimals and without its unit, followed by "i" if the mode is interlaced.
 std::string WriteRate(const TShownMode& mode);

@@ -12,7 +12,7 @@ using NQRXZELT20::TCIMValue;
 
 namespace {
 
-/// MOF knows a real number by its point, and has none for what is not finite.
+/// In MOF, a real number must have a point, and only finite numbers exist.
 std::string MakeMofReal(const TCIMValue& value) {
   if (!std::isfinite(value.GetReal())) return "NULL";
   std::string text = value;
@@ -53,7 +53,7 @@ std::string MakeInstance(const TStoredInstance& instance) {
   return text + "};\n";
 }
 
-/// The last commit of each object path, which is the one that the host holds.
+/// The last commit of each object path, which is the one that the host keeps.
 std::map<std::string, const TStoredInstance*> FindNewest(const TAnswer& answer) {
   std::map<std::string, const TStoredInstance*> newest;
   for (const TRequestAnswer& request : answer.requests) {

@@ -1,11 +1,11 @@
-// The answer for CIM programs: its instances in the DMTF's MOF syntax.
+// Writes the instances of an answer in the DMTF's MOF syntax, for CIM programs.
 #pragma once
 
 #include <string>
 
 #include "command/collection/collection.h"
 
-/// Each instance once, in the order of the first commits, with what the last commit of its object path said: a CIM
-/// server refuses an instance that it has already. Properties are sorted by name; with several requests, a comment
-/// comes before each.
+/// Each instance once, since a CIM server refuses an instance that it already has: in the order of the first commits,
+/// but as the last commit of its object path. Properties are sorted by name. With several requests, a comment comes
+/// before each.
 std::string MakeMofReport(const TAnswer& answer);

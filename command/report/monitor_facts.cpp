@@ -16,7 +16,7 @@ typedef const TEdidFacts& TFacts;
 
 std::string Write(unsigned int number) { return std::to_string(number); }
 
-/// A panel often has no name, but texts: its maker, and its part number, which has digits.
+/// A panel often has no name but two texts: its maker and its part number. The part number has digits.
 std::string WriteModel(const TEdidFacts& facts) {
   if (!facts.name.empty() || facts.texts.empty()) return ToPrintable(facts.name);
   const auto hasDigit = [](const std::string& text) {
@@ -70,7 +70,7 @@ std::string WriteInput(const TEdidFacts& facts) {
   return text;
 }
 
-/// Nothing for the rates of monitors that give only zeros.
+/// Empty if the monitor gives only zeros.
 std::string WriteRates(const TRates& rates, const char* unit) {
   if (rates.max == 0) return std::string();
   return std::to_string(rates.min) + " to " + std::to_string(rates.max) + unit;
@@ -107,7 +107,7 @@ std::string WriteLargestMode(const TEdidFacts& facts) {
   return facts.modes.empty() ? std::string() : WriteMode(facts.modes.front());
 }
 
-/// Of several with the highest rate the largest; null where no mode is known.
+/// The mode with the highest rate; of several, the largest. Null if no mode is known.
 const TEdidMode* FindFastestMode(const TEdidFacts& facts) {
   const auto fastest =
       std::max_element(facts.modes.begin(), facts.modes.end(),
@@ -121,7 +121,7 @@ std::string WriteHighestRate(const TEdidFacts& facts) {
   return std::to_string(std::lround(mode->refresh)) + " Hz (" + WriteResolution(*mode) + ")";
 }
 
-/// Every block of HDR metadata has SDR's transfer function too.
+/// Not every block of HDR metadata means HDR: all of them have SDR's transfer function.
 bool HasHdr(const TEdidFacts& facts) {
   if (!facts.hdr) return false;
   const auto isHdr = [](const std::string& transfer) { return transfer != "SDR"; };
@@ -173,13 +173,13 @@ std::string Range(const TInstanceView& monitor, const char* min, const char* max
   return monitor.Number(max) != 0 ? monitor.Text(min) + " to " + monitor.TextWithUnit(max) : std::string();
 }
 
-/// One side without the other is an aspect ratio.
+/// Empty unless both sides are known: one alone is an aspect ratio.
 std::string ReadSize(const TInstanceView& monitor) {
   if (!monitor.Has("HorizontalImageSize") || !monitor.Has("VerticalImageSize")) return std::string();
   return monitor.Size("HorizontalImageSize", "VerticalImageSize") + " " + monitor.Unit("HorizontalImageSize");
 }
 
-/// Of the filler that year 2245 is in an EDID, the plug-in makes a date all the same.
+/// Empty for year 2245, a filler in the EDID that the plug-in turns into a date.
 std::string ReadYear(const TInstanceView& monitor) {
   constexpr const char* filler = "2245";
   const std::string year = monitor.Text("ManufacturingDate").substr(0, 4);
@@ -192,7 +192,7 @@ std::string ReadDate(const TInstanceView& monitor) {
                                    : "week of " + text.substr(0, 4) + "-" + text.substr(4, 2) + "-" + text.substr(6, 2);
 }
 
-/// A fact, and how its text comes out of an EDID and out of an instance; null where it is in one of them only.
+/// A fact, and how its text is made from an EDID and from an instance; null if one of them does not have it.
 struct TSource {
   std::string TMonitorFacts::*fact;
   std::string (*fromEdid)(const TEdidFacts&);

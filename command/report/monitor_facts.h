@@ -1,4 +1,4 @@
-// A monitor as people read it: what the text report, the page and the table of a fleet show of it.
+// Describes a monitor for people: what the text report, the page and the table of a fleet show.
 #pragma once
 
 #include <string>
@@ -7,12 +7,12 @@
 #include "command/report/answer_view.h"
 #include "command/report/maker_names.h"
 
-/// Printable texts; empty where a fact is not known.
+/// Printable texts; empty if a fact is unknown.
 struct TMonitorFacts {
   std::string makerCode;      // the maker's three letters: "DEL"
-  std::string makerName;      // "Dell Inc."; only where the list of makers is installed
-  std::string model;          // the monitor's own name; of a panel without one, its part number
-  std::string serialNumber;   // what the EDID says of it, without fillers
+  std::string makerName;      // "Dell Inc."; only if the list of makers is installed
+  std::string model;          // the monitor's name, or the part number of a panel without one
+  std::string serialNumber;   // from the EDID; empty for a filler
   std::string productCode;    // "41199 (0xA0EF)"
   std::string made;           // "week 14 of 2008", "2008" or "model of 2008"
   std::string year;           // of the manufacture or of the model: "2008"
@@ -23,7 +23,7 @@ struct TMonitorFacts {
   std::string fieldRate;      // "56 to 76 Hz"
   std::string pixelClock;     // "140 MHz at most"
   std::string preferredMode;  // "3840 x 2160 at 59.997 Hz"
-  std::string largestMode;    // of the most pixels
+  std::string largestMode;    // the one with the most pixels
   std::string highestRate;    // with its size: "144 Hz (1920 x 1080)"
   std::string hdr;            // "PQ, HLG, HDR10+ 1, up to 465 cd/m2"
   std::string variableRate;   // "48 to 144 Hz (FreeSync)"
@@ -41,6 +41,6 @@ struct TMonitorFacts {
   std::string GetMaker() const { return makerName.empty() ? makerCode : makerCode + " (" + makerName + ")"; }
 };
 
-/// What the output's EDID says, and where that says nothing, what the plug-in's instance of the monitor
-/// (QRXSG_DesktopMonitor) does. Either may be null.
+/// Takes each fact from the output's EDID or, if that does not have it, from the plug-in's instance of the monitor
+/// (QRXSG_DesktopMonitor). Either may be null.
 TMonitorFacts DescribeMonitor(const TOutput* output, const TInstanceView* monitor, const TMakerNames& makers);

@@ -16,7 +16,7 @@ enum EQualifierScope : unsigned int {
 struct TQualifier {
   const char* name;
   unsigned int scopes;
-  bool isBoolean;       // false by default; else a string, null by default
+  bool isBoolean;       // a Boolean, false by default; otherwise a string, null by default
   bool isOverridable;   // by a subclass
   bool isTranslatable;  // a text for people
 };

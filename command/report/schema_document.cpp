@@ -22,7 +22,7 @@ std::string Pad(std::string text, std::size_t width) {
 
 std::string GetType(const TPropertyDeclaration& property) { return GetTypeName(property.type, property.isArray); }
 
-/// "key", the unit, or nothing: a key has no unit.
+/// "key", or the unit, or nothing. A key has no unit.
 std::string GetRemark(const TPropertyDeclaration& property) { return property.isKey ? "key" : property.unit; }
 
 std::string MakeMofProperty(const TPropertyDeclaration& property) {
@@ -127,7 +127,7 @@ ordered_json MakeKeySchema(const TOutputKey& key) {
   return schema;
 }
 
-/// What the command itself reads from the EDIDs: next to the plug-in's instances, and never one of them.
+/// The keys of an output, which the command itself reads from the EDID.
 ordered_json MakeOutputMembers() {
   ordered_json members = ordered_json::object();
   for (const TKeyGroup& group : GetKeyGroups()) {
@@ -143,8 +143,8 @@ ordered_json MakeOutputMembers() {
   return members;
 }
 
-/// Of --format rows: an instance with its properties as plain values, or an output. `required`: beside the members of
-/// every row.
+/// A row of --format rows: an instance with its properties as plain values, or an output. `required`: in addition to
+/// the members of every row.
 ordered_json MakeRowSchema(const std::string& className, const ordered_json& members, const ordered_json& required) {
   const ordered_json string = {{"type", "string"}};
   ordered_json all = {

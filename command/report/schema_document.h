@@ -1,15 +1,14 @@
-// The classes served, documented from the schema table.
+// Documents the classes, and the command's JSON, from the schema table and the table of an output's keys.
 #pragma once
 
 #include <string>
 
-/// For people: each class with what it is, what it is made from, and its properties with type, "key" or unit,
-/// and meaning.
+/// For people: what each class is, what it is made from, and its properties with type, "key" or unit, and meaning.
 std::string MakeSchemaText();
 
-/// In the DMTF's Managed Object Format (DSP0004), with the declarations of the qualifiers that it uses, so that a
-/// compiler takes it without any other file: what `displayinfo schema --format mof` prints.
+/// In the DMTF's Managed Object Format (DSP0004), with declarations of the qualifiers that it uses, so that a compiler
+/// needs no other file. `displayinfo schema --format mof` prints it.
 std::string MakeSchemaMof();
 
-/// A JSON Schema (2020-12) of the answer that `displayinfo --format json` writes.
+/// A JSON Schema (2020-12) of everything that the command writes as JSON.
 std::string MakeJsonSchema();

@@ -11,7 +11,7 @@
 
 namespace {
 
-// What marks a mode in the list of modes, and what the mark says.
+// The marks in the list of modes, and what they mean.
 constexpr const char* kConfiguredMark = "*";
 constexpr const char* kConfiguredLegend = "* the resolution that the configuration names";
 constexpr const char* kPreferredMark = "+";
@@ -19,7 +19,7 @@ constexpr const char* kPreferredLegend = "+ the mode that the monitor prefers";
 constexpr const char* kListedMark = "=";
 constexpr const char* kListedLegend = "= a mode that the plug-in lists";
 
-/// The text of one request.
+/// Makes the text of one request.
 class TRequestReport {
  public:
   TRequestReport(const TAnswer& answer, const TRequestAnswer& request, const TMakerNames& makers,
@@ -51,13 +51,13 @@ class TRequestReport {
     return text + MakeGaps(EPart::kVideo);
   }
 
-  /// How many there are, for a request that asked for links only.
+  /// The number of links, for a request that asked only for links.
   std::string MakeLinks(const char* className, const char* label) const {
     const std::size_t count = m_view.Select(className).size();
     return count == 0 ? "" : m_lines.Wrap("  ", label + std::to_string(count));
   }
 
-  /// What is not among the answer, and why.
+  /// What is missing in the answer, and why.
   std::string MakeGaps(EPart part) const {
     std::string text;
     bool isEmpty = !HasInstances(m_request, part);
@@ -132,7 +132,7 @@ class TRequestReport {
     return text;
   }
 
-  /// Of a monitor.
+  /// A row of a monitor.
   std::string MakeRow(const char* label, const std::string& text) const { return m_lines.MakeRow("    ", label, text); }
 
   const TAnswer& m_answer;

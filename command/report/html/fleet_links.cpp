@@ -6,14 +6,13 @@ namespace {
 
 constexpr std::size_t kLinkColumns = 40;
 
-/// The folder of a path, with its slash; empty for a path without one.
+/// The folder of a path, with its slash; empty if the path has none.
 std::string GetParent(const std::string& path) {
   const std::size_t slash = path.size() < 2 ? std::string::npos : path.find_last_of('/', path.size() - 2);
   return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
 }
 
-/// The printable text without its beginning where it has more than `columns` characters: the end of a path tells it
-/// from others.
+/// The last `columns` characters of a printable text. A path differs from others at its end.
 std::string KeepEnd(const std::string& text, std::size_t columns) {
   const std::size_t length = CountColumns(text);
   return length <= columns ? text : "\u2026" + text.substr(GetLength(text, length - columns + 1));

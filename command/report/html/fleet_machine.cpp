@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The model's name, else the number that its maker gave it.
+/// The model's name, or else the number that its maker gave it.
 std::string NameModel(const TMonitorFacts& facts) {
   if (!facts.model.empty()) return facts.model;
   return facts.productCode.empty() ? "unknown" : "product code " + facts.productCode;

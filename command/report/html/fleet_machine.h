@@ -1,4 +1,4 @@
-// What the page of many machines keeps of each, and the line in which a worker process hands it over.
+// What the page of many machines keeps of each machine, and the line in which a worker process hands it over.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 struct TFleetMonitor {
   std::string maker, model, serialNumber, identity, made, largestMode, connector;
   bool isListed;            // by the plug-in
-  unsigned int year, week;  // 0 when not known
+  unsigned int year, week;  // 0 if unknown
 };
 
 struct TFleetMachine {
@@ -20,8 +20,8 @@ struct TFleetMachine {
   std::vector<TFleetMonitor> monitors;
 };
 
-/// A line with its end.
+/// The machine as a line, with its line end.
 std::string WriteFleetMachine(const TMachineSummary& machine);
 
-/// `line`: as WriteFleetMachine wrote it.
+/// `line`: from WriteFleetMachine.
 TFleetMachine ReadFleetMachine(std::string_view line);

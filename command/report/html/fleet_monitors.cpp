@@ -8,12 +8,12 @@
 
 namespace {
 
-/// By year, unknown ones last; by week within a year.
+/// Sorts by year (unknown ones last), then by week.
 std::tuple<bool, unsigned int, unsigned int> GetAgeKey(const TFleetMonitor& monitor) {
   return {monitor.year == 0, monitor.year, monitor.week};
 }
 
-/// `id`: of the table, which a link may lead to; empty for none.
+/// `id`: the target of links to the table; may be empty.
 TMarkup MakeFoldedTable(const std::string& summary, const char* id, TMarkup table) {
   return MakeFolded(summary, TMarkup::Element("div", {{"id", id}}, std::move(table)));
 }
@@ -79,7 +79,7 @@ void TFleetMonitors::PutAges(THtmlPieces& page) const {
   page.Put(end.substr(end.find("</table>")));
 }
 
-/// The rows of one year under its name.
+/// The monitors of one year, under a heading row.
 TMarkup TFleetMonitors::MakeYear(TPlaceIterator first, TPlaceIterator last) const {
   const unsigned int year = Get(*first).year;
   const std::string name = (year == 0 ? "Year not known" : std::to_string(year)) + ": " +
@@ -130,7 +130,7 @@ void TFleetMonitors::PutGroups(THtmlPieces& page, const TGroups& groups, const s
   page.Put(end);
 }
 
-/// The machines of a group may be very many.
+/// Writes the group piece by piece, since it may have very many machines.
 void TFleetMonitors::PutGroup(THtmlPieces& page, const TGroup& group, bool hasTwoTexts) const {
   const auto& [name, machines] = group;
   const auto [begin, end] =

@@ -1,5 +1,4 @@
-// The monitors of many machines in the orders that people ask for: by age, by model and by largest mode; and those
-// whose serial numbers are doubtful.
+// Writes the monitors of many machines by age, by model and by largest mode, and those with doubtful serial numbers.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +14,7 @@
 
 class TFleetMonitors {
  public:
-  // The ids of the sections, and of what is folded away in them, which browsers open for a link.
+  // The ids of the sections and of their folded parts, which browsers open for a link.
   static constexpr const char* kAges = "ages";
   static constexpr const char* kModels = "models";
   static constexpr const char* kModes = "modes";
@@ -24,7 +23,7 @@ class TFleetMonitors {
   static constexpr const char* kAllModels = "all-models";
   static constexpr const char* kUndated = "undated";
 
-  /// `machines` and `links`: of the page, which must outlive this.
+  /// `machines`, `links`: the page's; they must outlive this.
   TFleetMonitors(const std::deque<TFleetMachine>& machines, const TFleetLinks& links);
 
   std::size_t CountMonitors() const { return m_byAge.size(); }
@@ -32,27 +31,27 @@ class TFleetMonitors {
   std::size_t CountModels() const { return m_models.size(); }
   std::size_t CountDoubtful() const { return m_doubtful.size(); }
 
-  /// True when several machines have a monitor of its serial number.
+  /// True if several machines have a monitor with its serial number.
   bool IsDoubtful(const TFleetMonitor& monitor) const { return m_doubtful.count(GetNumber(monitor)) != 0; }
 
-  /// The oldest first, under the names of the years.
+  /// Writes the oldest first, under the years.
   void PutAges(THtmlPieces& page) const;
 
-  /// The most frequent first, each with the machines that have it.
+  /// Write the most frequent first, each with the machines that have it.
   void PutModels(THtmlPieces& page) const;
   void PutModes(THtmlPieces& page) const;
 
-  /// The serial numbers that several machines have.
+  /// Writes the serial numbers that several machines have.
   void PutDoubtful(THtmlPieces& page) const;
 
  private:
-  /// Machine and monitor by their positions.
+  /// The positions of a machine and of a monitor in it.
   struct TPlace {
     std::size_t machine, monitor;
   };
 
   typedef std::vector<TPlace>::const_iterator TPlaceIterator;
-  /// By one or two texts: the machines in their order, each once for each monitor.
+  /// Machines grouped by one or two texts, in their order. A machine appears once for each of its monitors.
   typedef std::map<std::pair<std::string, std::string>, std::vector<std::size_t>> TGroups;
   typedef TGroups::value_type TGroup;
 
@@ -60,7 +59,7 @@ class TFleetMonitors {
   static TGroups::key_type GetNumber(const TFleetMonitor& monitor) { return {monitor.identity, monitor.serialNumber}; }
   void FindDoubtful();
   TMarkup MakeYear(TPlaceIterator first, TPlaceIterator last) const;
-  /// `columns`: the names of the texts of a group. `id`: of the table.
+  /// `columns`: the names of a group's texts. `id`: the table's.
   void PutGroups(THtmlPieces& page, const TGroups& groups, const std::vector<const char*>& columns,
                  const char* id) const;
   void PutGroup(THtmlPieces& page, const TGroup& group, bool hasTwoTexts) const;

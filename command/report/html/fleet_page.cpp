@@ -14,10 +14,10 @@
 
 namespace {
 
-constexpr std::size_t kMachineColumns = 120;  // of a machine in its own row
-constexpr std::size_t kDateLength = 10;       // of a time's text
+constexpr std::size_t kMachineColumns = 120;  // of a machine's name in its own row
+constexpr std::size_t kDateLength = 10;       // the date in the text of a time
 
-// Where links lead; those of monitors are TFleetMonitors's.
+// Ids that links lead to; TFleetMonitors has those for monitors.
 constexpr const char* kProblems = "problems";
 constexpr const char* kUnasked = "unasked";
 constexpr const char* kWithout = "without";
@@ -29,8 +29,8 @@ TMarkup MakeList(const char* name, const std::vector<std::string>& texts) {
   return MakeElement(name, std::move(items));
 }
 
-/// A cell with one text as it is, or several as a list. `column`: its name, for screens that do not show the heading
-/// row.
+/// A cell with one text, or with a list of several. `column`: the column's name, for screens that do not show the
+/// heading row.
 TMarkup MakeTexts(const char* column, const std::vector<std::string>& texts, const char* list = "ul") {
   if (texts.size() > 1) {
     return TMarkup::Element("td", {{"class", "listing"}, {"data-name", column}}, MakeList(list, texts));
@@ -38,7 +38,7 @@ TMarkup MakeTexts(const char* column, const std::vector<std::string>& texts, con
   return TMarkup::Element("td", {{"data-name", column}}, texts.empty() ? TMarkup() : TMarkup(texts.front()));
 }
 
-/// `place`: where exactly the machines are that are counted.
+/// `place`: the id of the counted machines.
 TMarkup MakeCount(std::size_t count, const char* noun, const char* place) {
   const TMarkup text = MakeElement("b", std::to_string(count)) + " " + noun;
   return MakeElement("li", count == 0 ? text : MakeLink(place, text));
@@ -61,7 +61,7 @@ std::string DescribeSerial(const TFleetMonitor& monitor, bool isDoubtful) {
   return (isDoubtful ? "doubtful serial " : "serial ") + monitor.serialNumber;
 }
 
-/// In one line, if it can be: the maker by its letters, since the groups by model have its name.
+/// A short line: the maker by its letters only, since the groups by model have its name.
 std::string DescribeMonitor(const TFleetMonitor& monitor, bool isDoubtful) {
   const std::string letters = monitor.maker.substr(0, monitor.maker.find(' '));
   return letters + (letters.empty() ? "" : " ") +
@@ -70,13 +70,13 @@ std::string DescribeMonitor(const TFleetMonitor& monitor, bool isDoubtful) {
                monitor.year == 0 ? "year not known" : std::to_string(monitor.year)});
 }
 
-/// True for a file or a folder of the system's name, such as "ws-17.json".
+/// True if a file or folder has the system's name, such as "ws-17.json".
 bool IsNamedAfter(const std::string& name, const std::string& systemName) {
   return name.compare(0, systemName.size(), systemName) == 0 &&
          (name.size() == systemName.size() || name[systemName.size()] == '.');
 }
 
-/// The sections of machines, in the order of the list.
+/// Writes the sections that list machines, in the order of the list.
 class TFleetSections {
  public:
   TFleetSections(const std::deque<TFleetMachine>& machines, const TFleetMonitors& monitors, const TFleetLinks& links)
@@ -107,7 +107,7 @@ class TFleetSections {
     page.Put(end.substr(end.find("</table>")));
   }
 
-  /// The machines that answered and have no monitor; nothing where there is none.
+  /// Lists the machines that answered and have no monitor. Writes nothing if there are none.
   void PutWithoutMonitor(THtmlPieces& page) const {
     if (Count(HasNoMonitor) == 0) return;
     page.Put(MakeHeading(2, "Without a monitor", kWithout));
@@ -145,7 +145,7 @@ class TFleetSections {
     return static_cast<std::size_t>(std::count_if(m_machines.begin(), m_machines.end(), isCounted));
   }
 
-  /// The rows of those machines under a title. `id`: of these rows; empty for none.
+  /// Writes the rows of the machines for which `isOne` is true, under a title. `id`: for these rows; may be empty.
   void PutProblems(THtmlPieces& page, bool (*isOne)(const TFleetMachine&), const char* id, const char* title) const {
     const std::size_t count = Count(isOne);
     if (count == 0) return;
@@ -177,7 +177,7 @@ class TFleetSections {
                                 MakeTexts("Monitors", monitors.empty() ? nothing : monitors, "ol"));
   }
 
-  /// The name, then the system's where it is another, the day of the collection, and a mark where it has problems.
+  /// The machine's name, the system's name if it differs, the day of the collection, and a mark if it has problems.
   TMarkup DescribeMachine(std::size_t position) const {
     const TFleetMachine& machine = m_machines[position];
     const std::string name = m_links.GetName(position);

@@ -1,5 +1,5 @@
-// Many machines as one page for a browser or for paper: counts, then the machines and their monitors in the orders that
-// people ask for.
+// Writes many machines as one page for a browser or for paper: counts, then the machines, then their monitors by age,
+// model and largest mode.
 #pragma once
 
 #include <deque>
@@ -9,19 +9,18 @@
 #include "command/report/html/fleet_machine.h"
 #include "command/report/machine_summary.h"
 
-/// Of each machine it keeps only what it shows, about half a kilobyte, until the page is written: the counts at its top
-/// need the last machine.
+/// Keeps only what it shows of each machine, about half a kilobyte, until the page is written. It cannot write earlier,
+/// because the counts at the top of the page need the last machine.
 class TFleetPage {
  public:
-  /// What the page needs to know of a machine, in a line with its end: the machine may be collected from in another
-  /// process.
+  /// What the page needs to know of a machine, as a line with its line end, since another process may collect from it.
   static std::string MakeLine(const TMachineSummary& machine);
 
   /// Takes complete lines, in the order of the machines.
   void Take(const std::string& lines);
 
-  /// Writes the page. `made`: when, as utc_time.h writes it. `isWhole`: false when machines are missing because the run
-  /// was stopped. `write`: takes a piece of the page, and returns false to get no more.
+  /// Writes the page. `made`: the time, as utc_time.h writes it. `isWhole`: false if machines are missing because the
+  /// run was stopped. `write`: takes a piece of the page, and returns false to get no more.
   void Write(const std::string& made, bool isWhole, const std::function<bool(const std::string&)>& write) const;
 
  private:

@@ -1,4 +1,4 @@
-// How a page of fleet_page.h looks, in addition to html_style.h. No character in it needs escaping.
+// The style sheet of fleet_page.h, in addition to html_style.h. No character in it needs escaping.
 #pragma once
 
 constexpr const char* kFleetStyle =
@@ -11,7 +11,7 @@ constexpr const char* kFleetStyle =
     ".machines table{font-size:.84rem;line-height:1.3}.machines td,.machines "
     "th{padding-top:.12rem;padding-bottom:.12rem}"
     ".machines thead th{width:24%}.machines thead th:nth-child(2){width:15%}.machines thead th:nth-child(3){width:61%}"
-    // On a narrow screen the cells of a machine are below each other, each after the name of its column.
+    // A narrow screen shows the cells of a machine one below the other, each after the name of its column.
     "@media screen and (max-width:40rem){.machines thead{position:absolute;clip-path:inset(50%)}"
     ".machines tr,.machines tbody th,.machines td{display:block;border:0;padding:.1rem 0}.machines td:empty{display:"
     "none}"

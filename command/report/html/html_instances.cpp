@@ -15,7 +15,7 @@ std::string GetLabel(const TInstanceView& instance) {
   return Shorten(std::string(instance.Declaration().name) + " " + name, kLabelColumns);
 }
 
-/// A name of words without blanks, which may break before each of them.
+/// A name of words in CamelCase, with a possible line break before each word.
 TMarkup MakeBreakable(const std::string& name) {
   TMarkup markup;
   std::size_t begin = 0;
@@ -38,7 +38,7 @@ TName GetName(const TPropertyDeclaration& property) {
   return {remark.empty() ? name : name + " " + MakeElement("span", "unit", remark), property.meaning};
 }
 
-/// The properties of the class that any of the instances has, in the schema's order: the tables name none themselves.
+/// The properties that at least one of the instances has, in the schema's order.
 std::vector<TPropertyDeclaration> GetColumns(const TInstances& instances) {
   std::vector<TPropertyDeclaration> columns = instances.front().Declaration().properties;
   const auto isNowhere = [&](const TPropertyDeclaration& property) {

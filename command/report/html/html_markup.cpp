@@ -11,7 +11,7 @@ TMarkup TMarkup::Element(const char* name, const TAttributes& attributes, TMarku
   for (const auto& [attribute, value] : attributes) {
     if (!value.empty()) tag += std::string(" ") + attribute + "=\"" + EscapeHtml(value) + "\"";
   }
-  const bool isVoid = std::string_view(name) == "meta" || std::string_view(name) == "wbr";  // without an end in HTML
+  const bool isVoid = std::string_view(name) == "meta" || std::string_view(name) == "wbr";  // HTML allows no end tag
   content.m_markup.insert(0, tag + (isVoid ? "/>" : ">"));
   if (!isVoid) content.m_markup.append("</").append(name).append(">\n");
   return content;

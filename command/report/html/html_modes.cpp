@@ -5,7 +5,7 @@
 
 namespace {
 
-// The plot's units are the screen's pixels; it is small, since the list beside it tells the numbers.
+// In pixels of the screen. The plot is small, since the list beside it has the numbers.
 constexpr int kWidth = 190;
 constexpr int kHeight = 190;
 constexpr int kLeft = 38;
@@ -13,17 +13,17 @@ constexpr int kRight = 176;
 constexpr int kTop = 20;
 constexpr int kBottom = 154;
 
-constexpr std::size_t kMany = 40;  // resolutions: the list of more takes the width of the page
+constexpr std::size_t kMany = 40;  // a list of more resolutions takes the width of the page
 
 struct TShownResolution {
   unsigned int width, height;
   std::vector<std::string> rates;
-  std::string preferredRate;  // empty when the monitor prefers another resolution
+  std::string preferredRate;  // empty if the monitor prefers another resolution
   std::vector<std::string> listedRates;
   bool isConfigured;
 };
 
-/// The modes of each resolution together, the largest first.
+/// The modes grouped by resolution, the largest first.
 std::vector<TShownResolution> GetResolutions(const TInstanceView* head, const std::vector<TShownMode>& modes) {
   const bool areAllListed = AreAllInClasses(modes);
   std::vector<TShownResolution> resolutions;
@@ -39,7 +39,7 @@ std::vector<TShownResolution> GetResolutions(const TInstanceView* head, const st
   return resolutions;
 }
 
-/// A round number of which `limit` holds no more than three.
+/// A round number that fits into `limit` at most three times.
 unsigned int GetTickStep(unsigned int limit) {
   for (unsigned int power = 1;; power *= 10) {
     for (const unsigned int step : {power, 2 * power, 5 * power}) {
@@ -48,7 +48,7 @@ unsigned int GetTickStep(unsigned int limit) {
   }
 }
 
-/// One axis: pixels to the picture's units.
+/// An axis of the plot: converts pixels to the picture's units.
 class TAxis {
  public:
   TAxis(unsigned int limit, int origin, int end) : m_limit(std::max(1U, limit)), m_origin(origin), m_end(end) {}

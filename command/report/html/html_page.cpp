@@ -14,7 +14,7 @@ TMarkup MakeHead(const std::string& title, const char* style) {
   return MakeElement(
       "head", TMarkup::Element("meta", {{"charset", "utf-8"}}) +
                   TMarkup::Element("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}}) +
-                  // Whatever the page might come to hold, it loads nothing and runs nothing.
+                  // Even if a text became markup by mistake, the page would load nothing and run nothing.
                   TMarkup::Element("meta", {{"http-equiv", "Content-Security-Policy"},
                                             {"content", "default-src 'none'; style-src 'unsafe-inline'"}}) +
                   MakeElement("title", title) + MakeElement("style", std::string(kHtmlStyle) + style));

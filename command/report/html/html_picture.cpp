@@ -8,14 +8,14 @@
 
 namespace {
 
-constexpr int kScreenSide = 150;  // of the largest monitor, its longer side
-constexpr int kStroke = 2;        // of a monitor
+constexpr int kScreenSide = 150;  // the longer side of the largest monitor
+constexpr int kStroke = 2;        // a monitor's outline
 constexpr std::size_t kPictureColumns = 64;
-constexpr int kHalfLetter = 4;               // of a text in a picture
-constexpr unsigned int kNeutralWidth = 400;  // mm
+constexpr int kHalfLetter = 4;               // half the height of a letter in a picture
+constexpr unsigned int kNeutralWidth = 400;  // mm, for a monitor of unknown size
 constexpr unsigned int kNeutralHeight = 300;
 
-/// The names below each other, the first in bold, without those that are empty; then the rows.
+/// The names that are not empty, one below the other, the first in bold; then the rows.
 TMarkup MakeLines(const std::vector<std::string>& names, const std::vector<TOutputRow>& rows) {
   TMarkup lines;
   for (const std::string& name : names) {
@@ -28,7 +28,7 @@ TMarkup MakeLines(const std::vector<std::string>& names, const std::vector<TOutp
   return lines;
 }
 
-/// The name of a device, unless it only repeats the id.
+/// The name of a device; empty if it only repeats the id.
 std::string GetOwnName(const TInstanceView& device) {
   const std::string name = device.Text("Name");
   return name == device.Text("DeviceID") ? std::string() : name;
@@ -49,13 +49,13 @@ TMarkup MakeHeads(const TInstances& heads) {
   return heads.empty() ? items : MakeElement("ul", "heads", std::move(items));
 }
 
-/// In mm.
+/// A physical size in mm.
 struct TSize {
   unsigned int width, height;
   bool isKnown;
 };
 
-/// A monitor, and what is drawn of it.
+/// A monitor, and what the picture shows of it.
 struct TScreen {
   const TMonitorView& view;
   std::string name;
@@ -63,7 +63,7 @@ struct TScreen {
   TSize size;
 };
 
-/// As the EDID tells it, else the instance.
+/// The size from the EDID, or else from the instance.
 TSize GetPhysicalSize(const TOutput* output, const TInstanceView* monitor) {
   if (output != nullptr && output->facts && output->facts->imageSize) {
     return {output->facts->imageSize->width, output->facts->imageSize->height, true};
@@ -86,12 +86,12 @@ std::vector<TScreen> GetScreens(const TAnswer& answer, const TRequestView& view)
   return screens;
 }
 
-/// The picture's units for that number of mm.
+/// Converts mm to the picture's units. `longest`: the longest side of all monitors, in mm.
 int Scale(unsigned int length, unsigned int longest) {
   return std::max(2, static_cast<int>(length * kScreenSide / longest));
 }
 
-/// The screen on the floor of a picture that is `height` high.
+/// The screen at the bottom of a picture that is `height` high.
 TMarkup MakeScreen(const TScreen& screen, unsigned int longest, int height) {
   const int width = Scale(screen.size.width, longest);
   const int top = height - Scale(screen.size.height, longest) - kStroke / 2;

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr std::size_t kPieceSize = 65536;  // bytes that are written at once, at least
+constexpr std::size_t kPieceSize = 65536;  // the least that is written at once, bytes
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// A page that is written as it is made, since it may be too long to be held.
+// Writes a page while it is made, since it may be too long for memory.
 #pragma once
 
 #include <functional>
@@ -24,6 +24,6 @@ class THtmlPieces {
   bool m_isRead = true;
 };
 
-/// An element or a page that is made empty, as what comes before and after its content: it is parted before that tag.
+/// Splits an empty element or page before `tag`: into what comes before its content and what comes after it.
 std::pair<std::string, std::string> Part(const std::string& text, const char* tag);
 std::pair<std::string, std::string> Part(TMarkup markup, const char* tag);

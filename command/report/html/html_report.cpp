@@ -34,7 +34,7 @@ TMarkup MakeLog(const std::vector<TLogEntry>& log) {
                     MakeTable({}, MakeColumnName("Severity") + MakeColumnName("Message"), std::move(rows)));
 }
 
-/// The rows of one place, each made by that function.
+/// The rows that belong in `place`, each made by `make`.
 TMarkup MakeRows(const std::vector<TOutputRow>& facts, ERowPlace place,
                  TMarkup (*make)(const char* label, const TMarkup& text)) {
   TMarkup rows;
@@ -59,7 +59,8 @@ TMarkup MakeFactTable(const std::vector<TOutputRow>& facts, ERowPlace place) {
   return rows.IsEmpty() ? rows : MakeTable({}, {}, std::move(rows));
 }
 
-/// All of a monitor under its heading: what is wrong, what people look for, its modes, and the rest folded away.
+/// Everything below a monitor's heading: problems, what people look for, other facts, the modes, and the rest folded
+/// away.
 TMarkup MakeFacts(const std::vector<TOutputRow>& facts, const TMarkup& modes) {
   TMarkup top = MakeRows(facts, ERowPlace::kTop, MakeTopFact);
   if (!top.IsEmpty()) top = MakeElement("ul", "top", std::move(top));
@@ -69,8 +70,8 @@ TMarkup MakeFacts(const std::vector<TOutputRow>& facts, const TMarkup& modes) {
          rest;
 }
 
-/// The part of the page that one request makes. Its headings begin one level deeper when there are several requests,
-/// each under a heading of its own.
+/// Makes the part of the page for one request. With several requests, each has a heading of its own, and the other
+/// headings are one level deeper.
 class TRequestSection {
  public:
   TRequestSection(const TAnswer& answer, const TMakerNames& makers, const THtmlAnchors& anchors, std::size_t request)
@@ -113,7 +114,7 @@ class TRequestSection {
     return m_view.GetMonitors().empty() ? gaps : MakeMonitorPictures(m_answer, m_view, GetCardId()) + gaps;
   }
 
-  /// What is not among the answer, and why.
+  /// What is missing in the answer, and why.
   TMarkup MakeGaps(EPart part) const {
     TMarkup sentences;
     bool isEmpty = !HasInstances(m_request, part);

@@ -1,4 +1,4 @@
-// How a page of html_page.h looks: light, dark, on a telephone and on paper. No character in it needs escaping.
+// The style sheet of html_page.h: light, dark, on a phone and on paper. No character in it needs escaping.
 #pragma once
 
 constexpr const char* kHtmlStyle =
@@ -12,14 +12,14 @@ constexpr const char* kHtmlStyle =
     "h3{font-size:1.1rem;margin:.9rem 0 .4rem}h4{font-size:1rem;margin:.9rem 0 .4rem}p{margin:.4rem 0}"
     ".soft,caption,.unit,.properties thead th{color:var(--soft)}a{color:var(--accent)}"
     "h1,h2,h3,h4,p,li,td,caption{overflow-wrap:anywhere}"
-    // Parts beside each other, as many as fit.
+    // As many parts side by side as fit.
     ".row{margin:1rem "
     "0;display:grid;grid-template-columns:repeat(auto-fit,minmax(min(100%,20rem),1fr));gap:1rem;align-items:start}"
     ".cards{grid-template-columns:repeat(auto-fill,minmax(min(100%,26rem),1fr))}"
     ".panel{min-width:0;background:var(--panel);border:1px solid var(--line);border-radius:8px;padding:0 1rem .6rem}"
     ".panel .row{margin:.6rem 0}"
-    // A controller and its heads, joined by lines: from the controller to the right, down, and to each head. An
-    // attribute that is missing is the empty content that needs no quotes.
+    // A controller and its heads, joined by lines: from the controller to the right, down, and to each head.
+    // content:attr(none) names a missing attribute, which gives empty content without quotes.
     ".card{display:grid;grid-template-columns:minmax(8.2rem,2fr) 3fr;column-gap:1.6rem;align-items:start;"
     "max-width:34rem}"
     ".heads{list-style:none;padding:0;margin:0;max-width:20rem;display:grid;gap:.7rem}"
@@ -39,12 +39,12 @@ constexpr const char* kHtmlStyle =
     ".mode{fill:var(--accent)}.configured{fill:var(--mark);stroke:var(--ink)}"
     ".monitors{display:grid;grid-template-columns:repeat(auto-fill,minmax(8rem,1fr));gap:1rem;padding:0;"
     "list-style:none}.monitors .picture{max-width:9.5rem}"
-    // A monitor: what is wrong, and what people look for.
+    // A monitor's problems, and what people look for.
     ".problem{border-left:4px solid var(--alarm);padding-left:.6rem;color:var(--alarm)}"
     ".top{display:flex;flex-wrap:wrap;gap:.5rem 1.6rem;margin:.6rem 0;padding:0;list-style:none}"
     ".cards h3,.cards h4{font-size:1.35rem}.top span{display:block;font-size:.85rem}.top "
     "b{font-size:1.25rem;font-weight:600;overflow-wrap:anywhere}"
-    // A monitor's modes: the plot, and the list in as many columns as fit.
+    // A monitor's modes: the plot, and the list with as many columns as fit.
     ".plot{display:flex;flex-wrap:wrap;align-items:flex-start;gap:.5rem 1rem}.plot .picture{flex:none;width:11.9rem}"
     ".modes{flex:1 1 12rem;columns:12rem;margin:0;padding:0;list-style:none;font-size:.9rem}"
     ".modes li{break-inside:avoid;padding-left:1rem;text-indent:-1rem}"
@@ -58,7 +58,7 @@ constexpr const char* kHtmlStyle =
     ".properties{min-width:0}.properties th{width:50%;overflow-wrap:anywhere}.panel th{width:32%}"
     "@media (max-width:30rem){table{font-size:.74rem}.wide th,.wide td{padding-right:.4rem}}"
     "ul{margin:.3rem 0;padding-left:1.2rem}.error,.warning{color:var(--alarm)}"
-    // Folded parts: paper has a sentence instead of one that is not open.
+    // Folded parts: a sentence is printed instead of one that is not open.
     "summary{cursor:pointer}.paper{display:none}"
     "@media print{:root{font-size:11px}body{max-width:none;padding:0;line-height:1.2}h2{margin:.7rem 0 .3rem}"
     "th,td{padding-top:.1rem;padding-bottom:.1rem}.row{gap:.7rem;margin:.7rem 0}.wide{overflow:visible}"
