@@ -33,8 +33,8 @@ bool TBiosRecorder::Interrupt(int number, LRMI_regs& registers, TRealModeMemory&
   const LRMI_regs asked = registers;
   const bool hasReturned = m_bios->Interrupt(number, registers, memory);
   std::vector<TBlock>& blocks = m_units[asked.ecx];
-  if ((asked.edx & 0xFFFF) != blocks.size()) return hasReturned;  // noted before
-  // AH is 0 when a VBE function has done its work.
+  if ((asked.edx & 0xFFFF) != blocks.size()) return hasReturned;  // already noted
+  // AH is 0 if a VBE function succeeded.
   if (!hasReturned || (registers.eax & 0xFF00) != 0) {
     blocks.push_back({hasReturned ? EResult::kError : EResult::kNoReturn, {}});
   } else {
@@ -54,7 +54,7 @@ TVirtualBiosConfiguration TBiosRecorder::GetRecord() const {
   return record;
 }
 
-/// A virtual BIOS answers with an error after the last block by itself.
+/// Does not note an error after the last block: a virtual BIOS answers so by itself.
 TVirtualBiosConfiguration::TUnit TBiosRecorder::MakeUnit(const std::vector<TBlock>& blocks) {
   TVirtualBiosConfiguration::TUnit unit;
   for (std::size_t block = 0; block < blocks.size(); ++block) {

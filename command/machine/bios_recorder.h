@@ -12,7 +12,7 @@
 #include "realmode/video_bios.h"
 #include "realmode/virtual_video_bios.h"
 
-/// Wraps the BIOS and passes every call on. Of what is asked more than once, the first answer counts.
+/// Wraps the BIOS and passes every call on. If a block is asked for more than once, the first answer counts.
 class TBiosRecorder : public IVideoBios {
  public:
   explicit TBiosRecorder(std::shared_ptr<IVideoBios> bios);
@@ -21,17 +21,17 @@ class TBiosRecorder : public IVideoBios {
   bool Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) override;
   void Stop() override;
 
-  /// Throws again, once, what starting the BIOS threw: the LRMI calls have caught it.
+  /// Throws again, once, what starting the BIOS threw, since the LRMI calls have caught it.
   void RethrowFailure();
 
-  /// What a virtual BIOS needs to answer as this one did.
+  /// The configuration with which a virtual BIOS answers as this one did.
   TVirtualBiosConfiguration GetRecord() const;
 
  private:
   enum class EResult { kRead, kError, kNoReturn };
   struct TBlock {
     EResult result;
-    std::vector<std::uint8_t> bytes;  // of a block that was read
+    std::vector<std::uint8_t> bytes;  // empty unless the block was read
   };
 
   static TVirtualBiosConfiguration::TUnit MakeUnit(const std::vector<TBlock>& blocks);
@@ -40,5 +40,5 @@ class TBiosRecorder : public IVideoBios {
   std::exception_ptr m_failure;
   std::optional<bool> m_isPresent;
   std::optional<bool> m_hasMemory;
-  std::map<unsigned int, std::vector<TBlock>> m_units;  // blocks 0, 1, ... as far as they were asked for
+  std::map<unsigned int, std::vector<TBlock>> m_units;  // blocks 0, 1, ... of each unit, as far as they were asked for
 };

@@ -37,7 +37,7 @@ std::string ReadWhole(const TDescriptor& file, const std::string& place, std::si
 
 bool IsForbidden(int error) { return error == EACCES || error == EPERM; }
 
-/// The folder of a captured machine.
+/// Reads the folder of a captured machine.
 class TMachineFolder {
  public:
   TMachineFolder(TDescriptor folder, const fs::path& path)
@@ -61,7 +61,7 @@ class TMachineFolder {
     return machine;
   }
 
-  /// What is known of the files, after Read.
+  /// Call it after Read.
   void DescribeFiles(TMachine& machine) const {
     if (m_files == nullptr) return;
     machine.getFileFailures = [files = m_files] { return files->GetFailures(); };
@@ -69,7 +69,7 @@ class TMachineFolder {
   }
 
  private:
-  /// Where that lies, for messages.
+  /// The path of `name` in the folder, for messages.
   std::string At(const std::string& name) const { return m_path + "/" + name; }
 
   [[noreturn]] void FailAsFolder(const std::string& name) const {
@@ -111,7 +111,7 @@ class TMachineFolder {
   std::shared_ptr<TFolderFiles> m_files;  // null for a machine without files
 };
 
-/// What a captured machine is as far as it does not say otherwise.
+/// The values of a captured machine that does not give its own.
 TMachineDocument MakeDefaults() {
   TMachineDocument machine;
   machine.host.systemName = GetHostName();
@@ -183,7 +183,7 @@ TMachine ReadStandardInput() {
   const TDescriptor input(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0));
   if (!input.IsOpen()) throw TUnusable(name + ": is closed; --machine - reads a machine from it");
   const std::string content = ReadWhole(input, name, kMaxDocumentSize);
-  // An empty file is a connector without an EDID; an empty pipe is a program that failed.
+  // An empty file means a connector without an EDID; an empty pipe means that a program failed.
   if (content.empty()) throw TUnusable(name + ": is empty; --machine - reads a machine from it");
   return ReadCapturedText(content, name);
 }

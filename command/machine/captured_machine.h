@@ -1,5 +1,5 @@
-// A captured machine: a folder with machine.json, edid/ and root/, one JSON document, or a file of another program that
-// has EDIDs (forms/forms.h).
+// Reads a captured machine: a folder with machine.json, edid/ and root/, one JSON document, or a file with EDIDs that
+// another program wrote (forms/forms.h).
 #pragma once
 
 #include <filesystem>
@@ -13,19 +13,19 @@ constexpr const char* kEdids = "edid";
 constexpr const char* kEdidEnding = ".bin";  // after the number of the unit
 constexpr const char* kRoot = "root";
 
-/// The machine that a folder or a file holds. Anybody may have made it: nothing outside it is read, and nothing is
-/// written or run. Throws TUnusable, naming file and key, when anything in it that the collection would use is not as
-/// it must be, or leads out of the folder. A damaged EDID costs its unit only.
+/// The machine in a folder or a file. Anybody may have made it: nothing outside it is read, and nothing is written or
+/// run. Throws TUnusable, which names file and key, if anything that the collection would use is wrong or leads out of
+/// the folder. A damaged EDID loses only its unit.
 TMachine ReadCapturedMachine(const std::filesystem::path& path);
 
-/// The machine in a file that comes from standard input.
+/// The machine in a file on standard input.
 TMachine ReadStandardInput();
 
-/// The machine in the text of such a file, which did not come from one. `name`: for messages.
+/// The machine in the text of such a file. `name`: for messages.
 TMachine ReadCapturedText(const std::string& text, const std::string& name);
 
 /// The machine of a document, with the document's files.
 TMachine MakeCapturedMachine(TMachineDocument document);
 
-/// Whether the name is one of a packed folder (.tar.gz, .tgz), which is neither read nor written.
+/// True for the name of a packed folder (.tar.gz, .tgz), which is neither read nor written.
 bool IsPackedName(const std::filesystem::path& path);

@@ -18,17 +18,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kPage = 4096;      // bytes: as much as the kernel gives at once
-constexpr std::size_t kMaxBlocks = 256;  // a base block and as many as its count byte can say
+constexpr std::size_t kPage = 4096;      // bytes: the most that the kernel gives in one read
+constexpr std::size_t kMaxBlocks = 256;  // a base block and as many extensions as its count byte can give
 constexpr int kMaxAttempts = 5;
 
-/// Throws when the error is one of the system that asks, from which nothing follows for the cards. Everybody may read
-/// what the kernel shows, so it says nothing of a card either when that is forbidden.
+/// Throws if the error tells nothing about the cards: a failure of this system, or a missing permission, since
+/// everybody may read what the kernel shows.
 void RequireKnown(const fs::path& path, int error) {
   if (error == EACCES || (error != 0 && !DescribesFile(error))) FailToRead(path.string(), error);
 }
 
-/// The first word of a file, which is short; empty when the kernel does not give it.
+/// The first word of a short file; empty if the kernel does not give it.
 std::string ReadWord(const fs::path& file) {
   char text[256];
   const TDescriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
@@ -39,7 +39,7 @@ std::string ReadWord(const fs::path& file) {
   return word;
 }
 
-/// Without links; empty when it does not exist.
+/// The path without links; empty if it does not exist.
 fs::path GetRealPath(const fs::path& path) {
   std::error_code error;
   fs::path real = fs::canonical(path, error);
@@ -60,7 +60,7 @@ std::optional<TPciDevice> ReadPciDevice(const fs::path& device) {
   return pci;
 }
 
-/// Only amdgpu shows it.
+/// In KiB. Only the driver amdgpu shows it.
 std::optional<std::uint64_t> ReadVideoMemory(const fs::path& device) {
   const std::string bytes = ReadWord(device / "mem_info_vram_total");
   if (bytes.empty()) return std::nullopt;
@@ -88,7 +88,7 @@ std::vector<std::string> ListNames(const fs::path& folder) {
   return names;
 }
 
-/// The kernel gives the channel of a port behind a hub that name.
+/// True if the connector has a channel named "DPMST", as the kernel names that of a port behind a hub.
 bool IsBehindHub(const fs::path& connector) {
   const std::string channel = "drm_dp_aux";
   const std::vector<std::string> names = ListNames(connector);
@@ -110,13 +110,13 @@ ECardPower ReadPower(const fs::path& connector) {
   return ReadWord(connector / "dpms") == "On" ? ECardPower::kOn : ECardPower::kAsleep;
 }
 
-/// Of a card with two connectors.
+/// The state of a card with two connectors.
 ECardPower Combine(ECardPower left, ECardPower right) {
   if (left == ECardPower::kOff) return right;
   return right == ECardPower::kOff ? left : std::min(left, right);
 }
 
-/// `names`: of all that is in the folder.
+/// `names`: all names in the folder.
 TDrmCard ReadCard(const fs::path& folder, const std::string& name, const std::vector<std::string>& names) {
   const fs::path device = folder / name / "device";
   TDrmCard card = {name, ReadPciDevice(device), ReadVideoMemory(device), {}};
@@ -135,7 +135,7 @@ bool IsDisplayController(const fs::path& device) {
   return std::strtoul(ReadWord(device / "class").c_str(), nullptr, 16) >> 16 == baseClass;
 }
 
-/// Adds the display controllers of the PCI bus that none of the devices is, or is a part of.
+/// Adds the PCI bus's display controllers without a graphics driver. `served`: the paths of the devices that have one.
 void AddCardsWithoutDriver(const fs::path& folder, const std::vector<fs::path>& served, std::vector<TDrmCard>& cards) {
   for (const std::string& address : ListNames(folder)) {
     const bool isServed = std::any_of(served.begin(), served.end(), [&](const fs::path& device) {

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// The calls of libdrm that are needed. What a call gives is freed by the one that is named with it.
+/// The functions of libdrm that are needed. What a "get" function returns is freed by the "free" function below it.
 struct TDrmLibrary {
   TSharedLibrary library{"libdrm.so.2"};
   decltype(drmModeGetResources)* getResources = library.Find<decltype(drmModeGetResources)>("drmModeGetResources");
@@ -39,7 +39,7 @@ struct TDrmLibrary {
       library.Find<decltype(drmModeFreePropertyBlob)>("drmModeFreePropertyBlob");
   decltype(drmDropMaster)* dropMaster = library.Find<decltype(drmDropMaster)>("drmDropMaster");
 
-  /// The first and the newest of the calls: a library that has both has all of them.
+  /// Checks the first and the newest function: a library that has both has all of them.
   bool IsUsable() const { return getResources != nullptr && getTypeName != nullptr; }
 };
 
@@ -66,7 +66,7 @@ std::string MakeName(const TDrmLibrary& drm, const drmModeConnector& connector) 
   return (type == nullptr ? "Unknown" : type) + ("-" + std::to_string(connector.connector_type_id));
 }
 
-/// Its property PATH; empty when it has none.
+/// The connector's property PATH; empty if it has none.
 std::string ReadPath(const TDrmLibrary& drm, int device, const drmModeConnector& connector) {
   for (int index = 0; index < connector.count_props; ++index) {
     const TOwned<drmModePropertyRes> property(drm.getProperty(device, connector.props[index]), drm.freeProperty);

@@ -1,5 +1,5 @@
-// What the driver of a graphics card knows beyond what it shows in files: asked of its device, by libdrm, which the
-// command can do without.
+// Asks the device of a graphics card, by libdrm, for what the driver does not show in files. libdrm need not be
+// installed.
 #pragma once
 
 #include <cstdint>
@@ -11,23 +11,23 @@
 struct TDrmMode {
   unsigned int width;                 // pixels
   unsigned int height;                // lines
-  std::optional<unsigned int> depth;  // bits of colour in a pixel
+  std::optional<unsigned int> depth;  // bits of colour per pixel
 };
 
-/// By the connector's name without its card, such as "DP-1".
+/// What a card's device tells. Connectors are named without their card: "DP-1".
 struct TDrmDevice {
-  std::map<std::string, TDrmMode> modes;     // that are set now, of the connectors that are switched on
-  std::map<std::string, std::string> ports;  // of the connectors that MakePortName has a name for
-  std::string fault;                         // why it cannot be asked, and the cure; empty when it was
+  std::map<std::string, TDrmMode> modes;     // the modes that are set now, by connector
+  std::map<std::string, std::string> ports;  // the result of MakePortName, by connector; without empty ones
+  std::string fault;                         // why it cannot be asked, and the cure; empty if it was
 };
 
-/// `device`: such as /dev/dri/card0. The kernel makes the first process that opens it the one that sets modes (DRM
-/// master); this one gives that up at once. When the last process closes it, the kernel switches the outputs on that
-/// are off or asleep: ask only the device of a card that is on. Throws TUnusable when the device or libdrm cannot be
-/// opened for a reason that says nothing of them, such as too many open files.
+/// `device`: such as /dev/dri/card0. Ask only the device of a card that is on: when the last process closes a device,
+/// the kernel switches on the outputs that are off or asleep. The kernel also makes the first process that opens a
+/// device its DRM master, which sets modes; this function gives that up at once. Throws TUnusable if the device or
+/// libdrm cannot be opened for a reason that tells nothing about them, such as too many open files.
 TDrmDevice ReadDrmDevice(const std::filesystem::path& device);
 
-/// Where an output of DisplayPort's multi-stream transport is: the connector that leads there and the ports from there
-/// on, such as "DP-1-1-8" for the property "mst:85-1-8" when connector 85 is DP-1. Empty for any other property.
-/// `property`: the connector's PATH. `connectors`: the names by their numbers.
+/// Where an output of DisplayPort's multi-stream transport is: the card's connector and the ports after it, such as
+/// "DP-1-1-8" for the property "mst:85-1-8" if connector 85 is DP-1. Empty for any other property. `property`: the
+/// connector's PATH. `connectors`: names by number.
 std::string MakePortName(const std::string& property, const std::map<std::uint32_t, std::string>& connectors);

@@ -10,7 +10,7 @@ using NQRXZELT20::TZELTException;
 
 namespace {
 
-/// Whether that is how a look-up ends when there is nothing. A link that leads nowhere is nothing, too.
+/// True for the errno of a look-up that found nothing, also behind a dangling link.
 bool MeansNothing(int error) { return error == ENOENT || error == ENOTDIR; }
 
 TFileFailure DescribeLookUp(const std::string& path, int error) {
@@ -28,7 +28,7 @@ TFileFailure DescribeRead(const std::string& path, int error) {
 
 TFolderFiles::TFolderFiles(TRootedFolder root) : m_root(std::move(root)) {}
 
-/// A file that may not be read exists, too.
+/// Also true for a file that may not be read.
 bool TFolderFiles::Exists(const std::string& path) const {
   if (!m_root.IsOpen()) return false;
   const TDescriptor found = m_root.Find(path);

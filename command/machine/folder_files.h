@@ -1,4 +1,4 @@
-// A machine's files as they lie below a folder.
+// Serves a machine's files from a folder.
 #pragma once
 
 #include <map>
@@ -13,13 +13,13 @@
 /// is not a regular file.
 class TFolderFiles : public IMachineFiles {
  public:
-  /// `root`: the folder that stands for "/". It need not be open; then no file exists.
+  /// `root`: the folder that stands for "/". If it is not open, no file exists.
   explicit TFolderFiles(TRootedFolder root);
 
   bool Exists(const std::string& path) const override;
   std::string Read(const std::string& path) const override;
 
-  /// What went wrong so far, the last of each file.
+  /// The failures so far; for each file only the last.
   std::vector<TFileFailure> GetFailures() const;
 
  private:

@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr unsigned int kKernelGroup = 1;     // udevd sends to another one
-constexpr std::size_t kMaxMessage = 8192;    // bytes; the kernel's have 2048 and a path at most
-constexpr int kReceiveBuffer = 1024 * 1024;  // bytes: a dock brings hundreds of events at once
+constexpr unsigned int kKernelGroup = 1;     // udevd sends to another group
+constexpr std::size_t kMaxMessage = 8192;    // bytes; the kernel's have at most 2048 and a path
+constexpr int kReceiveBuffer = 1024 * 1024;  // bytes: a dock causes hundreds of events at once
 
 TDescriptor Listen() {
   TDescriptor socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_KOBJECT_UEVENT));
@@ -25,7 +25,7 @@ TDescriptor Listen() {
   const bool isListening = socket.IsOpen() && setsockopt(socket.Get(), SOL_SOCKET, SO_PASSCRED, &on, sizeof on) == 0 &&
                            bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
   if (!isListening) throw TUnusable(std::string("the kernel's events cannot be heard: ") + std::strerror(errno));
-  // With less, more events are lost, which is no harm: Take says so.
+  // If this fails, more events may be lost. That does no harm: Take notices it.
   static_cast<void>(setsockopt(socket.Get(), SOL_SOCKET, SO_RCVBUF, &kReceiveBuffer, sizeof kReceiveBuffer));
   return socket;
 }

@@ -1,4 +1,4 @@
-// Hears from the kernel when something of its graphics cards has changed: a monitor came or went, or a card did.
+// Listens to the kernel for changes of its graphics: a monitor or a card came or went.
 #pragma once
 
 #include <sys/socket.h>
@@ -9,26 +9,26 @@
 
 class TGraphicsEvents {
  public:
-  /// Listens to the kernel's own group of uevents, which needs neither rights nor a daemon. Throws TUnusable where that
-  /// cannot be done.
+  /// Listens to the kernel's own group of uevents, which needs neither rights nor a daemon. Throws TUnusable if that is
+  /// impossible.
   TGraphicsEvents();
-  /// `socket`: a netlink socket that is bound to the group already, with SO_PASSCRED set.
+  /// `socket`: a netlink socket that is already bound to the group, with SO_PASSCRED set.
   explicit TGraphicsEvents(TDescriptor socket) : m_socket(std::move(socket)) {}
 
-  /// Has something to read when an event has come, of whatever device.
+  /// Becomes readable when an event of any device has come.
   int GetDescriptor() const { return m_socket.Get(); }
 
-  /// Takes all that have come. True when one tells of the graphics, or when events were lost and one may have. Never
-  /// waits.
+  /// Takes all events that have come, without waiting. True if one is about the graphics, or if events were lost, since
+  /// one of them may have been.
   bool Take();
 
  private:
   TDescriptor m_socket;
 };
 
-/// Whether the message that was received comes from the kernel: anybody with the rights may send to the group.
+/// True if the received message comes from the kernel. Other processes with the rights may also send to the group.
 bool IsFromKernel(const msghdr& message);
 
-/// Whether the kernel's message says that a device of the graphics subsystem came, went or changed. `message`:
-/// "ACTION@DEVPATH" and a KEY=VALUE each, each ended by a zero byte.
+/// True if the kernel's message says that a device of the graphics subsystem came, went or changed. `message`:
+/// "ACTION@DEVPATH", then KEY=VALUE pairs, each ended by a zero byte.
 bool TellsOfGraphics(std::string_view message);

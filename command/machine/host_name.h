@@ -3,5 +3,5 @@
 
 #include <string>
 
-/// The host name. Throws TUnusable when the system does not give it.
+/// The host name. Throws TUnusable if the system does not give it.
 std::string GetHostName();

@@ -7,10 +7,10 @@
 
 namespace {
 
-constexpr unsigned int kDefaultDepth = 24;                    // the server's own
+constexpr unsigned int kDefaultDepth = 24;                    // the X server's default
 constexpr std::uint64_t kMaxVideoMemory = 0xFFFFFFFF / 1024;  // kilobytes: in bytes it fits into 32 bits
 
-/// In quotes, with nothing in it that would end them or the line.
+/// The text in quotes, without characters that would end the quotes or the line.
 std::string Quote(std::string text) {
   for (char& character : text) {
     const auto code = static_cast<unsigned char>(character);
@@ -20,7 +20,7 @@ std::string Quote(std::string text) {
   return '"' + text + '"';
 }
 
-/// As the server reads it: decimal, the domain only where it is not 0.
+/// As the server reads it: decimal, with the domain only if it is not 0.
 std::string MakeBusId(const TPciDevice& pci) {
   const std::string domain = pci.domain == 0 ? "" : "@" + std::to_string(pci.domain);
   return "PCI:" + std::to_string(pci.bus) + domain + ":" + std::to_string(pci.device) + ":" +
@@ -64,7 +64,7 @@ class TWriter {
   }
 
   void WriteVideoMemory(std::uint64_t kilobytes) {
-    // A comment keeps the larger amounts: in bytes they do not fit into the plug-in's 32 bits.
+    // Larger amounts are written as a comment: in bytes they do not fit into the plug-in's 32 bits.
     const char* const mark = kilobytes > kMaxVideoMemory ? "#" : "";
     m_text << '\t' << mark << "VideoRam " << kilobytes << '\n';
   }

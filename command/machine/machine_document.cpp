@@ -15,7 +15,7 @@ namespace {
 constexpr const char* kKind = "captured machine";
 constexpr const char* kVersionKey = "captured";
 
-/// The rules of a captured machine's keys.
+/// Reads a captured machine by rules for its keys.
 class TMachineReader {
  public:
   TMachineReader(const std::string& name, TMachineDocument& machine)
@@ -23,10 +23,10 @@ class TMachineReader {
 
   void ReadMachineJson(const std::string& text) { m_json.Read(text, TJsonRule::Object(ListKeys())); }
 
-  /// With the machine's files and EDIDs.
+  /// Reads a machine in one file, with its files and EDIDs.
   void ReadDocument(const std::string& text) {
     TJsonRule::TMembers keys = ListKeys();
-    keys.emplace_back(kVersionKey, TJsonRule::Plain([](TJsonValue&) { return true; }, ""));  // looked at before
+    keys.emplace_back(kVersionKey, TJsonRule::Plain([](TJsonValue&) { return true; }, ""));  // already checked
     keys.emplace_back("files", TJsonRule::Names(MakeFileRule(), [this](const std::string& path) { BeginFile(path); }));
     keys.emplace_back("edids", TJsonRule::Names(TJsonRule::Text([this](const std::string& edid) { TakeEdid(edid); }),
                                                 [this](const std::string& name) { m_unit = TakeUnit(name); }));
@@ -90,7 +90,7 @@ class TMachineReader {
     return TJsonRule::Plain(takeFitting, expected);
   }
 
-  /// Of the unit that is being read.
+  /// A block number for the unit that is being read.
   TJsonRule Block(std::optional<unsigned int> TVirtualBiosConfiguration::TUnit::*target) {
     const auto take = [this, target](unsigned int block) { m_machine.bios.units[m_unit].*target = block; };
     return MakeNumberRule<unsigned int>(take, "must be a block number: 0, 1, 2, ...");
@@ -142,13 +142,13 @@ class TMachineReader {
 
   TMachineDocument& m_machine;
   TJsonReader m_json;
-  unsigned int m_unit = 0;        // that is being read
+  unsigned int m_unit = 0;        // the one that is being read
   std::string* m_file = nullptr;  // the content of the file that is being read
-  unsigned int m_contents = 0;    // that the file was given
+  unsigned int m_contents = 0;    // how many contents that file was given
 };
 
-/// Looks for the version of a captured machine, no further than it must: a newer format may have keys before it that
-/// the reader does not know. Null stands for a version that is an object or an array.
+/// Looks for the version of a captured machine, and reads no further, since a newer format may have keys that this
+/// command does not know. Null stands for a version that is an object or an array.
 std::optional<TJsonValue> FindVersion(const std::string& text, const std::string& name) {
   TJsonReader reader({name, kKind}, EUnexpected::kSkipped);
   std::optional<TJsonValue> version;
@@ -178,7 +178,7 @@ void RequireVersion(const std::string& text, const std::string& name) {
                   ", a format that this command does not read; it reads " + known);
 }
 
-/// What is wrong with the size of an EDID; empty when nothing is.
+/// What is wrong with the size of an EDID; empty if nothing is.
 std::string FindFault(std::size_t size) {
   if (size == 0) return "is empty";
   if (size > kMaxEdidSize) return "has more than " + std::to_string(kMaxEdidSize) + " bytes, the most of an EDID";

@@ -1,4 +1,4 @@
-// A machine's files in memory: those of a captured machine in one file, or made ones.
+// Serves a machine's files from memory: those of a captured machine in one file, or made ones.
 #pragma once
 
 #include <map>

@@ -19,8 +19,8 @@ std::size_t CountEqual(const TOutputs& outputs, const TDrmOutput& wanted) {
                                                 [&](const TDrmOutput& output) { return AreEqual(output, wanted); }));
 }
 
-/// The next to take: the first that differs from `last`, unless one EDID is more than half of what remains and so has
-/// to have every second place from here on. The first of all when none differs.
+/// The next output: the first that differs from `last`, but an EDID that more than half of the rest have goes first,
+/// since it needs every second place from here on. If none differs, the first.
 TOutputs::iterator FindNext(TOutputs& rest, const TDrmOutput* last) {
   const auto differs = [&](const TDrmOutput& output) { return last == nullptr || !AreEqual(output, *last); };
   const auto urgent = std::find_if(rest.begin(), rest.end(), [&](const TDrmOutput& output) {

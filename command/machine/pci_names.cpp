@@ -12,13 +12,14 @@
 
 namespace {
 
-// Only from the database: a number is written as one here, and udev's own database leaks where the machine has none.
+// Look up names only in the database. The caller writes numbers itself, and libpci's look-up in udev's database leaks
+// memory on a machine without it.
 constexpr int kHow = PCI_LOOKUP_NO_NUMBERS | PCI_LOOKUP_NO_HWDB;
 
-/// Drops the library's messages, which are for lspci: a name that it does not find is a number here.
+/// Drops the library's messages: a name that it does not find is simply shown as a number.
 void Ignore(char*, ...) {}
 
-/// The library calls it when memory runs out or its database is damaged, and it must not return.
+/// The library calls it if memory runs out or its database is damaged. It must not return.
 __attribute__((noreturn)) void Fail(char* format, ...) {
   char text[512];
   va_list arguments;
@@ -52,7 +53,7 @@ struct TPciNames::TLibrary {
     if (alloc == nullptr || load == nullptr) return false;
     access = alloc();
     if (access == nullptr) return false;
-    // pci_init would set these, but it also looks for a way to the bus, and ends the process when there is none.
+    // pci_init would set these, but it also looks for access to the bus, and ends the process if there is none.
     access->error = Fail;
     access->warning = Ignore;
     access->debug = Ignore;
@@ -65,7 +66,7 @@ struct TPciNames::TLibrary {
     if (access != nullptr) cleanup(access);
   }
 
-  /// `number` when the database has no name.
+  /// The name, or `number` if the database has none.
   template <typename... TIds>
   std::string LookUp(int kind, std::uint16_t number, TIds... ids) const {
     std::array<char, 256> buffer = {};

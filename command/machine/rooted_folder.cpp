@@ -20,15 +20,14 @@ namespace {
 constexpr int kFolder = O_PATH | O_DIRECTORY | O_CLOEXEC;
 constexpr int kReading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_LARGEFILE | O_CLOEXEC;
 
-/// The path from the folder on, "." for the folder itself.
+/// The path relative to the folder; "." for the folder itself.
 std::string MakeRelative(const std::string& path) {
   const std::size_t begin = path.find_first_not_of('/');
   return begin == std::string::npos ? "." : path.substr(begin);
 }
 
 TDescriptor OpenInside(int folder, const std::string& path, int flags) {
-  // EAGAIN: something was renamed somewhere while a ".." was looked up. If that goes on all the time, the look-up
-  // fails.
+  // EAGAIN: something was renamed while a ".." was looked up. If that happens again and again, the look-up fails.
   constexpr int maxAttempts = 100;
   open_how how = {};
   how.flags = static_cast<unsigned int>(flags);
@@ -41,7 +40,7 @@ TDescriptor OpenInside(int folder, const std::string& path, int flags) {
   return TDescriptor(static_cast<int>(descriptor));
 }
 
-/// Component by component, through folders only.
+/// Opens the path component by component, and follows no links.
 TDescriptor OpenWithoutLinks(int folder, const std::string& path, int flags) {
   TDescriptor current;
   int from = folder;
@@ -50,7 +49,7 @@ TDescriptor OpenWithoutLinks(int folder, const std::string& path, int flags) {
     const std::string name = path.substr(begin, end - begin);
     const bool isLast = path.find_first_not_of('/', end) == std::string::npos;
     if (name == "..") {
-      errno = EXDEV;  // what openat2 says of a path that leaves the folder
+      errno = EXDEV;  // as openat2 does for a path that leaves the folder
       return TDescriptor();
     }
     TDescriptor next(openat(from, name.c_str(), (isLast ? flags : kFolder) | O_NOFOLLOW));
@@ -73,7 +72,7 @@ TDescriptor LookUp(int folder, ELinks links, const std::string& path, int flags)
   return OpenWithoutLinks(folder, relative, flags);
 }
 
-/// The descriptor, unless it was the system that failed.
+/// Returns the descriptor. Throws if the system failed.
 TDescriptor RequireKnown(TDescriptor opened, const std::string& path) {
   if (!opened.IsOpen() && !DescribesFile(errno)) FailToRead(path, errno);
   return opened;
@@ -85,7 +84,7 @@ struct stat GetStatus(const TDescriptor& file, const std::string& path) {
   return status;
 }
 
-/// Opens what was found by O_PATH. `again` looks it up once more, where no /proc is mounted.
+/// Opens for reading what was found by O_PATH. `again` looks it up once more if no /proc is mounted.
 TDescriptor OpenFound(const TDescriptor& found, const std::string& path, const std::function<TDescriptor()>& again) {
   const struct stat status = GetStatus(found, path);
   if (!S_ISREG(status.st_mode)) {
@@ -111,7 +110,7 @@ TRootedFolder::TRootedFolder(const fs::path& path, ELinks links)
 
 TDescriptor TRootedFolder::Find(const std::string& path) const {
   TDescriptor found = LookUp(m_folder.Get(), m_links, path, O_PATH | O_CLOEXEC);
-  // Most files that are looked for do not exist: their whole path is made for a failure only.
+  // Most files that are looked for do not exist, so the whole path is made only for a failure.
   const int error = errno;
   if (!found.IsOpen() && !DescribesFile(error)) FailToRead(At(path), error);
   return found;
@@ -130,7 +129,7 @@ TRootedFolder TRootedFolder::OpenFolder(const std::string& path) const {
 bool TRootedFolder::Has(const std::string& name) const {
   struct stat status = {};
   if (fstatat(m_folder.Get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return true;
-  if (errno != ENOENT) FailToRead(m_path, errno);  // it may not be searched
+  if (errno != ENOENT) FailToRead(m_path, errno);  // such as a folder that may not be searched
   return false;
 }
 

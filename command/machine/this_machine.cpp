@@ -20,11 +20,11 @@
 
 namespace {
 
-/// What the kernel knows, and what the command could not learn of it.
+/// What the kernel knows, and notes about what the command could not learn.
 struct TKernel {
   TKernelFolders folders;
   TKernelGraphics graphics;
-  std::map<std::string, TDrmDevice> devices;  // that were asked, by card
+  std::map<std::string, TDrmDevice> devices;  // those that were asked, by card
   std::vector<std::string> notes;
 };
 
@@ -40,7 +40,8 @@ void ReadNames(TKernel& kernel) {
   }
 }
 
-/// Asks the device of a card, once. One that is off is left alone: it has nothing to tell.
+/// Asks the device of a card, once. A card that is off is not asked, since it has no modes to tell; one that is asleep
+/// is not either, since asking would wake it.
 const TDrmDevice& AskDevice(TKernel& kernel, const TDrmCard& card) {
   const auto [asked, isNew] = kernel.devices.try_emplace(card.name);
   TDrmDevice& device = asked->second;
@@ -51,7 +52,7 @@ const TDrmDevice& AskDevice(TKernel& kernel, const TDrmCard& card) {
   return device;
 }
 
-/// Adds the paths that only the devices know.
+/// Adds the paths of outputs that only the devices know.
 void FindPortsBehindHubs(TKernel& kernel) {
   for (TDrmCard& card : kernel.graphics.cards) {
     for (TDrmOutput& output : card.outputs) {
@@ -77,7 +78,7 @@ void ReadModes(TKernel& kernel) {
     kernel.notes.push_back("the modes that are set now on " + Join(unasked) + " are not known: " + fault);
 }
 
-/// Empty when the kernel knows no card.
+/// The configuration made from what the kernel knows; empty if it knows no card.
 std::string MakeConfiguration(TKernel& kernel) {
   if (kernel.graphics.cards.empty()) return std::string();
   ReadNames(kernel);
@@ -112,7 +113,7 @@ void UseXconfig(TMachine& machine, EXconfigSource source, const std::shared_ptr<
   machine.getNotes = [kernel] { return kernel->notes; };
 }
 
-/// Why no output of the graphics drivers has an EDID, where none has.
+/// Why no output of the graphics drivers has an EDID.
 std::string ExplainNoEdid(const TKernel& kernel) {
   const std::string folder = kernel.folders.cards.string();
   if (kernel.graphics.cards.empty()) return "the kernel shows no graphics card in " + folder;
@@ -124,13 +125,13 @@ std::string ExplainNoEdid(const TKernel& kernel) {
   return "no connected output in " + folder + " has an EDID (connected: " + Join(connected) + ")";
 }
 
-/// Whether anything is connected, even without an EDID.
+/// True if anything is connected, even without an EDID.
 bool HasOutput(const TKernelGraphics& graphics) {
   return std::any_of(graphics.cards.begin(), graphics.cards.end(),
                      [](const TDrmCard& card) { return !card.outputs.empty(); });
 }
 
-/// Serves the EDIDs of the graphics drivers as those of BIOS units 0, 1, ... The outputs without one follow.
+/// Serves the EDIDs of the graphics drivers as those of BIOS units 0, 1, ... Outputs without an EDID follow.
 void UseDrm(TMachine& machine, const TKernel& kernel) {
   const std::string folder = kernel.folders.cards.string();
   TVirtualBiosConfiguration bios;
@@ -161,7 +162,7 @@ void UseDrm(TMachine& machine, const TKernel& kernel) {
   };
 }
 
-/// A real BIOS often answers as unit 0 for every unit. What repeats the unit before is no further output.
+/// Removes units that repeat the unit before: a real BIOS often answers as unit 0 for every unit.
 TVirtualBiosConfiguration DropRepeats(TVirtualBiosConfiguration bios) {
   const std::map<unsigned int, TVirtualBiosConfiguration::TUnit> units = bios.units;
   for (const auto& [number, unit] : units) {
@@ -171,7 +172,7 @@ TVirtualBiosConfiguration DropRepeats(TVirtualBiosConfiguration bios) {
   return bios;
 }
 
-/// `before`: what was looked at before the BIOS, and found wanting; may be empty.
+/// `before`: why the source that was tried before the BIOS was of no use; may be empty.
 void UseBios(TMachine& machine, const std::string& before) {
   const auto bios = std::make_shared<TRealVideoBios>();
   const auto recorder = std::make_shared<TBiosRecorder>(bios);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* kMadeFile = "/etc/X11/xorg.conf";
 
-// The files that the plug-in looks for: a test compares them with what it asks for.
+// The files that the plug-in looks for. A test compares them with those that it asks for.
 constexpr const char* kConfigurationFiles[] = {
     "/etc/X11/XF86Config-4",
     "/etc/X11/XF86Config",

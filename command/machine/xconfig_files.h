@@ -1,4 +1,4 @@
-// This machine's files, with a configuration of the X server for a machine that has none.
+// Serves this machine's files, and a made X server configuration if the machine has none.
 #pragma once
 
 #include <functional>
@@ -8,21 +8,21 @@
 
 #include "embedded_host/machine_files.h"
 
-/// Where the X server's configuration of this machine comes from: its file, what the kernel knows, or the file if there
-/// is one and else the kernel.
+/// Where the X server's configuration of this machine comes from: its file, or what the kernel knows. kAuto: the file
+/// if there is one, otherwise the kernel.
 enum class EXconfigSource { kAuto, kFile, kKernel };
 
-/// Serves what the kernel knows as /etc/X11/xorg.conf, where the source says so; then no other file exists, since the
-/// plug-in looks for nothing but configurations.
+/// If the source says so, serves what the kernel knows as /etc/X11/xorg.conf, and no other file: the plug-in only looks
+/// for configurations.
 class TXconfigFiles : public IMachineFiles {
  public:
   typedef std::function<std::string()> TMakeConfiguration;
 
-  /// `files`: those of the machine. `make` is called once at most, when a file is first asked for. It gives the empty
-  /// text for a kernel that knows no graphics card; that is not served.
+  /// `files`: the machine's. `make` is called at most once, when a file is first asked for. It returns an empty text if
+  /// the kernel knows no graphics card; that is not served.
   TXconfigFiles(std::shared_ptr<IMachineFiles> files, EXconfigSource source, TMakeConfiguration make);
 
-  /// Whether the made configuration was served.
+  /// True if the made configuration was served.
   bool HasServedMade() const { return m_made && !m_made->empty(); }
 
   bool Exists(const std::string& path) const override;
@@ -35,5 +35,5 @@ class TXconfigFiles : public IMachineFiles {
   const std::shared_ptr<IMachineFiles> m_files;
   const EXconfigSource m_source;
   const TMakeConfiguration m_make;
-  mutable std::optional<std::string> m_made;  // empty when the files are served
+  mutable std::optional<std::string> m_made;  // nothing until `make` is called; empty if the files are served
 };

@@ -9,12 +9,12 @@ namespace {
 
 constexpr std::string_view kBetweenNumbers = " \t\r\n,;{}[]\"";
 
-/// Goes through a text as runs of numbers that fit in a byte, with anything else between the runs.
+/// Splits a text into runs of numbers that fit in a byte.
 class TRuns {
  public:
   explicit TRuns(std::string_view text) : m_rest(text) {}
 
-  /// The next run; false after the last. An empty one stands for anything else.
+  /// Gives the next run; false after the last. An empty run stands for a word that is no such number.
   bool Take(std::string& run) {
     run.clear();
     while (!m_rest.empty()) {
@@ -39,7 +39,7 @@ std::optional<TFoundMachine> ReadDecimalBytes(std::string_view text) {
   std::string bytes;
   TRuns runs(text);
   for (std::string run; runs.Take(run);) {
-    // A block may stand apart from the one before it; what else has numbers in it is about the EDID.
+    // Text may separate two blocks of an EDID. Other runs of numbers belong to text about the EDID.
     const bool isBlock = !bytes.empty() && run.size() % edid::kBlockSize == 0;
     if (BeginsLikeEdid(run) || isBlock) bytes += run;
   }

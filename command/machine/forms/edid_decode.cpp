@@ -6,7 +6,7 @@ namespace {
 
 constexpr std::string_view kSign = "edid-decode (hex):";
 
-/// The bytes of a line such as "00 ff ff ff"; false for any other line.
+/// Appends the bytes of a line such as "00 ff ff ff"; false for any other line.
 bool AppendLine(std::string& bytes, std::string_view line) {
   std::string digits(Trim(line));
   digits.erase(std::remove(digits.begin(), digits.end(), ' '), digits.end());
@@ -23,7 +23,7 @@ std::optional<TFoundMachine> ReadEdidDecode(std::string_view text) {
     if (!BeginsWith(line, kSign)) continue;
     isIts = true;
     std::string bytes;
-    // An empty line stands between two blocks.
+    // Blocks are separated by an empty line, which appends no bytes.
     while (lines.Take(line) && AppendLine(bytes, line)) {
     }
     machine.Add({"", std::move(bytes)});

@@ -13,7 +13,7 @@ namespace {
 
 typedef std::optional<TFoundMachine> (*TReadForm)(std::string_view text);
 
-// Those with a plain sign come first.
+// Forms with an unmistakable sign come first.
 constexpr TReadForm kTextForms[] = {ReadRegistryExport, ReadXLog,    ReadXrandr,   ReadIoreg,
                                     ReadEdidDecode,     ReadHexDump, ReadHexBytes, ReadDecimalBytes};
 
@@ -24,7 +24,7 @@ constexpr const char* kExpected =
     "a "
     "registry export, PowerShell's numbers, or an inventory of GLPI, FusionInventory or OCS";
 
-/// The output of which the kernel has the EDID in a file of that path, such as card0-DP-1/edid; empty for another path.
+/// The output whose EDID the kernel has in a file of that path, such as card0-DP-1/edid; empty for any other path.
 std::string FindConnector(const std::filesystem::path& path) {
   for (const std::string& name : {path.stem().string(), path.parent_path().filename().string()}) {
     const std::size_t dash = name.find('-');
@@ -38,7 +38,7 @@ std::string FindConnector(const std::filesystem::path& path) {
 }
 
 std::optional<TFoundMachine> FindForm(const std::string& content, const std::string& name) {
-  // Any EDID has a zero byte, even one with a damaged header.
+  // Every EDID has a zero byte, even one with a damaged header.
   if (!IsUtf16(content) && content.find('\0') != std::string::npos) return ReadEdidBytes(content);
   const std::string text = DecodeText(content);
   if (std::optional<TFoundMachine> machine = ReadJsonInventory(text, name)) return machine;
@@ -49,7 +49,7 @@ std::optional<TFoundMachine> FindForm(const std::string& content, const std::str
   return std::nullopt;
 }
 
-/// A copy of the kernel's file of an output's EDID.
+/// `content`: a copy of the kernel's file with the EDID of an output.
 TFoundMachine ReadKernelFile(const std::string& content, const std::string& connector) {
   TFoundMachine machine;
   machine.Add({connector, content});
@@ -67,7 +67,7 @@ TFoundMachine Find(const std::string& content, const std::string& name) {
   return std::move(*machine);
 }
 
-/// An EDID that the plug-in may take.
+/// True for an EDID that the plug-in may accept.
 bool HasWholeEdid(const TFoundOutput& output) {
   return output.fault.empty() && !output.edid.empty() && output.edid.size() % edid::kBlockSize == 0 &&
          output.edid.size() <= kMaxEdidSize;

@@ -1,4 +1,4 @@
-// What a file of another program says of a machine's outputs, and what the readers of such files have in common.
+// What a file of another program says of a machine's outputs, and functions that the readers of such files share.
 #pragma once
 
 #include <cstddef>
@@ -10,13 +10,13 @@
 #include "command/machine/machine_document.h"
 
 struct TFoundOutput {
-  std::string connector = {};  // as the file calls the output; empty where it does not
-  std::string edid = {};       // its bytes; none when there is a fault
-  std::string fault = {};      // why it has no EDID that can be used, such as "is not base64"
+  std::string connector = {};  // the output's name in the file; empty if it has none
+  std::string edid = {};       // its bytes; empty if there is a fault
+  std::string fault = {};      // why it has no usable EDID, such as "is not base64"
 };
 
 struct TFoundMachine {
-  std::string name = {};  // empty where the file does not name the machine
+  std::string name = {};  // empty if the file does not name the machine
   std::vector<TFoundOutput> outputs = {};
 
   /// Keeps one output more than a machine can have, so that the caller sees that there are too many.
@@ -24,13 +24,13 @@ struct TFoundMachine {
     if (outputs.size() <= kMaxUnits) outputs.push_back(std::move(output));
   }
 
-  /// Adds each EDID of a row of them. The bytes tell where one ends: it has as many blocks as it says, and what follows
-  /// them belongs to it unless that begins like an EDID. A copy of the EDID belongs to it too, since a display whose
-  /// memory is smaller than what is read from it answers with the same bytes again.
+  /// Adds consecutive EDIDs. Each has as many blocks as it says, and also what follows them unless that begins like an
+  /// EDID. A copy of the EDID belongs to it too: a display repeats its bytes if more is read from it than its memory
+  /// holds.
   void AddEdids(std::string_view bytes);
 };
 
-/// Goes through a text line by line.
+/// Splits a text into lines.
 class TLines {
  public:
   explicit TLines(std::string_view text) : m_rest(text) {}
@@ -44,26 +44,26 @@ class TLines {
 
 constexpr bool IsBlank(char character) { return character == ' ' || character == '\t'; }
 
-/// Without the blanks at both ends.
+/// The text without the blanks at both ends.
 std::string_view Trim(std::string_view text);
 
-/// Takes what stands before the first of these characters; all of the text when none is in it.
+/// Takes everything before the first of the characters in `ends`; the whole text if it has none of them.
 std::string_view TakeUntil(std::string_view& text, std::string_view ends);
 
 bool BeginsWith(std::string_view text, std::string_view beginning);
 
-/// Whether the bytes begin as those of an EDID do.
+/// True if the bytes begin with the header of an EDID.
 bool BeginsLikeEdid(std::string_view bytes);
 
-/// The same, or whole blocks the first of which has a valid checksum: an EDID whose header is damaged.
+/// The same, but also true for whole blocks if the first has a valid checksum: an EDID with a damaged header.
 bool LooksLikeEdid(std::string_view bytes);
 
-/// The bytes that an EDID takes as it says itself; all of them when they are fewer.
+/// The size in bytes that the EDID itself gives, or that of `edid` if it is smaller.
 std::size_t GetPromisedSize(std::string_view edid);
 
-/// Appends the bytes that pairs of hexadecimal digits stand for. False, and nothing appended, when the text is anything
-/// else; an empty text is no bytes.
+/// Appends the bytes that pairs of hexadecimal digits stand for. Returns false and appends nothing if the text has
+/// anything else. An empty text stands for no bytes.
 bool AppendHex(std::string& bytes, std::string_view digits);
 
-/// The number in hexadecimal digits, at most eight.
+/// The number that at most eight hexadecimal digits stand for.
 std::optional<std::size_t> ReadHexNumber(std::string_view digits);

@@ -6,8 +6,8 @@ namespace {
 
 constexpr std::string_view kBetweenBytes = " \t\r\n,;:";
 
-/// Bytes with anything of the above between them: 00ffff, 00:ff:ff, 0x00, 0xff. Nothing for a text of anything
-/// else, or of bytes that are no EDID.
+/// Bytes with any of those characters between them: 00ffff, 00:ff:ff, 0x00, 0xff. Nothing if the text has anything
+/// else, or if the bytes are no EDID.
 std::optional<std::string> ReadBytes(std::string_view text) {
   std::string bytes;
   while (!text.empty()) {
@@ -22,7 +22,7 @@ std::optional<std::string> ReadBytes(std::string_view text) {
   return bytes;
 }
 
-/// C without its comments.
+/// C code without its comments.
 std::string RemoveComments(std::string_view text) {
   std::string rest;
   while (!text.empty()) {
@@ -40,7 +40,7 @@ std::string RemoveComments(std::string_view text) {
   return rest;
 }
 
-/// Each list in braces that has nothing but bytes in it.
+/// Reads every list in braces that holds only bytes.
 std::optional<TFoundMachine> ReadArrays(std::string_view text) {
   const std::string code = RemoveComments(text);
   std::string_view rest = code;

@@ -5,20 +5,20 @@
 
 namespace {
 
-constexpr std::size_t kRowSize = 16;  // bytes, of hexdump and i2cdump
+constexpr std::size_t kRowSize = 16;  // bytes in a row of hexdump and i2cdump
 
 struct TRow {
   std::size_t offset;
   std::string bytes;
 };
 
-/// What tells the rows of one program from those of another.
+/// How a program writes its rows.
 struct TDialect {
   std::size_t offsetDigits;
   std::string_view afterOffset;
   std::string_view beforeCharacters;
   std::size_t maxBytes;  // in a row
-  bool isOfMemory;       // it prints 256 bytes however many there are of the EDID
+  bool isOfMemory;       // it always prints 256 bytes, however long the EDID is
 };
 
 constexpr TDialect kDialects[] = {
@@ -27,7 +27,7 @@ constexpr TDialect kDialects[] = {
     {2, ":", "    ", kRowSize, true},     // i2cdump
 };
 
-/// hexdump ends with a row that has no bytes.
+/// The row may have no bytes: hexdump's last row has none.
 std::optional<TRow> ReadRow(std::string_view line, const TDialect& dialect) {
   const std::optional<std::size_t> offset = ReadHexNumber(line.substr(0, dialect.offsetDigits));
   if (!offset || line.size() < dialect.offsetDigits) return std::nullopt;
@@ -37,7 +37,7 @@ std::optional<TRow> ReadRow(std::string_view line, const TDialect& dialect) {
   line = line.substr(std::min(dialect.afterOffset.size(), line.size()));
   line = line.substr(0, line.find(dialect.beforeCharacters));
   while (!(line = Trim(line)).empty() && row.bytes.size() < dialect.maxBytes) {
-    // i2cdump has XX for a byte that it could not read.
+    // i2cdump writes XX for a byte that it could not read.
     if (!AppendHex(row.bytes, TakeUntil(line, " "))) break;
   }
   return row;
@@ -75,7 +75,7 @@ class TDump {
     m_isBroken = m_isRepeated = false;
   }
 
-  /// A star stands for rows that are like the one before it.
+  /// Repeats the last row up to `end`: a star stands for rows equal to the one before it.
   void Repeat(std::size_t end) {
     if (end > kMaxEdidSize || m_last.empty()) return;
     while (m_bytes.size() < end) m_bytes += m_last;
@@ -92,7 +92,7 @@ class TDump {
   const TDialect& m_dialect;
   TFoundMachine m_machine;
   std::string m_bytes;  // of the dump that is being read
-  std::string m_last;   // row
+  std::string m_last;   // the last row
   bool m_hasRows = false;
   bool m_isRepeated = false;
   bool m_isBroken = false;

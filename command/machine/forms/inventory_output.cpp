@@ -12,12 +12,12 @@ std::optional<std::string> DecodeMail(std::string base64) {
   return DecodeBase64(base64);
 }
 
-/// The six bits of a character: from the blank on, where some write a backquote instead of the blank.
+/// The six bits of a character, counted from the blank. Some encoders write a backquote instead of the blank.
 unsigned int GetBits(char character) { return (static_cast<unsigned char>(character) - ' ') & 0x3FU; }
 
 bool IsUucode(char character) { return character >= ' ' && character <= '`'; }
 
-/// The bytes of one line; false for one that no encoder writes. Blanks at its end may be lost.
+/// Appends the bytes of one line; false if no encoder writes such a line. Blanks at its end may have been lost.
 bool AppendUuLine(std::string& bytes, std::string_view line) {
   if (!std::all_of(line.begin(), line.end(), IsUucode)) return false;
   const std::size_t size = GetBits(line.front());
@@ -34,7 +34,7 @@ bool AppendUuLine(std::string& bytes, std::string_view line) {
   return true;
 }
 
-/// The lines themselves, without those that name a file around them.
+/// `text`: only the encoded lines, without the lines around them that name a file.
 std::optional<std::string> DecodeUu(std::string_view text) {
   std::string bytes;
   TLines lines(text);

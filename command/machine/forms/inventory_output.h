@@ -1,4 +1,4 @@
-// A monitor in an inventory.
+// Decodes the EDID of a monitor in an inventory.
 #pragma once
 
 #include <optional>
@@ -6,12 +6,12 @@
 
 #include "command/machine/forms/found_machine.h"
 
-/// As the inventory has it.
+/// A monitor as the inventory describes it.
 struct TInventoryMonitor {
   std::optional<std::string> port;
-  std::optional<std::string> base64;    // with line breaks, as mail has them
-  std::optional<std::string> uuencode;  // lines of a length and groups of four characters
+  std::optional<std::string> base64;    // with line breaks, as in mail
+  std::optional<std::string> uuencode;  // each line has a length, then groups of four characters
 };
 
-/// Its output. A monitor whose EDID is missing, or in another encoding, has that as its fault.
+/// The monitor's output. An EDID that is missing or encoded in another way is its fault.
 TFoundOutput MakeInventoryOutput(const TInventoryMonitor& monitor);

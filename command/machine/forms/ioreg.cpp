@@ -8,7 +8,7 @@ constexpr std::string_view kNode = "+-o ";
 constexpr std::string_view kEdid = "\"IODisplayEDID\" = <";
 constexpr std::string_view kOriginal = "\"IODisplayEDIDOriginal\" = <";
 
-/// The bytes after the sign; nothing for a line without it.
+/// The output with the bytes after the sign; nothing for a line without it.
 std::optional<TFoundOutput> ReadOutput(std::string_view line, std::string_view sign) {
   const std::size_t place = line.find(sign);
   if (place == std::string_view::npos) return std::nullopt;
@@ -38,7 +38,7 @@ std::optional<TFoundMachine> ReadIoreg(std::string_view text) {
   for (std::string_view line; lines.Take(line);) {
     if (line.find(kNode) != std::string_view::npos) endNode();
     if (std::optional<TFoundOutput> found = ReadOutput(line, kEdid)) {
-      if (edid) endNode();  // excerpts have no lines of nodes
+      if (edid) endNode();  // excerpts lack the lines that begin a node
       edid = std::move(found);
     }
     if (std::optional<TFoundOutput> found = ReadOutput(line, kOriginal)) {

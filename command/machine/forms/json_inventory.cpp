@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Goes through an inventory, and skips what it does not know.
+/// Reads an inventory, and skips what it does not know.
 class TInventoryReader {
  public:
   explicit TInventoryReader(const std::string& name) : m_json({name, "inventory"}, EUnexpected::kSkipped) {}

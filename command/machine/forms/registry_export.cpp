@@ -14,14 +14,14 @@ constexpr std::string_view kParameters = "\\device parameters";
 constexpr std::string_view kDevices = "\\enum\\";
 constexpr std::string_view kUid = "&uid";
 
-/// A monitor's key, which several control sets may have.
+/// A monitor. Several control sets may have its key.
 struct TMonitor {
   std::string connector;
   std::string edid;
-  std::map<std::size_t, std::string> blocks;  // of EDID_OVERRIDE, by their numbers
+  std::map<std::size_t, std::string> blocks;  // from EDID_OVERRIDE, by number
 };
 
-/// Names of keys and values are the same in any case.
+/// For names of keys and values, whose case does not matter.
 std::string ToLower(std::string_view text) {
   std::string lower(text);
   std::transform(lower.begin(), lower.end(), lower.begin(),
@@ -35,14 +35,14 @@ bool RemoveEnd(std::string& text, std::string_view end) {
   return true;
 }
 
-/// What tells the outputs apart in the name of a monitor's key: UID67568640, or the whole last part.
+/// The part of the name of a monitor's key that differs between outputs: UID67568640, or the whole last part.
 std::string GetConnector(std::string_view device) {
   const std::string_view instance = device.substr(device.rfind('\\') + 1);
   const std::size_t uid = ToLower(instance).rfind(kUid);
   return std::string(uid == std::string_view::npos ? instance : instance.substr(uid + 1));
 }
 
-/// The bytes of a value such as hex:00,ff or hex(3):00,ff; nothing for one of another type or with anything else in it.
+/// The bytes of a value such as hex:00,ff or hex(3):00,ff; nothing if it has another type or holds anything else.
 std::optional<std::string> ReadBinary(std::string_view value) {
   const std::string_view type = TakeUntil(value, ":");
   if (value.empty() || !BeginsWith(type, "hex")) return std::nullopt;
@@ -55,7 +55,7 @@ std::optional<std::string> ReadBinary(std::string_view value) {
   return bytes;
 }
 
-/// With the blocks that the EDID says it has, as far as they are known.
+/// The EDID with the blocks that it says it has, as far as they are known.
 std::string Complete(const TMonitor& monitor) {
   std::string edid = monitor.edid;
   for (const auto& [number, block] : monitor.blocks) {
@@ -81,7 +81,7 @@ class TExport {
   }
 
  private:
-  /// A value goes on in the next line after a backslash.
+  /// After a backslash at the end of a line, a value continues in the next line.
   static std::string JoinLines(std::string_view line, TLines& lines) {
     std::string whole(Trim(line));
     while (!whole.empty() && whole.back() == '\\' && lines.Take(line)) {
@@ -130,7 +130,7 @@ class TExport {
       monitor->blocks[number] = *bytes;
   }
 
-  /// The monitor of the current key; null for one more than needed to see that there are too many.
+  /// The monitor of the current key; null once there are more than kMaxUnits.
   TMonitor* FindMonitor() {
     const auto found = m_places.find(m_device);
     if (found != m_places.end()) return &m_monitors[found->second].second;
@@ -140,11 +140,11 @@ class TExport {
     return &m_monitors.back().second;
   }
 
-  std::string m_device;  // whose key is being read
+  std::string m_device;  // the one whose key is being read
   std::string m_connector;
   bool m_isOverride = false;
   std::vector<std::pair<std::string, TMonitor>> m_monitors;  // in the order of the file
-  std::map<std::string, std::size_t> m_places;               // of the devices in it
+  std::map<std::string, std::size_t> m_places;               // indexes in m_monitors, by device
 };
 
 }  // namespace

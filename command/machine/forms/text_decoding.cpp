@@ -12,7 +12,7 @@ constexpr char kLittleEndianMark[] = "\xFF\xFE";
 constexpr char kBigEndianMark[] = "\xFE\xFF";
 constexpr std::uint32_t kReplacement = 0xFFFD;
 
-/// `low`: where in each pair of bytes the lower one is, 0 or 1.
+/// Decodes UTF-16. `low`: the place of the lower byte in each pair, 0 or 1.
 class TUtf16 {
  public:
   TUtf16(const std::string& content, std::size_t low) : m_content(content), m_low(low) {}
@@ -36,7 +36,7 @@ class TUtf16 {
     return byte(m_low) | static_cast<std::uint32_t>(byte(1 - m_low)) << 8U;
   }
 
-  /// The character at m_next; m_next is then at its last unit.
+  /// The character at m_next. Leaves m_next at the character's last unit.
   std::uint32_t TakeCharacter() {
     const std::uint32_t unit = GetUnit(m_next);
     if (!IsHigh(unit)) return IsLow(unit) ? kReplacement : unit;

@@ -43,14 +43,14 @@ class TXLog {
  private:
   struct TRead {
     std::string source;
-    std::string connector;  // empty where the log does not name it
+    std::string connector;  // empty if the log does not name it
     std::string edid;       // empty for an output without a monitor
   };
 
   void TakeLine(const TLogLine& line) {
     if (BeginsWith(line.message, kOutputSign)) return BeginOutput(line);
     if (BeginsWith(line.message, kBytesSign)) return BeginBytes(line);
-    // Other sources may write between the lines of an EDID.
+    // Other sources may write lines between those of an EDID.
     if (!m_isInBytes || line.source != m_current.source) return;
     m_isInBytes = !line.message.empty() && AppendHex(m_current.edid, line.message);
   }
@@ -68,8 +68,8 @@ class TXLog {
     m_isInBytes = true;
   }
 
-  /// Keeps what was read, in the place of what the same output said before. One that the log does not name is the same
-  /// when its EDID is.
+  /// Keeps what was read; it replaces what the same output said before. An output without a name is the same if its
+  /// EDID is equal.
   void End() {
     const bool isNamed = !m_current.connector.empty();
     const auto key = std::make_pair(m_current.source, isNamed ? m_current.connector : m_current.edid);
@@ -83,10 +83,10 @@ class TXLog {
     m_current = {};
   }
 
-  std::map<std::pair<std::string, std::string>, std::size_t> m_places;  // of the outputs
+  std::map<std::pair<std::string, std::string>, std::size_t> m_places;  // indexes in m_outputs
   std::vector<TRead> m_outputs;                                         // in the order of the log
   TRead m_current;
-  bool m_isInBytes = false;  // of the current one
+  bool m_isInBytes = false;  // the next lines may hold bytes of the current output
 };
 
 }  // namespace

@@ -18,7 +18,7 @@ TXmlElement Parse(const std::string& text, const std::string& name) {
   }
 }
 
-/// The text of a child; nothing where there is none.
+/// The text of a child; nothing if there is no such child.
 std::optional<std::string> GetText(const TXmlElement* element, std::string_view child) {
   const TXmlElement* const found = element == nullptr ? nullptr : element->FindChild(child);
   if (found == nullptr) return std::nullopt;
@@ -26,7 +26,7 @@ std::optional<std::string> GetText(const TXmlElement* element, std::string_view 
 }
 
 TInventoryMonitor ReadMonitor(const TXmlElement& monitor) {
-  const TXmlElement* const lines = monitor.FindChild("UUENCODE");  // whose blanks count
+  const TXmlElement* const lines = monitor.FindChild("UUENCODE");  // not trimmed: its blanks count
   return {GetText(&monitor, "PORT"), GetText(&monitor, "BASE64"),
           lines == nullptr ? std::nullopt : std::optional<std::string>(lines->text)};
 }

@@ -4,9 +4,9 @@
 
 namespace {
 
-constexpr std::string_view kProperties[] = {"EDID:", "EDID_DATA:"};  // the second of xrandr before 1.2.99
+constexpr std::string_view kProperties[] = {"EDID:", "EDID_DATA:"};  // xrandr before 1.2.99 prints the second
 
-/// The name of the output that a line is about; nothing for any other line.
+/// The name of the output that the line introduces; nothing for any other line.
 std::optional<std::string_view> ReadOutputName(std::string_view line) {
   if (line.empty() || IsBlank(line.front())) return std::nullopt;
   const std::string_view name = TakeUntil(line, " ");
