@@ -12,46 +12,47 @@
 
 /// The result of a collection: the instances, or why it failed.
 struct TCollected {
-  std::shared_ptr<const TCimModel> model;  // null when the collection failed
+  std::shared_ptr<const TCimModel> model;  // null if the collection failed
   std::string failure;
-  std::vector<std::string> remarks;  // what people should know of it, a sentence each
+  std::vector<std::string> remarks;  // what people should know, a sentence each
 };
 
 class TAnswerKeeper {
  public:
   typedef std::chrono::steady_clock::time_point TTime;
-  /// Calls a function once, after that time.
+  /// Calls `wake` once, after that time.
   typedef std::function<void(std::chrono::milliseconds time, std::function<void()> wake)> TLater;
 
   struct TAsker {
     std::function<void(const TCollected&)> tell;
-    std::function<bool()> isWanted;  // false: who asked has gone
+    std::function<bool()> isWanted;  // false once the asker has gone
   };
 
-  static constexpr std::chrono::seconds kPatience{2};  // of an asker, when there is an answer that is too old
-  static constexpr std::chrono::seconds kPause{1};     // after a collection that failed, before the next
+  static constexpr std::chrono::seconds kPatience{2};  // how long an asker waits rather than take an old answer
+  static constexpr std::chrono::seconds kPause{1};     // between a failed collection and the next
 
-  /// `collect` begins a collection, at most one at a time, whose end Put tells. `now`: the clock.
+  /// `collect` begins a collection; its result must be given to Put. It is called only after the previous one has
+  /// ended. `now`: the clock.
   TAnswerKeeper(std::chrono::seconds maxAge, std::function<void()> collect, std::function<TTime()> now, TLater later);
 
   /// Begins the first collection.
   void Start();
 
-  /// Tells the newest result: at once if it is not older than the greatest age. Else the next collection begins, if
-  /// none is under way, and its result is told; if that takes longer than kPatience, the old one. A failure is told at
-  /// once until kPause is over. The first collection is waited for until it ends.
+  /// Tells the newest result, at once if it is not older than `maxAge`. Otherwise begins a collection, if none is
+  /// running, and tells its result, or the old one if that takes longer than kPatience. Until kPause is over, a failure
+  /// is told at once. For the first collection, the asker waits until it ends.
   void Ask(TAsker asker);
 
-  /// A collection has ended.
+  /// Takes the result of a collection that has ended.
   void Put(TCollected collected);
 
-  /// The machine has changed: the newest result is too old now, and so is that of a collection that is under way.
+  /// Call it when the machine has changed: the newest result, and that of a running collection, are then too old.
   void Drop();
 
  private:
   struct TWaiting {
     TAsker asker;
-    TTime end;  // of its patience
+    TTime end;  // when its patience ends
   };
 
   bool IsTooOld() const;
@@ -66,7 +67,7 @@ class TAnswerKeeper {
   bool m_hasCollected = false;
   bool m_isDropped = false;  // since the last collection began
   bool m_isWaking = false;   // TellImpatient will be called
-  TTime m_time;              // of m_collected
+  TTime m_time;              // when m_collected came
   TCollected m_collected;
   std::deque<TWaiting> m_waiting;  // in the order in which their patience ends
 };

@@ -10,13 +10,13 @@ namespace {
 
 typedef NQRXZELT20::TCIMValue::TCIMType TType;
 
-/// A class of the DMTF's schema, as far as a class of the plug-in has its properties.
+/// A class of the DMTF's schema, reduced to the properties that a class of the plug-in has.
 struct TSuperclass {
   const char* name;
   const char* subclass;
   const char* meaning;
   std::vector<const char*> properties;
-  const char* target;  // of its references, where these do not refer to the superclasses of what the subclass refers to
+  const char* target;  // the class its references refer to; empty: the superclasses of those of the subclass
 };
 
 const TSuperclass kSuperclasses[] = {
@@ -115,7 +115,7 @@ std::vector<TCimClass> MakeInteropClasses() {
 
 std::vector<TCimClass> MakeClasses() {
   std::vector<TCimClass> classes;
-  classes.reserve(64);  // a subclass refers to its superclass, which must stay where it is
+  classes.reserve(64);  // subclasses point to their superclasses, which must not move
   for (const TSuperclass& superclass : kSuperclasses) classes.push_back(MakeSuperclass(superclass));
   const std::size_t superclassCount = classes.size();
   for (const TClassDeclaration& declaration : GetSchema()) {
@@ -130,7 +130,7 @@ std::vector<TCimClass> MakeClasses() {
   return classes;
 }
 
-// The values of the DMTF's schema; those of the interface are the codes of VESA's DI-EXT standard.
+// The values of the DMTF's schema. The values of the interface are the codes of VESA's DI-EXT standard.
 const TValueMap kValueMaps[] = {
     {"OperationalStatus",
      {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12", "13", "14", "15", "16", "17", "18"},

@@ -1,5 +1,5 @@
-// The classes as CIM clients see them: the plug-in's with the superclasses that generic tools ask for, those of the
-// outputs, and those by which a management client gets to know the server.
+// The classes that CIM clients see: the plug-in's with the superclasses that generic tools ask for, those of the
+// outputs, and those with which the server describes itself.
 #pragma once
 
 #include <string>
@@ -16,9 +16,9 @@ constexpr const char* kNamespaceClass = "CIM_Namespace";
 
 struct TCimClass : TClassDeclaration {
   const char* nameSpace = kCimNamespace;
-  const TCimClass* superclass = nullptr;  // which has no superclass itself
+  const TCimClass* superclass = nullptr;  // it has no superclass itself
 
-  /// The class that declares a property of this one.
+  /// The class that declares the property: this one or its superclass.
   const TCimClass& GetOrigin(const TPropertyDeclaration& property) const;
   /// True for this class and its superclass.
   bool IsA(const TCimClass& other) const { return this == &other || superclass == &other; }
@@ -27,7 +27,7 @@ struct TCimClass : TClassDeclaration {
 /// All classes of both namespaces, a superclass before its subclass.
 const std::vector<TCimClass>& GetCimClasses();
 
-/// The class of that name, without regard to case, or null.
+/// The class of that name, ignoring case; null if there is none.
 const TCimClass* FindCimClass(std::string_view name);
 
 /// What the values of a property mean (the qualifiers ValueMap and Values).
@@ -37,5 +37,5 @@ struct TValueMap {
   std::vector<const char*> meanings;  // of Values, in the same order
 };
 
-/// Null for a property whose values speak for themselves.
+/// Null if the property's values need no explanation.
 const TValueMap* FindValueMap(std::string_view property);

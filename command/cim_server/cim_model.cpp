@@ -13,7 +13,7 @@ using NQRXZELT20::TCIMValue;
 
 namespace {
 
-/// DSP0201 knows a real number by its point.
+/// In DSP0201, a real number must have a point.
 std::string MakeReal(std::string text) {
   if (text.find('.') == std::string::npos) text.insert(std::min(text.find('e'), text.size()), ".0");
   return text;
@@ -52,7 +52,7 @@ TCimInstance ReadInstance(const json& instance) {
   return read;
 }
 
-/// `values`: of its properties that are no references, by their names.
+/// `values`: the properties that are no references, by name.
 TCimInstance MakeInstance(const char* className, const json& values) {
   const TCimClass& declaration = *FindCimClass(className);
   TCimInstance made = {&declaration, {className, {}}, {}};

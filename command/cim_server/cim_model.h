@@ -1,5 +1,5 @@
-// The instances that CIM clients see: an answer of the plug-in, each object path once, with its references resolved,
-// the outputs, and what the server says of itself.
+// The instances that CIM clients see: those of an answer (each object path once, references resolved), the outputs, and
+// those with which the server describes itself.
 #pragma once
 
 #include <map>
@@ -13,20 +13,20 @@
 struct TCimProperty {
   const TPropertyDeclaration* declaration;
   bool isNull = false;
-  std::vector<std::string> values;  // as CIM-XML writes them; one when the property is no array; none for a reference
-  TObjectName reference;            // of a reference property
+  std::vector<std::string> values;  // as CIM-XML writes them: one if the property is no array; none for a reference
+  TObjectName reference;            // only for a reference
 };
 
 struct TCimInstance {
   const TCimClass* declaration;
   TObjectName name;
-  std::vector<TCimProperty> properties;  // those that are set, in ascending order of their names
+  std::vector<TCimProperty> properties;  // those that are set, sorted by name
 
   /// The property of that name, or null.
   const TCimProperty* Find(const std::string& propertyName) const;
 };
 
-/// That `association` links, by its property `role`, to `object`. Both are numbers of instances.
+/// A link of the instance `association`, by its property `role`, to the instance `object`. Both are given by number.
 struct TCimLink {
   std::size_t association;
   std::string role;
@@ -35,36 +35,36 @@ struct TCimLink {
 
 class TCimModel {
  public:
-  /// Without instances.
+  /// A model without instances.
   TCimModel() = default;
 
   /// Takes instances and outputs from an answer in JSON, as MakeMachineLine writes it, and the system's name from its
   /// `machine`. If a path was committed more than once, the last commit wins and keeps the first one's position, as in
-  /// the host's store. Throws std::exception for a text that is no such answer.
+  /// the host's store. Throws std::exception if the text is no such answer.
   explicit TCimModel(const std::string& answer);
 
   const std::vector<TCimInstance>& GetInstances() const { return m_instances; }
-  /// Those to one instance, and those of one association, both in the order of the associations.
+  /// The links to an instance, and the links of an association, both in the order of the associations.
   const std::vector<TCimLink>& GetLinksTo(std::size_t object) const { return m_linksTo[object]; }
   const std::vector<TCimLink>& GetLinksOf(std::size_t association) const { return m_linksOf[association]; }
 
-  /// The number of the instance that a client names. Its keys are looked up as they come, then with their escapes
-  /// undone; line ends in them may have become line feeds.
+  /// The number of the instance that a client names. The keys are looked up as they are, then with their escapes
+  /// undone. Line ends in them may have become line feeds.
   std::optional<std::size_t> Find(const TObjectName& name) const;
 
  private:
   std::optional<std::size_t> FindExactly(const TObjectName& name) const;
   void Put(TCimInstance instance);
-  /// Null when none has that id.
+  /// Null if no monitor has that id.
   const TCimInstance* FindMonitor(const TCimProperty& deviceId) const;
   void PutOutput(TCimInstance output);
   void DescribeServer(const std::string& systemName);
   void Link();
 
   std::vector<TCimInstance> m_instances;
-  std::map<std::string, std::size_t> m_numbers;  // of the instances, by their identities
-  std::map<std::string, std::size_t> m_aliases;  // the same, by the identities of their names with joined line ends
-  // By the number of the instance:
+  std::map<std::string, std::size_t> m_numbers;  // of the instances, by identity
+  std::map<std::string, std::size_t> m_aliases;  // the same, by the identity of the name with joined line ends
+  // By the number of an instance:
   std::vector<std::vector<TCimLink>> m_linksTo;
   std::vector<std::vector<TCimLink>> m_linksOf;
 };

@@ -41,12 +41,12 @@ class TCimError : public std::runtime_error {
   int m_number;
 };
 
-/// The parameters of an operation, by names without regard to case.
+/// The parameters of an operation. The case of their names is ignored.
 class TParameters {
  public:
   explicit TParameters(const TCimRequest& request) : m_request(request) {}
 
-  /// Null when the client gave none.
+  /// Null if the client gave none.
   template <typename T>
   const T* Find(const char* name) const {
     const TParameterValue* const value = FindValue(name);
@@ -76,7 +76,7 @@ class TParameters {
     throw TCimError(kInvalidParameter, std::string(name) + " is neither TRUE nor FALSE");
   }
 
-  /// A uint32; nothing when the client gave none.
+  /// A uint32; nothing if the client gave none.
   std::optional<std::uint32_t> FindNumber(const char* name) const {
     const std::string* const text = Find<std::string>(name);
     if (text == nullptr) return std::nullopt;
@@ -87,8 +87,8 @@ class TParameters {
     throw TCimError(kInvalidParameter, std::string(name) + " is no number of 32 bits");
   }
 
-  /// The class of the request's namespace that a parameter names; null when it names none. Throws `code` for an
-  /// unknown class.
+  /// The class that a parameter names, in the request's namespace; null if it names none. Throws `code` for an unknown
+  /// class.
   const TCimClass* FindClass(const char* name, TErrorCode code) const {
     const TClassName* const className = Find<TClassName>(name);
     if (className == nullptr) return nullptr;
@@ -117,7 +117,7 @@ class TParameters {
   const TCimRequest& m_request;
 };
 
-/// The instances that an operation is about, in the order of the model.
+/// The numbers of the instances that an operation returns, in the order of the model.
 typedef std::set<std::size_t> TNumbers;
 
 struct TCall;
@@ -125,10 +125,10 @@ struct TCall;
 struct TOperation {
   const char* name;
   bool needsInstances;
-  std::vector<const char*> parameters;  // all that DSP0200 gives it
-  void (*answer)(const TCall& call);    // writes all that follows the start of IMETHODRESPONSE
-  TNumbers (*find)(const TCall& call);  // of an operation on many instances; else null
-  void (*write)(const TCall& call, const TCimInstance& instance, TXmlWriter& xml);  // one of them
+  std::vector<const char*> parameters;  // all that it has in DSP0200
+  void (*answer)(const TCall& call);    // writes the content of IMETHODRESPONSE
+  TNumbers (*find)(const TCall& call);  // null unless the operation returns many instances
+  void (*write)(const TCall& call, const TCimInstance& instance, TXmlWriter& xml);  // writes one of them
 };
 
 struct TCall {
@@ -136,7 +136,7 @@ struct TCall {
   const TParameters& parameters;
   const TCimModel& model;
   TEnumerations& enumerations;
-  const TShown shown;  // of an instance
+  const TShown shown;  // which parts of an instance are written
   const std::string& host;
   TXmlWriter& xml;
 };
@@ -170,7 +170,7 @@ std::size_t RequireInstance(const TCall& call, const char* parameter) {
   return *number;
 }
 
-// How an instance is written, by the kind of the operation.
+// Functions that write an instance, one for each kind of operation.
 
 void WriteNamedInstance(const TCall& call, const TCimInstance& instance, TXmlWriter& xml) {
   xml.Open("VALUE.NAMEDINSTANCE");
@@ -206,7 +206,7 @@ void WriteInstanceWithPath(const TCall& call, const TCimInstance& instance, TXml
   WriteWithPath(call, instance, xml, "VALUE.INSTANCEWITHPATH");
 }
 
-// Which instances an operation is about.
+// Functions that find the instances of an operation.
 
 TNumbers FindInstances(const TCall& call) {
   const TCimClass& wanted = call.parameters.RequireClass("ClassName", kInvalidClass);
@@ -220,8 +220,8 @@ TNumbers FindInstances(const TCall& call) {
 
 bool IsOpening(const TCall& call) { return call.operation.name[0] == 'O'; }
 
-/// The instance whose associations are asked for. DSP0200 allows a class in its place, except where an enumeration is
-/// opened.
+/// The instance whose associations are asked for. DSP0200 also allows a class, except for an operation that opens an
+/// enumeration.
 std::size_t RequireSource(const TCall& call) {
   if (IsOpening(call)) return RequireInstance(call, "InstanceName");
   if (call.parameters.IsClass("ObjectName")) {
@@ -234,13 +234,13 @@ bool IsOfClass(const TCimInstance& instance, const TCimClass* wanted) {
   return wanted == nullptr || instance.declaration->IsA(*wanted);
 }
 
-/// True when the client named no role, or this one.
+/// True if the client named no role, or this one.
 bool IsRole(const TCall& call, const char* parameter, const std::string& role) {
   const std::string* const wanted = call.parameters.Find<std::string>(parameter);
   return wanted == nullptr || wanted->empty() || IsSameName(*wanted, role);
 }
 
-/// The links of the source by associations of a class (any when null), as far as the client asks for them.
+/// The links of the source that the client asks for, by associations of a class (null: of any class).
 std::vector<TCimLink> FindLinks(const TCall& call, const TCimClass* associationClass) {
   std::vector<TCimLink> links;
   for (const TCimLink& link : call.model.GetLinksTo(RequireSource(call))) {
@@ -270,7 +270,7 @@ TNumbers FindAssociators(const TCall& call) {
   return associators;
 }
 
-// One function for each kind of operation.
+// Functions that answer, one for each kind of operation.
 
 void AnswerAtOnce(const TCall& call) {
   call.xml.Open("IRETURNVALUE");
@@ -286,13 +286,13 @@ void WriteOutParameter(TXmlWriter& xml, const char* name, const char* type, cons
   xml.Close();
 }
 
-/// `context`: of what is left; empty at the end.
+/// `context`: of the remaining objects; empty if none are left.
 void WriteSequence(TXmlWriter& xml, const std::string& context) {
   WriteOutParameter(xml, "EnumerationContext", "string", context);
   WriteOutParameter(xml, "EndOfSequence", "boolean", context.empty() ? "TRUE" : "FALSE");
 }
 
-/// How long an enumeration may rest.
+/// How long an enumeration is kept without being used.
 std::chrono::seconds GetTimeout(const TCall& call) {
   constexpr std::uint32_t byDefault = 60;
   const std::uint32_t seconds = call.parameters.FindNumber("OperationTimeout").value_or(byDefault);
@@ -337,7 +337,7 @@ void Open(const TCall& call) {
   WriteSequence(call.xml, context);
 }
 
-/// Throws TCimError unless the context is one of this namespace.
+/// Throws TCimError unless the context belongs to an enumeration of the request's namespace.
 TEnumeration& RequireEnumeration(const TCall& call, const std::string& context) {
   TEnumeration* const found = call.enumerations.Find(context);
   if (found == nullptr || !IsSameName(found->nameSpace, call.parameters.GetNamespace())) {
@@ -402,8 +402,8 @@ void GetClass(const TCall& call) {
   call.xml.Close();
 }
 
-/// The subclasses of the class that the client names, else the classes without a superclass; all of them, at whatever
-/// depth, when it asks for that.
+/// The subclasses of the class that the client names, or the classes without a superclass if it names none. With
+/// DeepInheritance also all classes below these.
 std::vector<const TCimClass*> FindClasses(const TCall& call) {
   const TCimClass* const superclass = call.parameters.FindClass("ClassName", kInvalidClass);
   const bool isDeep = call.parameters.GetFlag("DeepInheritance", false);
@@ -504,7 +504,7 @@ const TOperation* FindOperation(const std::string& name) {
   return found == operations.end() ? nullptr : &*found;
 }
 
-/// Flags must be TRUE or FALSE even where they make no difference.
+/// Flags must be TRUE or FALSE even if they make no difference.
 void CheckFlags(const TParameters& parameters) {
   for (const char* const name :
        {"LocalOnly", "DeepInheritance", "IncludeQualifiers", "IncludeClassOrigin", "ContinueOnError"}) {
@@ -512,7 +512,7 @@ void CheckFlags(const TParameters& parameters) {
   }
 }
 
-/// Each parameter must be one of the operation's, and come once.
+/// Each parameter must be one of the operation's, and appear only once.
 void CheckParameters(const TCimRequest& request, const TOperation& operation) {
   std::vector<const char*> left = operation.parameters;
   for (const auto& parameter : request.parameters) {
@@ -526,7 +526,7 @@ void CheckParameters(const TCimRequest& request, const TOperation& operation) {
   }
 }
 
-/// Throws TCimError for a request that no instance can make right.
+/// Throws TCimError if the request is wrong whatever instances exist.
 const TOperation& RequireOperation(const TCimRequest& request) {
   const bool isServed =
       IsSameName(request.nameSpace, kCimNamespace) || IsSameName(request.nameSpace, kInteropNamespace);

@@ -17,7 +17,7 @@ typedef NQRXZELT20::TCIMValue::TCIMType TType;
 constexpr const char* kSystemName = "SystemName";
 constexpr const char* kModes = "modes";
 
-/// The mode whose value a property has. `modes`: the largest first, at least one.
+/// Chooses the mode that a property describes. `modes`: at least one, the largest first.
 typedef const json& (*TChoose)(const json& modes);
 
 const json& ChooseLargest(const json& modes) { return modes.front(); }
@@ -32,7 +32,7 @@ struct TOutputProperty {
   const char* name;
   const char* key;                // of the output, or of a mode
   TChoose choose = nullptr;       // null for a key of the output
-  const char* meaning = nullptr;  // null: what the key means
+  const char* meaning = nullptr;  // null: the same as that of the key
 };
 
 constexpr TOutputProperty kProperties[] = {

@@ -1,5 +1,4 @@
-// The outputs of a machine as CIM clients see them: classes of the server's own, made from the table of an output's
-// keys.
+// The server's own classes for the outputs of a machine, made from the table of an output's keys.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
@@ -10,9 +9,9 @@
 constexpr const char* kOutputClass = "DI_Output";
 constexpr const char* kOutputMonitorClass = "DI_OutputMonitor";
 
-/// An output, and the association of a monitor (Antecedent) with the output that it stands for (Dependent).
+/// The class of an output, and the association of a monitor (Antecedent) with its output (Dependent).
 std::vector<TClassDeclaration> MakeOutputClasses();
 
-/// The values of an instance of kOutputClass, by the names of its properties; null for what is not known. `output`: an
-/// object of `outputs` in an answer.
+/// The values of an instance of kOutputClass, by property name; null if a value is unknown. `output`: an object of
+/// `outputs` in an answer.
 nlohmann::json ReadOutput(const nlohmann::json& output, const std::string& systemName);

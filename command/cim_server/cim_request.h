@@ -1,4 +1,4 @@
-// A request of a CIM client, read: which operation, and what it was given.
+// A request of a CIM client: the operation and its parameters.
 #pragma once
 
 #include <stdexcept>
@@ -9,15 +9,15 @@
 
 #include "command/cim_server/object_name.h"
 
-/// The name of a class, where an instance's name is allowed as well.
+/// The name of a class, for parameters that may also name an instance.
 struct TClassName {
   std::string name;
 };
 
-/// An element that no reading operation takes, such as the instance to be created.
+/// An element that only writing operations take, such as the instance to be created.
 struct TOtherElement {};
 
-/// std::monostate: null.
+/// The value of a parameter; std::monostate stands for null.
 typedef std::variant<std::monostate, std::string, std::vector<std::string>, TClassName, TObjectName, TOtherElement>
     TParameterValue;
 
@@ -28,14 +28,14 @@ struct TCimRequest {
   std::vector<std::pair<std::string, TParameterValue>> parameters;
 };
 
-/// The request is refused before any CIM is looked at: an HTTP status other than 200. what() says why, for people.
+/// The request is refused by an HTTP status other than 200, before its operation is looked at. what() says why.
 class TRefused : public std::runtime_error {
  public:
   TRefused(unsigned int status, const char* cimError, const std::string& reason)
       : std::runtime_error(reason), m_status(status), m_cimError(cimError) {}
 
   unsigned int GetStatus() const { return m_status; }
-  /// For the header CIMError (DSP0200); empty when the status says it all.
+  /// The value of the header CIMError (DSP0200); empty if the status says enough.
   const std::string& GetCimError() const { return m_cimError; }
 
  private:

@@ -19,7 +19,7 @@ const std::string& RequireAttribute(const TXmlElement& element, const char* name
   return *value;
 }
 
-/// The only element in another.
+/// The only child of an element.
 const TXmlElement& RequireChild(const TXmlElement& element) {
   if (element.children.size() != 1) RefuseAsInvalid("<" + element.name + "> holds other than one element");
   return element.children.front();
@@ -31,7 +31,7 @@ const TXmlElement& RequireChild(const TXmlElement& element, const char* name) {
   RefuseAsInvalid("<" + element.name + "> holds <" + child.name + "> instead of <" + name + ">");
 }
 
-/// The first number of a version decides who understands it.
+/// Requires only the major version: later minor versions are compatible.
 void RequireVersion(const TXmlElement& element, const char* attribute, const char* major, const char* cimError) {
   const std::string version = RequireAttribute(element, attribute);
   if (version.rfind(major, 0) == 0) return;
@@ -40,7 +40,7 @@ void RequireVersion(const TXmlElement& element, const char* attribute, const cha
 
 TObjectName ReadInstanceName(const TXmlElement& element);
 
-/// The instance name, without what may enclose it: VALUE.REFERENCE, and the paths that name host and namespace.
+/// The instance name. VALUE.REFERENCE, and paths that name host and namespace, may enclose it.
 TObjectName ReadReference(const TXmlElement& element) {
   if (element.name == "INSTANCENAME") return ReadInstanceName(element);
   const std::vector<TXmlElement>& children = element.children;

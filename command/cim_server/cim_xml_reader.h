@@ -5,6 +5,6 @@
 
 #include "command/cim_server/cim_request.h"
 
-/// Throws TRefused, with the status and the CIMError that DSP0200 has for it, for a text that is not one simple request
-/// of an intrinsic method. Whether the method and its parameters exist is not checked.
+/// Throws TRefused, with the status and CIMError of DSP0200, unless the text is one simple request of an intrinsic
+/// method. Does not check whether the method and its parameters exist.
 TCimRequest ReadCimRequest(const std::string& text);

@@ -22,7 +22,7 @@ const char* GetElement(const TPropertyDeclaration& property) {
   return property.isArray ? "PROPERTY.ARRAY" : "PROPERTY";
 }
 
-/// Opens the element of a property. `target`: the class that a reference refers to. What is empty is left out.
+/// Opens the element of a property. `target`: the class that a reference refers to. Empty attributes are left out.
 void OpenProperty(TXmlWriter& xml, const TPropertyDeclaration& property, const char* target, const char* origin,
                   const char* propagated) {
   const bool isReference = IsReference(property);

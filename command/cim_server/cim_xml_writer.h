@@ -1,4 +1,4 @@
-// The elements of an answer (DSP0201, CIM in XML), in the order in which its DTD (DSP0203) wants them.
+// Writes the elements of an answer (DSP0201, CIM in XML) in the order of the DTD (DSP0203).
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 #include "command/cim_server/xml_writer.h"
 #include "command/report/qualifiers.h"
 
-/// A qualifier that classes carry for clients.
+/// A qualifier of the classes that clients see.
 struct TCimQualifier {
   TQualifier declaration;
   bool isArray;
@@ -25,10 +25,10 @@ constexpr TCimQualifier kCimQualifiers[] = {{kKeyQualifier, false},         {kAs
 
 /// Which parts of a class or an instance are written.
 struct TShown {
-  std::optional<std::set<std::string, TNameLess>> properties;  // only these; all when absent
-  const TCimClass* ofClass = nullptr;                          // only the properties of this class; all when null
-  bool isLocalOnly = false;                                    // of classes: without what the superclass has
-  bool hasQualifiers = false;                                  // of classes
+  std::optional<std::set<std::string, TNameLess>> properties;  // only these; all if absent
+  const TCimClass* ofClass = nullptr;                          // only the properties of this class; all if null
+  bool isLocalOnly = false;                                    // for classes: without the superclass's properties
+  bool hasQualifiers = false;                                  // for classes
   bool hasOrigin = false;
 };
 
@@ -39,7 +39,7 @@ void WriteInstancePath(TXmlWriter& xml, const TCimInstance& instance, const std:
 
 void WriteInstance(TXmlWriter& xml, const TCimInstance& instance, const TShown& shown);
 
-/// The value of a property; nothing when it is null.
+/// Writes the value of a property, or nothing if it is null.
 void WriteValue(TXmlWriter& xml, const TCimProperty& property);
 
 void WriteClass(TXmlWriter& xml, const TCimClass& declaration, const TShown& shown);

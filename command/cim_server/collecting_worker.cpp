@@ -15,7 +15,8 @@
 
 namespace {
 
-/// All descriptors of this process except the standard ones: a worker that held them would keep connections open.
+/// All descriptors of this process except the standard ones. A worker must close them, or it would keep connections
+/// open.
 std::vector<int> ListDescriptors() {
   std::vector<int> descriptors;
   DIR* const folder = opendir("/proc/self/fd");
@@ -30,7 +31,7 @@ std::vector<int> ListDescriptors() {
 
 TMachineLine MakeFailedLine(const std::string& reason) { return {MakeErrorLine("", reason), true}; }
 
-/// Waits for the collector's line; nothing when the process dies or the time is over.
+/// Waits for the collector's line; returns a failure if the process dies or the time is over.
 TMachineLine WaitForLine(TWorker& collector, std::chrono::seconds timeout) {
   const auto end = std::chrono::steady_clock::now() + timeout;
   for (bool isAlive = true; true; isAlive = collector.Receive()) {
@@ -44,12 +45,12 @@ TMachineLine WaitForLine(TWorker& collector, std::chrono::seconds timeout) {
   }
 }
 
-/// What the starter does for each collection.
+/// Called in the starter for each collection.
 TMachineLine CollectApart(const TWorker::TWork& work, std::chrono::seconds timeout) try {
   TWorker collector(work, ListDescriptors(), timeout);
   collector.Give({0, ""});
   TMachineLine line = WaitForLine(collector, timeout);
-  line.isLast = false;  // of the collector, not of the starter
+  line.isLast = false;  // only the collector ends, not the starter
   return line;
 } catch (const std::exception& error) {
   return MakeFailedLine(error.what());
@@ -64,7 +65,7 @@ std::vector<std::string> SplitLines(const std::string& text) {
   return lines;
 }
 
-/// Remarks, a line each, and then the line of an answer.
+/// `text`: remarks, a line each, then the line of an answer.
 TCollected ReadLines(const std::string& text) {
   const std::size_t end = text.size() < 2 ? std::string::npos : text.rfind('\n', text.size() - 2);
   const std::size_t answer = end == std::string::npos ? 0 : end + 1;

@@ -1,5 +1,5 @@
-// The process that loads the plug-in and collects, so that the one that listens never does. It is one of the fleet's
-// workers, with one machine.
+// Collects in another process, so that the one that listens never loads the plug-in. A worker, the starter, starts
+// another worker for each collection.
 #pragma once
 
 #include <chrono>
@@ -12,22 +12,23 @@
 
 class TCollectingWorker {
  public:
-  /// Starts the process, with the privileges that this one has now. `work` collects in it: its line
-  /// may have remarks before it, a line each. `canBeReplaced`: another
-  /// process may take its place when it dies or hangs; false when it has privileges that this one is about to give up.
-  /// Throws TUnusable when the system has no room for it.
+  /// Starts the starter, with the privileges that this process has now. `work` collects: it returns the answer's line,
+  /// with remarks before it, a line each. `canBeReplaced`: false if this process is about to give up its privileges;
+  /// then no other process can take the starter's place if it dies or hangs. Throws TUnusable if the system has no room
+  /// for another process.
   TCollectingWorker(TWorker::TWork work, std::chrono::seconds timeout, bool canBeReplaced);
   TCollectingWorker(const TCollectingWorker&) = delete;
   TCollectingWorker& operator=(const TCollectingWorker&) = delete;
 
-  /// Begins a collection. Returns a result, a failure, only when it could not begin.
+  /// Begins a collection. Returns a failure if it could not begin, otherwise nothing.
   std::optional<TCollected> Begin();
 
-  /// What to wait for after Begin; then Take, until it returns the collection's result.
+  /// The descriptor to wait for after Begin.
   int GetDescriptor() const { return m_starter->GetDescriptor(); }
+  /// Takes what has come; returns the collection's result once it is complete.
   std::optional<TCollected> Take();
 
-  /// Ends a collection whose starter does not answer: it should have reported a result, or a timeout, by now.
+  /// Ends a collection whose starter does not answer, though it should have reported a result or a timeout by now.
   TCollected GiveUp();
 
  private:
@@ -36,5 +37,5 @@ class TCollectingWorker {
   TWorker::TWork m_work;
   std::chrono::seconds m_timeout;
   bool m_canBeReplaced;
-  std::unique_ptr<TWorker> m_starter;  // null when it died or was given up
+  std::unique_ptr<TWorker> m_starter;  // null if it died or was given up
 };

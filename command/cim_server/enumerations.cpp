@@ -15,7 +15,7 @@ std::size_t Measure(const TEnumeration& enumeration) {
                          [](std::size_t sum, const std::string& object) { return sum + object.size(); });
 }
 
-/// Empty when the system has no random numbers.
+/// A random text; empty if the system has no random numbers.
 std::string MakeContext() {
   std::uint64_t number[2] = {};
   if (getrandom(number, sizeof number, 0) != static_cast<ssize_t>(sizeof number)) return "";

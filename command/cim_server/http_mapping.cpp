@@ -21,7 +21,7 @@ constexpr unsigned int kNotExtended = 510;
 
 constexpr const char* kPost = "POST";
 constexpr const char* kExtendedPost = "M-POST";
-constexpr std::string_view kMapping = "http://www.dmtf.org/cim/mapping/http/";  // and its version
+constexpr std::string_view kMapping = "http://www.dmtf.org/cim/mapping/http/";  // the version follows
 constexpr const char* kUnsupported = "unsupported-operation";
 constexpr const char* kMismatch = "header-mismatch";
 
@@ -31,7 +31,7 @@ std::string_view Trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
 }
 
-/// Cuts the text up to the next separator off its front, and the separator too.
+/// Removes the text up to the next separator, and the separator, and returns the text without blanks around it.
 std::string_view CutUpTo(std::string_view& text, char separator) {
   const std::string_view piece = text.substr(0, text.find(separator));
   text.remove_prefix(std::min(text.size(), piece.size() + 1));
@@ -43,8 +43,8 @@ std::string_view RemoveQuotes(std::string_view text) {
   return isQuoted ? text.substr(1, text.size() - 2) : text;
 }
 
-/// RFC 2774: the header Man lists extensions, such as "http://..."; ns=73, with the number that the headers of each
-/// begin with. That of CIM operations; empty when they are not among them.
+/// The number with which the headers of CIM operations begin; empty if the extensions do not include them.
+/// `extensions`: the header Man (RFC 2774), such as "http://..."; ns=73.
 std::string FindNumber(std::string_view extensions) {
   while (!extensions.empty()) {
     std::string_view extension = CutUpTo(extensions, ',');
@@ -60,7 +60,7 @@ std::string FindNumber(std::string_view extensions) {
   return "";
 }
 
-/// What the names of the headers of an M-POST begin with, such as "73-".
+/// The prefix of the names of an M-POST's headers, such as "73-"; empty for a POST.
 std::string GetPrefix(const THttpRequest& request) {
   if (request.method != kExtendedPost) return "";
   for (const auto& [name, value] : request.headers) {
@@ -92,8 +92,9 @@ bool IsLoopback(std::string host) {
   return isNumber || host == "[::1]" || IsSameName(host, "localhost");
 }
 
-/// The page of a stranger whose name leads to this machine is a web page that a browser shows without Origin. No client
-/// calls the server by any name but these; a reverse proxy says what it is called in another header.
+/// Refuses requests of web pages from a stranger's name that resolves to this machine: the browser takes this server as
+/// the page's own and sends no Origin. CIM clients use only loopback names; a reverse proxy gives its name in another
+/// header.
 void RequireLoopbackName(const THttpRequest& request) {
   for (const auto& [name, value] : request.headers) {
     if (!IsSameName(name, "Host") || value.empty() || IsLoopback(value)) continue;
@@ -104,7 +105,7 @@ void RequireLoopbackName(const THttpRequest& request) {
   }
 }
 
-/// "root%2Fcimv2" as "root/cimv2".
+/// Decodes "root%2Fcimv2" to "root/cimv2".
 std::string UndoPercents(const std::string& text) {
   std::string plain;
   for (std::size_t position = 0; position < text.size(); ++position) {
@@ -118,7 +119,7 @@ std::string UndoPercents(const std::string& text) {
   return plain;
 }
 
-/// Proxies decide by the headers, so they must not say other than the XML.
+/// Proxies decide by the headers, so the headers must agree with the XML.
 void RequireSame(const std::string& header, const std::string& value, const std::string& inXml) {
   if (value.empty() || IsSameName(UndoPercents(value), inXml)) return;
   throw TRefused(kHttpBadRequest, kMismatch, header + " is " + value + ", and the XML says " + inXml);

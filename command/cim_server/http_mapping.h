@@ -1,4 +1,4 @@
-// CIM operations over HTTP (DSP0200): takes the operation out of an HTTP request, and makes the HTTP response.
+// Maps CIM operations to HTTP (DSP0200): reads the operation in an HTTP request, and makes the HTTP response.
 #pragma once
 
 #include <functional>
@@ -15,7 +15,7 @@ struct THttpRequest {
   std::string body;
   std::string client = "";  // its address
 
-  /// The value of the first header of that name, without regard to case; empty when there is none.
+  /// The value of the first header of that name, ignoring case; empty if there is none.
   std::string GetHeader(const std::string& name) const;
 };
 
@@ -25,17 +25,17 @@ struct THttpAnswer {
   std::string body;
 };
 
-/// The operation that the request carries. Throws TRefused for what is not one simple CIM operation, and for the
-/// requests of web pages, by Origin or by a Host that is no loopback name: a browser would send them to any address of
-/// its own machine.
+/// The operation in the request. Throws TRefused unless it is one simple CIM operation. Also refuses requests of web
+/// pages, which have an Origin or a Host that is no loopback name: a browser would send them to any address of its own
+/// machine.
 TCimRequest ReadHttpRequest(const THttpRequest& request);
 
-/// The answer that holds the XML of an operation's answer.
+/// The response with the XML of an operation's answer.
 THttpAnswer MakeHttpAnswer(const THttpRequest& request, std::string xml);
 
-/// The answer to a request that is refused.
+/// The response to a request that is refused.
 THttpAnswer MakeRefusal(const TRefused& refused);
 
-/// What the client calls this server, for the object paths of the answer: as a reverse proxy says, else by Host;
-/// `fallback` when neither says.
+/// The name that the client uses for this server, for the object paths of the answer: from a reverse proxy's header, or
+/// else from Host, or else `fallback`.
 std::string GetHost(const THttpRequest& request, const std::string& fallback);

@@ -25,10 +25,10 @@ using boost::system::error_code;
 namespace {
 
 constexpr unsigned int kHttp11 = 11;
-constexpr std::chrono::milliseconds kPause(100);  // before the next try to accept, when the system refused one
+constexpr std::chrono::milliseconds kPause(100);  // before the next try to accept after the system refused one
 
-// After an answer that ends a connection, what the client still sends is taken for this long and thrown away: closing
-// at once would reset the connection, and with it go answers that the client has not read.
+// How long, after an answer that ends a connection, data from the client is still received and thrown away. Closing at
+// once would reset the connection, and the client would lose answers that it has not read.
 constexpr std::chrono::seconds kLingering(1);
 
 class TConnection;
@@ -38,7 +38,7 @@ struct TShared {
   THttpLimits limits;
   THttpServer::THandler handler;
   std::size_t connections = 0;
-  std::set<std::shared_ptr<TConnection>> waiting;  // for an answer
+  std::set<std::shared_ptr<TConnection>> waiting;  // those that wait for an answer
 };
 
 THttpRequest MakeRequest(const http::request<http::string_body>& message) {
@@ -49,7 +49,7 @@ THttpRequest MakeRequest(const http::request<http::string_body>& message) {
   return request;
 }
 
-/// Why a request could not be read, as a refusal; nothing when the client went away or was too slow.
+/// The refusal of a request that could not be read; nothing if the client went away or was too slow.
 std::optional<TRefused> ExplainFailure(error_code error) {
   if (error == http::error::header_limit) return TRefused(431, "", "the headers are larger than the server takes");
   if (error == http::error::body_limit) return TRefused(413, "", "the body is larger than the server takes");
@@ -59,7 +59,8 @@ std::optional<TRefused> ExplainFailure(error_code error) {
   return TRefused(400, "", "not a request of HTTP: " + error.message());
 }
 
-/// One connection: it reads a request, has it answered, and reads the next. It lives as long as something is under way.
+/// One connection: reads a request, has it answered, and reads the next. It lives as long as an operation on it is
+/// pending.
 class TConnection : public std::enable_shared_from_this<TConnection> {
  public:
   TConnection(tcp::socket socket, std::shared_ptr<TShared> shared)
@@ -79,15 +80,15 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
     Read();
   }
 
-  /// True when the client sends nothing more. It is gone, or it only listens: nobody can tell which.
+  /// True if the client will send nothing more. It may be gone or still be waiting for its answer; nobody can tell.
   bool HasLeft() {
     pollfd descriptor = {m_stream.socket().native_handle(), POLLRDHUP, 0};
     return poll(&descriptor, 1, 0) > 0;
   }
 
  private:
-  /// What may wait to be understood, bytes: the headers, and a little more. It bounds what a chunk or a trailer may
-  /// bring beside the body.
+  /// The most bytes that may wait to be parsed: the headers and a little more. This limits what chunks and trailers may
+  /// bring besides the body.
   static std::size_t GetBufferSize(const THttpLimits& limits) { return limits.headerSize + 4096; }
 
   void Read() {
@@ -174,7 +175,7 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
 
   beast::tcp_stream m_stream;
   std::shared_ptr<TShared> m_shared;
-  beast::flat_buffer m_buffer;  // bytes that were received and not yet understood
+  beast::flat_buffer m_buffer;  // received bytes that were not parsed yet
   std::optional<http::request_parser<http::string_body>> m_parser;
   http::response<http::empty_body> m_continue;
   http::response<http::string_body> m_answer;
@@ -192,7 +193,7 @@ struct THttpServer::TState {
       listener.Release();
     }
   }
-  ~TState() { shared->waiting.clear(); }  // connections hold what holds them
+  ~TState() { shared->waiting.clear(); }  // breaks the cycle: connections own TShared, which owns them
   TState(const TState&) = delete;
   TState& operator=(const TState&) = delete;
 
@@ -215,7 +216,7 @@ struct THttpServer::TState {
   void Welcome(tcp::socket socket) {
     const std::size_t limit = shared->limits.connections;
     if (shared->connections >= limit) EndDeserted();
-    // Up to twice the limit are answered, those past it with 503; further connections are closed without an answer.
+    // Connections beyond the limit are answered with 503, those beyond twice the limit are closed without an answer.
     if (shared->connections < 2 * limit) std::make_shared<TConnection>(std::move(socket), shared)->Start();
   }
 
@@ -236,7 +237,7 @@ struct THttpServer::TState {
   asio::io_context context = asio::io_context(1);
   std::list<tcp::acceptor> acceptors;
   asio::signal_set signals = asio::signal_set(context, SIGINT, SIGTERM);
-  /// Until the descriptor is released.
+  /// Calls `ready` whenever the watched descriptor is readable, until it is released.
   void CallWhenever(std::function<void()> ready) {
     watchedAlways.async_wait(asio::posix::stream_descriptor::wait_read,
                              [this, ready = std::move(ready)](error_code error) {
@@ -280,7 +281,7 @@ void THttpServer::Unwatch() {
 
 THttpServer::TTimer THttpServer::StartTimer(std::chrono::milliseconds time, std::function<void()> done) {
   const auto timer = std::make_shared<asio::steady_timer>(m_state->context, time);
-  const std::weak_ptr<asio::steady_timer> self = timer;  // its end may be on the way already when it is destroyed
+  const std::weak_ptr<asio::steady_timer> self = timer;  // when it is destroyed, its handler may already be queued
   timer->async_wait([self, done = std::move(done)](error_code error) {
     if (!error && !self.expired()) done();
   });

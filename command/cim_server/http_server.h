@@ -1,5 +1,5 @@
-// The listening half of the server: HTTP over TCP with limits on all that a client can make it
-// spend. It runs on one thread, and knows nothing of CIM.
+// The listening half of the server: HTTP over TCP, with limits on everything that a client can make it spend. It runs
+// on one thread and knows nothing of CIM.
 #pragma once
 
 #include <chrono>
@@ -15,16 +15,16 @@
 struct THttpLimits {
   std::size_t headerSize = std::size_t{64} * 1024;  // bytes; more is answered with 431
   std::size_t bodySize = std::size_t{64} * 1024;    // bytes; more is answered with 413
-  // At a time; the next one is answered with 503, unless the client of another one has left while it waited.
+  // At a time. The next one is answered with 503, unless a client that waited for its answer has left.
   std::size_t connections = 64;
-  // For a request to arrive whole, from the moment when the server is ready for it, and for an answer to be taken; a
-  // connection that needs longer is cut off, whatever comes in the meantime.
+  // For a complete request to arrive once the server is ready for it, and for an answer to be taken. A connection that
+  // needs longer is cut off, even if data keeps coming.
   std::chrono::milliseconds time = std::chrono::seconds(10);
 };
 
 class THttpServer {
  public:
-  /// The way back to the client that sent a request; calls after the first do nothing.
+  /// Sends the answer to the client of a request. Calls after the first do nothing.
   class TReply {
    public:
     TReply(std::weak_ptr<void> client, std::function<void(THttpAnswer)> write)
@@ -32,7 +32,7 @@ class THttpServer {
     void operator()(THttpAnswer answer) const {
       if (IsWanted()) m_write(std::move(answer));
     }
-    /// False once the client has left and its place was needed.
+    /// False once the client has left and another one needed its place.
     bool IsWanted() const { return !m_client.expired(); }
 
    private:
@@ -49,15 +49,15 @@ class THttpServer {
   THttpServer(const THttpServer&) = delete;
   THttpServer& operator=(const THttpServer&) = delete;
 
-  /// Calls `ready` once, when there is something to read from the descriptor, which stays the caller's. Watches one at
-  /// a time.
+  /// Calls `ready` once, as soon as the descriptor is readable. The descriptor stays the caller's; only one can be
+  /// watched at a time.
   void WatchOnce(int descriptor, std::function<void()> ready);
-  /// Gives up watching: before the descriptor is closed.
+  /// Ends WatchOnce. Call it before the descriptor is closed.
   void Unwatch();
-  /// Calls `ready` whenever there is something to read from the descriptor, which stays the caller's and open. One at a
-  /// time.
+  /// Calls `ready` whenever the descriptor is readable. The descriptor stays the caller's and must stay open; only one
+  /// can be watched.
   void Watch(int descriptor, std::function<void()> ready);
-  /// Calls `done` once, after that time, unless the timer has been destroyed by then. It must not outlive the server.
+  /// Calls `done` once, after that time, unless the timer was destroyed before. It must not outlive the server.
   [[nodiscard]] TTimer StartTimer(std::chrono::milliseconds time, std::function<void()> done);
 
   /// Serves until Stop, SIGINT or SIGTERM.

@@ -20,7 +20,7 @@
 
 namespace {
 
-/// Throws std::system_error with errno.
+/// Throws std::system_error with errno unless `isDone`.
 void Require(bool isDone, const std::string& address) {
   if (!isDone) throw std::system_error(errno, std::generic_category(), address);
 }
@@ -46,7 +46,7 @@ sockaddr_storage ReadAddress(const TDescriptor& listener) {
   return address;
 }
 
-/// Both versions have it at the same place.
+/// The port is at the same place in addresses of both versions.
 unsigned short GetPort(const sockaddr_storage& address) {
   return ntohs(reinterpret_cast<const sockaddr_in&>(address).sin_port);
 }
@@ -67,7 +67,7 @@ bool IsMissing(const std::system_error& error) {
   return error.code().value() == EADDRNOTAVAIL || error.code().value() == EAFNOSUPPORT;
 }
 
-/// Throws std::system_error, whose what() begins with the address.
+/// Throws std::system_error if it cannot listen; what() begins with the address.
 std::vector<TDescriptor> TryToListen(const std::vector<std::string>& addresses, unsigned short port) {
   std::vector<TDescriptor> listeners;
   std::optional<std::system_error> missing;
@@ -93,7 +93,7 @@ bool IsLoopback(const sockaddr_storage& address) {
   return address.ss_family == AF_INET6 && IN6_IS_ADDR_LOOPBACK(&version6.sin6_addr);
 }
 
-/// The number that a variable of the environment holds; 0 for none.
+/// The number in an environment variable; 0 if there is none.
 int ReadNumber(const char* variable) {
   const char* const text = std::getenv(variable);
   return text == nullptr ? 0 : static_cast<int>(std::strtol(text, nullptr, 10));

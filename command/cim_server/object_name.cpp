@@ -21,7 +21,7 @@ std::string UndoEscapes(const std::string& text) {
   return plain;
 }
 
-/// Where the value that begins at `first` ends: its closing quote.
+/// The position of the closing quote of the value that begins at `first`.
 std::size_t FindQuote(const std::string& path, std::size_t first) {
   std::size_t position = first;
   while (position < path.size() && path[position] != '"') position += path[position] == '\\' ? 2 : 1;
@@ -39,7 +39,7 @@ std::string ToLower(std::string text) {
   return text;
 }
 
-/// With its length, so that no value can pass for two.
+/// The text after its length, so that no value can be confused with two.
 std::string Measure(const std::string& text) { return std::to_string(text.size()) + ':' + text; }
 
 std::string GetKeyName(const TKeyBinding& key, const TClassDeclaration* declaration) {
@@ -47,7 +47,7 @@ std::string GetKeyName(const TKeyBinding& key, const TClassDeclaration* declarat
   return ToLower(isUnnamed ? declaration->properties.front().name : key.name);  // keys come first
 }
 
-/// The name with each key's value changed, even in the names that keys refer to.
+/// The name with `change` applied to each key's value, also in the names that keys refer to.
 template <typename TChange>
 TObjectName ChangeValues(const TObjectName& name, TChange change) {
   TObjectName changed = name;

@@ -9,10 +9,10 @@
 struct TObjectName;
 
 struct TKeyBinding {
-  std::string name;   // empty when a client leaves it out, as it may for a class with one key
-  std::string value;  // of a key that is no reference
+  std::string name;   // empty if a client leaves it out, as it may for a class with one key
+  std::string value;  // empty for a reference
   std::shared_ptr<const TObjectName> reference = nullptr;
-  bool isNumber = false;  // of a uint32, else of a text; makes no difference to what the name names
+  bool isNumber = false;  // a uint32, otherwise a text; does not matter for finding the instance
 };
 
 struct TObjectName {
@@ -20,26 +20,26 @@ struct TObjectName {
   std::vector<TKeyBinding> keys;
 };
 
-/// Reads an object path as the host writes it: Class.Key="value",Key="value", with \ and " escaped by a backslash in a
-/// value, even where the value is itself a path. Throws std::invalid_argument for any other text.
+/// Reads an object path as the host writes it: Class.Key="value",Key="value". In a value, which may itself be a path, a
+/// backslash escapes \ and ". Throws std::invalid_argument for any other text.
 TObjectName ParseObjectPath(const std::string& path);
 
-/// Class, property and namespace names are compared without regard to case.
+/// Compares names of classes, properties or namespaces, ignoring case.
 bool IsSameName(std::string_view one, std::string_view other);
 
-/// Orders names without regard to case.
+/// Orders names, ignoring case.
 struct TNameLess {
   bool operator()(std::string_view one, std::string_view other) const;
 };
 
-/// A text that is the same for two names of one instance, and for no other: the class, and the keys in ascending order
-/// of their names. Case, order and a name left out make no difference.
+/// A text that is equal for all names of one instance and different for other instances: the class, and the keys sorted
+/// by name. Case and order, and leaving out the name of the only key, make no difference.
 std::string MakeIdentity(const TObjectName& name);
 
-/// The name with the backslash taken away before each character of a key's value that it escapes: wbemcli sends the
-/// keys of a path as it printed them, which is with escapes.
+/// The name without the backslashes that escape characters in values of keys: wbemcli sends keys as it printed them,
+/// with escapes.
 TObjectName UndoEscapes(const TObjectName& name);
 
-/// The name with each line end in a key's value as a line feed: so it comes back from a client that writes the carriage
-/// return of a value as it is, since XML readers join line ends.
+/// The name with a line feed for each line end in values of keys. A name comes back like that from a client that does
+/// not escape carriage returns, since XML readers turn every line end into a line feed.
 TObjectName JoinLineEnds(const TObjectName& name);

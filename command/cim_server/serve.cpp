@@ -30,9 +30,9 @@
 
 namespace {
 
-constexpr std::chrono::seconds kGrace(5);  // for the starter to say that a collection took too long
+constexpr std::chrono::seconds kGrace(5);  // for the starter to report that a collection took too long
 
-/// What the command says of such an answer, a sentence each.
+/// What people should know of the answer, a sentence each.
 std::vector<std::string> ListAllRemarks(const TMachine& machine, const TAnswer& answer) {
   std::vector<std::string> remarks = ListRemarks(machine, answer);
   for (const TRequestAnswer& request : answer.requests) {
@@ -43,9 +43,9 @@ std::vector<std::string> ListAllRemarks(const TMachine& machine, const TAnswer& 
   return remarks;
 }
 
-/// True when two object paths differ only in what XML cannot carry.
+/// True if two object paths differ only in characters that XML does not allow.
 bool HasLookAlikes(const TAnswer& answer) {
-  std::map<std::string, const std::string*> paths;  // by what clients would see
+  std::map<std::string, const std::string*> paths;  // by the text that clients would see
   for (const TRequestAnswer& request : answer.requests) {
     for (const auto& instance : request.instances) {
       const std::string& path = instance->GetPathText();
@@ -55,7 +55,7 @@ bool HasLookAlikes(const TAnswer& answer) {
   return false;
 }
 
-/// The remarks, a line each, and then the line of the answer.
+/// The remarks, a line each, then the line of the answer.
 std::string MakeLines(const TServeOptions& options) {
   const TMachine machine = options.machine ? ReadCapturedMachine(*options.machine)
                                            : MakeThisMachine(options.edidSource, options.xconfigSource);
@@ -66,7 +66,7 @@ std::string MakeLines(const TServeOptions& options) {
                                  HasLookAlikes(answer) ? NumberXmlText : nullptr);
 }
 
-/// What a collector does.
+/// Called in the collector.
 TMachineLine CollectLine(const TServeOptions& options) {
   if (options.machine) DropPrivileges(true);  // a captured machine only has to be read
   OnThrowingPlugin([](const std::string& reason) { TWorker::EndWith({MakeErrorLine("", ToMessage(reason)), true}); });
@@ -83,8 +83,8 @@ void GiveUpPrivileges() {
 }
 
 TCollectingWorker StartWorker(const TServeOptions& options) {
-  LetNobodyEndProcesses();  // the server, once it is nobody, must be able to end what it starts here
-  // A worker that is started later has the rights of this process, which are none.
+  LetNobodyEndProcesses();  // the server will be the user nobody, and must be able to end what it starts here
+  // A worker that is started later has only the rights that this process has by then: none.
   return TCollectingWorker([options](const std::string&) { return CollectLine(options); }, options.timeout,
                            geteuid() != 0);
 }
@@ -94,13 +94,13 @@ std::vector<TDescriptor> FindListeners(const TServeOptions& options) {
   return passed.empty() ? Listen(options.addresses, options.port) : std::move(passed);
 }
 
-/// A line of the log for each request.
+/// Writes a line of the log for a request.
 void LogClient(const THttpRequest& request, const std::string& operation, const std::string& status) {
   const std::string agent = request.GetHeader("User-Agent");
   ShowRemark(request.client + " (" + (agent.empty() ? "no user agent" : agent) + "): " + operation + ": " + status);
 }
 
-/// Tells people each thing once, when it becomes true.
+/// Tells people each remark once, when it becomes true.
 class TNews {
  public:
   void Tell(const TCollected& collected) {
@@ -120,7 +120,8 @@ class TNews {
   std::vector<std::string> m_remarks;
 };
 
-/// Of this machine. Without them an answer is as old as it may be.
+/// Events of this machine; nothing for a captured one, or if they cannot be heard. Without events, an answer is kept
+/// until it is too old.
 std::optional<TGraphicsEvents> ListenToGraphics(const TServeOptions& options) try {
   if (options.machine) return std::nullopt;
   return std::optional<TGraphicsEvents>(std::in_place);
@@ -207,7 +208,7 @@ class TServing {
   TCollectingWorker m_worker;
   std::optional<TGraphicsEvents> m_events = ListenToGraphics(m_options);
   std::vector<TDescriptor> m_listeners;  // empty once the server has them
-  std::string m_address;                 // the first of those where it listens
+  std::string m_address;                 // the first address that it listens on
   THttpServer m_server;
   THttpServer::TTimer m_timer;      // of a collection
   THttpServer::TTimer m_wakeTimer;  // of the keeper
@@ -220,8 +221,7 @@ class TServing {
 
 void Serve(const TServeOptions& options) {
   RequirePlugin(options.plugin);
-  // A name that is mistyped must not leave a server that seems to be well. What is wrong in a machine, clients are
-  // told.
+  // A mistyped name must not give a server that seems to work. Other faults of a machine are reported to clients.
   std::error_code error;
   if (options.machine && !std::filesystem::exists(*options.machine, error)) ReadCapturedMachine(*options.machine);
   TServing(options).Run();

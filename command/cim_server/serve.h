@@ -1,4 +1,4 @@
-// displayinfo serve: answers CIM clients over CIM-XML, read-only, on a loopback address, until it is stopped.
+// Does the work of displayinfo serve: answers CIM clients over CIM-XML, read-only, on a loopback address.
 #pragma once
 
 #include <chrono>
@@ -9,12 +9,12 @@
 
 #include "command/machine/this_machine.h"
 
-constexpr unsigned short kCimXmlPort = 5988;  // the one registered for CIM-XML over HTTP
+constexpr unsigned short kCimXmlPort = 5988;  // registered for CIM-XML over HTTP
 
 struct TServeOptions {
   std::vector<std::string> addresses = {"127.0.0.1", "::1"};
   unsigned short port = kCimXmlPort;   // 0: a free one
-  std::optional<std::string> machine;  // a captured one; this one when absent
+  std::optional<std::string> machine;  // a captured machine; this machine if absent
   EEdidSource edidSource = EEdidSource::kAuto;
   EXconfigSource xconfigSource = EXconfigSource::kAuto;
   std::filesystem::path plugin;
@@ -23,8 +23,7 @@ struct TServeOptions {
   bool logsClients = true;           // a line on standard error for each request
 };
 
-/// Listens on the sockets that systemd passed, if it passed any, else on the addresses. Writes where to standard
-/// output, one line such as http://127.0.0.1:5988/root/cimv2, and serves. Gives up every privilege first; only the
-/// process that collects keeps them, when the machine is this one. Throws TUnusable when it cannot listen, or has no
-/// plug-in.
+/// Serves until it is stopped. Gives up every privilege first; only the process that collects keeps them, and only for
+/// this machine. Listens on the sockets that systemd passed, or else on the addresses, and writes where to standard
+/// output, one line such as http://127.0.0.1:5988/root/cimv2. Throws TUnusable if it cannot listen or has no plug-in.
 void Serve(const TServeOptions& options);

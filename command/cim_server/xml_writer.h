@@ -1,4 +1,4 @@
-// Writes XML text element by element, without holding the document as objects first.
+// Writes XML text element by element, without building a tree first.
 #pragma once
 
 #include <initializer_list>
@@ -11,15 +11,16 @@ class TXmlWriter {
  public:
   typedef std::initializer_list<std::pair<const char*, std::string_view>> TAttributes;
 
-  /// An attribute that is empty is left out.
+  /// Opens an element. Empty attributes are left out.
   void Open(const char* element, TAttributes attributes = {});
-  /// The innermost element that is open.
+  /// Closes the innermost open element.
   void Close();
+  /// Writes an element without content.
   void Empty(const char* element, TAttributes attributes = {});
-  /// An element that holds a text. Text and attributes must be UTF-8 of characters that XML has.
+  /// Writes an element with a text. IsXmlText must accept the text and the attributes.
   void Text(const char* element, std::string_view text, TAttributes attributes = {});
 
-  /// Elements that another writer wrote.
+  /// Appends elements that another writer wrote.
   void Append(const std::string& elements) { m_text += elements; }
 
   /// The text so far, without a line end.
