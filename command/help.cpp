@@ -6,11 +6,11 @@
 namespace {
 
 constexpr std::size_t kUsageWidth = 34;
-constexpr std::size_t kRowWidth = 29;  // of an option and its value
+constexpr std::size_t kRowWidth = 29;  // columns of an option and its value
 
 bool IsCommand(const TPage& page) { return page.subcommand == ESubcommand::kNone; }
 
-/// The text with blanks behind it: as many columns, and at least two blanks.
+/// The text followed by blanks up to `width` columns and two more blanks; a longer text is followed by two.
 std::string Pad(const std::string& text, std::size_t width) {
   return text + std::string(text.size() < width ? width - text.size() + 2 : 2, ' ');
 }
@@ -28,7 +28,7 @@ std::string DescribeRows(const TPage& page, bool areOptions) {
   return text;
 }
 
-/// Whole names, to be copied, in lines of three.
+/// The full names of the classes, to be copied, three in a line.
 std::string DescribeClasses() {
   constexpr std::size_t inLine = 3;
   std::string text = "Classes (default: all six; displayinfo schema explains them):\n";

@@ -53,7 +53,7 @@ namespace {
 
 constexpr int kDone = 0;
 constexpr int kUnusable = 1;
-constexpr int kNotCompared = 2;  // since 1 says that there are differences
+constexpr int kNotCompared = 2;  // for compare, whose status 1 means that there are differences
 
 TMachine ReadNamedMachine(const std::string& name) {
   return name == "-" ? ReadStandardInput() : ReadCapturedMachine(name);
@@ -64,11 +64,10 @@ TMachine ChooseMachine(const TOptions& options) {
   return MakeThisMachine(options.edidSource, options.xconfigSource);
 }
 
-/// Looks for the usual one only where none is named.
+/// The named plug-in, or else the usual one.
 std::filesystem::path ChoosePlugin(const TOptions& options) { return options.plugin ? *options.plugin : FindPlugin(); }
 
-/// True when one terminal shows the text report right below what standard error says, so that nothing needs to be said
-/// twice.
+/// True if one terminal shows the text report right below standard error, so that nothing needs to be said twice.
 bool IsReportBelow(const TOptions& options) {
   return options.format.value_or(EFormat::kText) == EFormat::kText && isatty(STDOUT_FILENO) == 1 &&
          isatty(STDERR_FILENO) == 1;
@@ -88,14 +87,14 @@ std::string MakeSchemaDocument(ESchemaFormat format) {
 
 ELogPart GetLogPart(const TOptions& options) { return options.hasLog ? ELogPart::kKept : ELogPart::kLeftOut; }
 
-/// While it lives, the machine may take no longer. `captured`: which machine; none: this one.
+/// Limits the time of a collection while the result lives. `captured`: the machine; nothing: this machine.
 std::optional<TTimeLimit> LimitTime(std::chrono::seconds timeout, const std::optional<std::string>& captured) {
   const std::string name = captured ? ToMessage(*captured) + ":" : "this machine";
   return std::optional<TTimeLimit>(std::in_place, timeout,
                                    "displayinfo: " + name + " " + DescribeTimeout(timeout) + "\n");
 }
 
-/// What to do with what was captured.
+/// Says how to use what was captured.
 std::string DescribeCapture(const TCaptureOptions& capture) {
   const std::string asked = capture.machine ? *capture.machine : "this machine";
   const std::string target = capture.target.string();
@@ -105,13 +104,13 @@ std::string DescribeCapture(const TCaptureOptions& capture) {
          (capture.isAnonymous ? ", but for what was replaced" : "");
 }
 
-/// What of the machine is not captured.
+/// Shows what is missing in the capture.
 void ShowMissing(const TMachine& machine) {
   ShowRemark(machine.getBiosFailure());
   for (const auto& [unit, damage] : machine.damagedEdids) ShowRemark(Describe(damage, "it is not captured"));
 }
 
-/// What the process does that captures: it reads the machine, and writes nothing.
+/// Called in the process that captures, which reads the machine and writes nothing.
 TMachineLine CaptureApart(const TOptions& options, const TCaptureOptions& capture) {
   if (capture.machine) DropPrivileges(true);
   OnThrowingPlugin([](const std::string& reason) { TWorker::EndWith({reason, true}); });
@@ -134,8 +133,8 @@ TMachineLine CaptureApart(const TOptions& options, const TCaptureOptions& captur
   return line;
 }
 
-/// Another process reads the machine, which a stranger may have captured, and has no rights to write by then. This one
-/// keeps its rights, to write where the user may, and only writes what it is given.
+/// Another process, without rights to write, reads the machine, which a stranger may have captured. This one keeps its
+/// rights, so that it can write where the user may, and only writes what it is given.
 int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   std::optional<TTimeLimit> limit = LimitTime(options.timeout, capture.machine);
   TWorker worker([&](const std::string&) { return CaptureApart(options, capture); }, {}, options.timeout);
@@ -170,7 +169,7 @@ int RunServer(const TOptions& options, TServeOptions serve) {
   return kDone;
 }
 
-/// Has each machine summarized, in its worker, and the summary written by that function.
+/// Summarizes each machine in its worker, and writes the summary by `write`.
 TFleetAnswer SummarizeEach(std::string (*write)(const TMachineSummary&)) {
   TFleetAnswer answers;
   answers.makeLines = [write, makers = TMakerNames(FindMakerList())](const std::string& machine,
@@ -202,7 +201,7 @@ TFleetAnswer MakeFleetPage() {
   return answers;
 }
 
-/// What a fleet is answered with.
+/// How the answer for a fleet is written.
 TFleetAnswer ChooseFleetAnswer(const TOptions& options) {
   switch (options.format.value_or(EFormat::kJson)) {
     case EFormat::kRows:
@@ -232,7 +231,7 @@ int RunFleet(const TOptions& options) {
                        ChooseFleetAnswer(options)});
 }
 
-/// What rows and tables call the machine.
+/// The machine's name in rows and tables.
 std::string GetMachineName(const TOptions& options, const TMachine& machine) {
   return options.machines.empty() ? machine.host.systemName : options.machines.front();
 }
@@ -261,15 +260,15 @@ std::string Answer(const TOptions& options) {
   std::set<std::string> shown;
   bool isInReport = false;
   const auto showLog = [&](const TLogEntry& entry) {
-    // The report has what the plug-in says while it serves a class.
+    // The report already has what the plug-in says while it serves a class.
     isInReport = isInReport || (IsReportBelow(options) && entry.message.find(kServesClass) != std::string::npos);
     if (isInReport && !options.logLevel) return;
     if (entry.severity > options.logLevel.value_or(NQRXZELT20::ILogger::kStatus)) return;
-    // The plug-in says the same again for each class. Who asks for the log gets all of it.
+    // The plug-in repeats messages for each class. With --log-level, all of them are shown.
     if (!options.logLevel && !shown.insert(entry.message).second) return;
     std::cerr << GetSeverityName(entry.severity) << ": " << ToPrintable(entry.message) << '\n';
   };
-  // Never destroyed: the process ends soon, which is faster.
+  // Never destroyed: the process ends soon, and that is faster.
   static const TAnswer& answer = *new TAnswer(Collect(machine, ChoosePlugin(options), options.requests, showLog));
   DropPrivileges(true);
   if (!IsReportBelow(options) || !answer.outputs.empty()) ShowRemark(machine.getBiosFailure());
@@ -313,7 +312,7 @@ int RunSubcommand(const TCommandLine& line) {
 
 int main(int argumentCount, char** arguments) {
   KeepStandardDescriptors();
-  // A closed pipe, and a file that may not grow (ulimit -f), show in write() instead.
+  // write() then reports a closed pipe, or a file that may not grow (ulimit -f).
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   int failed = kUnusable;

@@ -22,7 +22,7 @@ std::vector<std::string> Split(const std::string& text, char separator) {
   return parts;
 }
 
-/// The name of a file or a machine. An empty one is a variable of a script that was never set.
+/// The name of a file or a machine. Refuses an empty one, which often comes from an unset variable in a script.
 const std::string& ReadName(const TOptionValue& value) {
   if (value.text.empty()) throw TWrongUsage(value.name + ": the name is empty");
   return value.text;
@@ -51,7 +51,7 @@ TRequest ReadRequest(const TOptionValue& value) {
   return request;
 }
 
-/// A word that belongs to no option: a class, or a subcommand that is not spelt right.
+/// A word that belongs to no option: a class. Throws for any other word, such as a misspelt subcommand.
 std::string ReadClass(const TOptionValue& value) {
   if (FindClass(value.text) != nullptr) return value.text;
   const std::vector<TPage>& pages = GetPages();
@@ -62,14 +62,15 @@ std::string ReadClass(const TOptionValue& value) {
                     Join(ListAllClasses(), ", ") + "; the subcommands are " + Join(subcommands, ", "));
 }
 
-/// Loopback only: the server has neither passwords nor TLS, so something that has them must answer other machines.
+/// Only loopback addresses: the server has neither passwords nor TLS. Something that has them must serve other
+/// machines.
 std::string ReadListenAddress(const TOptionValue& value) {
   if (value.text == "127.0.0.1" || value.text == "::1") return value.text;
   throw TWrongUsage(value.name + " takes 127.0.0.1 or ::1, not " + value.text +
                     "; to answer other machines, use an SSH tunnel, or a reverse proxy with TLS and passwords");
 }
 
-/// The table and the page of many machines show all that is known of each.
+/// The table and the page of many machines need all classes.
 void CheckOverview(EFormat format, const TOptions& options) {
   const bool isOverview = format == EFormat::kCsv || (format == EFormat::kHtml && options.IsFleet());
   if (!isOverview || options.requests.empty()) return;
@@ -77,7 +78,8 @@ void CheckOverview(EFormat format, const TOptions& options) {
                     " is made from all classes; leave CLASS and --request out");
 }
 
-/// Several machines are answered in lines or in one page, and only lines can be resumed.
+/// Checks that the format fits several machines. These are answered in lines or in one page, and only lines can be
+/// resumed.
 void CheckFleet(const TOptions& options) {
   const EFormat format = options.format.value_or(options.IsFleet() ? EFormat::kJson : EFormat::kText);
   if (options.IsFleet() && (format == EFormat::kText || format == EFormat::kMof)) {

@@ -19,19 +19,19 @@ constexpr int kWrongUsage = 2;
   throw TWrongUsage("The following argument was not expected: " + argument);
 }
 
-/// What was typed, in its order, and the page that it belongs to.
+/// The typed options and words in their order, and their page.
 class TTypedLine {
  public:
-  /// Throws TWrongUsage; GetPage then tells which help explains the rest.
+  /// Throws TWrongUsage if something is wrong; GetPage then gives the page whose help explains it.
   void Read(int argumentCount, char** arguments);
 
   const TPage& GetPage() const { return *m_page; }
   bool Has(const std::string& name) const;
 
-  /// Throws TWrongUsage when options were given that exclude each other, or a word is missing.
+  /// Throws TWrongUsage if options exclude each other, or a word is missing.
   void Check() const;
 
-  /// Throws TWrongUsage when a value is wrong.
+  /// Throws TWrongUsage if a value is wrong.
   void TakeOver(TCommandLine& line) const;
 
  private:
@@ -40,7 +40,7 @@ class TTypedLine {
     std::string value;
   };
 
-  /// The number by which getopt_long tells the rows apart: greater than that of any letter.
+  /// getopt_long's number of the first row; greater than that of any letter.
   static constexpr int kFirstRow = 1000;
   static constexpr int kWord = 1;
 
@@ -70,10 +70,11 @@ std::vector<option> TTypedLine::MakeLongOptions() const {
 void TTypedLine::Read(int argumentCount, char** arguments) {
   const std::vector<option> options = MakeLongOptions();
   opterr = 0;
-  optind = 0;  // from the beginning
+  optind = 0;  // begin anew
   while (true) {
     const int index = std::max(optind, 1);
-    // The hyphen hands over each word in its place, whatever POSIXLY_CORRECT says; the colon tells a missing value.
+    // The hyphen makes getopt_long return words in their order, whatever POSIXLY_CORRECT says; the colon makes it
+    // report a missing value.
     const int code = getopt_long(argumentCount, arguments, "-:h", options.data(), nullptr);
     if (code == -1) break;
     if (code != kWord) {
@@ -96,7 +97,7 @@ void TTypedLine::ReadOption(int code, const std::string& argument) {
   if (rowCode < kFirstRow) Refuse(argument);
   const TOptionRow& row = m_page->rows.at(static_cast<std::size_t>(rowCode - kFirstRow));
   const std::string name = row.name;
-  // getopt_long understands abbreviations, which the next option may make ambiguous.
+  // getopt_long accepts abbreviations, which a later version's options could make ambiguous.
   if (argument.substr(0, argument.find('=')) != name) Refuse(argument);
   if (code == '?') throw TWrongUsage(name + " takes no value");
   if (row.HasValue() && (code == ':' || IsForgotten(argument == name, optarg))) {
@@ -105,14 +106,15 @@ void TTypedLine::ReadOption(int code, const std::string& argument) {
   Add(row, row.HasValue() ? optarg : "");
 }
 
-/// `isSeparate`: the value is an argument of its own. One that is an option's name was meant as an option.
+/// True if the value was forgotten. `isSeparate`: the value is an argument of its own; if it is the name of an option,
+/// it was meant as that option.
 bool TTypedLine::IsForgotten(bool isSeparate, const std::string& value) const {
   if (!isSeparate) return value.empty();
   return std::any_of(m_page->rows.begin(), m_page->rows.end(),
                      [&](const TOptionRow& row) { return row.IsOption() && row.name == value; });
 }
 
-/// True when the word is a subcommand: it has then read the rest of the line.
+/// Returns true if the word is a subcommand, after reading the rest of the line for it.
 bool TTypedLine::ReadWord(int argumentCount, char** arguments) {
   const std::string word = arguments[0];
   const std::vector<TPage>& pages = GetPages();
@@ -133,7 +135,7 @@ bool TTypedLine::ReadWord(int argumentCount, char** arguments) {
   return false;
 }
 
-/// The first row of a word that may still be given, or null.
+/// The row of the next word that may be given; null if no more words may.
 const TOptionRow* TTypedLine::FindNextWord() const {
   const auto row = std::find_if(m_page->rows.begin(), m_page->rows.end(), [this](const TOptionRow& one) {
     return !one.IsOption() && (one.isRepeatable || !Has(one.name));
@@ -182,14 +184,14 @@ void TTypedLine::TakeOver(TCommandLine& line) const {
   if (m_page->finish != nullptr) m_page->finish(line);
 }
 
-/// What the command line asks to be shown instead of an answer; empty: nothing.
+/// The information that was asked for instead of an answer; empty if there is none.
 std::string MakeInformation(const TTypedLine& typed) {
   if (typed.Has("--help")) return MakeHelp(typed.GetPage());
   if (typed.Has("--version")) return std::string("displayinfo ") + kCommandVersion + "\n";
   return "";
 }
 
-/// Which page of the help explains what was typed.
+/// The command that shows the help for what was typed.
 std::string GetHelpCommand(const TPage& page) {
   return "displayinfo " + std::string(page.name) + (page.name[0] == '\0' ? "" : " ") + "--help";
 }

@@ -1,4 +1,4 @@
-// The command line.
+// Reads the command line.
 #pragma once
 
 #include <chrono>
@@ -13,7 +13,7 @@
 #include "command/machine/this_machine.h"
 #include "host/logger.h"
 
-// In the order in which the table of options has their words.
+// In the order of their words in the table of options.
 enum class EFormat { kText, kJson, kRows, kCsv, kMof, kHtml };
 enum class ESchemaFormat { kText, kMof, kJsonSchema };
 
@@ -22,18 +22,18 @@ enum class ESubcommand { kNone, kCapture, kCompare, kWatch, kServe, kSchema };
 constexpr unsigned int kMaxJobs = 1000;
 
 struct TOptions {
-  std::vector<std::string> machines;                 // captured machines; this one when there is none and no list
-  std::optional<std::filesystem::path> machineList;  // a file of their names, "-" for standard input
-  std::optional<std::filesystem::path> resume;       // what a run over many machines has written already
+  std::vector<std::string> machines;                 // captured machines; this machine if empty and without a list
+  std::optional<std::filesystem::path> machineList;  // a file with their names; "-" for standard input
+  std::optional<std::filesystem::path> resume;       // what an earlier run over many machines has written
   std::optional<unsigned int> jobs;                  // worker processes for many machines; absent: one per core
   std::chrono::seconds timeout{60};                  // for each machine
   std::vector<TRequest> requests;                    // at least one
   EEdidSource edidSource = EEdidSource::kAuto;
   EXconfigSource xconfigSource = EXconfigSource::kAuto;
   std::optional<EFormat> format;
-  bool hasLog = true;  // of JSON
+  bool hasLog = true;  // for JSON
   std::optional<NQRXZELT20::ILogger::EZELTLogSeverity> logLevel;
-  std::optional<std::filesystem::path> plugin;  // looked for when absent
+  std::optional<std::filesystem::path> plugin;  // if absent, FindPlugin looks for it
 
   /// The answer is one for many machines.
   bool IsFleet() const { return machineList || machines.size() > 1; }
@@ -42,21 +42,21 @@ struct TOptions {
 /// What `displayinfo capture` writes, and where to.
 struct TCaptureOptions {
   std::filesystem::path target;        // "-" for standard output
-  std::optional<std::string> machine;  // a captured one; else this one, as the options say
+  std::optional<std::string> machine;  // a captured machine; if absent this machine, as the options say
   bool isAnonymous = false;
-  bool hasConfiguration = true;  // else the X configuration is left out
+  bool hasConfiguration = true;  // false: the X configuration is left out
 };
 
-/// What the command is to do. Of the subcommands' options only those of `subcommand` are set.
+/// What the command must do. Of the subcommands' options, only those of `subcommand` are set.
 struct TCommandLine {
-  std::optional<int> exitStatus;  // the command is done: after --help, --version, or wrong usage, which was explained
+  std::optional<int> exitStatus;  // set if nothing is left to do: after --help, --version, or wrong usage
   ESubcommand subcommand = ESubcommand::kNone;
-  TOptions options;  // of a collection; those of them that a subcommand has too
+  TOptions options;  // for a collection; also those that a subcommand shares with it
   TCaptureOptions capture;
   TCompareOptions compare;  // without its plug-in and its time limit
   TServeOptions serve;      // without its plug-in, its time limit and its sources
   ESchemaFormat schemaFormat = ESchemaFormat::kText;
 };
 
-/// Throws TUnusable when what was asked for, such as the help, cannot be written.
+/// Throws TUnusable if something that was asked for, such as the help, cannot be written.
 TCommandLine ParseCommandLine(int argumentCount, char** arguments);

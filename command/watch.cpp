@@ -19,9 +19,9 @@
 
 namespace {
 
-constexpr int kMaxReadings = 20;  // for a state that never settles
+constexpr int kMaxReadings = 20;  // gives up on a state that keeps changing
 
-/// The state of the machine: a line.
+/// The state of the machine, as a line.
 std::string Read(const TWatchOptions& options) {
   const TTimeLimit limit(options.timeout, "displayinfo: this machine " + DescribeTimeout(options.timeout) + "\n");
   return WithinMemory([&] {
@@ -31,7 +31,7 @@ std::string Read(const TWatchOptions& options) {
   });
 }
 
-/// All that the graphics drivers show: two texts are equal when that is.
+/// Everything that the graphics drivers show, as a text to compare with another.
 std::string ReadGraphics() {
   std::string text;
   for (const TDrmCard& card : ReadDrmCards({})) {
@@ -43,8 +43,8 @@ std::string ReadGraphics() {
   return text;
 }
 
-/// The state once the graphics are the same before and after it was read: a driver that goes takes its outputs away one
-/// by one.
+/// The state, read again until the graphics were the same before and after reading it: a driver that is unloaded
+/// removes its outputs one by one.
 std::string ReadSettled(const TWatchOptions& options) {
   std::string state;
   std::string before = ReadGraphics();
@@ -57,7 +57,7 @@ std::string ReadSettled(const TWatchOptions& options) {
   return state;
 }
 
-/// False when it is time to end.
+/// Waits for a change of the graphics. False if it is time to end.
 bool WaitForChange(const TSignals& signals, TGraphicsEvents& events) {
   for (;;) {
     std::vector<pollfd> descriptors = {{events.GetDescriptor(), POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
@@ -72,7 +72,7 @@ bool WaitForChange(const TSignals& signals, TGraphicsEvents& events) {
 void Watch(const TWatchOptions& options) {
   DropPrivileges(false);
   const TSignals signals;
-  TGraphicsEvents events;  // before the first state is read: no change after that is missed
+  TGraphicsEvents events;  // made before the first state is read, so that no later change is missed
   std::string shown;
   do {
     const std::string state = ReadSettled(options);

@@ -1,4 +1,4 @@
-// `displayinfo watch`: this machine's monitors whenever one comes or goes.
+// Does the work of displayinfo watch: writes this machine's answer whenever a monitor comes or goes.
 #pragma once
 
 #include <chrono>
@@ -9,7 +9,7 @@ struct TWatchOptions {
   std::filesystem::path plugin;
 };
 
-/// Writes the answer of this machine, by what its graphics drivers know, as a line of JSON for one of many machines,
-/// and another whenever it has changed. Ends at SIGINT or SIGTERM, or when the reader of standard output has gone.
-/// Throws TUnusable.
+/// Writes the answer of this machine, from its graphics drivers, as a line of JSON like those for many machines, and a
+/// new line whenever the answer has changed. Returns at SIGINT or SIGTERM, or when the reader of standard output has
+/// gone. Throws TUnusable if the machine cannot be collected from.
 void Watch(const TWatchOptions& options);

@@ -34,19 +34,20 @@ namespace {
 constexpr const char* kDocumentEnding = ".json";
 constexpr const char* kStandardOutput = "-";
 
-/// Endings, in small letters, by which people mean a file. Others are part of a folder's name: those of host names.
+/// Endings, in lower case, by which people mean a file. Any other ending is part of a folder's name, such as a host
+/// name.
 constexpr const char* kFileEndings[] = {".json", ".jsonl", ".tar", ".tgz",  ".gz",   ".xz",  ".zst",  ".bz2", ".zip",
                                         ".7z",   ".rar",   ".txt", ".text", ".log",  ".xml", ".html", ".htm", ".yaml",
                                         ".yml",  ".csv",   ".mof", ".bin",  ".edid", ".img", ".iso",  ".cpio"};
 
-/// Throws rather than return an answer that lacks what no memory was left for.
+/// Throws if memory ran out, since the answer would then be incomplete.
 TAnswer Ask(const TMachine& machine, const fs::path& plugin) {
   TAnswer answer = Collect(machine, plugin, {ListAllClasses()}, {});
   if (HasMemoryRunOut()) throw TUnusable(DescribeMemoryLimit());
   return answer;
 }
 
-/// The content of the files that were found, by their paths without whatever dots the plug-in asked with.
+/// The content of the files that were found, by path without "." and "..".
 std::map<std::string, std::string> ReadFiles(const THostConfiguration& host,
                                              const std::vector<TFileQuery>& queries) try {
   std::map<std::string, std::string> files;
@@ -71,7 +72,7 @@ TSerialFillers ReplaceSerials(TMachineDocument& machine) {
   return fillers;
 }
 
-/// The answer as JSON with nothing in the places of serial numbers.
+/// The answer as JSON without serial numbers.
 json BlankSerials(const TAnswer& answer) {
   json blank = json::parse(MakeJsonReport(answer));
   for (json& request : blank["requests"]) {
@@ -90,10 +91,10 @@ json BlankSerials(const TAnswer& answer) {
   return blank;
 }
 
-/// What is said of a capture without serial numbers.
+/// The remarks about a capture without serial numbers.
 std::vector<std::string> DescribeReplaced(const TMachineDocument& machine, const std::string& systemName,
                                           const TSerialFillers& fillers) {
-  constexpr std::size_t minLength = 4;  // a shorter text is found by chance
+  constexpr std::size_t minLength = 4;  // a shorter text could be found by chance
   const std::string serials = fillers.Describe();
   std::vector<std::string> remarks = {
       "replaced by fillers: the system's name" +
@@ -111,7 +112,7 @@ std::vector<std::string> DescribeReplaced(const TMachineDocument& machine, const
   return remarks;
 }
 
-/// Replaces what identifies the machine, and sees that its answer differs in nothing else.
+/// Replaces what identifies the machine, and checks that its answer differs in nothing else.
 std::vector<std::string> MakeAnonymous(TMachineDocument& machine, const fs::path& plugin) {
   const std::string systemName = std::exchange(machine.host.systemName, kAnonymous);
   const json before = BlankSerials(Ask(MakeCapturedMachine(machine), plugin));
@@ -122,7 +123,7 @@ std::vector<std::string> MakeAnonymous(TMachineDocument& machine, const fs::path
   return DescribeReplaced(machine, systemName, fillers);
 }
 
-/// Collects from the captured machine to see that it answers the same.
+/// Collects from the captured machine, and throws unless it gives the same answer.
 void RequireAnswer(const TMachine& captured, const TAnswer& answer, const fs::path& plugin) {
   if (MakeJsonReport(Ask(captured, plugin)) == MakeJsonReport(answer)) return;
   throw TUnusable("what was captured does not answer as the machine did, which may have changed meanwhile; try again");
@@ -150,7 +151,7 @@ std::map<std::string, std::string> MakeFiles(const TMachineDocument& machine, co
   return files;
 }
 
-/// The machine that is in the files.
+/// The machine in the files.
 TMachine ReadBack(std::map<std::string, std::string> files) {
   const auto document = files.find("");
   if (document != files.end()) return ReadCapturedText(document->second, "the capture");
@@ -165,7 +166,7 @@ TMachine ReadBack(std::map<std::string, std::string> files) {
   return MakeCapturedMachine(std::move(machine));
 }
 
-/// While it lives, the signals that end a process wait, so that nothing is left in part.
+/// Blocks the signals that end a process while it lives, so that nothing is left half written.
 class TPostponedSignals {
  public:
   TPostponedSignals() {
@@ -180,7 +181,7 @@ class TPostponedSignals {
   TPostponedSignals(const TPostponedSignals&) = delete;
   TPostponedSignals& operator=(const TPostponedSignals&) = delete;
 
-  /// Throws when one has come, which takes effect when this object has gone.
+  /// Throws if one has come. It takes effect when this object is destroyed.
   void RequireNone() const {
     sigset_t pending;
     sigpending(&pending);
@@ -219,12 +220,12 @@ bool HasFileEnding(const fs::path& path) {
 void RequireTarget(const fs::path& target) {
   if (target.extension() == kDocumentEnding || !HasFileEnding(target)) return;
   fs::path stem = target;
-  while (HasFileEnding(stem)) stem.replace_extension();  // .tar.gz are two
+  while (HasFileEnding(stem)) stem.replace_extension();  // .tar.gz is two endings
   throw TUnusable(target.string() + ": has the ending of a file that is not written; capture to one file, " +
                   stem.string() + kDocumentEnding + ", or to a folder: " + target.string() + "/");
 }
 
-/// Else what could not be looked for would seem not to exist.
+/// Throws if a file could not be looked for or read: the capture would make it seem not to exist.
 void RequireReadable(const TMachine& machine, const TAnswer& answer) {
   const std::string unreadable = ExplainUnreadableFiles(machine, answer.fileQueries);
   if (!unreadable.empty()) throw TUnusable(unreadable);
@@ -244,7 +245,7 @@ void RequireContent(const TMachineDocument& machine) {
 TCapture MakeCapture(TMachine machine, const fs::path& plugin, const fs::path& target, bool isAnonymous,
                      const std::function<void()>& afterAsking) {
   RequireTarget(target);
-  machine.damagedEdids.clear();  // they are not written, so the capture knows nothing of them
+  machine.damagedEdids.clear();  // they are not written, so the capture will not know them
   TAnswer answer = Ask(machine, plugin);
   RequireReadable(machine, answer);
   TMachineDocument document = {machine.host,

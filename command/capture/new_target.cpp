@@ -14,16 +14,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// `kind`: of what could not be made.
+/// `kind`: what could not be made, "file" or "folder".
 [[noreturn]] void FailToMake(const std::string& path, const std::string& kind) {
   if (errno == EEXIST) throw TUnusable(path + ": already exists; name a " + kind + " that does not");
   throw TUnusable(path + ": cannot be made: " + std::strerror(errno) + "; name a " + kind + " where you may make one");
 }
 
-/// Without the slashes that a folder's name may end in.
+/// The path without slashes at its end.
 fs::path Trim(const fs::path& path) { return path.has_filename() ? path : path.parent_path(); }
 
-/// The folder that the target is to go into.
+/// Opens the folder in which the target will be made.
 TDescriptor OpenParent(const fs::path& path, const char* kind) {
   const fs::path parent = path.parent_path();
   TDescriptor folder(open(parent.empty() ? "." : parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));

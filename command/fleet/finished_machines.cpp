@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kResumeCure = "--resume takes what an earlier run has written";
 
-/// The machine's name in a line. What follows it is not looked at: a line may be long, and the name comes first.
+/// The machine's name in a line. The name comes first, and the rest is not read, since a line may be long.
 std::optional<std::string> FindName(const std::string& line) try {
   TJsonReader reader({"", "answer"}, EUnexpected::kSkipped);
   std::optional<std::string> name;
@@ -29,9 +29,9 @@ std::optional<std::string> FindName(const std::string& line) try {
   return std::nullopt;
 }
 
-constexpr std::size_t kMaxBeginning = 65536;  // bytes of a line: the longest name of 4096, each byte as an escape
+constexpr std::size_t kMaxBeginning = 65536;  // bytes of a line: more than a name of 4096 bytes, all escaped
 
-/// The lines as far as a name can reach into them.
+/// Reads the beginnings of the lines, as far as a name can reach.
 TLineReader Open(const fs::path& file) {
   const TDescriptor found = FindPath(file);
   TDescriptor opened;

@@ -1,4 +1,4 @@
-// What an earlier run over a fleet has done already.
+// Knows which machines an earlier run over a fleet has already done.
 #pragma once
 
 #include <filesystem>
@@ -7,16 +7,16 @@
 
 class TFinishedMachines {
  public:
-  /// None.
+  /// Knows no machine.
   TFinishedMachines() = default;
 
-  /// Those that have a line, with an error or without, in the file that an earlier run wrote. Throws TUnusable,
-  /// naming file and line, when it cannot be read or is no such answer.
+  /// Knows the machines that have a line, even an error, in the file that an earlier run wrote. Throws TUnusable, which
+  /// names file and line, if it cannot be read or is no such answer.
   explicit TFinishedMachines(const std::filesystem::path& file);
 
-  /// True if a line of that machine is left, which this uses up: a machine that is listed twice needs two.
+  /// True if a line of that machine is left. Uses that line up, since a machine that is listed twice needs two.
   bool Take(const std::string& machine);
 
  private:
-  std::unordered_map<std::string, std::size_t> m_counts;  // by the name as JSON holds it
+  std::unordered_map<std::string, std::size_t> m_counts;  // by the name as it is in JSON
 };

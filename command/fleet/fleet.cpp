@@ -22,17 +22,17 @@
 
 namespace {
 
-constexpr std::size_t kMaxWaiting = 1;  // machines that wait at a busy worker
+constexpr std::size_t kMaxWaiting = 1;  // the most machines that wait at a busy worker
 
 typedef std::chrono::steady_clock TClock;
 
-// Time counts against a machine in steps of at most this: when the run itself is stopped, such as by Ctrl-Z, no machine
-// is blamed for it.
+// The longest step in which time counts against a machine, so that no machine is blamed if the run itself is stopped,
+// for example by Ctrl-Z.
 constexpr std::chrono::nanoseconds kMaxStep = std::chrono::seconds(1);
 
-constexpr long kFreshMemory = 256L * 1024;  // KiB: what a worker may use and still serve others
+constexpr long kFreshMemory = 256L * 1024;  // KiB: a worker that has used more does not serve another machine
 
-/// The collection that a single machine gets, in a freshly loaded plug-in.
+/// Collects as for a single machine, with a freshly loaded plug-in.
 std::string MakeLine(const std::string& machine, const TFleet& fleet) {
   const auto showLog = [&](const TLogEntry& entry) {
     if (!fleet.logLevel || entry.severity > *fleet.logLevel) return;
@@ -51,11 +51,11 @@ long GetPeakMemory() {
   return getrusage(RUSAGE_SELF, &usage) == 0 ? usage.ru_maxrss : 0;
 }
 
-/// Whether the machines so far have used much memory: what is left of it may be in pieces.
+/// True if the machines so far have used much memory, so that the rest may be fragmented.
 bool HasUsedMuchMemory(long before) { return GetPeakMemory() > before + kFreshMemory; }
 
-/// The line of a machine that failed. Its name stands before the reason, unless that begins with it anyway, or unless
-/// it is so long that the reason would be lost.
+/// The line of a machine that failed. Its name comes before the reason, unless the reason begins with it, or the name
+/// is so long that the reason would be cut.
 TMachineLine MakeFailedLine(const TFleet& fleet, const std::string& machine, const std::string& reason,
                             bool isLast = false) {
   constexpr std::size_t longName = 400;  // bytes
@@ -64,9 +64,9 @@ TMachineLine MakeFailedLine(const TFleet& fleet, const std::string& machine, con
   return {fleet.answer.makeErrorLine(machine, ToMessage(isNamed ? reason : name + ": " + reason)), true, isLast};
 }
 
-/// What a worker does with a machine.
+/// Called in a worker for each machine.
 TMachineLine CollectLine(const std::string& machine, const TFleet& fleet) {
-  static const long before = GetPeakMemory();  // the coordinating process's, which this one is a copy of
+  static const long before = GetPeakMemory();  // of the coordinating process, which this one is a copy of
   OnThrowingPlugin([&](const std::string& reason) { TWorker::EndWith(MakeFailedLine(fleet, machine, reason)); });
   try {
     return {WithinMemory([&] { return MakeLine(machine, fleet); }), false, HasUsedMuchMemory(before)};
@@ -88,7 +88,7 @@ class TFleetRun {
       if (IsDone()) break;
       WaitForSomething();
       isRead = m_fleet.answer.take(m_lines.TakeReady());
-      m_since = TClock::now();  // the time that its reader takes is no machine's
+      m_since = TClock::now();  // the reader's time does not count against machines
       m_bar.Set(m_skipped + m_done, m_failed);
     }
     m_bar.Finish();
@@ -125,7 +125,7 @@ class TFleetRun {
     }
   }
 
-  /// Looks for a machine that is not finished, among those that are known already.
+  /// Looks for a machine that is not finished among the names that have come so far.
   bool FindNext() {
     while (!m_next && m_fleet.machines.HasNext()) {
       std::string machine = m_fleet.machines.TakeNext();
@@ -140,8 +140,7 @@ class TFleetRun {
 
   bool IsDone() const { return !m_next && m_fleet.machines.IsAtEnd() && m_lines.GetTurn() == m_given; }
 
-  /// Waits until a worker has sent something or is late, or until the list has a name if the run needs one, and deals
-  /// with it.
+  /// Waits until a worker has sent something or is late, or until a name comes if the run needs one, and deals with it.
   void WaitForSomething() {
     std::vector<pollfd> descriptors;
     descriptors.reserve(m_workers.size() + 1);
@@ -162,8 +161,8 @@ class TFleetRun {
     }
   }
 
-  /// The workers to read from now. When too many bytes wait for an earlier line, only the worker that makes that line:
-  /// so this process never holds more than those bytes and one line.
+  /// The workers to read from now. If too many bytes wait for an earlier line, only the worker that makes that line, so
+  /// that this process never holds more than those bytes and one line.
   std::vector<bool> ChooseHeard() const {
     std::size_t held = m_lines.GetHeldSize();
     for (const auto& worker : m_workers) held += worker->GetHeldSize();
@@ -176,7 +175,7 @@ class TFleetRun {
     return isHeard;
   }
 
-  /// How long to wait at most; nothing when no worker is at work.
+  /// How long to wait at most; nothing if no worker has a task.
   std::optional<std::chrono::nanoseconds> GetPause(const std::vector<bool>& isHeard) const {
     std::optional<std::chrono::nanoseconds> pause;
     for (std::size_t index = 0; index < m_workers.size(); ++index) {
@@ -186,7 +185,7 @@ class TFleetRun {
     return pause;
   }
 
-  /// The time since this was asked last.
+  /// The time since the last call, at most kMaxStep.
   std::chrono::nanoseconds TakeStep() {
     const TClock::time_point now = TClock::now();
     return std::min<std::chrono::nanoseconds>(now - std::exchange(m_since, now), kMaxStep);
@@ -202,7 +201,8 @@ class TFleetRun {
     }
   }
 
-  /// What it was at work on fails, unless its end is that of the run: then a later run asks that machine again.
+  /// The running task of a dead worker fails, unless the worker's end is that of the run: then --resume asks that
+  /// machine again.
   void Bury(std::unique_ptr<TWorker>& worker) {
     const std::string death = worker->DescribeDeath();
     if (!IsEndingSignal(worker->GetSignal())) return Replace(worker, "the process that collected from it " + death);
@@ -211,7 +211,7 @@ class TFleetRun {
     Replace(worker, std::nullopt);
   }
 
-  /// The machine that a worker is at work on fails for that reason, if there is one; the others go to its successor.
+  /// Starts another worker, which takes the tasks over. If there is a reason, the running task fails for it.
   void Replace(std::unique_ptr<TWorker>& worker, const std::optional<std::string>& reason) {
     std::deque<TTask> tasks = worker->GetTasks();
     if (reason && !tasks.empty()) {
@@ -220,7 +220,7 @@ class TFleetRun {
     }
     bool isGiven = false;
     while (!isGiven) {
-      worker.reset();  // first, since there may be no room for one more
+      worker.reset();  // first, since the system may have no room for one more process
       worker = StartWorker();
       isGiven = std::all_of(tasks.begin(), tasks.end(), [&](const TTask& task) { return worker->Give(task); });
     }
@@ -237,11 +237,11 @@ class TFleetRun {
   TProgressBar m_bar;
   std::vector<std::unique_ptr<TWorker>> m_workers;
   TClock::time_point m_since = TClock::now();
-  std::optional<std::string> m_next;  // to be given
-  std::size_t m_given = 0;            // to workers
+  std::optional<std::string> m_next;  // the next machine for a worker
+  std::size_t m_given = 0;            // machines given to workers
   std::size_t m_skipped = 0;
   std::size_t m_done = 0;
-  std::size_t m_failed = 0;  // of those that are done
+  std::size_t m_failed = 0;  // among those that are done
   TOrderedLines m_lines;
 };
 
@@ -249,6 +249,6 @@ class TFleetRun {
 
 int CollectFleet(TFleet fleet) {
   RequirePlugin(fleet.plugin);
-  std::signal(SIGCHLD, SIG_DFL);  // it may be ignored from the start, and then how a worker ended would be lost
+  std::signal(SIGCHLD, SIG_DFL);  // if it were ignored, the system would not tell how a worker ended
   return TFleetRun(std::move(fleet)).Run();
 }

@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kPiece = 65536;  // bytes that are read at a time
+constexpr std::size_t kPiece = 65536;  // bytes per read
 
 constexpr const char* kListCure = "--machines takes a file of machines, one a line, or - for standard input";
 
@@ -33,7 +33,7 @@ class TNameCount {
     }
   }
 
-  /// With a last line that does not end.
+  /// The count, including a last line without a line end.
   std::size_t Get() const { return m_count + (m_line == ELine::kBlank || m_line == ELine::kName ? 1 : 0); }
 
  private:
@@ -93,7 +93,7 @@ std::optional<std::size_t> TMachineList::CountAll() const {
   TNameCount count;
   char piece[kPiece];
   ssize_t size = 0;
-  // pread leaves the place where ReadMore goes on.
+  // pread does not move the position at which ReadMore reads on.
   for (off_t place = begin; (size = pread(file, piece, sizeof piece, place)) > 0; place += size) {
     std::for_each(piece, piece + size, [&](char byte) { count.Take(byte); });
   }

@@ -1,4 +1,4 @@
-// The machines of a fleet, by their names, one after the other.
+// Reads the names of the machines of a fleet.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,17 @@
 
 #include "command/base/line_reader.h"
 
-/// Names that are known from the start, or come line by line from a file or standard input; empty lines are skipped,
-/// and those whose first character but blanks is #; lines may end as those of Windows do.
-/// The list is never held as a whole: it may be longer than memory, and its writer slower than its reader.
+/// Names that are known from the start, or that come line by line from a file or standard input. Empty lines, and lines
+/// that begin with # after blanks, are skipped; lines may end as in Windows. The list is never held in memory as a
+/// whole, since it may be larger, and its writer may be slower than its reader.
 class TMachineList {
  public:
-  /// Bytes. A name of this length is too long for any file, so a longer one is cut to it: it names no machine anyway.
+  /// Bytes. A name of this length is too long for any file. A longer one is cut to it, since it names no machine
+  /// anyway.
   static constexpr std::size_t kMaxName = 4096;
 
   explicit TMachineList(const std::vector<std::string>& names);
-  /// `file`: "-" for standard input. Throws TUnusable, naming the file, when it cannot be read.
+  /// `file`: "-" for standard input. Throws TUnusable, which names the file, if it cannot be read.
   static TMachineList Open(const std::filesystem::path& file);
 
   /// True if TakeNext may be called.
@@ -29,12 +30,12 @@ class TMachineList {
   /// True at the end of the list.
   bool IsAtEnd() const;
 
-  /// What to wait for (with poll) when neither is true; then ReadMore takes a piece of what has come, without waiting
-  /// for more. Throws TUnusable when the list cannot be read.
+  /// The descriptor to wait for with poll if neither is true.
   int GetDescriptor() const { return m_lines->GetDescriptor(); }
+  /// Reads a piece of what has come. Throws TUnusable if the list cannot be read.
   void ReadMore();
 
-  /// How many names there are in all; nothing when that is known only at the end.
+  /// The number of all names; nothing if that is known only at the end.
   std::optional<std::size_t> CountAll() const;
 
  private:

@@ -1,5 +1,5 @@
-// Puts the lines of a fleet's answer, which come as the workers are done, in the order of its list. There is
-// a limit to those that wait for an earlier one.
+// Puts the lines of a fleet's answer, which come in any order, into the order of its list. Only a limited number of
+// lines may wait for an earlier one.
 #pragma once
 
 #include <cstddef>
@@ -8,21 +8,20 @@
 
 class TOrderedLines {
  public:
-  // How far the workers may be ahead of a slow machine whose line is the next: in lines, and in bytes of those that
-  // wait.
+  // How far workers may be ahead of a slow machine whose line is next: in lines, and in bytes of waiting lines.
   static constexpr std::size_t kMaxAhead = 1000;
   static constexpr std::size_t kMaxHeldSize = std::size_t{64} * 1024 * 1024;
 
-  /// Whether work on the line of that number may begin.
+  /// True if work on the line of that number may begin.
   bool HasRoomFor(std::size_t number) const { return number - m_turn < kMaxAhead && m_heldSize < kMaxHeldSize; }
 
   /// Takes the line of that number; each number from 0 on comes once, in any order.
   void Put(std::size_t number, std::string line);
 
-  /// The lines whose turn it is, one after the other; empty when an earlier one is missing yet.
+  /// The lines whose turn it is; empty while an earlier one is missing.
   std::string TakeReady();
 
-  /// Bytes of the lines that wait.
+  /// The bytes of the waiting lines.
   std::size_t GetHeldSize() const { return m_heldSize; }
 
   /// The number of the line whose turn it is.

@@ -19,7 +19,7 @@ std::string MakeBar(std::size_t done, std::size_t total, std::size_t width) {
   return '[' + bar + "] ";
 }
 
-/// Of the terminal on standard error; 80 when it does not say.
+/// The columns of the terminal on standard error; 80 if it does not know them.
 std::size_t GetColumns() {
   constexpr std::size_t usual = 80;
   winsize size = {};
