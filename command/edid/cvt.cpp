@@ -10,7 +10,7 @@ namespace {
 constexpr double kMicroseconds = 1e6;  // per second
 constexpr double kCell = 8;            // pixels
 constexpr double kFrontPorch = 3;      // lines
-constexpr double kMinBackPorch = 6;    // lines
+constexpr double kMinBackPorch = 7;    // lines
 
 /// How a version of reduced blanking makes a timing [CVT 2.0, 3.4].
 struct TReducedBlanking {
@@ -26,10 +26,9 @@ double GetSyncHeight(unsigned int width, unsigned int height) {
   constexpr struct {
     unsigned int width, height, sync;
   } aspects[] = {{4, 3, 4}, {16, 9, 5}, {16, 10, 6}, {5, 4, 7}, {15, 9, 7}};
-  constexpr unsigned int cell = 8;
   constexpr double other = 10;
   for (const auto& aspect : aspects) {
-    if (width == cell * (height * aspect.width / aspect.height / cell)) return aspect.sync;
+    if (width == height * aspect.width / aspect.height) return aspect.sync;
   }
   return other;
 }
@@ -50,7 +49,7 @@ TEdidMode MakeStandard(const TCvtRequest& request) {
   const double duty = std::max(dutyOffset - dutyGradient * linePeriod / 1000, minDuty);
   const double blank = std::floor(width * duty / (100 - duty) / (2 * kCell)) * 2 * kCell;
   const double clock = std::floor((width + blank) / linePeriod / clockStep) * clockStep;  // MHz
-  return MakeMode(request.width, request.height, clock * 1000, width + blank,
+  return MakeMode(request.width, request.height, clock * 1000, request.width + blank,
                   request.height + syncAndBackPorch + kFrontPorch, false);
 }
 
@@ -74,11 +73,11 @@ TEdidMode MakeReduced(const TCvtRequest& request) {
   const double linePeriod = (kMicroseconds / request.refresh - blanking.minBlankTime) / request.height;  // microseconds
   if (linePeriod <= 0) return {};
   const double blankHeight = std::max(std::floor(blanking.minBlankTime / linePeriod) + 1, blanking.minBlankHeight);
-  const double totalWidth = width + blanking.blankWidth;
   const double totalHeight = request.height + blankHeight;
-  const double steps = request.refresh * totalHeight * totalWidth / kMicroseconds / blanking.clockStep;
+  const double steps =
+      request.refresh * totalHeight * (width + blanking.blankWidth) / kMicroseconds / blanking.clockStep;
   const double clock = (blanking.isClockRoundedUp ? std::ceil(steps) : std::floor(steps)) * blanking.clockStep;
-  return MakeMode(request.width, request.height, clock * 1000, totalWidth, totalHeight, false);
+  return MakeMode(request.width, request.height, clock * 1000, request.width + blanking.blankWidth, totalHeight, false);
 }
 
 }  // namespace

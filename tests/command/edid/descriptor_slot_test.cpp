@@ -32,9 +32,10 @@ TEST(DescriptorSlot, OfOneByteAllOverIsNoTiming) {
   }
 }
 
-TEST(DescriptorSlot, OfAClockThatNoMonitorHasIsNoTiming) {
-  const TEdidBuilder slow = TEdidBuilder().DetailedTiming(0, false).Byte(edid::kDescriptors[0] + 1, 3);
-  EXPECT_THAT(WriteModes(slow), IsEmpty());
+TEST(DescriptorSlot, OfASmallPanelIsATiming) {
+  const std::vector<unsigned int> panel = {0x84, 3,    0xE0, 45, 0x10, 0x10, 16, 0x10, 2,
+                                           41,   0x2A, 0,    95, 54,   0,    0,  0,    0x18};
+  EXPECT_THAT(WriteModes(WithSlot(panel)), ElementsAre("480x272@59.524 detailed"));
 }
 
 TEST(DescriptorSlot, RaisesLimitsSinceRevisionFour) {
@@ -61,6 +62,16 @@ TEST(DescriptorSlot, DeclaresEstablishedTimingsIII) {
 TEST(DescriptorSlot, DeclaresARateForEachBitOfACvtCode) {
   EXPECT_THAT(WriteModes(WithTag(edid::kTagCvt, {1, 0x1B, 0x24, 0x09, 0, 0, 0, 0, 0, 0, 0, 0, 0})),
               ElementsAre("1920x1080@59.963 cvt", "1920x1080@59.934 cvt"));
+}
+
+TEST(DescriptorSlot, LeavesTheBackPorchOfACvtCodeSevenLines) {
+  EXPECT_THAT(WriteModes(WithTag(edid::kTagCvt, {1, 0xEF, 0x08, 0x01, 0, 0, 0, 0, 0, 0, 0, 0, 0})),
+              ElementsAre("768x480@59.745 cvt"));
+}
+
+TEST(DescriptorSlot, DrawsNoAspectRatioFromARoundedWidthOfACvtCode) {
+  EXPECT_THAT(WriteModes(WithTag(edid::kTagCvt, {1, 0xEF, 0x04, 0x01, 0, 0, 0, 0, 0, 0, 0, 0, 0})),
+              ElementsAre("848x480@59.524 cvt"));
 }
 
 TEST(DescriptorSlot, DeclaresMoreStandardTimings) {

@@ -49,6 +49,10 @@ TEST(DisplayId, DeclaresTimingsOfTypesIIIAndVAndIXByFormula) {
   EXPECT_THAT(WriteDisplayIdModes({0x24, 0, 6, 2, 0x7F, 7, 0x37, 4, 143}), ElementsAre("1920x1080@144 displayid"));
 }
 
+TEST(DisplayId, GivesAModeByFormulaEveryPixelOfItsLines) {
+  EXPECT_THAT(WriteDisplayIdModes({0x24, 0, 6, 0, 0x55, 5, 0xFF, 2, 59}), ElementsAre("1366x768@59.598 displayid"));
+}
+
 TEST(DisplayId, DeclaresTimingsByTheCodesOfStandards) {
   EXPECT_THAT(WriteDisplayIdModes({0x06, 0x00, 1, 0x10}), ElementsAre("1024x768@60.004 displayid"));
   EXPECT_THAT(WriteDisplayIdModes({0x06, 0x40, 1, 0x10}), ElementsAre("1920x1080@60 displayid"));
