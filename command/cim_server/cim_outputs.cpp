@@ -23,9 +23,7 @@ typedef const json& (*TChoose)(const json& modes);
 const json& ChooseLargest(const json& modes) { return modes.front(); }
 
 const json& ChooseFastest(const json& modes) {
-  return *std::max_element(modes.begin(), modes.end(), [](const json& one, const json& other) {
-    return one.at("refresh").get<double>() < other.at("refresh").get<double>();
-  });
+  return FindFastest(modes, [](const json& mode) { return mode.at("refresh").get<double>(); });
 }
 
 struct TOutputProperty {

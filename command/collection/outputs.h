@@ -1,6 +1,7 @@
 // Joins what the command itself knows of each output of a machine with what the plug-in answered.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -37,6 +38,14 @@ constexpr int kNativeSystem = 2;  // the only type of system whose BIOS the plug
 
 /// Why the plug-in cannot report any monitor, whatever the EDIDs are; empty if it can.
 std::string ExplainNoMonitor(const TVirtualBiosConfiguration& bios, int systemType);
+
+/// The mode with the highest rate; of several, the first. `modes`: at least one, such as those of a TEdidFacts.
+/// `getRate`: gives the rate of a mode, as exactly as rates are to be told apart.
+template <typename TModes, typename TGetRate>
+const auto& FindFastest(const TModes& modes, const TGetRate& getRate) {
+  return *std::max_element(modes.begin(), modes.end(),
+                           [&](const auto& left, const auto& right) { return getRate(left) < getRate(right); });
+}
 
 /// True if the answer has that mode for the output's monitor.
 bool IsInClasses(const TOutput& output, const TEdidMode& mode);

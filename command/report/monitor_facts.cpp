@@ -107,18 +107,17 @@ std::string WriteLargestMode(const TEdidFacts& facts) {
   return facts.modes.empty() ? std::string() : WriteMode(facts.modes.front());
 }
 
-/// The mode with the highest rate; of several, the largest. Null if no mode is known.
-const TEdidMode* FindFastestMode(const TEdidFacts& facts) {
-  const auto fastest =
-      std::max_element(facts.modes.begin(), facts.modes.end(),
-                       [](const TEdidMode& left, const TEdidMode& right) { return left.refresh < right.refresh; });
-  return fastest == facts.modes.end() ? nullptr : &*fastest;
-}
+double GetRate(const TEdidMode& mode) { return mode.refresh; }
 
+/// The rate as it is shown: 75.029 Hz is no more than 75 Hz.
+long GetWholeRate(const TEdidMode& mode) { return std::lround(mode.refresh); }
+
+/// The size is that of the largest mode with that rate.
 std::string WriteHighestRate(const TEdidFacts& facts) {
-  const TEdidMode* const mode = FindFastestMode(facts);
-  if (mode == nullptr) return std::string();
-  return std::to_string(std::lround(mode->refresh)) + " Hz (" + WriteResolution(*mode) + ")";
+  if (facts.modes.empty()) return std::string();
+  const TEdidMode& mode = FindFastest(facts.modes, GetWholeRate);
+  return std::to_string(GetWholeRate(mode)) + " Hz (" + WriteResolution(mode) +
+         (mode.isInterlaced ? ", interlaced)" : ")");
 }
 
 /// Not every block of HDR metadata means HDR: all of them have SDR's transfer function.
@@ -234,7 +233,7 @@ const TSource kSources[] = {
     {&TMonitorFacts::largestHeight, [](TFacts f) { return f.modes.empty() ? "" : Write(f.modes.front().height); },
      nullptr},
     {&TMonitorFacts::highestRefresh,
-     [](TFacts f) { return f.modes.empty() ? "" : WriteNumber(FindFastestMode(f)->refresh); }, nullptr},
+     [](TFacts f) { return f.modes.empty() ? "" : WriteNumber(FindFastest(f.modes, GetRate).refresh); }, nullptr},
     {&TMonitorFacts::hasHdr, [](TFacts f) { return std::string(HasHdr(f) ? "yes" : "no"); }, nullptr},
     {&TMonitorFacts::variableMin, [](TFacts f) { return f.refreshRange ? Write(f.refreshRange->min) : ""; }, nullptr},
     {&TMonitorFacts::variableMax,

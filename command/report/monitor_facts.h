@@ -24,7 +24,7 @@ struct TMonitorFacts {
   std::string pixelClock;     // "140 MHz at most"
   std::string preferredMode;  // "3840 x 2160 at 59.997 Hz"
   std::string largestMode;    // the one with the most pixels
-  std::string highestRate;    // with its size: "144 Hz (1920 x 1080)"
+  std::string highestRate;    // in whole Hz, with the largest size that has it: "144 Hz (1920 x 1080)"
   std::string hdr;            // "PQ, HLG, HDR10+ 1, up to 465 cd/m2"
   std::string variableRate;   // "48 to 144 Hz (FreeSync)"
   std::string link;           // of HDMI: "TMDS up to 600 MHz, FRL of 4 lanes at 12 Gbps, 10 or 12 bits per colour"

@@ -96,6 +96,13 @@ TEST(Outputs, TellTheUnitAndTheConnectorAndKeepTheEdid) {
   EXPECT_EQ(outputs[0].facts->name, "A");
 }
 
+TEST(Outputs, HaveTheFirstModeOfTheHighestRateForTheFastest) {
+  const std::vector<TEdidMode> modes = {{1920, 1080, 60}, {1280, 1024, 75.025}, {1024, 768, 75.029}, {800, 600, 60}};
+  const auto getWidth = [&](auto getRate) { return FindFastest(modes, getRate).width; };
+  EXPECT_EQ(getWidth([](const TEdidMode& mode) { return mode.refresh; }), 1024U);
+  EXPECT_EQ(getWidth([](const TEdidMode& mode) { return static_cast<int>(mode.refresh); }), 1280U);
+}
+
 TEST(Outputs, ThatRepeatTheUnitBeforeSayIt) {
   EXPECT_THAT(Describe(MakeBios({kA, kA, kB})),
               ElementsAre("Monitor 1", "its EDID repeats that of unit 0",

@@ -142,14 +142,14 @@ TEdidFacts MakeModernFacts() {
 TEST_F(MonitorFacts, TellWhatAModernMonitorCan) {
   const TOutput output = {0, "", "Monitor 1", "", MakeModernFacts(), {}};
   const TMonitorFacts facts = DescribeMonitor(&output, nullptr, TMakerNames());
-  EXPECT_EQ(
-      (std::vector<std::string>{facts.model, facts.size, facts.largestMode, facts.highestRate, facts.hdr,
-                                facts.variableRate, facts.link, facts.sound}),
-      (std::vector<std::string>{"LP156WF6-SPB1", "597 x 336 mm", "3840 x 2160 at 59.997 Hz", "144 Hz (1920 x 1080)",
-                                "PQ, HLG, HDR10+ 1, up to 465.5 cd/m2", "48 to 144 Hz (FreeSync)",
-                                "HDMI: TMDS up to 600 MHz, FRL of 4 lanes at 12 Gbps, DSC, 10 or 12 bits per "
-                                "colour",
-                                "Linear PCM (2 channels), DTS"}));
+  EXPECT_EQ((std::vector<std::string>{facts.model, facts.size, facts.largestMode, facts.highestRate, facts.hdr,
+                                      facts.variableRate, facts.link, facts.sound}),
+            (std::vector<std::string>{"LP156WF6-SPB1", "597 x 336 mm", "3840 x 2160 at 59.997 Hz",
+                                      "144 Hz (1920 x 1080, interlaced)", "PQ, HLG, HDR10+ 1, up to 465.5 cd/m2",
+                                      "48 to 144 Hz (FreeSync)",
+                                      "HDMI: TMDS up to 600 MHz, FRL of 4 lanes at 12 Gbps, DSC, 10 or 12 bits per "
+                                      "colour",
+                                      "Linear PCM (2 channels), DTS"}));
 }
 
 TEST_F(MonitorFacts, TellNumbersForTables) {
@@ -160,6 +160,17 @@ TEST_F(MonitorFacts, TellNumbersForTables) {
                                       f.width, f.height}),
             (std::vector<std::string>{"3840", "2160", "59.997", "3840", "2160", "143.981", "yes", "48", "144", "597",
                                       "336"}));
+}
+
+TEST_F(MonitorFacts, TellTheLargestSizeOfTheRateThatIsShown) {
+  TEdidFacts modes = MakeModernFacts();
+  modes.modes = {{{1920, 1080, 74.5}, EModeSource::Detailed, EYcbcr420::No},
+                 {{1920, 1080, 60}, EModeSource::Detailed, EYcbcr420::No},
+                 {{1024, 768, 75.029}, EModeSource::Established, EYcbcr420::No}};
+  const TOutput output = {0, "", "Monitor 1", "", modes, {}};
+  const TMonitorFacts facts = DescribeMonitor(&output, nullptr, TMakerNames());
+  EXPECT_EQ(facts.highestRate, "75 Hz (1920 x 1080)");
+  EXPECT_EQ(facts.highestRefresh, "75.029");
 }
 
 TEST_F(MonitorFacts, TakeTheRangeOfSdrForNoHdr) {
