@@ -49,9 +49,9 @@ endfunction()
 set(ROOMS_FILE ${CMAKE_BINARY_DIR}/rooms.txt)
 file(WRITE ${ROOMS_FILE} "")
 
-# optimise_less(TARGET): for code that no fleet runs through, where the time of the build is worth more.
-function(optimise_less target)
-  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
+# optimise_more(TARGET): for code that every run goes through, where the time of the build is worth less.
+function(optimise_more target)
+  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O2>)
 endfunction()
 
 # add_room(NAME [SOURCES file...] [USES room...] [LIBRARIES target...]): a room of headers only when it has no SOURCES.

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <limits>
-#include <nlohmann/json.hpp>
 
+#include "command/base/json.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
 
@@ -66,7 +66,7 @@ bool IsNumber(const TJsonValue& value) {
 }
 
 std::string ToJson(const TJsonValue& value) {
-  return std::visit([](const auto& known) { return json(known).dump(); }, value);
+  return std::visit([](const auto& known) { return WriteJson(known); }, value);
 }
 
 TJsonRule TJsonRule::Text(std::function<void(std::string&)> take) {

@@ -6,12 +6,12 @@
 #include <iterator>
 #include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "command/base/json.h"
 #include "command/base/standard_output.h"
 #include "command/base/unusable.h"
 #include "command/capture/new_target.h"
@@ -74,7 +74,7 @@ TSerialFillers ReplaceSerials(TMachineDocument& machine) {
 
 /// The answer as JSON without serial numbers.
 json BlankSerials(const TAnswer& answer) {
-  json blank = json::parse(MakeJsonReport(answer));
+  json blank = ParseJson(MakeJsonReport(answer));
   for (json& request : blank["requests"]) {
     for (json& instance : request["instances"]) {
       json& properties = instance["properties"];
@@ -281,14 +281,10 @@ void WriteCapture(const TCapture& capture, const fs::path& target) {
   }
 }
 
-std::string Pack(const TCapture& capture) {
-  std::string bytes;
-  json::to_cbor(json{{"files", capture.files}, {"remarks", capture.remarks}}, bytes);
-  return bytes;
-}
+std::string Pack(const TCapture& capture) { return PackJson({{"files", capture.files}, {"remarks", capture.remarks}}); }
 
 TCapture UnpackCapture(const std::string& bytes) {
-  const json capture = json::from_cbor(bytes);
+  const json capture = UnpackJson(bytes);
   return {capture.at("files").get<std::map<std::string, std::string>>(),
           capture.at("remarks").get<std::vector<std::string>>()};
 }

@@ -1,9 +1,9 @@
 #include "command/cim_server/cim_model.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "command/base/json.h"
 #include "command/base/version.h"
 #include "command/base/xml_text.h"
 #include "command/cim_server/cim_outputs.h"
@@ -21,8 +21,8 @@ std::string MakeReal(std::string text) {
 
 std::string MakeText(const json& value) {
   if (value.is_boolean()) return value.get<bool>() ? "TRUE" : "FALSE";
-  if (value.is_number_float()) return MakeReal(value.dump());
-  if (value.is_number()) return value.dump();
+  if (value.is_number_float()) return MakeReal(WriteJson(value));
+  if (value.is_number()) return WriteJson(value);
   return ToXmlText(value.get_ref<const std::string&>());
 }
 
@@ -91,7 +91,7 @@ const TCimProperty* TCimInstance::Find(const std::string& propertyName) const {
 }
 
 TCimModel::TCimModel(const std::string& answer) {
-  const json document = json::parse(answer);
+  const json document = ParseJson(answer);
   for (const json& request : document.at("requests")) {
     for (const json& instance : request.at("instances")) Put(ReadInstance(instance));
   }

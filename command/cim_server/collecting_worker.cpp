@@ -5,11 +5,11 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <utility>
 #include <vector>
 
+#include "command/base/json.h"
 #include "command/collection/budgets.h"
 #include "command/report/json_report.h"
 
@@ -74,7 +74,7 @@ TCollected ReadLines(const std::string& text) {
 
 TCollected ReadLine(const TMachineLine& line) try {
   if (!line.hasFailed) return ReadLines(line.text);
-  return MakeFailure(nlohmann::json::parse(line.text).at("error").get<std::string>());
+  return MakeFailure(ParseJson(line.text).at("error").get<std::string>());
 } catch (const std::exception& error) {
   return MakeFailure(std::string("the answer cannot be used: ") + error.what());
 }

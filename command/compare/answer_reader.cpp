@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "command/base/base64.h"
+#include "command/base/json.h"
 #include "command/base/json_reader.h"
 #include "command/base/text_encoding.h"
 #include "command/base/unusable.h"
@@ -159,7 +160,7 @@ TPropertyValue TakeValue(const TCIMValue& value) {
     case TType::kReal32:
       // A written answer has the shortest decimal of the number; read as a double, it differs from the number itself.
       if (!std::isfinite(value.GetReal())) return nullptr;
-      return json::parse(static_cast<std::string>(value)).get<double>();
+      return ParseJson(static_cast<std::string>(value)).get<double>();
     case TType::kString:
     case TType::kDateTime:
     case TType::kReference:

@@ -1,8 +1,8 @@
 #include "command/compare/compared_side.h"
 
-#include <nlohmann/json.hpp>
 #include <utility>
 
+#include "command/base/json.h"
 #include "command/base/unusable.h"
 #include "command/machine/captured_machine.h"
 
@@ -22,7 +22,7 @@ bool MayBeAnswer(const std::string& beginning) {
 
 /// True if the first line of a file is one answer of many, even one that was cut off; false if it is the beginning of
 /// an indented document.
-bool IsWholeLine(const std::string& line) { return BeginsWith(line, "{\"machine\":") || nlohmann::json::accept(line); }
+bool IsWholeLine(const std::string& line) { return BeginsWith(line, "{\"machine\":") || IsJson(line); }
 
 constexpr std::size_t kMaxSize = std::size_t{64} * 1024 * 1024;  // bytes of a line, or of a file that is one answer
 

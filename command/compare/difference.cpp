@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "command/base/json.h"
 #include "command/report/device_rows.h"
 #include "command/report/mode_order.h"
 #include "embedded_host/schema.h"
@@ -223,23 +224,17 @@ std::vector<TChange> ListChanges(const TController& before, const TController& a
   return Sort(std::move(changes));
 }
 
-std::string Serialize(const json& value) {
-  std::string text;
-  json::to_cbor(value, text);
-  return text;
-}
-
 // A key is equal for equal devices.
 
 std::string MakeKey(const TMonitor& monitor) {
-  return Serialize(json::array(
+  return PackJson(json::array(
       {monitor.identity, json::binary(monitor.output.edid), monitor.IsListed(), monitor.modes, monitor.properties}));
 }
 
 std::string MakeKey(const TController& controller) {
   json heads = json::array();
   for (const THead& head : controller.heads) heads.push_back(json::array({head.name, head.properties}));
-  return Serialize(json::array({controller.identity, controller.properties, heads}));
+  return PackJson(json::array({controller.identity, controller.properties, heads}));
 }
 
 /// A device, and what can be compared of it.

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "command/base/base64.h"
+#include "command/base/json.h"
 #include "command/base/json_writer.h"
 #include "command/base/text_encoding.h"
 #include "command/edid/edid_facts.h"
@@ -33,7 +34,7 @@ const char* GetName(EState state) {
 std::string GetText(const TPropertyValue& value) {
   if (value.is_null()) return "none";
   if (value.is_string()) return ToPrintable(value.get<std::string>());
-  if (!value.is_array()) return value.dump();
+  if (!value.is_array()) return WriteJson(value);
   std::string joined;
   for (const TPropertyValue& element : value) joined += (joined.empty() ? "" : ", ") + GetText(element);
   return joined.empty() ? "none" : joined;
@@ -80,7 +81,7 @@ void WriteValue(TJsonWriter& writer, const TPropertyValue& value) {
   } else if (value.is_string()) {
     writer.String(value.get_ref<const std::string&>());
   } else {
-    writer.Literal(value.dump());
+    writer.Literal(WriteJson(value));
   }
 }
 

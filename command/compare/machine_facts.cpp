@@ -6,6 +6,7 @@
 #include <iterator>
 #include <utility>
 
+#include "command/base/json.h"
 #include "command/collection/plugin_texts.h"
 #include "command/edid/edid_facts.h"
 #include "command/edid/identity.h"
@@ -193,7 +194,7 @@ std::optional<std::string> GetAfterCard(const std::string& name) {
 std::string FindText(const TProperties& properties, const char* name) {
   const auto found = properties.find(name);
   if (found == properties.end()) return std::string();
-  return found->second.is_string() ? found->second.get<std::string>() : found->second.dump();
+  return found->second.is_string() ? found->second.get<std::string>() : WriteJson(found->second);
 }
 
 bool IsHeadProperty(const std::string& name) {
@@ -226,15 +227,12 @@ std::string GetSystemName(const TReadAnswer& answer) {
 
 std::string Pack(const TMachineFacts& machine) {
   const json error = machine.error ? json(*machine.error) : json();
-  std::string text;
-  json::to_cbor(json::array({error, machine.classes, PackAll(machine.monitors, PackMonitor),
-                             PackAll(machine.controllers, PackController)}),
-                text);
-  return text;
+  return PackJson(json::array(
+      {error, machine.classes, PackAll(machine.monitors, PackMonitor), PackAll(machine.controllers, PackController)}));
 }
 
 TMachineFacts Unpack(const std::string& text) {
-  const json packed = json::from_cbor(text);
+  const json packed = UnpackJson(text);
   TMachineFacts machine;
   if (packed[0].is_string()) machine.error = packed[0].get<std::string>();
   machine.classes = packed[1].get<std::set<std::string>>();

@@ -1,7 +1,6 @@
 #include "command/report/html/fleet_machine.h"
 
-#include <nlohmann/json.hpp>
-
+#include "command/base/json.h"
 #include "command/base/json_writer.h"
 
 namespace {
@@ -45,7 +44,7 @@ std::string WriteFleetMachine(const TMachineSummary& machine) {
 }
 
 TFleetMachine ReadFleetMachine(std::string_view line) {
-  const nlohmann::json members = nlohmann::json::parse(line);
+  const nlohmann::json members = ParseJson(line);
   TFleetMachine machine = {
       members["name"], members["systemName"], members["collected"], members["hasAnswered"] == 1, {}, {}, {}};
   machine.controllers = members["controllers"].get<std::vector<std::string>>();
