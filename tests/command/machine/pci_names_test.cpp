@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <functional>
 
 #include "command/base/unusable.h"
+#include "realmode/shared_library.h"
 #include "tests/support/descriptor_limit.h"
+#include "tests/support/pci_double.h"
 #include "tests/support/sanitizers.h"
 #include "tests/support/temporary_folder.h"
 
@@ -22,7 +25,75 @@ std::string GetError(const std::function<void()>& call) try {
   return failure.what();
 }
 
+/// Names from a library that the test speaks for.
+class ForeignPciNames : public testing::Test {
+ protected:
+  ForeignPciNames() { pci = TPciDouble(); }
+  ~ForeignPciNames() override { EXPECT_EQ(pci.heldCount, 0); }
+
+  TSharedLibrary library{PCI_DOUBLE_FILE};
+  TPciDouble& pci = *library.Find<TPciDouble>("gPciDouble");
+};
+
 }  // namespace
+
+TEST_F(ForeignPciNames, AreThoseOfTheLibrary) {
+  pci.vendorNames = {{0xFFF0, "Acme Graphics"}};
+  pci.deviceNames = {{0x0A, "Acme 3D"}};
+  const TPciNames names;
+  EXPECT_TRUE(names.IsAvailable());
+  EXPECT_EQ(pci.path, "");
+  EXPECT_EQ(names.GetVendor(0xFFF0), "Acme Graphics");
+  EXPECT_EQ(names.GetDevice(0xFFF0, 0x0A), "Acme 3D");
+  EXPECT_EQ(names.GetDevice(0xFFF0, 0x0B), "0x000b");
+}
+
+TEST_F(ForeignPciNames, AreNoLongerThanTheyNeedToBe) {
+  pci.vendorNames = {{0xFFF0, std::string(1000, 'x')}};
+  EXPECT_EQ(TPciNames().GetVendor(0xFFF0), std::string(255, 'x'));
+}
+
+TEST_F(ForeignPciNames, AreReadFromTheDatabaseThatIsNamed) {
+  const TPciNames names("/some/pci.ids");
+  EXPECT_EQ(pci.path, "/some/pci.ids");
+}
+
+TEST_F(ForeignPciNames, AreNumbersWhenTheLibraryDoesNotBegin) {
+  pci.hasMemory = false;
+  const TPciNames names;
+  EXPECT_FALSE(names.IsAvailable());
+  EXPECT_EQ(names.GetVendor(0xFFF0), "0xfff0");
+  EXPECT_EQ(names.GetDevice(0xFFF0, 0x0A), "0x000a");
+}
+
+TEST_F(ForeignPciNames, AreNumbersWhereTheDatabaseIsMissing) {
+  pci.loadError = ENOENT;
+  EXPECT_EQ(TPciNames().GetVendor(0xFFF0), "0xfff0");
+}
+
+TEST_F(ForeignPciNames, AreAnErrorWhenTheDatabaseMayNotBeRead) {
+  pci.loadError = EACCES;
+  EXPECT_EQ(GetError([] { TPciNames(); }), "/usual/pci.ids: cannot be read: Permission denied; check its permissions");
+  pci.loadError = EIO;
+  EXPECT_THAT(GetError([] { TPciNames(); }), StartsWith("/usual/pci.ids: cannot be read: Input/output error; "));
+}
+
+TEST_F(ForeignPciNames, AreAnErrorOfOneLineWhenTheLibraryGivesUp) {
+  pci.complaint = "line 7 is " + std::string(1000, '!');
+  const std::string error = GetError([] { TPciNames(); });
+  EXPECT_THAT(error, StartsWith("the names of graphics cards cannot be read: line 7 is !!!"));
+  EXPECT_THAT(error, testing::EndsWith("!!!; install the package pci.ids again"));
+  pci.complaint = "no memory";
+  EXPECT_EQ(GetError([] { TPciNames(); }),
+            "the names of graphics cards cannot be read: no memory; install the package pci.ids again");
+}
+
+TEST(PciNames, AreNumbersWhereTheLibraryIsAnotherVersion) {
+  const TSharedLibrary library(PCI_OF_ANOTHER_VERSION_FILE);
+  const TPciNames names;
+  EXPECT_FALSE(names.IsAvailable());
+  EXPECT_EQ(names.GetVendor(0x8086), "0x8086");
+}
 
 // What is known depends on the machine's database; numbers that no maker has are known nowhere.
 TEST(PciNames, AreTheNumbersOfWhatTheDatabaseDoesNotKnow) {

@@ -1,0 +1,1 @@
+// A library without functions, as one of another version may be.

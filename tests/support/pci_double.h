@@ -1,0 +1,15 @@
+// A stand-in for libpci that answers what a test tells it to. Loaded first, it is what the loader takes for libpci.
+#pragma once
+
+#include <map>
+#include <string>
+
+struct TPciDouble {
+  bool hasMemory = true;
+  int loadError = 0;                       // errno when the database cannot be loaded; 0 when it can
+  std::string complaint;                   // passed to the caller's error function by the load, unless it is empty
+  std::map<int, std::string> vendorNames;  // by the vendor's number
+  std::map<int, std::string> deviceNames;  // by the device's number
+  std::string path;                        // of the database that was asked for
+  int heldCount = 0;                       // what the caller was given and has not given back
+};
