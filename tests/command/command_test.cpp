@@ -658,8 +658,11 @@ TEST_F(Command, HasNoCapabilityLeftWhenItAnswers) {
   const TProcessResult result =
       RunShell("mkfifo " + pipe + "; " + kCommand + " --machine " + machine.GetPath().string() + " --format json" +
                requests + " >" + pipe + " & exec 3<" + pipe +
-               "; read -r line <&3; grep -E 'CapEff|NoNewPrivs' /proc/$!/status; cat <&3 >/dev/null");
-  EXPECT_EQ(result.output, "CapEff:\t0000000000000000\nNoNewPrivs:\t1\n");
+               "; read -r line <&3; grep -E 'Uid|Cap(Inh|Prm|Eff)|NoNewPrivs' /proc/$!/status; cat <&3 >/dev/null");
+  const std::string user = geteuid() == 0 ? "65534" : std::to_string(geteuid());
+  const std::string none = ":\t0000000000000000\n";
+  EXPECT_EQ(result.output, "Uid:\t" + user + "\t" + user + "\t" + user + "\t" + user + "\nCapInh" + none + "CapPrm" +
+                               none + "CapEff" + none + "NoNewPrivs:\t1\n");
 }
 
 // A pipe in the place of the plug-in: it is opened when the machine has been looked at.

@@ -60,6 +60,12 @@ TEST(EmbeddedHost, HandsOutTheRegisteredPluginsOnce) {
   EXPECT_THAT(host.TakeRegistered(), IsEmpty());
 }
 
+TEST(EmbeddedHost, HasTheClassesOfItsStoreInThePluginManagersNamespace) {
+  TEmbeddedHost host(THostConfiguration(), {});
+  const char* const name = "QRXSG_DesktopMonitor";
+  EXPECT_EQ(TRootObject::GetPluginManager()->GetClass(name, {}), host.GetStore()->GetClass(name, {}));
+}
+
 TEST(EmbeddedHost, GivesAProviderAtRegistration) {
   const TEmbeddedHost host(Configure(true), {});
   TPlugin plugin;

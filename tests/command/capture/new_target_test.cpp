@@ -2,7 +2,9 @@
 #include "command/capture/new_target.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <fstream>
 #include <iterator>
 
@@ -140,6 +142,36 @@ TEST_F(NewTarget, RemovesAFileFromTheFolderThatItWentInto) {
   }
   EXPECT_EQ(Read(victim / "file"), "old");
   EXPECT_TRUE(fs::is_empty(folder.GetPath() / "target-moved"));
+}
+
+namespace {
+
+/// Files may have that many bytes at most, as on a disk that is full.
+class TFileLimit {
+ public:
+  explicit TFileLimit(rlim_t size) {
+    getrlimit(RLIMIT_FSIZE, &m_before);
+    const rlimit limit = {size, m_before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~TFileLimit() {
+    setrlimit(RLIMIT_FSIZE, &m_before);
+    std::signal(SIGXFSZ, m_handler);
+  }
+
+ private:
+  rlimit m_before = {};
+  void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
+}  // namespace
+
+TEST_F(NewTarget, LeavesNothingWhereThereIsNoRoom) {
+  const TFileLimit limit(4);
+  const std::string reason = "file: cannot be written: File too large; capture to where there is room";
+  ExpectFailure([&] { TNewFile(folder.GetPath() / "file", "12345"); }, reason);
+  ExpectFailure([&] { TNewFolder(target).Write("a/file", "12345"); }, reason);
+  EXPECT_TRUE(fs::is_empty(folder.GetPath()));
 }
 
 TEST_F(NewTarget, SaysWhatCannotBeMade) {

@@ -94,7 +94,8 @@ TEST(Worker, TakesOneMachineAfterTheOther) {
 TEST(Worker, HandsOverLinesOfAnyLength) {
   TWorker worker(Echo, {}, kTimeout);
   for (const std::size_t size : {std::size_t{0}, std::size_t{65528}, std::size_t{65529}, std::size_t{5'000'000}}) {
-    const std::string machine(size, 'x');
+    std::string machine(size, '\0');
+    for (std::size_t index = 0; index < size; ++index) machine[index] = static_cast<char>('a' + index % 23);
     EXPECT_EQ(Work(worker, machine).text, Echo(machine).text);
   }
 }

@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "command/base/utc_time.h"
 #include "command/machine/bios_recorder.h"
 #include "command/machine/host_name.h"
@@ -164,9 +166,13 @@ TEST_F(ThisMachine, HasTheConfigurationOfTheKernelInTheOrderOfTheUnits) {
   AddOutput("card0-DP-2", "A");
   AddOutput("card1-DP-1", "B");
   const TMachine machine = Make(EEdidSource::kDrm, EXconfigSource::kKernel);
-  const std::string text = machine.host.files->Read(kMadeFile);
-  EXPECT_LT(text.find("Identifier \"card0-DP-1\""), text.find("Identifier \"card1-DP-1\""));
-  EXPECT_LT(text.find("Identifier \"card1-DP-1\""), text.find("Identifier \"card0-DP-2\""));
+  std::istringstream text(machine.host.files->Read(kMadeFile));
+  std::vector<std::string> devices;
+  for (std::string line, before; std::getline(text, line); before = line) {
+    if (before == "Section \"Device\"") devices.push_back(line);
+  }
+  EXPECT_THAT(devices,
+              ElementsAre("\tIdentifier \"card0-DP-1\"", "\tIdentifier \"card1-DP-1\"", "\tIdentifier \"card0-DP-2\""));
 }
 
 TEST_F(ThisMachine, SaysThatItsConfigurationWasMadeOnceItWasAskedFor) {

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "command/base/unusable.h"
 #include "embedded_host/schema.h"
 
 using nlohmann::json;
@@ -190,6 +192,20 @@ TEST_F(JsonReport, BeginsRowsWithWhoseTheyAre) {
               StartsWith(R"({"machine":"ws-17","collected":"2026-11-21T21:30:00Z","version":"1.4.0","class":)"));
   answer.identity.collected.clear();
   EXPECT_THAT(MakeRows("ws-17", answer), StartsWith(R"({"machine":"ws-17","version":"1.4.0","class":)"));
+}
+
+TEST_F(JsonReport, HasNoAnswerOfAMachineOfManyThatIsLargerThan64MiB) {
+  const TAnswer answer = AnswerWith({{"Name", TCIMValue(std::string(std::size_t{64} * 1024 * 1024, 'x'))}});
+  for (const auto& make : std::vector<std::function<void()>>{[&] { MakeMachineLine("m", answer, ELogPart::kKept); },
+                                                             [&] { MakeMachineRows("m", answer); }}) {
+    try {
+      make();
+      FAIL() << "it was made";
+    } catch (const TUnusable& failure) {
+      EXPECT_STREQ(failure.what(), "its answer is larger than 64 MiB");
+    }
+  }
+  EXPECT_GT(MakeRows("m", answer).size(), std::size_t{64} * 1024 * 1024);
 }
 
 TEST_F(JsonReport, WritesNoRowsOfAnEmptyAnswer) { EXPECT_EQ(MakeRows("ws-17", TAnswer()), ""); }

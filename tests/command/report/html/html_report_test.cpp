@@ -177,6 +177,14 @@ TEST_F(HtmlReport, LoadsNothing) {
   }
 }
 
+TEST_F(HtmlReport, SaysANameOnceThatOnlyRepeatsTheId) {
+  Commit("QRXSG_VideoController", {{"DeviceID", TCIMValue("Card")}, {"Name", TCIMValue("Card")}});
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}, {"Name", TCIMValue("Monitor 1")}});
+  const std::string page = Make();
+  EXPECT_THAT(FindAll(page, "<p[^>]*>(Card)</p>"), ElementsAre("Card"));
+  EXPECT_THAT(FindAll(page, "<h3[^>]*>(Monitor[^<]*)</h3>"), ElementsAre("Monitor 1"));
+}
+
 TEST_F(HtmlReport, JoinsAControllerToItsHeadsOnly) {
   CommitController("a");
   CommitHead("a", 1);
