@@ -1,5 +1,5 @@
 // The layout of a CTA-861 extension block (CTA-861-I): offsets, sizes, tags and bits. Sections in brackets are those of
-// that standard where no other is named. Offsets are in bytes, of a data block's payload from its first byte.
+// that standard unless another is named. Offsets are in bytes; in a data block's payload, from its first byte.
 #pragma once
 
 #include <cstddef>
@@ -56,7 +56,7 @@ constexpr const char* kAudioFormats[] = {
     "AAC LC",    "DTS",        "ATRAC",  "One Bit Audio",         "Enhanced AC-3 (DD+)",  "DTS-HD",
     "MAT (MLP)", "DST",        "WMA Pro"};
 
-/// How an extended format says its channels [7.5.2, tables 40 to 46].
+/// How an extended format encodes its channels [7.5.2, tables 40 to 46].
 enum class EChannels { Count, None, Spread };
 
 struct TExtendedAudioFormat {

@@ -1,4 +1,4 @@
-// The timings that standards number, so that an EDID declares one by its code: VESA Display Monitor Timings (DMT) 1.13,
+// The timings to which standards give codes, so that an EDID can name one: VESA Display Monitor Timings (DMT) 1.13,
 // the video codes of CTA-861 (VICs), and those of HDMI 1.4.
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace edid {
 
-/// A timing, which the tables have in full.
+/// A timing from one of the tables.
 struct TTiming {
   /// In pixels, lines of a picture, of both fields when it is interlaced, the same with those that are blank, and kHz.
   constexpr TTiming(unsigned short activeWidth, unsigned short activeHeight, unsigned short totalWidth,
@@ -118,7 +118,7 @@ constexpr TTiming kDmtTimings[] = {
 };
 // clang-format on
 
-/// A standard timing is a DMT timing when its two bytes are these, the first in the upper half; in ascending order
+/// The two bytes of a standard timing that names a DMT timing, the first byte in the upper half; in ascending order
 /// [DMT 1.13, table 2-1].
 struct TStandardCode {
   unsigned short code;

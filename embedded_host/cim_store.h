@@ -14,7 +14,7 @@
 
 class TStoredClass;
 
-/// An instance. It takes only properties that its class declares, of the declared type, and refuses any other with a
+/// An instance. It accepts only properties that its class declares, of the declared type. For any other it throws a
 /// TZELTException that names class and property.
 class HOST_API TStoredInstance : public NQRXZELT20::ICIMInstance,
                                  public boost::enable_shared_from_this<TStoredInstance> {
@@ -32,7 +32,7 @@ class HOST_API TStoredInstance : public NQRXZELT20::ICIMInstance,
 
   const TClassDeclaration& GetDeclaration() const;
   const std::map<std::string, NQRXZELT20::TCIMValue>& GetProperties() const;
-  /// The class, a dot, and the keys that are set in ascending order of their names as Name="value" joined by commas.
+  /// The class, a dot, and the keys that are set as Name="value", sorted by name and joined by commas.
   const std::string& GetPathText() const;
 
  private:
@@ -42,7 +42,7 @@ class HOST_API TStoredInstance : public NQRXZELT20::ICIMInstance,
   boost::weak_ptr<TStoredClass> m_class;  // weak: the class holds its instances
   const TClassDeclaration& m_declaration;
   std::map<std::string, NQRXZELT20::TCIMValue> m_properties;
-  // What associations ask for again and again; empty until somebody asks.
+  // Kept since associations ask for them again and again; empty until the first time.
   mutable std::string m_path;
   std::string m_askedName;  // of the property that was asked for last
   boost::shared_ptr<NQRXZELT20::ICIMProperty> m_asked;
@@ -57,11 +57,11 @@ class HOST_API TStoredClass : public NQRXZELT20::ICIMClass, public boost::enable
   const std::string& GetName(NQRXZELT20::TCIMQueryContext context) override;
   boost::shared_ptr<NQRXZELT20::ICIMNamespace> GetNamespace(NQRXZELT20::TCIMQueryContext context) override;
   boost::shared_ptr<NQRXZELT20::ICIMInstance> CreateInstance(NQRXZELT20::TCIMQueryContext context) override;
-  /// In the order of their first commits, each path once.
+  /// Enumerates each path once, in the order of the first commits.
   void EnumerateInstances(boost::function<bool(boost::shared_ptr<NQRXZELT20::ICIMInstance>)> callback, bool flag,
                           NQRXZELT20::TCIMQueryContext context) override;
 
-  /// Holds the instance; it takes the place of one with the same object path.
+  /// Holds the instance; it replaces one with the same object path.
   void Hold(boost::shared_ptr<TStoredInstance> instance);
 
   const TClassDeclaration& GetDeclaration() const;
@@ -71,7 +71,7 @@ class HOST_API TStoredClass : public NQRXZELT20::ICIMClass, public boost::enable
   const std::string m_name;
   boost::weak_ptr<TCimStore> m_store;  // weak: the store holds its classes
   std::vector<boost::shared_ptr<TStoredInstance>> m_instances;
-  std::map<std::string, std::size_t> m_positions;  // in m_instances, by object path
+  std::map<std::string, std::size_t> m_positions;  // indexes in m_instances, by object path
 };
 
 /// The namespace. Make it with Create: its classes refer back to it.
@@ -84,7 +84,7 @@ class HOST_API TCimStore : public NQRXZELT20::ICIMNamespace, public boost::enabl
   boost::shared_ptr<NQRXZELT20::ICIMClass> GetClass(const std::string& className,
                                                     NQRXZELT20::TCIMQueryContext context) override;
 
-  /// Every instance committed since the last call of this, in commit order, those since replaced included.
+  /// Every instance committed since the last call, in commit order, even if it has been replaced.
   std::vector<boost::shared_ptr<TStoredInstance>> TakeCommits();
 
   void NoteCommit(boost::shared_ptr<TStoredInstance> instance);

@@ -53,7 +53,7 @@ struct TCIMValue::TContent {
   template <typename TData>
   TContent(TType contentType, TData&& content) : type(contentType), data(std::forward<TData>(content)) {}
 
-  /// Content and count of its owners in one block of memory: an answer has thousands of values.
+  /// Puts the content and the count of its owners into one block of memory, since an answer has thousands of values.
   template <typename TData>
   static boost::shared_ptr<const TContent> Make(TType type, TData&& data) {
     return boost::make_shared<const TContent>(type, std::forward<TData>(data));
@@ -91,7 +91,7 @@ TCIMValue::TCIMValue(TCIMType type, unsigned int count, const std::vector<TCIMVa
 bool TCIMValue::IsNull() const { return m_content == nullptr; }
 
 TCIMValue::operator std::string() const {
-  // First, since associations ask for the text of a string thousands of times.
+  // A string comes first, since associations ask for such texts thousands of times.
   const std::string* const text = IsNull() ? nullptr : std::get_if<std::string>(&m_content->data);
   if (text != nullptr) return *text;
   switch (IsArray() ? TType::kNull : GetType().GetCode()) {

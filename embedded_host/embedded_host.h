@@ -24,7 +24,7 @@ struct THostConfiguration {
   std::string systemName;
   std::string systemCreationClassName = "CIM_UnitaryComputerSystem";
   int systemType = 2;                    // the answer to GetRunningTypeOnXen
-  bool provider = true;                  // whether plug-ins are given a provider pointer
+  bool provider = true;                  // plug-ins are given a provider pointer
   std::shared_ptr<IMachineFiles> files;  // null: the machine has no files
 };
 
@@ -34,10 +34,10 @@ struct TFileQuery {
   bool exists;
 };
 
-/// Serves the static services from its construction to its destruction; one at a time in a process.
+/// Implements the static services from its construction to its destruction. A process may have only one at a time.
 class HOST_API TEmbeddedHost : private IHostServices {
  public:
-  /// `logListener` is called with each log message when it is written; it may be empty.
+  /// `logListener` is called for each log message as it is written; it may be empty.
   TEmbeddedHost(THostConfiguration configuration, std::function<void(const TLogEntry&)> logListener);
   ~TEmbeddedHost() override;
   TEmbeddedHost(const TEmbeddedHost&) = delete;
@@ -48,17 +48,17 @@ class HOST_API TEmbeddedHost : private IHostServices {
 
   const TLog& GetLog() const;
 
-  /// Every message so far, moved out since a log can be long; it is empty afterwards.
+  /// Moves out every message so far, since a log can be long. The log is empty afterwards.
   std::vector<TLogEntry> TakeLog();
 
   /// Every question for a file's existence so far, in order.
   const std::vector<TFileQuery>& GetFileQueries() const;
 
-  /// Throws again what looking for a file or reading it threw first, other than a TZELTException: the plug-in may have
-  /// caught it, and its answer then lacks something.
+  /// Throws again the first exception of looking for a file or reading it that was no TZELTException. The plug-in may
+  /// have caught it, and its answer is then incomplete.
   void RethrowFailure() const;
 
-  /// The plug-ins that registered since the last call of this, in that order. They live until PrepareForUnload.
+  /// The plug-ins that registered since the last call, in that order. They live until PrepareForUnload.
   std::vector<NQRXZELT20::IPluginCallbacks*> TakeRegistered();
 
  private:

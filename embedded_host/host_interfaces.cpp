@@ -1,4 +1,5 @@
-// The out-of-line parts of the host's interfaces: with them, type information and tables exist once, in this library.
+// The out-of-line parts of the host's interfaces, so that their type information and vtables exist only in this
+// library.
 #include "host/cim_objects.h"
 #include "host/exception.h"
 #include "host/logger.h"

@@ -1,4 +1,4 @@
-// What the host's static services call: a program that hosts the plug-in installs an implementation here.
+// The interface behind the host's static services. A program that hosts the plug-in installs an implementation.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -12,7 +12,7 @@ class ICIMNamespace;
 class ILogger;
 }  // namespace NQRXZELT20
 
-/// What TRootObject, TCIMSchemaHelper and TOSSpecific answer with. Any operation may throw TZELTException.
+/// Answers the calls of TRootObject, TCIMSchemaHelper and TOSSpecific. Any operation may throw TZELTException.
 class IHostServices {
  public:
   virtual ~IHostServices() = default;
@@ -26,6 +26,6 @@ class IHostServices {
   virtual int GetRunningTypeOnXen() = 0;
 };
 
-/// Makes `services` answer from now on; a null pointer takes the installed ones away. The caller owns them and keeps
-/// them alive while installed. Without any, every static service throws TZELTException.
+/// From now on, `services` answers; null removes the installed ones. The caller owns them and keeps them alive while
+/// they are installed. Without services, every static service throws TZELTException.
 HOST_API void InstallHostServices(IHostServices* services);

@@ -5,7 +5,7 @@
 
 namespace {
 
-/// The entry in the place of messages that were left out.
+/// The entry that replaces messages that were left out.
 TLogEntry MakeNote(std::size_t leftOut) {
   return {NQRXZELT20::ILogger::kWarning, std::to_string(leftOut) + " more log messages were left out"};
 }

@@ -1,4 +1,4 @@
-// The embedded host's log: keeps messages up to a limit, and hands each on as it comes.
+// The embedded host's log: keeps messages up to a limit, and passes each to a listener as it comes.
 #pragma once
 
 #include <cstddef>
@@ -20,22 +20,22 @@ HOST_API const char* GetSeverityName(NQRXZELT20::ILogger::EZELTLogSeverity sever
 
 class HOST_API TLog : public NQRXZELT20::ILogger {
  public:
-  /// How many messages are kept: a machine can be made to cause any number of them.
+  /// The most messages that are kept, since a machine can be made to cause any number of them.
   static constexpr std::size_t kMaxEntries = 1'000'000;
 
-  /// How far the log had come at some time.
+  /// A position in the log.
   struct TMark {
     std::size_t kept = 0;
     std::size_t leftOut = 0;
   };
 
-  /// `listener` is called with each message that is kept, when it is written, and once when the first one is left out;
-  /// it may be empty.
+  /// `listener` is called for each message that is kept, as it is written, and once when the first one is left out. It
+  /// may be empty.
   explicit TLog(std::function<void(const TLogEntry&)> listener = {}, std::size_t maxEntries = kMaxEntries);
 
   void Write(EZELTLogSeverity severity, const std::string& message) override;
 
-  /// Every message so far, in order. Past the limit, one more entry at the end says how many were left out.
+  /// Every message so far, in order. If there were more than the limit, a last entry says how many were left out.
   const std::vector<TLogEntry>& GetEntries() const;
 
   /// The same; the log is empty afterwards.
@@ -43,7 +43,7 @@ class HOST_API TLog : public NQRXZELT20::ILogger {
 
   TMark GetMark() const;
 
-  /// The messages since the mark, in order, with an entry for those among them that were left out.
+  /// The messages since the mark, in order; if any were left out, a last entry says how many.
   std::vector<TLogEntry> GetEntriesSince(const TMark& mark) const;
 
  private:

@@ -6,7 +6,7 @@
 
 namespace NQRXZELT20 {
 
-// The handle that plug-ins are given: they only look whether they have one.
+// The handle that plug-ins are given. They only check whether they have one.
 class TPluginManagerProvider {};
 
 TPluginManagerNamespace::TPluginManagerNamespace(TPluginManagerProvider* provider) : m_provider(provider) {}

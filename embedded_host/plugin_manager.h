@@ -11,13 +11,13 @@
 
 class TPluginManager : public NQRXZELT20::TPluginManagerNamespace {
  public:
-  /// `hasProvider`: whether plug-ins are given a provider pointer. Its classes are those of `store`.
+  /// `hasProvider`: whether plug-ins are given a provider pointer. `store`: has the classes of this namespace.
   TPluginManager(bool hasProvider, boost::shared_ptr<TCimStore> store);
 
   boost::shared_ptr<NQRXZELT20::ICIMClass> GetClass(const std::string& className,
                                                     NQRXZELT20::TCIMQueryContext context) override;
 
-  /// The plug-ins that registered since the last call of this, in that order.
+  /// The plug-ins that registered since the last call, in that order.
   std::vector<NQRXZELT20::IPluginCallbacks*> TakeRegistered();
 
  protected:

@@ -42,7 +42,7 @@ TProperties DeviceKeys() {
   };
 }
 
-// What a controller and its heads have in common: all of it comes from the X server's configuration.
+// The properties that a controller and its heads have in common, all of them from the X server's configuration.
 TProperties VideoProperties() {
   return {
       Scalar("Name", TType::kString, "The board's name, or the Device section's identifier where it gives none."),
@@ -85,7 +85,7 @@ TProperties MonitorProperties() {
 }  // namespace
 
 const TPropertyDeclaration* TClassDeclaration::Find(const std::string& propertyName) const {
-  // Most names differ in their first letter, so that no more is compared.
+  // Compare the first letter first, since most names already differ there.
   const auto isNamed = [&](const TPropertyDeclaration& property) {
     return property.name[0] == propertyName[0] && propertyName == property.name;
   };

@@ -16,7 +16,7 @@ constexpr const char* kDesktopMonitorClass = "QRXSG_DesktopMonitor";
 constexpr const char* kMonitorResolutionClass = "QRXSG_MonitorResolution";
 constexpr const char* kMonitorSettingClass = "QRXSG_MonitorSetting";
 
-/// The part of the machine that a class belongs to: what comes from the X server's configuration, or from EDIDs.
+/// Where a class comes from: the X server's configuration, or EDIDs.
 enum class EPart { kVideo, kMonitors };
 
 /// What an instance describes. Only an association has references.
@@ -25,16 +25,16 @@ enum class EKind { kDevice, kMode, kAssociation };
 /// One property of a class.
 struct TPropertyDeclaration {
   const char* name;
-  NQRXZELT20::TCIMValue::TCIMType::ECIMType type;  // of the elements, for an array
+  NQRXZELT20::TCIMValue::TCIMType::ECIMType type;  // for an array: of its elements
   bool isArray;
   bool isKey;
-  const char* unit;  // of a number; empty where there is none
+  const char* unit;  // empty if it has none
   const char* meaning;
   const char* target;  // the class that a reference refers to; empty for other types
 };
 
-/// One class. Its keys come first, in ascending order of their names as an object path has them; the other properties
-/// in the order in which people read them.
+/// One class. Its keys come first, sorted by name as in an object path. The other properties are in the order in which
+/// people read them.
 struct HOST_API TClassDeclaration {
   const char* name;
   EPart part;

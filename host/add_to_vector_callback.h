@@ -8,11 +8,12 @@
 
 namespace NQRXZELT20 {
 
-// The host declares it on std::unary_function, which C++11 deprecated and the C++ library still offers.
+// The host derives it from std::unary_function, which C++11 deprecated and the C++ library still offers.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-/// Appends each argument to a vector that the caller owns and keeps alive, and returns true, to go on.
+/// Appends each argument to a vector, which the caller owns and keeps alive. Returns true, so that the enumeration goes
+/// on.
 template <typename T>
 class TAddToVectorCallback : public std::unary_function<boost::shared_ptr<T>, bool> {
  public:

@@ -1,7 +1,7 @@
 // The host's CIM value types: dates, object paths and the value a property holds.
 //
-// Declared here, implemented by the host's core library. All of them are values: they are copied freely, and a copy
-// never changes when the original does.
+// They are declared here and implemented by the host's core library. All of them are values: they are copied freely,
+// and a copy does not change when the original does.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -39,7 +39,7 @@ class HOST_API TCIMReference {
   /// `path`: the object path as text, in the host's canonical form.
   explicit TCIMReference(const std::string& path);
 
-  /// True when both paths name the same instance.
+  /// True if both paths name the same instance.
   bool operator==(const TCIMReference& other) const;
 
   const std::string& GetText() const;
@@ -76,7 +76,7 @@ class HOST_API TCIMValue {
   /// A null value.
   TCIMValue();
 
-  // Each of these is a plain conversion, so that a property can be given as the C++ value it comes from.
+  // These are implicit conversions, so that a property can be given as a C++ value.
   // NOLINTBEGIN(google-explicit-constructor)
   TCIMValue(bool value);
   TCIMValue(unsigned char value);
@@ -89,8 +89,8 @@ class HOST_API TCIMValue {
   TCIMValue(TCIMReference& value);
   // NOLINTEND(google-explicit-constructor)
 
-  /// An array of `count` elements of one type, in order. Throws TZELTException when `count` is not the size of
-  /// `elements` or an element is of another type.
+  /// An array of `count` elements of one type, in order. Throws TZELTException if `count` is not the size of
+  /// `elements`, or if an element has another type.
   TCIMValue(TCIMType type, unsigned int count, const std::vector<TCIMValue>& elements);
 
   /// True for a null value. An array without elements is not null.
@@ -104,7 +104,7 @@ class HOST_API TCIMValue {
   TCIMType GetType() const;
   bool IsArray() const;
 
-  // The content. Each throws TZELTException when the value is of another kind.
+  // The content. Each function throws TZELTException if the value is of another kind.
   bool GetBoolean() const;
   /// The value of any of the three unsigned integer types.
   unsigned int GetUnsigned() const;
@@ -118,7 +118,7 @@ class HOST_API TCIMValue {
   boost::shared_ptr<const TContent> m_content;  // shared and never changed: copying a value copies the pointer
 };
 
-/// What every CIM operation takes as its last argument: settings for the query by name, normally none.
+/// The last argument of every CIM operation: settings for the query by name, normally none.
 typedef std::map<std::string, TCIMValue> TCIMQueryContext;
 
 }  // namespace NQRXZELT20

@@ -13,7 +13,7 @@ class HOST_API ILogger {
 
   virtual ~ILogger();
 
-  /// Records one message. Prefixes, time stamps and line ends are the host's to add.
+  /// Records one message. The host adds prefixes, time stamps and line ends.
   virtual void Write(EZELTLogSeverity severity, const std::string& message) = 0;
 };
 

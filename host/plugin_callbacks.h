@@ -32,18 +32,18 @@ class HOST_API IPluginCallbacks {
   virtual void PrepareForUnload() = 0;
   /// The first call after registration.
   virtual void Init() = 0;
-  /// The call by which the host stops using the plug-in.
+  /// The host stops using the plug-in.
   virtual void DeInit() = 0;
 
  protected:
-  /// The provider that the host gave this plug-in, or null when it gave none. See m_provider.
+  /// The provider that the host gave this plug-in, or null if it gave none. See m_provider.
   TPluginManagerProvider* GetProvider() const { return m_provider; }
 
  private:
   friend class TPluginManagerNamespace;
 
-  /// Only the host writes this pointer, when it registers the plug-in, and the plug-in can only read it. A host without
-  /// a provider leaves it null.
+  /// Only the host writes this pointer, when the plug-in registers; the plug-in can only read it. A host without a
+  /// provider leaves it null.
   TPluginManagerProvider* m_provider = nullptr;
 };
 

@@ -11,11 +11,11 @@ class IPluginCallbacks;
 /// An opaque handle that a host may give a plug-in at registration. A plug-in only stores it and passes it on.
 class TPluginManagerProvider;
 
-/// The namespace that TRootObject::GetPluginManager answers with has this dynamic type.
+/// The dynamic type of the namespace that TRootObject::GetPluginManager returns.
 class HOST_API TPluginManagerNamespace : public ICIMNamespace {
  public:
   /// Makes the plug-in known to the host. The object must stay alive until the host calls its PrepareForUnload. Throws
-  /// TZELTException when the host refuses it.
+  /// TZELTException if the host refuses it.
   void RegisterPlugin(IPluginCallbacks* plugin);
 
  protected:

@@ -29,7 +29,7 @@ class HOST_API TCIMSchemaHelper {
   /// The value of the key property "SystemCreationClassName" for instances in that namespace.
   static std::string GetSystemCreationClassName(boost::shared_ptr<ICIMNamespace> ns);
 
-  /// The key and the value of the query context by which a look-up asks for the plug-ins' own namespace.
+  /// The key and the value of the query context that makes a look-up use the plug-ins' own namespace.
   static const char* const kContextName;
   static const char* const kPluginNSPName;
 };
@@ -41,7 +41,7 @@ class HOST_API TOSSpecific {
   /// The file's whole content.
   static std::string CaptureFile(std::string path);
 
-  /// A code for the kind of system the process runs on. 2: the video BIOS may be called.
+  /// A code for the kind of system that the process runs on. 2: the video BIOS may be called.
   static int GetRunningTypeOnXen();
 };
 

@@ -84,7 +84,7 @@ int TDisplayInfoCallbacks::RetrieveDataForClass(TDisplay* collector) {
   try {
     instances = collector->GetCIMInstances();
   } catch (...) {
-    // Whatever it is: an exception that reached the host would end it. One text and one severity for every kind, so
+    // Catch everything: an exception that reached the host would end it. One text and one severity for every kind, so
     // that a search of the log finds them all.
     Log(ILogger::kStatus, "DisplayInfo plugin threw unknown exception");
   }

@@ -1,4 +1,4 @@
-// What happens when the library is loaded: one callback object is made, and registers itself.
+// Makes one callback object when the library is loaded, which registers itself.
 #include "plugin/display_info_callbacks.h"
 
 int NQRXZELT20::gStarted = 0;

@@ -1,4 +1,4 @@
-// Which video BIOS the LRMI calls work on: chosen by the program that loads their caller.
+// Lets the program that loads the caller of the LRMI calls choose the video BIOS beneath them.
 #pragma once
 
 #include <memory>

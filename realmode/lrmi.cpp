@@ -12,7 +12,7 @@
 
 namespace {
 
-/// What LRMI_init opens and LRMI_deInit closes: a BIOS that was started, and the memory it works on.
+/// What LRMI_init opens and LRMI_deInit closes: a started BIOS and its memory.
 struct TSession {
   std::shared_ptr<IVideoBios> bios;
   TRealModeMemory memory;

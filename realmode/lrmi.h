@@ -1,8 +1,8 @@
 /* The LRMI calls: the Linux Real-Mode Interface, by which a 32-bit process calls BIOS interrupts.
  *
  * The names, the results and the layout of the register record are lrmi's, so that a deployment may put another library
- * with the same calls in place of liblrmi.so. This one works on the machine's own video BIOS, or on one that the
- * program which loads the caller has chosen (realmode/choose_bios.h).
+ * with the same calls in place of liblrmi.so. This one works on the machine's own video BIOS, or on one chosen by the
+ * program that loads the caller (realmode/choose_bios.h).
  *
  * Call order: LRMI_init, then any number of the other calls, then LRMI_deInit; any number of such rounds in one
  * process. The calls are not guarded: one thread at a time. */
@@ -35,7 +35,7 @@ struct LRMI_regs {
   unsigned short ss;
 };
 
-/* Sets real mode up. 1: ready; 0: there is no BIOS that can be called. A second call before LRMI_deInit changes
+/* Sets up real mode. 1: ready; 0: there is no BIOS that can be called. A second call before LRMI_deInit changes
  * nothing. */
 REALMODE_API int LRMI_init(void);
 
@@ -47,11 +47,11 @@ REALMODE_API void* LRMI_alloc_real(int size);
 /* Releases such a buffer. A null pointer, and a buffer that was released before, are ignored. */
 REALMODE_API void LRMI_free_real(void* buffer);
 
-/* Calls a BIOS interrupt with these registers and stores what they hold afterwards. 1: it returned; 0: it did not, or
+/* Calls a BIOS interrupt with these registers, and stores their values afterwards. 1: it returned; 0: it did not, or
  * the registers are a null pointer. */
 REALMODE_API int LRMI_int(int interrupt, struct LRMI_regs* registers);
 
-/* Ends real mode and releases all it took. Without a preceding LRMI_init it does nothing. */
+/* Ends real mode and releases everything that it took. Without a preceding LRMI_init it does nothing. */
 REALMODE_API void LRMI_deInit(void);
 
 #ifdef __cplusplus

@@ -12,12 +12,12 @@
 namespace {
 
 constexpr int kFullPrivilege = 3;
-/// Whether that error says what the device is. No other says anything of it, such as that no descriptor is left.
+/// True if the error tells something about the device. Others, such as that no descriptor is left, do not.
 bool IsOfTheDevice(int error) {
   return error == ENOENT || error == ENXIO || error == ENODEV || error == EPERM || error == EACCES;
 }
 
-/// What helps against that error. Root is not told to become root.
+/// What helps against the error. Does not tell root to become root.
 std::string GetCure(int error) {
   if (error == ENOENT) return "this system has no such device, as in a container; run outside of it";
   if (error == ENXIO || error == ENODEV) return "this kernel was built without it";
@@ -45,7 +45,7 @@ std::string TThisPhysicalMachine::Open() {
     if (!IsOfTheDevice(error)) throw std::runtime_error(failure);
     return failure;
   }
-  // Without it, the first IN or OUT of the BIOS would end the process.
+  // Without the privilege, the first IN or OUT of the BIOS would end the process.
   if (m_raisePrivilege(kFullPrivilege) != 0) {
     const int error = errno;
     Close();

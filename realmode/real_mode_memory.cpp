@@ -6,13 +6,13 @@
 
 namespace {
 
-constexpr std::size_t kParagraph = 16;  // bytes: what a segment counts in
+constexpr std::size_t kParagraph = 16;  // bytes: the unit of a segment
 
 /// An anonymous mapping at that address, or wherever there is room.
 void* Map(void* wanted, std::size_t size) {
   void* const mapped = mmap(wanted, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped != MAP_FAILED) return mapped;
-  // As operator new does, so that a program that counts on the new-handler learns of it here too.
+  // Calls the new-handler, as operator new does, for a program that relies on it.
   if (const std::new_handler handler = std::get_new_handler()) handler();
   throw std::bad_alloc();
 }
@@ -26,10 +26,10 @@ void* CutOutAligned(std::size_t size) {
   return begin + before;
 }
 
-/// A mapping of `size` bytes at a multiple of `size`. Mapped rather than allocated: only the pages that a session
-/// touches take memory.
+/// A mapping of `size` bytes at a multiple of `size`. It is mapped rather than allocated, so that only pages that a
+/// session touches take memory.
 void* MapAligned(std::size_t size) {
-  // Where the last one was there is nearly always room again, which takes one system call instead of three.
+  // There is nearly always room where the last one was. Mapping there takes one system call instead of three.
   static void* last = nullptr;
   if (last != nullptr) {
     void* const mapped = Map(last, size);

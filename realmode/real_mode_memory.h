@@ -1,8 +1,8 @@
 // The first megabyte as a real-mode session sees it: a private image, with a pool of buffers in it.
 //
-// The image begins at an address that is a multiple of 1 MiB. The low 20 bits of a pointer into it are therefore its
-// real-mode address, and the low 16 bits of that pointer divided by 16 are the segment a BIOS is given: nothing has to
-// be mapped at a low address of the process.
+// The image begins at an address that is a multiple of 1 MiB. So the low 20 bits of a pointer into it are its real-mode
+// address, and the low 16 bits of that pointer divided by 16 are the segment for a BIOS. Nothing must be mapped at a
+// low address of the process.
 #pragma once
 
 #include <cstddef>
@@ -14,22 +14,22 @@
 
 class REALMODE_API TRealModeMemory {
  public:
-  static constexpr std::size_t kSize = 0x100000;  // bytes: what 20 address lines reach
+  static constexpr std::size_t kSize = 0x100000;  // bytes: the range of 20 address lines
 
-  // Where a BIOS's pool lies: in conventional memory, away from the interrupt vectors and the BIOS.
+  // The pool for a BIOS lies in conventional memory, away from the interrupt vectors and the BIOS.
   static constexpr std::uint32_t kPoolBegin = 0x10000;
   static constexpr std::uint32_t kPoolEnd = 0x20000;
 
-  /// An image of zeros without any room for buffers. Throws std::bad_alloc.
+  /// Makes an image of zeros without room for buffers. Throws std::bad_alloc.
   TRealModeMemory();
 
-  /// Lays the pool of buffers over [begin, end), real-mode addresses that are multiples of 16.
+  /// Sets the pool of buffers to [begin, end), real-mode addresses that are multiples of 16.
   void GrantPool(std::uint32_t begin, std::uint32_t end);
 
-  /// A buffer of `size` bytes, aligned to 16, that stays the pool's own; null when there is no room or size is 0.
+  /// A buffer of `size` bytes, aligned to 16, which the pool owns; null if there is no room or `size` is 0.
   void* Allocate(std::size_t size);
 
-  /// Gives a buffer back. Anything but an allocated buffer of this pool, a null pointer included, is ignored.
+  /// Releases a buffer. Ignores null and everything else that is no allocated buffer of this pool.
   void Release(void* buffer);
 
   /// The byte at that real-mode address, which must be below kSize.

@@ -11,7 +11,7 @@
 #include "realmode/real_mode_memory.h"
 #include "realmode/shared_library.h"
 
-/// libx86emu, and what is called of it.
+/// libx86emu, and the functions of it that are called.
 struct TEmulatorLibrary {
   explicit TEmulatorLibrary(const char* file) : library(file) {}
 
@@ -34,7 +34,7 @@ struct TEmulatorLibrary {
 
 namespace {
 
-// The first megabyte as a BIOS knows it.
+// The layout of the first megabyte.
 constexpr std::uint32_t kPageSize = 0x1000;
 constexpr std::uint32_t kVideoBios = 0xC0000;
 constexpr std::uint32_t kSystemBios = 0xF0000;
@@ -46,14 +46,14 @@ constexpr std::uint32_t kSizeOffset = 2;
 constexpr std::uint32_t kSizeUnit = 512;
 static_assert(kVideoBios + 0xFF * kSizeUnit <= kSystemBios, "the largest video BIOS ends before the system BIOS");
 
-// What a session lays out in the conventional memory between them, after the pool of buffers.
+// What a session puts into the conventional memory between them, after the pool of buffers.
 constexpr std::uint16_t kStackSegment = 0x2000;
 constexpr std::uint16_t kStackTop = 0xFFF0;
 constexpr std::uint16_t kReturnSegment = 0x3000;  // where the interrupt returns to, offset 0
 
 typedef std::chrono::steady_clock TClock;
 
-/// One interrupt under way.
+/// A running interrupt.
 struct TRun {
   const TEmulatorLibrary* library;
   IPhysicalMachine* machine;
@@ -66,18 +66,18 @@ struct TRun {
 
 TRun& GetRun(x86emu_t* emulator) { return *static_cast<TRun*>(emulator->_private); }
 
-// Reading the clock takes longer than an emulated access: read it only now and then.
+// Reading the clock takes longer than an emulated access, so it is read only once for so many.
 constexpr unsigned int kAccessesPerLook = 4096;
 
 void CheckTime(TRun& run) {
   if (++run.accesses % kAccessesPerLook == 0 && TClock::now() > run.deadline) {
-    // Out of the emulator at once: if it were asked to stop, it would first finish a string instruction of 4 G
-    // repetitions. There is nothing to unwind between here and the setjmp.
+    // Leave the emulator at once: if it were asked to stop, it would first finish a string instruction of up to 4 G
+    // repetitions. Nothing between here and the setjmp needs unwinding.
     std::longjmp(run.timeUp, 1);
   }
 }
 
-/// Memory beyond the image does not exist: reads give ones, writes are lost.
+/// Beyond the image there is no memory: all bits read as 1, and writes are lost.
 std::uint8_t ReadByte(const TRun& run, std::uint32_t address) {
   return address < TRealModeMemory::kSize ? *run.memory->At(address) : std::uint8_t{0xFF};
 }
@@ -120,7 +120,7 @@ unsigned int Access(x86emu_t* emulator, std::uint32_t address, std::uint32_t* va
 
 constexpr std::uint8_t kOperandSizePrefix = 0x66;
 constexpr std::uint8_t kPrefixes[] = {0x26, 0x2E, 0x36, 0x3E, 0x64, 0x65, kOperandSizePrefix, 0x67, 0xF0, 0xF2, 0xF3};
-constexpr std::uint32_t kLongestInstruction = 15;  // bytes, prefixes included
+constexpr std::uint32_t kLongestInstruction = 15;  // bytes, including prefixes
 
 constexpr std::uint8_t kAdjustAfterMultiply = 0xD4;  // AAM: divides AL by the byte that follows
 constexpr std::uint8_t kUnaryGroup = 0xF7;           // its operations are told apart by bits 3 to 5 of the next byte
@@ -138,7 +138,7 @@ std::uint8_t PeekCode(const x86emu_t* emulator, const TRun& run, std::uint32_t i
   return ReadByte(run, emulator->x86.R_CS_BASE + (Is32BitCode(emulator) ? offset : offset & 0xFFFF));
 }
 
-/// True when the registers hold the smallest dividend, whose quotient no divisor brings into range.
+/// True if the registers hold the smallest dividend, whose quotient is out of range for every divisor.
 bool IsSmallestDividend(const x86emu_t* emulator, bool is32Bit) {
   return is32Bit ? emulator->x86.R_EDX == 0x80000000U && emulator->x86.R_EAX == 0
                  : emulator->x86.R_DX == 0x8000 && emulator->x86.R_AX == 0;
@@ -148,8 +148,7 @@ bool IsSmallestDividend(const x86emu_t* emulator, bool is32Bit) {
 /// - one of more than 15 bytes, all prefixes: the emulator writes each prefix into a buffer whose end it does not
 /// check;
 /// - AAM by 0, and IDIV of the smallest dividend: the emulator lets this processor divide, which ends in SIGFPE.
-/// Stopping the run is right: a processor does not execute them either but raises an exception, so no BIOS that works
-/// gets to one.
+/// Stopping the run is right: a real processor would raise an exception, so no working BIOS has such an instruction.
 bool IsFatalInstruction(const x86emu_t* emulator, const TRun& run) {
   bool is32Bit = Is32BitCode(emulator);
   std::uint32_t index = 0;
@@ -164,7 +163,7 @@ bool IsFatalInstruction(const x86emu_t* emulator, const TRun& run) {
   return code == kUnaryGroup && (next >> 3 & 7) == kSignedDivision && IsSmallestDividend(emulator, is32Bit);
 }
 
-/// Called before each instruction: ends the run when the interrupt has come back or cannot go on.
+/// Called before each instruction: ends the run if the interrupt has returned or cannot go on.
 int CheckInstruction(x86emu_t* emulator) {
   TRun& run = GetRun(emulator);
   run.hasReturned = emulator->x86.R_CS == kReturnSegment && emulator->x86.R_EIP == 0;
@@ -213,7 +212,7 @@ void WriteWord(TRealModeMemory& memory, std::uint32_t address, std::uint16_t val
   *memory.At(address + 1) = static_cast<std::uint8_t>(value >> 8);
 }
 
-/// Goes to the handler's first instruction, as INT does: the way back is on the stack.
+/// Goes to the handler's first instruction, as INT does, with the return address on the stack.
 void EnterInterrupt(x86emu_t* emulator, TRealModeMemory& memory, int number, unsigned short flags) {
   constexpr std::uint16_t frame = kStackTop - 6;
   constexpr std::uint32_t stack = kStackSegment * 16U + frame;
@@ -241,7 +240,7 @@ EEnd RunToEnd(x86emu_t* emulator, TRun& run) {
 /// The size in bytes that the video BIOS in the image states.
 std::uint32_t GetVideoBiosSize(TRealModeMemory& memory) { return *memory.At(kVideoBios + kSizeOffset) * kSizeUnit; }
 
-/// Copies the video BIOS. False when there is none.
+/// Copies the video BIOS. False if there is none.
 bool CopyVideoBios(IPhysicalMachine& machine, TRealModeMemory& memory) {
   std::uint8_t* const image = memory.At(kVideoBios);
   if (!machine.Read(kVideoBios, image, kSizeUnit)) return false;
@@ -249,7 +248,8 @@ bool CopyVideoBios(IPhysicalMachine& machine, TRealModeMemory& memory) {
   return machine.Read(kVideoBios, image, GetVideoBiosSize(memory));
 }
 
-/// True when the vector leads into a BIOS. The rest of the memory is zeros, which would run until the time is up.
+/// True if the interrupt's vector points into a BIOS. The rest of the memory is zeros, which would run until the time
+/// is up.
 bool HasHandler(TRealModeMemory& memory, int number) {
   if (number < 0 || number > 0xFF) return false;
   const std::uint32_t vector = static_cast<std::uint32_t>(number) * 4;
@@ -317,13 +317,13 @@ bool TRealVideoBios::Interrupt(int number, LRMI_regs& registers, TRealModeMemory
 
 void TRealVideoBios::Stop() { m_machine->Close(); }
 
-/// False when the library is missing, or is another.
+/// False if the library is missing or is a different one.
 bool TRealVideoBios::LoadEmulator() {
   if (m_library == nullptr) m_library = std::make_unique<TEmulatorLibrary>(m_emulator.c_str());
   return m_library->IsComplete();
 }
 
-/// The interrupt, or all of them together, took too long.
+/// Fails because the interrupt, or all of them together, took too long.
 bool TRealVideoBios::FailLate() {
   if (m_spent < m_budget.all) {
     return Fail("the video BIOS did not return within " + std::to_string(m_budget.interrupt.count()) + " ms");

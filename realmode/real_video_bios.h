@@ -4,8 +4,7 @@
 // Nothing is ever written back to physical memory; port I/O reaches the hardware, since only the graphics card can talk
 // to the monitor.
 //
-// libx86emu is loaded by the first start. Programs that start no real BIOS, as those that look at a captured machine,
-// then do not wait for it.
+// libx86emu is loaded by the first start, so that programs that start no real BIOS do not wait for it.
 #pragma once
 
 #include <chrono>
@@ -18,7 +17,7 @@
 class IPhysicalMachine;
 struct TEmulatorLibrary;
 
-/// How long a BIOS may take: for one interrupt, and for all of them together, since it has many units and each may take
+/// How long a BIOS may take for one interrupt, and for all of them together, since each of its many units may take
 /// long.
 struct TBiosBudget {
   std::chrono::milliseconds interrupt{5000};
@@ -30,8 +29,8 @@ class REALMODE_API TRealVideoBios : public IVideoBios {
   /// This machine's BIOS.
   TRealVideoBios();
 
-  /// The BIOS of that machine. An interrupt that takes longer than the budget is given up; once all of them have taken
-  /// theirs, each fails at once, in later sessions too. `emulator`: the file name of libx86emu.
+  /// The BIOS of `machine`. An interrupt that takes longer than the budget fails. Once the time for all of them is used
+  /// up, each fails at once, in later sessions too. `emulator`: the file name of libx86emu.
   explicit TRealVideoBios(std::unique_ptr<IPhysicalMachine> machine, TBiosBudget budget = {},
                           std::string emulator = "libx86emu.so.3");
   ~TRealVideoBios() override;
@@ -40,8 +39,8 @@ class REALMODE_API TRealVideoBios : public IVideoBios {
   bool Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) override;
   void Stop() override;
 
-  /// Why the last Start or Interrupt that returned false did so, in one sentence that names the cure where there is
-  /// one; empty while none did.
+  /// Why the last Start or Interrupt that failed returned false, in one sentence, with the cure if there is one. Empty
+  /// if none has failed.
   const std::string& GetFailure() const { return m_failure; }
 
  private:
@@ -52,7 +51,7 @@ class REALMODE_API TRealVideoBios : public IVideoBios {
   std::unique_ptr<IPhysicalMachine> m_machine;
   TBiosBudget m_budget;
   const std::string m_emulator;
-  std::unique_ptr<TEmulatorLibrary> m_library;    // once it was needed
+  std::unique_ptr<TEmulatorLibrary> m_library;    // null until it is needed
   std::chrono::steady_clock::duration m_spent{};  // in all interrupts so far
   std::string m_failure;
 };

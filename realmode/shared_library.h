@@ -1,4 +1,4 @@
-// A shared library that the command can do without, loaded when it is first needed.
+// Loads a shared library that need not be installed, when it is first needed.
 #pragma once
 
 #include <dlfcn.h>
@@ -15,13 +15,13 @@ class TSharedLibrary {
     if (m_library == nullptr) m_failure = dlerror();
   }
 
-  /// What keeps a library that exists from being loaded, such as "libpci.so.3: cannot open shared object file: Too many
-  /// open files"; empty when it is loaded, or missing.
+  /// Why an existing library could not be loaded, such as "libpci.so.3: cannot open shared object file: Too many open
+  /// files". Empty if it was loaded or is missing.
   std::string GetFailure() const {
     return m_failure.find(std::strerror(ENOENT)) == std::string::npos ? m_failure : std::string();
   }
 
-  /// The function of that name, or null when it or the library is missing. It lives as long as this object.
+  /// The function of that name; null if it or the library is missing. It is valid as long as this object lives.
   template <typename TFunction>
   TFunction* Find(const char* name) const {
     return m_library == nullptr ? nullptr : reinterpret_cast<TFunction*>(dlsym(m_library.get(), name));

@@ -1,4 +1,4 @@
-// What the LRMI calls work on: a video BIOS.
+// The interface of a video BIOS, on which the LRMI calls work.
 #pragma once
 
 #include "realmode/lrmi.h"
@@ -9,11 +9,10 @@ class IVideoBios {
  public:
   virtual ~IVideoBios() = default;
 
-  /// Prepares one session and grants the buffers their room in `memory`. False when there is no BIOS that can be
-  /// called.
+  /// Prepares a session and sets the pool of buffers in `memory`. False if there is no BIOS that can be called.
   virtual bool Start(TRealModeMemory& memory) = 0;
 
-  /// Runs one interrupt on that memory. False when it did not return; `registers` are then unchanged.
+  /// Runs one interrupt on that memory. False if it did not return; `registers` are then unchanged.
   virtual bool Interrupt(int number, LRMI_regs& registers, TRealModeMemory& memory) = 0;
 
   /// Releases what Start took. Not called after a Start that returned false.

@@ -1,4 +1,4 @@
-// A video BIOS that exists only in memory: it hands out given EDIDs, with given faults.
+// A video BIOS that exists only in memory: it hands out the EDIDs, and has the faults, that it is given.
 #pragma once
 
 #include <cstdint>
@@ -23,9 +23,9 @@ struct TVirtualBiosConfiguration {
 };
 
 /// Answers function 0x4F15, sub-function 1, of interrupt 0x10 (VESA VBE/DDC): the block DX of the EDID of unit ECX goes
-/// to ES:DI, with AX = 0x004F. A block that does not exist, and any other function, answers AX = 0x014F. A real BIOS
-/// reads only CX. Here a unit is all 32 bits, so that a caller who counts units past 65,535 does not come back to unit
-/// 0 and go on for ever.
+/// to ES:DI, with AX = 0x004F. For a block that does not exist, and for any other function, AX is 0x014F. A real BIOS
+/// reads only CX. Here a unit has all 32 bits, so that a caller who counts units past 65,535 does not begin again at
+/// unit 0 and never end.
 class REALMODE_API TVirtualVideoBios : public IVideoBios {
  public:
   explicit TVirtualVideoBios(TVirtualBiosConfiguration configuration);

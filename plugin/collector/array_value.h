@@ -1,4 +1,4 @@
-// Array values from lists.
+// Makes array values from lists.
 #pragma once
 
 #include <vector>

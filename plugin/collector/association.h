@@ -1,4 +1,4 @@
-// What the two association passes have in common: going through the instances that the host holds.
+// Functions that both association passes use to go through the instances that the host holds.
 #pragma once
 
 #include <boost/shared_ptr.hpp>

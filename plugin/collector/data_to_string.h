@@ -1,4 +1,4 @@
-// Text from values.
+// Converts values to text.
 #pragma once
 
 #include <sstream>

@@ -19,7 +19,7 @@ class TPluginManagerProvider;
 
 class TDisplay {
  public:
-  /// Neither class nor provider.
+  /// A collector with neither class nor provider.
   TDisplay();
 
   /// A collector for that class, without a provider: its log functions stay silent. Only the raw pointer is kept, so
@@ -46,16 +46,16 @@ class TDisplay {
 
   NQRXZELT20::TPluginManagerProvider* GetInfoHandle();
 
-  /// Makes an instance of the collector's class with every entry of `properties`, in the map's order, and commits it
-  /// when `className` is the collector's own. The pointer is good as long as the host holds the instance. A
-  /// TZELTException of the host passes through; the instance is then not committed.
+  /// Makes an instance of the collector's class with every entry of `properties`, in the map's order, and commits it if
+  /// `className` is the collector's own. The pointer is valid as long as the host holds the instance. A TZELTException
+  /// of the host passes through; the instance is then not committed.
   NQRXZELT20::ICIMInstance* GenerateCIMInstance(PropertyMap properties, std::string className);
 
-  /// True when the host holds an instance of the same class with an equal object path; a committed instance finds
-  /// itself. A TZELTException of the host passes through.
+  /// True if the host holds an instance of the same class with an equal object path; a committed instance finds itself.
+  /// A TZELTException of the host passes through.
   bool IsDuplicateInstance(NQRXZELT20::ICIMInstance* instance);
 
-  /// Writes to the host's log when the collector has a provider and the message is not empty; else does nothing.
+  /// Writes to the host's log if the collector has a provider and the message is not empty; otherwise does nothing.
   void Write(const std::string& message, NQRXZELT20::ILogger::EZELTLogSeverity severity) const;
   void WriteError(const std::string& message) const;
   void WriteWarning(const std::string& message) const;

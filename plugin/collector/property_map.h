@@ -1,4 +1,4 @@
-// The properties of one future CIM instance, and the one rule by which they enter.
+// The properties of one future CIM instance, and the one rule for inserting them.
 #pragma once
 
 #include <map>

@@ -7,6 +7,6 @@ namespace NQRXZELT20 {
 class ICIMClass;
 }
 
-/// Inserts "SystemCreationClassName" and "SystemName" as the host gives them for the namespace of that class. Where it
-/// throws TZELTException they are empty; anything else passes through.
+/// Inserts "SystemCreationClassName" and "SystemName" as the host gives them for the namespace of that class. If the
+/// host throws TZELTException they are empty; any other exception passes through.
 void InsertSystemKeys(PropertyMap* properties, NQRXZELT20::ICIMClass& cimClass);

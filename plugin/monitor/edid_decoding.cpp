@@ -1,5 +1,5 @@
-// Decoding an EDID into the properties of the monitor in hand: what is decoded in which order, and what is logged.
-// What the bytes mean, that of gamma for example, is in edid_properties.
+// Decodes an EDID into the properties of the current monitor: decides what is decoded in which order, and logs. What
+// the bytes mean, such as that of gamma, is in edid_properties.
 #include <algorithm>
 #include <cstdio>
 
@@ -20,7 +20,8 @@ int TMonitorInfo::ParseMonitorEdid(unsigned char* edid, unsigned int length) {
   if (CheckEdidHeader(edid, length) != 0) return 1;
   Insert(DecodeBaseBlock(edid));
 
-  // Each look at a slot is a line in the log, so each text has its own walk through the slots, and the limits theirs.
+  // Each look at a slot writes a line to the log, so each text walks through the slots separately, and so do the
+  // limits.
   const std::string name = FindText(edid, edid::kTagName);
   InsertText("Name", name);
   InsertText("Description", name);

@@ -4,7 +4,7 @@
 
 namespace {
 
-// By byte, then by bit from the lowest: the order in which they are declared.
+// By byte, then by bit from the lowest: the order in which an EDID declares them.
 constexpr TMode kEstablished[edid::kEstablishedTimingsSize][8] = {
     {{800, 600, 60},
      {800, 600, 56},

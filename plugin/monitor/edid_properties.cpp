@@ -49,7 +49,7 @@ TCIMValue ToBandwidth(const unsigned char* byte) {
   return *byte == edid::kNoBandwidth ? TCIMValue() : TCIMValue(*byte * 10U);  // MHz
 }
 
-/// A property, where its bytes begin, and what makes a value of them.
+/// A property, the offset of its bytes, and the function that makes a value of them.
 struct TRow {
   const char* property;
   std::size_t offset;
@@ -100,7 +100,7 @@ TCIMDateTime DecodeManufacturingDate(unsigned char week, unsigned short year) {
   std::tm newYear = {};
   newYear.tm_year = year - 1900;
   newYear.tm_mday = 1;
-  newYear.tm_hour = 6;  // at midnight, the hour that daylight saving takes or gives would move the date
+  newYear.tm_hour = 6;  // not midnight, since the hour of daylight saving would then move the date
   newYear.tm_isdst = -1;
   const std::time_t start = std::mktime(&newYear);
   if (start == -1) return TCIMDateTime();

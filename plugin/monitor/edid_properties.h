@@ -1,8 +1,9 @@
-// What an EDID says, as values for the properties of a desktop monitor: bytes in, values out. Nothing here logs or
-// keeps anything; TMonitorInfo decides what is decoded, in which order, and logs.
+// Decodes an EDID into values for the properties of a desktop monitor: bytes in, values out. Nothing here logs or keeps
+// anything; TMonitorInfo decides what is decoded, in which order, and logs.
 //
-// A pointer to an EDID leads to a buffer of edid::kBufferSize bytes that begins with a base block of version 1, one to
-// a descriptor to the first of the 18 bytes of its slot. A null value means that the bytes do not give the property.
+// A pointer to an EDID points to a buffer of edid::kBufferSize bytes that begins with a base block of version 1. A
+// pointer to a descriptor points to the first of the 18 bytes of its slot. A null value means that the bytes do not
+// give the property.
 #pragma once
 
 #include <string>
@@ -10,14 +11,14 @@
 #include "host/cim_value.h"
 #include "plugin/collector/property_map.h"
 
-/// What DecodeTag and TMonitorInfo::GetEdidTag say of a slot without a tag.
+/// What DecodeTag and TMonitorInfo::GetEdidTag return for a slot without a tag.
 constexpr int kReservedTag = -1;     // a reserved byte is not 0
 constexpr int kDetailedTiming = -2;  // the slot holds a detailed timing
 
 /// The properties from fixed places of the base block: maker, version, date, picture size, gamma and power states.
 PropertyMap DecodeBaseBlock(const unsigned char* edid);
 
-/// The three letters of the two bytes of a manufacturer; empty when both are 0.
+/// The three letters in the two bytes of a manufacturer; empty if both are 0.
 std::string DecodeManufacturer(const unsigned char* bytes);
 
 /// The day on which that week begins, counted from 1 January, at 06:00 local time, moved by a daylight-saving change

@@ -23,8 +23,8 @@ constexpr unsigned int kReadEdid = 1;
 constexpr unsigned long kPortCount = 1024;  // the I/O ports that ioperm can grant: 0 to 0x3FF
 constexpr int kFullPrivilege = 3;
 
-/// Reads the blocks of one EDID. Its registers and its real-mode buffer serve all of them: each call finds what the one
-/// before left there, apart from the registers set here.
+/// Reads the blocks of one EDID. All blocks share its registers and its real-mode buffer: each call finds what the one
+/// before left there, except in the registers set here.
 class TBlockReader {
  public:
   enum EResult { kRead, kCallFailed, kBiosError };
@@ -77,7 +77,7 @@ bool TMonitorInfo::ReadEdid(int unit, unsigned char* edid, unsigned int* length)
     const TBlockReader::EResult result = reader.Read(blocks);
     if (result != TBlockReader::kRead) {
       if (blocks == 0 && unit == 0) WriteStatus(GetMessage(result));
-      LRMI_free_real(buffer);  // the one below is then the second, which LRMI ignores
+      LRMI_free_real(buffer);  // LRMI ignores the second call, below
       break;
     }
     // The 16th block is asked for and counted but not stored, though it would fit: stored, it would be looked at for
@@ -95,8 +95,8 @@ bool TMonitorInfo::ReadEdid(int unit, unsigned char* edid, unsigned int* length)
 }
 
 /// Reads the units in order, until one has no EDID or repeats the one before, or `take` returns false. Each gets a
-/// buffer of zeros: what an earlier unit left there would be taken for a later one's extension, and a unit that real
-/// mode cannot be set up for must look like the one before, or the walk would not end.
+/// buffer of zeros. Otherwise what an earlier unit left there would be taken for a later one's extension. And if real
+/// mode cannot be set up, each unit must look like the one before, or the walk would not end.
 void TMonitorInfo::WalkUnits(const TTakeEdid& take) {
   edid::TBuffer taken = {};
   for (int unit = 0; true; ++unit) {

@@ -65,7 +65,7 @@ std::vector<ICIMInstance*> TMonitorInfo::GetCIMInstances(std::string className) 
 std::vector<PropertyMap> TMonitorInfo::GetMonitorInfo() {
   std::vector<PropertyMap> monitors;
   WalkUnits([&](const std::string& deviceId, unsigned char* edid, unsigned int length) {
-    // An EDID that does not decode ends the walk; the monitors before it stay.
+    // An EDID that cannot be decoded ends the walk; the monitors before it stay.
     if (length == 0 || ParseMonitorEdid(edid, length) != 0) {
       m_properties.clear();
       return false;

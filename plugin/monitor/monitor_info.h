@@ -41,21 +41,21 @@ class TMonitorInfo : public TDisplay {
 
   // Desktop monitors (monitor_info.cpp).
 
-  /// One map per monitor: units 0, 1, 2, ... until one has no EDID, repeats the one before, or does not decode.
+  /// One map per monitor: units 0, 1, 2, ... until one has no EDID, repeats the one before, or cannot be decoded.
   std::vector<PropertyMap> GetMonitorInfo();
 
-  /// Inserts the key properties that every monitor of this system shares; empty ones where the host has no answer.
+  /// Inserts the key properties that all monitors of this system share; they are empty if the host has no answer.
   /// Always 0.
   int GetDeviceKeyProperties();
 
   // Monitor resolutions (monitor_resolutions.cpp).
 
   /// One map per mode that an EDID declares, for units 0, 1, 2, ... until one has no EDID or repeats the one before.
-  /// Unlike the monitors, a unit whose EDID does not decode gives no modes and does not end the walk.
+  /// Unlike for monitors, a unit whose EDID cannot be decoded gives no modes and does not end the walk.
   std::vector<PropertyMap> GetMonitorResolution();
 
-  /// The modes of one EDID. Their setting ids begin with the device id that was set beforehand, and count from 1. None,
-  /// with a message, when it is not an EDID of version 1 or no device id is set.
+  /// The modes of one EDID. Their setting ids begin with the device id that was set before, and count from 1. Returns
+  /// none, and writes a message, if it is not an EDID of version 1 or no device id is set.
   std::vector<PropertyMap> GetResolutionInfo(unsigned char* edid, unsigned int length);
 
   // Monitor settings (monitor_settings.cpp).
@@ -67,27 +67,27 @@ class TMonitorInfo : public TDisplay {
   // Reading an EDID through the video BIOS (edid_reading.cpp).
 
   /// Reads the EDID of a controller unit, at most 15 blocks of it, into a buffer of 2048 bytes. `length` becomes the
-  /// number of bytes that the BIOS answered, or stays as it is when the BIOS was not reached. True: there is no EDID
-  /// here. False: there are bytes, or real mode could not be set up and the buffer's first byte is 0.
+  /// number of bytes that the BIOS answered, or stays as it is if the BIOS was not reached. Returns true if there is no
+  /// EDID. Returns false if there are bytes, or if real mode could not be set up and the buffer's first byte is 0.
   bool ReadEdid(int unit, unsigned char* edid, unsigned int* length);
 
-  // Decoding an EDID into the property map in hand (edid_decoding.cpp). What the bytes mean is said in
-  // edid_properties.h; these insert it, and log.
+  // Decoding an EDID into the current property map (edid_decoding.cpp). edid_properties.h says what the bytes mean;
+  // these functions insert the values, and log.
 
   /// 0: all properties that the EDID holds were inserted. 1: it is not an EDID of version 1, nothing was inserted.
   int ParseMonitorEdid(unsigned char* edid, unsigned int length);
 
-  /// 0 for the header and version of an EDID 1.x; else logs and returns 1. The checksum is not looked at.
+  /// Returns 0 for the header and version of an EDID 1.x; otherwise logs and returns 1. Does not check the checksum.
   unsigned int CheckEdidHeader(unsigned char* edid, unsigned int length);
 
   /// Decodes the two bytes at `p` into three letters; leaves `id` as it is when they are 0.
   void GetManufacturerId(unsigned char* p, std::string& id);
 
-  /// When that week of that year began, as DecodeManufacturingDate has it (edid_properties.h).
+  /// When that week of that year began, as given by DecodeManufacturingDate (edid_properties.h).
   NQRXZELT20::TCIMDateTime GetMfgDateTime(unsigned char week, unsigned short year);
 
   /// The tag of an 18-byte descriptor slot, 0 to 255; kReservedTag or kDetailedTiming (edid_properties.h) for a slot
-  /// without one. Every call for a slot that is not a detailed timing is a line in the log.
+  /// without one. Every call for a slot that is not a detailed timing writes a line to the log.
   int GetEdidTag(unsigned char* descriptor);
 
   /// Assigns the text of an 18-byte descriptor slot, at most 13 bytes up to a line feed or a zero byte.

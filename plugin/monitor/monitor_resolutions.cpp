@@ -1,4 +1,4 @@
-// One property map for each mode that an EDID declares.
+// Makes a property map for each mode that an EDID declares.
 #include "plugin/monitor/edid_modes.h"
 #include "plugin/monitor/edid_properties.h"
 #include "plugin/monitor/monitor_info.h"
@@ -11,7 +11,7 @@ std::vector<PropertyMap> TMonitorInfo::GetMonitorResolution() {
     if (length == 0) return true;
     m_properties.clear();
     SetDeviceId(deviceId);
-    // An EDID that does not decode has no modes, and does not end this walk as it ends that of GetMonitorInfo.
+    // An EDID that cannot be decoded has no modes. It does not end this walk, unlike that of GetMonitorInfo.
     const std::vector<PropertyMap> modes = GetResolutionInfo(edid, length);
     resolutions.insert(resolutions.end(), modes.begin(), modes.end());
     return true;
@@ -26,7 +26,7 @@ std::vector<PropertyMap> TMonitorInfo::GetResolutionInfo(unsigned char* edid, un
     WriteStatus("Monitor Resolution : Could not get Device ID");
     return {};
   }
-  // Only detailed timings say how they scan; the first of them speaks for every mode.
+  // Only detailed timings say how they scan; the first of them counts for every mode.
   const unsigned short scanMode = DecodeScanMode(FindDescriptor(edid, kDetailedTiming));
   std::vector<PropertyMap> maps;
   for (const TMode& mode : DecodeModes(edid)) {

@@ -17,7 +17,7 @@ bool BeginsWith(const std::string& text, const std::string& beginning) {
   return text.compare(0, beginning.size(), beginning) == 0;
 }
 
-/// Appends a pair for each monitor whose device id the mode's setting id begins with.
+/// Appends a pair for each monitor with whose device id the mode's setting id begins.
 void Link(ICIMInstance& mode, const TInstanceList& monitors, const TInstanceList& modes,
           std::vector<PropertyMap>& pairs) {
   const std::string settingId = GetPropertyText(mode, "SettingID");
@@ -26,8 +26,8 @@ void Link(ICIMInstance& mode, const TInstanceList& monitors, const TInstanceList
     if (!isMatch || position >= modes.size()) continue;
     PropertyMap pair;
     InsertProperty(&pair, "Element", GetPathValue(*monitors[position]));
-    // The mode at the monitor's own position, not the one that matched, which would change the answer for every monitor
-    // with several modes.
+    // The mode at the monitor's own position, not the one that matched: that one would change the answer for every
+    // monitor with several modes.
     InsertProperty(&pair, "Setting", GetPathValue(*modes[position]));
     pairs.push_back(pair);
   }

@@ -1,4 +1,4 @@
-// What a Device section, and the monitor of its screen, give a controller and its head.
+// Reads what a Device section, and the monitor of its screen, give a controller and its head.
 #include <algorithm>
 #include <boost/lexical_cast.hpp>
 #include <iterator>

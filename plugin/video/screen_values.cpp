@@ -1,4 +1,4 @@
-// What a Screen section gives the device it uses: colour depth, resolution, and the name of its monitor.
+// Reads what a Screen section gives the device that it uses: colour depth, resolution, and the name of its monitor.
 #include <algorithm>
 #include <boost/lexical_cast.hpp>
 
@@ -20,8 +20,8 @@ std::string GetValue(const SectionRecord& record, const std::string& key) {
   return found == record.end() ? std::string() : found->second;
 }
 
-/// The width and the height of a mode such as "1024x768". A mode without an x is taken as a width; one such as "x768",
-/// whose only x comes first, has no pieces and so neither.
+/// The width and the height of a mode such as "1024x768". A mode without an x is taken as a width. One such as "x768",
+/// whose only x comes first, has no pieces, so neither width nor height.
 std::vector<std::string> SplitMode(const std::string& mode) {
   if (mode.find('x') == std::string::npos) return {mode};
   return TXConfig::MultiStringTok(mode, "x");
@@ -89,7 +89,7 @@ void TVideoInfo::GetModeValues(const std::string& modes) {
                "Could not convert to integer vertical resolution from " + dataToString(sides[0]));
 }
 
-/// Inserts the text as a number; logs `failure` and returns false when it is not one.
+/// Inserts the text as a number; if it is not one, logs `failure` and returns false.
 bool TVideoInfo::InsertNumber(const char* name, const std::string& text, const std::string& failure) {
   try {
     Insert(name, TCIMValue(boost::lexical_cast<unsigned int>(text)));

@@ -12,7 +12,7 @@ using NQRXZELT20::TCIMValue;
 using NQRXZELT20::TPluginManagerProvider;
 using NQRXZELT20::TZELTException;
 
-/// What one reading of the configuration has found so far.
+/// What a reading of the configuration has found so far.
 struct TVideoLists {
   std::vector<PropertyMap>* controllers;
   std::vector<PropertyMap>* heads;
@@ -32,8 +32,8 @@ TVideoInfo::TVideoInfo(boost::shared_ptr<ICIMClass> cimClass, TPluginManagerProv
     : TDisplay(std::move(cimClass), provider) {}
 
 std::vector<ICIMInstance*> TVideoInfo::GetCIMInstances(std::string className) {
-  // Kept until the library is unloaded. A reading that an exception ends is repeated by the next request, which appends
-  // to what the first one left here.
+  // Kept until the library is unloaded. If an exception ends a reading, the next request reads again, and appends to
+  // what the first reading left here.
   static std::vector<PropertyMap> controllerPropertyMap;
   static std::vector<PropertyMap> headPropertyMap;
   static bool alreadyDone = false;

@@ -1,7 +1,7 @@
 // TVideoInfo: the collector for the video classes, from the X server's configuration.
 //
-// The configuration is read once in the life of the loaded plug-in; later requests are answered from what was kept. One
-// object serves one request of one class, and requests must not run at the same time.
+// A loaded plug-in reads the configuration once; later requests are answered from what was kept. One object serves one
+// request of one class, and requests must not run at the same time.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -45,14 +45,14 @@ class TVideoInfo : public TDisplay, public TXConfig {
   /// Writes the record's "BusID" and "Identifier" to the outputs; an output whose key is absent stays as it was.
   void GetDeviceData(const SectionRecord& record, std::string& busId, std::string& identifier);
 
-  /// Inserts the system's key properties; empty ones where the host has no answer. Always 0.
+  /// Inserts the system's key properties; they are empty if the host has no answer. Always 0.
   int GetKeyProperties();
 
-  /// Inserts what the record holds under its property names. 1 when it has no "Identifier", else 0. Throws
-  /// boost::bad_lexical_cast for a "VideoRam" that is not a number, with the keys before it already inserted.
+  /// Inserts the record's values under their property names. Returns 1 if it has no "Identifier", otherwise 0. Throws
+  /// boost::bad_lexical_cast if "VideoRam" is not a number; the keys before it have then been inserted.
   int GetDeviceValues(const SectionRecord& record);
 
-  /// Inserts the model of the monitor of that identifier, if it has one.
+  /// Inserts the model of the monitor with that identifier, if it has one.
   void GetMonitorValues(const std::vector<SectionRecord>& monitors, const std::string& monitorIdentifier);
 
   /// An array value of strings.
@@ -61,7 +61,7 @@ class TVideoInfo : public TDisplay, public TXConfig {
   // What a Screen section gives (screen_values.cpp).
 
   /// Inserts colour depth and resolution from the first screen that uses the device, and sets `monitorName` to the
-  /// screen's monitor; it stays as it is when there is none. What does not convert is logged and left out.
+  /// screen's monitor; it stays as it is if there is none. A value that is no number is logged and left out.
   void GetScreenValues(const std::vector<SectionRecord>& screens, const std::string& deviceIdentifier,
                        std::string& monitorName);
 
@@ -71,7 +71,7 @@ class TVideoInfo : public TDisplay, public TXConfig {
   /// the host is caught: the pairs that it did not prevent are returned.
   std::vector<PropertyMap> MakeHeadAssociation();
 
-  /// The properties of the Device section in hand.
+  /// The properties of the current Device section.
   const PropertyMap& GetDeviceProperties() const { return m_deviceProperties; }
 
  private:

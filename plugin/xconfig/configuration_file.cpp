@@ -1,4 +1,4 @@
-// Finding the X server's configuration file.
+// Finds the X server's configuration file.
 #include "host/exception.h"
 #include "host/services.h"
 #include "plugin/xconfig/xconfig.h"

@@ -1,4 +1,4 @@
-// Lines and words of the X server's configuration.
+// Splits and cleans lines and words of the X server's configuration.
 #include <algorithm>
 #include <string_view>
 
@@ -8,7 +8,7 @@ namespace {
 
 bool IsBlank(char character) { return character == ' ' || character == '\t'; }
 
-/// 1 when the text begins with a delimiter, which is then passed over; else 0.
+/// 1 if the text begins with a delimiter, which is then skipped; otherwise 0.
 std::size_t SkipDelimiter(const std::string& text, std::string_view delimiters) {
   return !text.empty() && delimiters.find(text[0]) != std::string_view::npos ? 1 : 0;
 }
@@ -35,7 +35,7 @@ std::string TXConfig::RemoveSpaces(const char* text) {
 std::string TXConfig::ExtractString(const char* text) {
   if (text == nullptr) return std::string();
   while (IsBlank(*text) || *text == '"') ++text;
-  // In the result's own memory: a line can be longer than a thread's stack.
+  // Work in the result's own memory, since a line can be longer than a thread's stack.
   std::string value = text;
   value.erase(std::remove(value.begin(), value.end(), '"'), value.end());
   return value;

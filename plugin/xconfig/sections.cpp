@@ -1,4 +1,4 @@
-// Sections of the X server's configuration.
+// Reads sections of the X server's configuration.
 #include <algorithm>
 #include <boost/regex.hpp>
 #include <optional>
@@ -23,7 +23,7 @@ const TSectionType kMonitor = {R"(^\s*Section\s*"[Mm]onitor")", {"Identifier", "
 
 constexpr const char* kEndPattern = R"(^\s*EndSection)";
 
-/// The word and the rest of a line, parted at a blank, or at a tab that comes first; fewer when there is no rest.
+/// The first word and the rest of a line, split at a blank or at a tab that comes before it; fewer if there is no rest.
 std::vector<std::string> SplitLine(const std::string& line) {
   const std::vector<std::string> words = TXConfig::MultiStringFirstTok(line, " ");
   const bool isParted = words.size() > 1 && words[0].find('\t') == std::string::npos;
@@ -36,12 +36,12 @@ struct TNumberedKey {
   unsigned int next;
 };
 
-/// Makes the record of one section from its values, which come line by line.
+/// Makes the record of a section from its values, line by line.
 class TRecordBuilder {
  public:
   void Add(const std::string& key, const std::string& value) { m_record.emplace(Number(key), value); }
 
-  /// True when a further value of the key would be dropped.
+  /// True if another value of the key would be dropped.
   bool IsTaken(const std::string& key) const { return m_record.count(key) != 0; }
 
   SectionRecord Take() { return std::move(m_record); }
@@ -55,8 +55,8 @@ class TRecordBuilder {
   }
 
   SectionRecord m_record;
-  // Each has its own count, across all subsections: with one count for both, Depth2 and Modes2 of a second Display
-  // subsection would have different numbers, and no mode would be found for a depth.
+  // Each key has its own count, across all subsections. With one count for both, Depth and Modes of a Display
+  // subsection would get different numbers, and no mode would be found for a depth.
   TNumberedKey m_numbered[2] = {{"Modes", 1}, {"Depth", 1}};
 };
 
@@ -66,15 +66,15 @@ struct TKeyLine {
   std::string value;
 };
 
-/// Reads sections of a text, in the order of their beginnings. Thousands that lack their own end may share one; the
-/// lines that they share are read once.
+/// Reads sections of a text, in the order of their beginnings. Thousands of sections without an end of their own may
+/// share one; the lines that they share are read only once.
 class TSectionReader {
  public:
   TSectionReader(const std::string& text, const std::vector<std::string>& keys)
       : m_text(text), m_keys(keys), m_values(keys.size()) {}
 
-  /// The section from `begin` to before `end`. Its lines come as MultiStringTok parts them: none of a section of one
-  /// line, and the last one twice when its line end belongs to the section.
+  /// The section in [begin, end). Its lines are those that MultiStringTok gives: none for a section of one line, and
+  /// the last one twice if its line end belongs to the section.
   SectionRecord Read(std::size_t begin, std::size_t end) {
     const std::size_t firstLineEnd = m_text.find('\n', begin + 1);
     if (firstLineEnd >= end) return {};
@@ -96,7 +96,7 @@ class TSectionReader {
     if (TXConfig::CommentedCode(line.c_str())) return std::nullopt;
     const std::vector<std::string> words = SplitLine(TXConfig::RemoveSpaces(line.c_str()));
     if (words.size() < 2) return std::nullopt;
-    // A key counts wherever it occurs in the word: the depth of a DefaultColorDepth line would be lost otherwise.
+    // A key counts wherever it occurs in the word; otherwise the depth of a DefaultColorDepth line would be lost.
     const auto key = std::find_if(m_keys.begin(), m_keys.end(), [&](const std::string& candidate) {
       return words[0].find(candidate) != std::string::npos;
     });
@@ -132,8 +132,8 @@ class TSectionReader {
 std::vector<SectionRecord> ReadSections(const std::string& text, const TSectionType& type) {
   const std::vector<unsigned int> starts = TXConfig::GetRegEx(text, 0, type.startPattern);
   if (starts.empty()) return {};
-  // The ends are searched for once, not from each start. The first of them after a start is the one that a search from
-  // there would find: a match of the end's pattern, blanks and another word, never covers a start.
+  // The ends are searched for once, not from each start. The first end after a start is the one that a search from
+  // there would find, since a match of the end's pattern, blanks and another word, never covers a start.
   const std::vector<unsigned int> ends = TXConfig::GetRegEx(text, 0, kEndPattern);
   TSectionReader reader(text, type.keys);
   std::vector<SectionRecord> records;
@@ -150,7 +150,7 @@ std::vector<SectionRecord> ReadSections(const std::string& text, const TSectionT
 
 std::vector<unsigned int> TXConfig::GetRegEx(const std::string& text, unsigned int start, const char* pattern) {
   const boost::regex expression(pattern);
-  // Thrown here, since the text of the C++ library's own exception varies with its version.
+  // Thrown here, because the text of the C++ library's own exception depends on its version.
   if (start > text.size()) throw std::out_of_range("basic_string::substr");
   std::vector<unsigned int> positions;
   boost::smatch match;
