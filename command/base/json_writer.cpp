@@ -19,12 +19,18 @@ void TJsonWriter::EndObject() { End('}'); }
 void TJsonWriter::BeginArray() { Begin('['); }
 void TJsonWriter::EndArray() { End(']'); }
 
-void TJsonWriter::Key(std::string_view name) {
+void TJsonWriter::Key(const char* name) {
+  Separate();
+  m_text.Append('"');
+  m_text.Append(std::string_view(name));
+  m_text.Append('"');
+  EndKey();
+}
+
+void TJsonWriter::Key(const std::string& name) {
   Separate();
   AppendJson(m_text, name);
-  m_text.Append(':');
-  if (m_layout == ELayout::kIndented) m_text.Append(' ');
-  m_followsKey = true;
+  EndKey();
 }
 
 void TJsonWriter::String(std::string_view text) {
@@ -76,11 +82,18 @@ void TJsonWriter::Separate() {
   m_isFirst = false;
 }
 
+void TJsonWriter::EndKey() {
+  m_text.Append(':');
+  if (m_layout == ELayout::kIndented) m_text.Append(' ');
+  m_followsKey = true;
+}
+
 void TJsonWriter::BreakLine() {
   if (m_layout != ELayout::kIndented) return;
-  m_text.Append('\n');
   const std::size_t columns = m_depth * kIndent;
-  m_text.EndAt(std::fill_n(m_text.GetRoom(columns), columns, ' '));
+  char* const line = m_text.GetRoom(1 + columns);
+  *line = '\n';
+  m_text.EndAt(std::fill_n(line + 1, columns, ' '));
 }
 
 void TJsonWriter::CheckSize() const {

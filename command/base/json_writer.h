@@ -22,8 +22,10 @@ class TJsonWriter {
   void BeginArray();
   void EndArray();
 
-  /// The name of the next value; only inside an object.
-  void Key(std::string_view name);
+  /// The name of the next value; only inside an object. One that stands in the code is written as it is: it has nothing
+  /// to escape.
+  void Key(const char* name);
+  void Key(const std::string& name);
 
   /// A string of any bytes, written as QuoteJson does.
   void String(std::string_view text);
@@ -32,8 +34,8 @@ class TJsonWriter {
   void ChangeStrings(std::string (*change)(const std::string& text)) { m_change = change; }
 
   /// A member of an object: its name and its value, which is a string, a number, a Boolean or an array of strings.
-  template <typename T>
-  void Member(std::string_view name, const T& value) {
+  template <typename TName, typename T>
+  void Member(const TName& name, const T& value) {
     Key(name);
     if constexpr (std::is_convertible_v<T, std::string_view>) {
       String(value);
@@ -61,6 +63,7 @@ class TJsonWriter {
   void Begin(char bracket);
   void End(char bracket);
   void Separate();
+  void EndKey();
   void BreakLine();
   void CheckSize() const;
 

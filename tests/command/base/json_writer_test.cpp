@@ -92,7 +92,7 @@ TEST(JsonWriter, SendsNoCharacterThatATerminalObeys) {
 TEST(JsonWriter, EscapesTheNamesOfMembersToo) {
   TJsonWriter writer(TJsonWriter::ELayout::kOneLine);
   writer.BeginObject();
-  writer.Key("\"");
+  writer.Key(std::string("\""));
   writer.Literal("1");
   writer.EndObject();
   EXPECT_EQ(writer.TakeText(), R"({"\"":1})");
