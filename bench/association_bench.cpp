@@ -18,7 +18,7 @@ void Commit(TTestHost& host, const char* className, const std::map<std::string, 
   instance->Commit({});
 }
 
-/// As many monitors as the argument says, each with one mode.
+/// Links as many monitors as the argument says, each with one mode.
 void LinkMonitorsToModes(benchmark::State& state) {
   TTestHost host;
   for (std::int64_t number = 1; number <= state.range(0); ++number) {
@@ -35,7 +35,7 @@ void LinkMonitorsToModes(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 
-/// As many controllers as the argument says, each with one head.
+/// Links as many controllers as the argument says, each with one head.
 void LinkHeadsToControllers(benchmark::State& state) {
   TTestHost host;
   for (std::int64_t number = 0; number < state.range(0); ++number) {

@@ -1,4 +1,4 @@
-// How long an EDID takes to be decoded, and its modes to be listed.
+// Measures how long decoding an EDID and listing its modes take.
 #include <benchmark/benchmark.h>
 
 #include "edid/layout.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// An EDID of that many blocks, the first of which says as much as it can, in the buffer that the decoder gets.
+/// An EDID of that many blocks, in the buffer that the decoder gets. Its first block says as much as possible.
 std::vector<unsigned char> MakeEdid(std::int64_t blocks) {
   TEdidBuilder builder;
   builder.Manufacturer("ACM")

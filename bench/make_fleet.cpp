@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A folder for each thousand, so that none gets long.
+/// Each thousand machines have a folder, so that none gets long.
 fs::path MakeName(std::uint32_t number) {
   char name[64];
   std::snprintf(name, sizeof name, "%04u/machine-%07u", number / 1000, number);

@@ -1,4 +1,4 @@
-// One request of a host to the loaded plug-in, over the virtual BIOS; and what it takes to load the plug-in.
+// Measures one request of a host to the loaded plug-in, over the virtual BIOS, and loading the plug-in.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// How the time to read the sections of a configuration grows with their number.
+// Measures how the time to read the sections of a configuration grows with their number.
 #include <benchmark/benchmark.h>
 
 #include <string>

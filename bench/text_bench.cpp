@@ -1,4 +1,4 @@
-// The text routines, over a line as configurations have it.
+// Measures the text routines on a typical line of a configuration.
 #include <benchmark/benchmark.h>
 
 #include <string>

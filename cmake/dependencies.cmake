@@ -1,4 +1,4 @@
-# What the build takes from the machine: headers and sources only, which serve both architectures.
+# What the build takes from the machine: only headers and sources, which serve both architectures.
 
 find_path(BOOST_INCLUDE_DIR boost/version.hpp REQUIRED)
 file(STRINGS ${BOOST_INCLUDE_DIR}/boost/version.hpp boost_version REGEX "^#define BOOST_VERSION [0-9]+$")

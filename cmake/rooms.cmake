@@ -1,16 +1,16 @@
-# A room is a folder whose code is one target. It names the other rooms it uses, and asks for the project's flags
-# itself. tests/check-includes checks every #include against what is declared here.
+# A room is a folder whose code is one target. It names the rooms that it uses, and is compiled with the project's
+# flags. tests/check-includes checks every #include against what is declared here.
 
-# What every target of the project is compiled with. Warnings are errors where the project is worked on; whoever makes
+# The flags of every target of the project. Warnings are errors for people who work on the project; those who make
 # packages may have a compiler that warns of more.
 add_library(project_flags INTERFACE)
 target_include_directories(project_flags INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(project_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
   $<$<BOOL:${BUILD_TESTING}>:-Werror>)
-# 64-bit time and file sizes in the 32-bit build too: a date after 2038 is a date in both.
+# 64-bit time and file sizes, even in the 32-bit build, so that dates after 2038 work in both.
 target_compile_definitions(project_flags INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
-# Code and constants in one segment: the loader maps a library by two calls instead of four, and a 32-bit loader's calls
-# are the slow ones, by interrupt.
+# Code and constants in one segment, so that the loader maps a library by two calls instead of four: a 32-bit loader's
+# calls, by interrupt, are slow.
 target_link_options(project_flags INTERFACE -Wl,-z,noseparate-code)
 # What is delivered has the hardening of Debian's packages (dpkg-buildflags, hardening=+all); tests/packaging has a test
 # that reads it from the binaries. The sizes that _FORTIFY_SOURCE checks come from the optimiser. -fcf-protection marks
@@ -24,11 +24,11 @@ endif()
 target_compile_definitions(delivered_flags INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
 target_link_options(delivered_flags INTERFACE -Wl,-z,relro,-z,now)
 
-# What a library calls of itself the loader need not look for, by name, in every library that came before.
+# The loader need not search every earlier library by name for a function that a library calls in itself.
 add_library(own_functions INTERFACE)
 target_link_options(own_functions INTERFACE -Wl,-Bsymbolic-functions)
-# No library may have undefined symbols. Those of a build with fuzzers must: clang's sanitizers are linked into the
-# program only.
+# No library may have undefined symbols. In a build with fuzzers they must, since clang's sanitizers are linked only
+# into the program.
 if(NOT WITH_FUZZERS)
   target_link_options(project_flags INTERFACE $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:-Wl,--no-undefined>)
 endif()
@@ -49,12 +49,12 @@ endfunction()
 set(ROOMS_FILE ${CMAKE_BINARY_DIR}/rooms.txt)
 file(WRITE ${ROOMS_FILE} "")
 
-# optimise_more(TARGET): for code that every run goes through, where the time of the build is worth less.
+# optimise_more(TARGET): for code that runs every time, where speed is worth a longer build.
 function(optimise_more target)
   target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O2>)
 endfunction()
 
-# add_room(NAME [SOURCES file...] [USES room...] [LIBRARIES target...]): a room of headers only when it has no SOURCES.
+# add_room(NAME [SOURCES file...] [USES room...] [LIBRARIES target...]): without SOURCES, a room that has only headers.
 # LIBRARIES are not ours.
 function(add_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;USES;LIBRARIES" ${ARGN})

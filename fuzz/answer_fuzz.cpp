@@ -1,5 +1,5 @@
-// Two answers to compare, from any text: each is either read or refused with one short line that names the file. An
-// answer does not differ from itself, and what came on the way from one to another is gone on the way back.
+// Compares two answers made from any text. Each must be read, or refused with one short line that names the file. An
+// answer must not differ from itself, and what came from one to the other must be gone in the opposite direction.
 //
 // Input: the text of the older answer, ended by a zero byte, and that of the newer.
 #include <algorithm>
@@ -26,7 +26,7 @@ void RequireMessage(const std::string& message) {
   Require(message == ToPrintable(message), "a message is one line that a terminal may show");
 }
 
-/// Nothing when the text is refused, or is a captured machine.
+/// The answer; nothing if the text is refused or is a captured machine.
 std::optional<TMachineFacts> Read(const std::string& text) try {
   const TReadAnswer answer = ReadAnswer(text, kName);
   if (answer.isCapturedMachine) return std::nullopt;

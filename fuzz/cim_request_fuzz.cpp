@@ -1,5 +1,5 @@
-// The XML of a CIM client's request from any text: it is either refused with a status and a CIMError, or answered in
-// well-formed XML that bears the request's ID.
+// Answers a CIM client's request made from any text. It must be refused with a status and a CIMError, or answered in
+// well-formed XML with the request's ID.
 //
 // Input: the body of the HTTP request.
 #include <boost/property_tree/ptree.hpp>

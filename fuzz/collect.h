@@ -1,4 +1,4 @@
-// A collection in the fuzzer's own process: the embedded host, and the plug-in's objects without its library.
+// Collects in the fuzzer's own process, with the embedded host and the plug-in's objects, but without its library.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@
 inline const TRequest kThroughDispatch = {kHeadOfVideoControllerClass, kDesktopMonitorClass, kMonitorResolutionClass,
                                           kMonitorSettingClass};
 
-/// Reads the configuration in each request, where the product's own collector keeps it until the library is unloaded.
+/// Reads the configuration in each request. The product's own collector keeps it until the library is unloaded.
 class TFreshVideoInfo : public TVideoInfo {
  public:
   using TVideoInfo::TVideoInfo;

@@ -1,7 +1,7 @@
-// What any bytes say as an EDID: each mode once, in order, with pixels and a rate, and nothing of what is no EDID.
-// Fillers for its serial numbers leave its size and its checksums as they are.
+// Reads any bytes as an EDID. Each mode must come once, in order, with pixels and a rate, and bytes that are no EDID
+// must say nothing. Replacing its serial numbers must keep its size and its checksums.
 //
-// Input: the EDID; what is left of a block of 128 bytes is zeros.
+// Input: the EDID, filled up with zeros to whole blocks of 128 bytes.
 #include "command/edid/edid_facts.h"
 
 #include <algorithm>

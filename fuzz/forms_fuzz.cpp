@@ -1,5 +1,5 @@
-// Files of other programs from any bytes: each is either a machine, of at most as many units as one can have, each with
-// whole blocks, or refused with one line that names the file.
+// Reads any bytes as a file of another program. It must be a machine with at most as many units as one can have, each
+// with whole blocks, or be refused with one line that names the file.
 //
 // Input: the content of the file.
 #include "command/base/text_encoding.h"

@@ -1,4 +1,4 @@
-// An input of the fuzzer, taken apart from front to back. What is missing at its end reads as zeros.
+// Reads an input of the fuzzer from front to back. Missing bytes at its end read as zeros.
 #pragma once
 
 #include <algorithm>
@@ -17,7 +17,7 @@ class TInput {
 
   std::uint8_t TakeByte() { return m_next == m_end ? std::uint8_t{0} : *m_next++; }
 
-  /// The characters up to a zero byte, which is passed over.
+  /// The characters up to a zero byte, which is skipped.
   std::string TakeText() {
     const std::uint8_t* const end = std::find(m_next, m_end, 0);
     const std::string text(m_next, end);
@@ -27,7 +27,7 @@ class TInput {
 
   std::string TakeRest() { return std::string(std::exchange(m_next, m_end), m_end); }
 
-  /// All that is left: the EDIDs of units 0, 1, 2, ..., each as the number of its 128-byte blocks and those blocks.
+  /// The rest: the EDIDs of units 0, 1, 2, ..., each as the number of its 128-byte blocks, then those blocks.
   std::map<unsigned int, std::vector<std::uint8_t>> TakeEdids() {
     std::map<unsigned int, std::vector<std::uint8_t>> edids;
     for (unsigned int unit = 0; m_next != m_end; ++unit) {

@@ -1,4 +1,4 @@
-// What a fuzz target holds to be true of the instances that a request committed.
+// Rules for the instances that a request committed.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -12,7 +12,7 @@
 
 typedef std::vector<boost::shared_ptr<TStoredInstance>> TInstances;
 
-/// The property's text in each of them; empty where it is not set.
+/// The property's text in each of them; empty if it is not set.
 inline std::vector<std::string> GetTexts(const TInstances& instances, const std::string& property) {
   std::vector<std::string> texts;
   for (const auto& instance : instances) {
@@ -28,7 +28,7 @@ inline void RequireValues(const TInstances& instances) {
   }
 }
 
-/// Each reference names one of `targets`.
+/// Requires that each reference names one of `targets`.
 inline void RequireReferences(const TInstances& instances, const std::string& property, const TInstances& targets) {
   for (const std::string& path : GetTexts(instances, property)) {
     Require(

@@ -1,5 +1,5 @@
-// A captured machine in one file from any text: it is either read, and then has exactly what a plain reading of the
-// document finds, or refused with one short line that names the file.
+// Reads any text as a captured machine in one file. It must have exactly what a plain reading of the document finds, or
+// be refused with one short line that names the file.
 //
 // Input: the text of the document.
 #include <algorithm>

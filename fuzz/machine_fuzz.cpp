@@ -1,5 +1,5 @@
-// A whole captured machine from any bytes, as a stranger may send it: it is refused in one line, or answered within the
-// budgets of log and answer, in a line of JSON that parses. libFuzzer watches the time and the memory.
+// Collects from a captured machine made from any bytes, as a stranger may send it. It must be refused in one line, or
+// answered within the budgets of log and answer, in a line of JSON that parses. libFuzzer watches time and memory.
 //
 // Input: the text of machine.json, a zero byte, the configuration, a zero byte, EDIDs (fuzz/input.h).
 #include <nlohmann/json.hpp>

@@ -1,5 +1,5 @@
-// The captured machine's machine.json from any text: it is either read, and the host then has what the document says,
-// or refused with one line that names the file.
+// Reads any text as a captured machine's machine.json. The host must then have what the document says, or it must be
+// refused with one line that names the file.
 //
 // Input: the text of machine.json.
 #include <nlohmann/json.hpp>

@@ -21,7 +21,7 @@ const std::string kAllWorks(2, '\0');
 
 constexpr const char* kDelimiters[] = {"\n", " ", "\t", "x"};
 
-// Each type of section at its smallest: short seeds are soon put together in odd ways.
+// The smallest section of each type: libFuzzer soon combines short seeds in odd ways.
 constexpr const char* kSections[] = {
     "Section \"Device\"\n Identifier \"a\"\nEndSection\n",
     "Section \"screen\"\n Device \"a\"\nEndSection\n",
@@ -40,7 +40,7 @@ constexpr const char* kMachineJsons[] = {
     R"([1.5e3, "\u00e9"])",
 };
 
-// A machine in one file with everything that one may have, and others with something that none may have.
+// A machine in one file with everything that is allowed, and others with something that is not.
 constexpr const char* kMachineDocuments[] = {
     R"({"captured": 1, "systemName": "a", "collected": "2026-11-21T21:30:00Z", "systemCreationClassName": "b",
         "systemType": 2, "provider": true,
@@ -56,7 +56,7 @@ constexpr const char* kMachineDocuments[] = {
     R"({"a": [[[[{}]]]], "captured": 1})",
 };
 
-// Answers before and after a change, each with all that a comparison reads. "@" stands for an EDID.
+// Answers before and after a change, each with everything that a comparison reads. "@" stands for an EDID.
 constexpr const char* kAnswers[][2] = {
     {R"({"machine": "a", "requests": [{"classes": ["QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"], "instances": [
         {"class": "QRXSG_DesktopMonitor", "path": "p", "properties": {

@@ -1,5 +1,5 @@
-// Monitors, their modes and the settings between them from any bytes that a video BIOS may hand out as EDIDs, checked
-// by plain rules: which units are walked, how many timings each EDID declares, and that nothing is without a value.
+// Collects monitors, modes and settings from any bytes that a video BIOS may hand out as EDIDs. Plain rules check which
+// units are read, how many timings each EDID declares, and that nothing is without a value.
 //
 // Input: EDIDs (fuzz/input.h).
 #include "embedded_host/schema.h"

@@ -1,6 +1,6 @@
-// A whole request for all six classes over a machine of the fuzzer's making: the embedded host, the plug-in's objects
-// and the virtual BIOS in this process. Rules check the instances, and the four reports of them: the
-// JSON parses, the text keeps to its width, none of them holds a hidden character, the page holds no script.
+// Asks for all six classes of a machine made by the fuzzer, with the embedded host, the plug-in's objects and the
+// virtual BIOS in this process. Rules check the instances and the four reports: the JSON parses, the text keeps to its
+// width, none of them has a hidden character, and the page has no script.
 //
 // Input: a byte of bits for how the host and the BIOS behave, a byte for the block at which units fail, the
 // configuration, a zero byte, EDIDs (fuzz/input.h).

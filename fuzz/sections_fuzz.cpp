@@ -1,6 +1,6 @@
-// The sections that are found in a configuration, compared with those of a finder without regular expressions that
-// looks at every position and searches for the end of each section; and what is kept of them, compared with a reader of
-// one line after another.
+// Compares the sections found in a configuration with those of a finder without regular expressions, which looks at
+// every position and searches for the end of each section; and compares their records with those of a plain reader that
+// goes line by line.
 //
 // Input: the configuration.
 #include <optional>

@@ -1,5 +1,5 @@
-// The text routines of the X server's configuration, compared with plain ones written from their description, and
-// dataToString, compared with the values that it is to write.
+// Compares the text routines for the X server's configuration with plain ones written from their description, and
+// dataToString with the values that it must write.
 //
 // Input: delimiters, a zero byte, a text.
 #include <vector>
@@ -24,7 +24,7 @@ std::string ExtractPlainly(std::string text) {
 
 bool IsIn(const std::string& delimiters, char character) { return delimiters.find(character) != std::string::npos; }
 
-/// All pieces, the empty ones too: one more than there are delimiters.
+/// All pieces, even empty ones: one more than there are delimiters.
 TPieces SplitPlainly(const std::string& text, const std::string& delimiters) {
   TPieces pieces(1);
   for (const char character : text) {

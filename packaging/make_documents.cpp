@@ -1,7 +1,7 @@
 // make_documents manual|completion: fills the manual page, or the shell's completion, with the table of options. Reads
-// the template from standard input, and writes it with what stands in the place of these lines of it:
+// the template from standard input, and replaces these lines of it:
 //   .\" OPTIONS [SUBCOMMAND]   the options of the command, or of that subcommand, for the manual page
-//   .\" CLASSES                the names of the classes, one a line
+//   .\" CLASSES                the names of the classes, one per line
 //   @OPTIONS@                  a line for each option and word: "SUBCOMMAND NAME KIND WORD..." (completion.bash)
 #include <functional>
 #include <iostream>
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// A text as troff shows it: hyphens are those of options, and no line is a command. Options are bold.
+/// A text escaped for troff: hyphens stay hyphens, no line is a command, and options are bold.
 std::string WriteTroff(const std::string& text) {
   std::string troff;
   std::size_t boldUntil = 0;
@@ -50,7 +50,7 @@ std::string WriteCompletion(const TOptionRow& row) {
   return "value " + Join(row.completion == ECompletion::kClasses ? ListAllClasses() : row.ListChoices(), " ");
 }
 
-/// The lines that stand in the place of each line of a template.
+/// The lines that replace each line of a template.
 using TFillings = std::map<std::string, std::string>;
 
 TFillings FillManual() {

@@ -1,6 +1,6 @@
-# cmake -D PROGRAM=... -D LIST=... -P list_suites.cmake: writes the file LIST, by which CTest knows the suites of a test
-# program. Run after the program is linked. A suite is one process: of most tests, starting one takes longer than the
-# test itself.
+# cmake -D PROGRAM=... -D LIST=... -P list_suites.cmake: writes the file LIST, from which CTest knows the suites of a
+# test program. Runs after the program is linked. Each suite is one process, since starting one takes longer than most
+# tests.
 cmake_policy(VERSION 3.25)
 execute_process(COMMAND ${PROGRAM} --gtest_list_tests OUTPUT_VARIABLE listing TIMEOUT 60 COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "(^|\n)[A-Za-z0-9_/]+\\.( |\n)" lines "${listing}")

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by the scripts that need a bare Debian: a folder in which debootstrap installs no more than it must. Needs
+# Sourced by the scripts that need a bare Debian: a folder in which debootstrap installs as little as possible. Needs
 # root (debootstrap, chroot). The bare system reaches Debian's packages as this one does: it is given this machine's own
 # apt sources, with the suite replaced, and apt's Acquire settings (a proxy, for example).
 
@@ -18,7 +18,7 @@ list_sources() {
     grep -E " $own(-updates|-security)?$" | sed "s/ $own/ $1/" | sort -u
 }
 
-# in_bare FOLDER COMMAND...: runs it as root in the bare system. Its mounts and processes are its own, and end with it.
+# in_bare FOLDER COMMAND...: runs a command as root in the bare system. Its mounts and processes end with it.
 in_bare() {
   unshare --mount --pid --fork --kill-child bash -euc '
     mount -t proc proc "$1/proc"
@@ -28,8 +28,8 @@ in_bare() {
   ' - "$@"
 }
 
-# make_bare FOLDER SUITE ARCHITECTURE PACKAGE...: with these packages, and an ordinary user named stranger. Shows what the
-# programs said if one fails.
+# make_bare FOLDER SUITE ARCHITECTURE PACKAGE...: makes a bare system with these packages and an ordinary user named
+# stranger. If a program fails, shows what all of them wrote.
 make_bare() {
   local log
   log=$(mktemp)

@@ -1,4 +1,4 @@
-# Prints each call that the plug-in makes of its host and of the LRMI library, as it happens:
+# Prints each call of the plug-in to its host and to the LRMI library, as it happens:
 #   gdb -q -batch -x tools/host-calls.gdb --args build/debug/bin/displayinfo --machine examples/office --log-level error
 # Needs the debug build (tools/build debug displayinfo): names and values come from its debug information.
 set breakpoint pending on

@@ -1,16 +1,16 @@
 # shellcheck shell=bash
 # Sourced by the scripts that run long commands.
 
-# stage WHAT COMMAND...: runs the command, and then says on standard error how long it took, and how long the processor
-# worked for it: in the command and in the system.
+# stage WHAT COMMAND...: runs the command, and then says on standard error how long it took, and how much processor time
+# the command and the system used.
 stage() {
   local TIMEFORMAT="$1: took %0R s (of the processor: %0U + %0S s)"
   shift
   time "$@"
 }
 
-# with_progress WHAT LOG COMMAND...: a stage that keeps all it writes in LOG, and shows on standard error how far it is:
-# on a terminal one line that changes, in a log one line for each tenth.
+# with_progress WHAT LOG COMMAND...: a stage that keeps its output in LOG, and shows its progress on standard error: on
+# a terminal one line that changes, in a log one line for each tenth.
 with_progress() {
   stage "$1" run_with_progress "$@"
 }
@@ -47,7 +47,7 @@ show_progress() {
   if [ -t 2 ] && [ -n "$shown" ]; then echo >&2; fi
 }
 
-# Prints a log of with_progress without the lines that were progress only.
+# Prints a log of with_progress without the lines that only showed progress.
 show_log() {
   sed -E '/^(dl|pm)status:/d' "$@" >&2
 }

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by the scripts that install or build, before anything else: it keeps how they were called.
+# Sourced by the scripts that install or build, before anything else: it remembers how they were called.
 
 called=("$(realpath "$0")" "$@")
 top=$(realpath "$(dirname "${BASH_SOURCE[0]}")/..")
@@ -15,18 +15,19 @@ leave_root() {
     env HOME="$(getent passwd "$owner" | cut -d: -f6)" USER="$owner" LOGNAME="$owner" "${called[@]}"
 }
 
-# need_packages [PACKAGE...]: installs what building and testing needs, and these; then root has nothing left to do.
+# need_packages [PACKAGE...]: installs what building and testing need, and these packages. Root is not needed
+# afterwards.
 need_packages() {
   "$top/tools/install-packages" --tests "$@"
   leave_root
 }
 
-# as_root COMMAND...: asks for no password: install-packages does, once, where a person sees why.
+# as_root COMMAND...: asks for no password, since install-packages does so once, where a person sees why.
 as_root() {
   if [ "$(id -u)" = 0 ]; then "$@"; else sudo -n "$@"; fi
 }
 
-# run_apt ARGUMENT...: apt-get, which asks nothing and writes how far it is, for with_progress.
+# run_apt ARGUMENT...: runs apt-get, which asks nothing and writes its progress, for with_progress.
 run_apt() {
   as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o APT::Status-Fd=1 "$@" </dev/null
 }

@@ -1,9 +1,9 @@
--- Loads what `displayinfo --machines LIST --format rows >rows.jsonl` wrote into a database, in the place of what an
+-- Loads what `displayinfo --machines LIST --format rows >rows.jsonl` wrote into a database, and replaces what an
 -- earlier run loaded:
 --     sqlite3 fleet.db <load.sql
--- `answers` has each row as it was written. The views have what is asked most: `monitors` (every connected one),
--- `controllers`, `twins` (monitors of a machine that only their connectors tell apart) and `doubtful_serials` (serial
--- numbers that several machines have). It needs SQLite 3.38.
+-- `answers` has each row as it was written. The views are for the most frequent questions: `monitors` (every connected
+-- one), `controllers`, `twins` (monitors of a machine that differ only in their connectors) and `doubtful_serials`
+-- (serial numbers that several machines have). It needs SQLite 3.38.
 .bail on
 .output /dev/null
 -- osquery reads no database with a write-ahead log.
@@ -47,7 +47,7 @@ CREATE VIEW monitors AS
   FROM answers
   WHERE class = 'output';
 
--- Of several instances with one path the last counts.
+-- If several instances have one path, the last counts.
 DROP VIEW IF EXISTS controllers;
 CREATE VIEW controllers AS
   SELECT machine,

@@ -1,4 +1,4 @@
-// A complete host for libdisplayinfo.pi.so and nothing more: loads it, asks it for classes, and prints their instances.
+// A complete but minimal host for libdisplayinfo.pi.so: loads it, asks it for classes, and prints their instances.
 //
 //   minimal_host PLUGIN FOLDER CLASS...     FOLDER: where the machine's files are, / for those of this machine
 //
@@ -26,7 +26,7 @@ static boost::shared_ptr<T> Share(T& object) {
   return {&object, [](T*) {}};
 }
 
-// ---- CIM: classes and their instances. Any class can be had, and any property be set.
+// ---- CIM: classes and their instances. Any class exists, and any property can be set.
 
 typedef std::vector<boost::shared_ptr<ICIMInstance>> TInstances;
 
@@ -50,7 +50,7 @@ struct TInstance : ICIMInstance, boost::enable_shared_from_this<TInstance> {
   void SetProperty(const std::string& name, const TCIMValue& value, TCIMQueryContext) override {
     m_properties[name] = value;
   }
-  // A host whose values may hold quotes escapes them here.
+  // A host whose values may hold quotes must escape them here.
   TCIMReference GetObjectPath(TCIMQueryContext context) override {
     static const std::set<std::string> keys = {"Antecedent", "CreationClassName", "Dependent",
                                                "DeviceID",   "ManagedElement",    "Setting",

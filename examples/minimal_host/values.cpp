@@ -1,4 +1,4 @@
-// What host/ declares of values, exceptions and interfaces, and leaves to the host to define.
+// Defines the values, exceptions and interfaces that host/ declares and leaves to the host.
 #include <cstdio>
 
 #include "host/cim_objects.h"
@@ -21,7 +21,7 @@ TZELTException::TZELTException(const TZELTException&) = default;
 TZELTException::~TZELTException() = default;
 const char* TZELTException::what() const noexcept { return m_description.c_str(); }
 
-// What a value holds is the host's own affair. Here it is its text, which is all that this host prints.
+// A host is free in what a value holds. Here it is only the text, since this host prints nothing else.
 struct TCIMValue::TContent {
   std::string text;
 };
