@@ -1,4 +1,4 @@
-// The command as its users run it.
+// Runs the command as its users do.
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -35,7 +35,7 @@ class Command : public testing::Test {
     return RunShell(kCommand + " --machine " + machine.GetPath().string() + " " + arguments);
   }
 
-  /// One line that holds the text.
+  /// Expects one line with the text.
   void ExpectWrongUsageWith(const std::string& arguments, const std::string& text) const {
     const TProcessResult result = RunShell(kCommand + " " + arguments);
     EXPECT_EQ(result.status, 2) << arguments;
@@ -56,7 +56,7 @@ class Command : public testing::Test {
         << arguments;
   }
 
-  /// Collects with the plug-in that makes trouble, over a machine that asks for this one.
+  /// Collects with the trouble plug-in from a machine that asks for this trouble.
   TProcessResult RunTrouble(const std::string& trouble, const std::string& arguments = "") const {
     machine.File("root/" + trouble, "");
     return Run("--plugin " TROUBLE_PLUGIN_FILE " " + arguments);
@@ -665,7 +665,7 @@ TEST_F(Command, HasNoCapabilityLeftWhenItAnswers) {
                                none + "CapEff" + none + "NoNewPrivs:\t1\n");
 }
 
-// A pipe in the place of the plug-in: it is opened when the machine has been looked at.
+// A pipe in place of the plug-in, which is opened after the machine has been read.
 TEST_F(Command, HasNoCapabilityButToReadWhenItLooksAtACapturedMachine) {
   const std::string pipe = machine.GetPath() / "pipe";
   const TProcessResult result =

@@ -37,7 +37,7 @@ void Register(IPluginCallbacks& plugin) {
   boost::dynamic_pointer_cast<TPluginManagerNamespace>(TRootObject::GetPluginManager())->RegisterPlugin(&plugin);
 }
 
-/// Files whose look-ups fail, in the one way or the other.
+/// Files whose look-ups fail in one of two ways.
 class TFailingFiles : public IMachineFiles {
  public:
   bool Exists(const std::string&) const override { throw std::runtime_error("no descriptor is left"); }

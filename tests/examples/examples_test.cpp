@@ -1,4 +1,4 @@
-// The example machines, through the command.
+// Collects from the example machines.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>

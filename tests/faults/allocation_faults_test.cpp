@@ -31,7 +31,7 @@ void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); 
 
 namespace {
 
-/// Whether the request made as many allocations.
+/// True if the request made that many allocations.
 bool FailAllocation(TFaultySession& session, std::size_t number) {
   g_untilFailure = number;
   try {

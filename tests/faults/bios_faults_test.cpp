@@ -1,5 +1,5 @@
-// Every LRMI call that can fail fails once. The monitors that it would have read are lost, and the log says so when it
-// was the first block of the first unit; other classes are served, and the next request is whole.
+// Every LRMI call that can fail fails once. The monitors that it would have read are lost, and the log says so if it
+// was the first block of the first unit. Other classes are served, and the next request is complete.
 #include <gmock/gmock.h>
 
 #include <stdexcept>
@@ -30,7 +30,7 @@ const TFaultKind kKinds[] = {
     {EFault::kException, false, "Lib call failed. Could not get Monitor info."},
 };
 
-/// The virtual BIOS, whose call of that number and kind fails.
+/// The virtual BIOS; its call of that number and kind fails.
 class TFaultyBios : public IVideoBios {
  public:
   TFaultyBios(const TFaultKind& kind, std::size_t number) : m_kind(kind), m_number(number) {}
@@ -51,7 +51,7 @@ class TFaultyBios : public IVideoBios {
   void Stop() override { m_bios->Stop(); }
 
   bool HasStruck() const { return m_calls >= m_number; }
-  /// Whether it struck before anything was read.
+  /// True if it failed before anything was read.
   bool HasStruckFirst() const { return m_hasStruckFirst; }
 
  private:
@@ -75,7 +75,7 @@ class BiosFaults : public testing::TestWithParam<TFaultKind> {
     whole = session.AskForAll();
   }
 
-  /// Whether the request made as many calls.
+  /// True if the request made that many calls.
   bool FailCall(std::size_t number) {
     const auto bios = std::make_shared<TFaultyBios>(GetParam(), number);
     TFaultySession session(bios);

@@ -1,4 +1,4 @@
-// Whatever the bytes of an EDID are, reading them ends, and gives modes that have pixels and a rate.
+// Whatever the bytes of an EDID, reading them ends, and gives only modes that have pixels and a rate.
 #include <gtest/gtest.h>
 
 #include <random>

@@ -1,5 +1,5 @@
-// EDIDs that were damaged on their way: whatever the bytes, the three monitor classes agree with plain rules, nothing
-// is without a value, and nothing but the rules' own messages is logged.
+// Reads damaged EDIDs: whatever the bytes, the three monitor classes agree with plain rules, nothing is without a
+// value, and only the messages of the rules are logged.
 #include <gmock/gmock.h>
 
 #include "plugin/monitor/monitor_info.h"
@@ -16,7 +16,7 @@ namespace {
 
 typedef std::vector<std::uint8_t> TEdid;
 
-/// Ten of different shape: as little as can be, all there is, old and new revisions, extensions of several kinds.
+/// Ten different EDIDs: as little as possible, everything, old and new revisions, extensions of several kinds.
 std::vector<TEdid> MakeEdids() {
   const TEdidBuilder full = TEdidBuilder()
                                 .Manufacturer("ABC")
@@ -55,7 +55,7 @@ class DamagedEdids : public testing::Test {
     const TPlainMonitors plain(lrmi.edids);
     EXPECT_EQ(Collect(host, "QRXSG_DesktopMonitor", "DeviceID"), plain.GetDeviceIds());
     EXPECT_EQ(Collect(host, "QRXSG_MonitorResolution", "SettingID"), plain.GetSettingIds());
-    // One for each mode: with a single monitor every one is its.
+    // One for each mode, since all belong to the single monitor.
     EXPECT_THAT(Collect(host, "QRXSG_MonitorSetting", "Element"),
                 SizeIs(plain.GetDeviceIds().empty() ? 0 : plain.GetSettingIds().size()));
     for (const TLogEntry& entry : host.log.GetEntries()) {
@@ -67,7 +67,7 @@ class DamagedEdids : public testing::Test {
   }
 
  private:
-  /// Asks for a class; that property of what was committed.
+  /// Asks for a class, and returns that property of each committed instance.
   static std::vector<std::string> Collect(TTestHost& host, const char* className, const char* property) {
     TMonitorInfo(host.GetClass(className), TTestHost::Provider()).GetCIMInstances();
     std::vector<std::string> texts;

@@ -1,5 +1,5 @@
-// One life of the plug-in, from its load to its unload, in a host and over a video BIOS of which any call can be made
-// to fail: requests of all six classes over a machine with two heads on one card and two monitors.
+// Loads the plug-in, asks it, and unloads it, with a host and a video BIOS of which any call can be made to fail:
+// requests for all six classes of a machine with two heads on one card and two monitors.
 #pragma once
 
 #include <functional>
@@ -44,13 +44,13 @@ class TFaultySession {
     return std::make_shared<TVirtualVideoBios>(configuration);
   }
 
-  /// Called before each call of the host's, apart from those of its log; it may throw.
+  /// Called before each call of the host, except those of its log; it may throw.
   std::function<void(const std::string& call)> onHostCall;
 
-  /// Hears of each message of the requests to come when it is written; it may throw.
+  /// Called for each message of later requests as it is written; it may throw.
   std::function<void(const TLogEntry&)> onMessage;
 
-  /// Asks for all six classes in one call. Whatever escapes the plug-in passes through.
+  /// Asks for all six classes in one call. Exceptions that leave the plug-in pass through.
   void Ask() {
     m_host.Forget();
     m_host.log = TLog(onMessage);
@@ -62,7 +62,7 @@ class TFaultySession {
         .GetData(boost::make_shared<TWatchedNamespace>(m_watcher, m_host.store), classes);
   }
 
-  /// What was committed since this was asked last. Each instance counts once.
+  /// What was committed since the last call. Each instance counts once.
   std::set<TDescribed> TakeInstances() {
     std::set<TDescribed> instances;
     for (const auto& instance : m_host.store->TakeCommits()) instances.insert(Describe(*instance));

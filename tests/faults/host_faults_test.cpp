@@ -1,5 +1,5 @@
-// Every call that the plug-in makes to its host fails once, in each of three ways. Only what may escape does, the log
-// says what was lost, later classes are served, the next request is whole, and no object is kept.
+// Every call of the plug-in to its host fails once, in each of three ways. Only exceptions that may leave the plug-in
+// do, the log says what was lost, later classes are served, the next request is complete, and no object is kept.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -38,7 +38,7 @@ TPlace FindPlace(const std::string& call, const std::vector<TLogEntry>& log) {
   return place;
 }
 
-/// What the log says of a host's failure "lost" at a place, row by row the first that fits.
+/// What the log says of a host's failure "lost" at a place; the first row that fits counts.
 struct TComplaint {
   const char* classNames;  // those for which it is said; empty: all
   bool isGenerating;
@@ -64,7 +64,8 @@ const TComplaint kComplaints[] = {
     {"QRXSG_MonitorSetting", false, "",
      "Monitor association encountered an error\t\t\t\t\tenumerating CIM instances for QRXSG_DesktopMonitor OR "
      "QRXSG_MonitorResolution Error Code: lost"},
-    // A file is looked for elsewhere, a name of the system stays empty, a head loses its controllers: without a word.
+    // Without a message: a file is looked for elsewhere, a name of the system stays empty, a head loses its
+    // controllers.
     {"", false, "", nullptr},
 };
 
@@ -126,7 +127,7 @@ class HostFaults : public testing::Test {
     served = GetServedClasses(session.GetLog());
   }
 
-  /// Lets each call fail in turn. `expect` is asked for the complaints that belong to a failure at a place.
+  /// Makes each call fail in turn. `expect` gives the messages that belong to a failure at a place.
   template <typename TThrow, typename TExpect>
   void FailEachCall(TThrow raise, TExpect expect, bool (*isKept)(const TPlace& place)) {
     std::size_t failures = 0;

@@ -1,6 +1,7 @@
-// The plug-in and the LRMI calls on a real video BIOS: that of QEMU's standard VGA. Run inside the guest, as root.
+// Tests the plug-in and the LRMI calls on a real video BIOS, that of QEMU's standard VGA. Runs inside the guest, as
+// root.
 //
-// The environment tells what QEMU was told of the monitor: `width` and `height` in pixels.
+// The environment has what QEMU was told about the monitor: `width` and `height` in pixels.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/mman.h>
@@ -64,7 +65,7 @@ std::optional<TBytes> ReadBlock(std::uint32_t block) {
   return content;
 }
 
-/// All that the BIOS gives of unit 0.
+/// All blocks that the BIOS gives of unit 0.
 TBytes ReadBiosEdid() {
   TBytes edid;
   if (LRMI_init() != 1) throw std::runtime_error("LRMI_init fails");

@@ -1,4 +1,4 @@
-// The configuration is read once in the life of the loaded plug-in.
+// A loaded plug-in reads the configuration only once.
 #include <gmock/gmock.h>
 
 #include "tests/support/loaded_plugin.h"

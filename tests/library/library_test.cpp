@@ -1,4 +1,4 @@
-// The plug-in as a loaded library, over the LRMI calls and a virtual BIOS.
+// Tests the plug-in as a loaded library, with the LRMI calls and a virtual BIOS.
 #include <gmock/gmock.h>
 #include <pthread.h>
 

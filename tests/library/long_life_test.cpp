@@ -1,4 +1,4 @@
-// The plug-in in a host that runs for years: a hundred thousand requests, and ten thousand loads, leave nothing behind.
+// Tests the plug-in in a host that runs for years: a hundred thousand requests, and ten thousand loads, leak nothing.
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -47,7 +47,7 @@ boost::shared_ptr<ICIMClass> Named(const std::string& name) {
   return cimClass;
 }
 
-/// A collector that does as it is told.
+/// A collector whose behaviour the test sets.
 class TCollector : public TDisplay {
  public:
   explicit TCollector(std::function<std::vector<ICIMInstance*>()> answer)
@@ -131,7 +131,7 @@ TEST_F(Callbacks, LogTheirStartAndStopWithoutAProvider) {
 }
 
 TEST_F(Callbacks, DeleteThemselvesWhenTheHostUnloads) {
-  // That the memory is freed, too, is for the leak checker to see.
+  // The leak checker sees whether the memory is freed too.
   struct TWatched : TDisplayInfoCallbacks {
     explicit TWatched(bool& isDeleted) : m_isDeleted(isDeleted) {}
     ~TWatched() override { m_isDeleted = true; }

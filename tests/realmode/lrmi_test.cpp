@@ -13,7 +13,7 @@
 
 namespace {
 
-/// A BIOS that throws whatever is asked of it, from its start on or only afterwards.
+/// A BIOS that throws at every call, from its start on or only afterwards.
 class TThrowingBios : public IVideoBios {
  public:
   explicit TThrowingBios(bool startThrows) : m_startThrows(startThrows) {}

@@ -1,4 +1,5 @@
-// This machine's memory and I/O privilege, over a regular file and a privilege that the test grants or refuses.
+// Tests access to this machine's memory and I/O ports, with a regular file and a privilege that the test grants or
+// refuses.
 #include "realmode/physical_machine.h"
 
 #include <gtest/gtest.h>
@@ -23,8 +24,8 @@ constexpr int kInstruction = REG_RIP, kAx = REG_RAX, kDx = REG_RDX;
 constexpr int kInstruction = REG_EIP, kAx = REG_EAX, kDx = REG_EDX;
 #endif
 
-/// While it lives, the processor's refusals of IN and OUT, which this process has no privilege for, are noted, and the
-/// instruction is passed over: IN as if it had read ones.
+/// While it lives, notes when the processor refuses IN and OUT, for which this process has no privilege, and skips the
+/// instruction; IN reads all bits as 1.
 class TRefusedPorts {
  public:
   TRefusedPorts() {

@@ -125,7 +125,7 @@ TEST(RealModeMemoryBesideAnother, TakesItsOwnSizeOfTheAddressSpace) {
   EXPECT_EQ((countPages() - before) * static_cast<unsigned long>(sysconf(_SC_PAGESIZE)), TRealModeMemory::kSize);
 }
 
-// Whoever watches over the memory of a process does so there.
+// Code that watches the memory of a process does so by the new-handler.
 TEST(RealModeMemoryWithoutRoom, IsHeardOfByTheNewHandler) {
   if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer needs memory itself";
   static bool isHeard;

@@ -1,4 +1,4 @@
-// The emulated video BIOS, over a machine whose memory and ports are the test's. Its BIOSes are hand-assembled.
+// Tests the emulated video BIOS on a machine whose memory and ports the test provides. Its BIOSes are hand-assembled.
 #include "realmode/real_video_bios.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// A plug-in that asks for one file, by a path with dots, and has nothing else to say.
+// A plug-in that only asks for one file, by a path with dots.
 #include "tests/support/stand_in_plugin.h"
 
 using namespace NQRXZELT20;

@@ -1,4 +1,4 @@
-// A captured machine, written into a temporary folder piece by piece. It begins with a machine.json that says nothing.
+// Writes a captured machine into a temporary folder piece by piece. It begins with an empty machine.json.
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
-// How many files a test may have open.
+// Limits how many files a test may open.
 #pragma once
 
 #include <sys/resource.h>
 
-/// Lets this process open no descriptor of `count` and above until it is destroyed; then as many as before.
+/// While it lives, this process may only open descriptors below `count`; afterwards as many as before.
 class TDescriptorLimit {
  public:
   explicit TDescriptorLimit(rlim_t count) {

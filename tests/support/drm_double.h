@@ -1,4 +1,4 @@
-// A stand-in for libdrm that answers what a test tells it to. Loaded first, it is what the loader takes for libdrm.
+// A stand-in for libdrm that answers what a test tells it to. If it is loaded first, the loader takes it as libdrm.
 #pragma once
 
 #include <xf86drmMode.h>
@@ -7,7 +7,7 @@
 #include <map>
 #include <vector>
 
-/// What the driver of a card has, by its numbers. The library answers null for what is not in here.
+/// What the driver of a card has, by number. For everything else, the library returns null.
 struct TDrmDouble {
   bool hasResources = true;
   std::vector<std::uint32_t> listed;  // the connectors that the card says it has

@@ -1,4 +1,4 @@
-// Builds EDIDs (VESA Enhanced EDID standard, version 1) from what they are to say.
+// Builds EDIDs (VESA Enhanced EDID standard, version 1) from what they must say.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 #include "edid/layout.h"
 
-/// Starts with a valid base block that says as little as it can: version 1.3, no maker, no date, no size, no gamma,
+/// Starts with a valid base block that says as little as possible: version 1.3, no maker, no date, no size, no gamma,
 /// four dummy descriptors, no timings, no extensions. Build sets the checksums and the extension count.
 class TEdidBuilder {
  public:
@@ -34,7 +34,7 @@ class TEdidBuilder {
   /// Rates in kHz and Hz; `clock` in units of 10 MHz, 0xFF for none.
   TEdidBuilder& RangeLimits(unsigned int slot, unsigned int minVert, unsigned int maxVert, unsigned int minHoriz,
                             unsigned int maxHoriz, unsigned int clock);
-  /// 1280 x 1024 at 60 Hz, on a picture of the size that was set before, else of 338 x 270 mm.
+  /// 1280 x 1024 at 60 Hz, on a picture of the size that was set before, or else of 338 x 270 mm.
   TEdidBuilder& DetailedTiming(unsigned int slot, bool interlaced);
 
   /// The two bytes of established timings.
@@ -51,7 +51,7 @@ class TEdidBuilder {
   /// Appends a DisplayID extension, `version` such as 0x12 or 0x20, with these data blocks and the section's checksum.
   TEdidBuilder& DisplayId(unsigned int version, const std::vector<std::uint8_t>& dataBlocks);
 
-  /// Sets any byte, after all else; the checksums still come out right, unless this sets them.
+  /// Sets any byte, after everything else; the checksums are still right unless this sets them.
   TEdidBuilder& Byte(std::size_t offset, unsigned int value);
 
   std::vector<std::uint8_t> Build() const;

@@ -1,5 +1,4 @@
-// A library in the place of a plug-in, which ends its process when it is loaded over a machine that has the file
-// /fatal.
+// A library in place of a plug-in, which ends its process when it is loaded for a machine that has the file /fatal.
 #include <cstdlib>
 
 #include "host/services.h"

@@ -22,7 +22,7 @@ struct TLrmiDouble {
   bool initWorks = true;
   bool allocationWorks = true;
   std::map<unsigned int, std::vector<std::uint8_t>> edids;  // whole blocks by unit; others answer AX = 0x014F
-  /// When set, answers an interrupt instead of the EDIDs: the result, with `registers` and `block` to fill.
+  /// If set, answers an interrupt instead of the EDIDs: returns the result, and fills `registers` and `block`.
   std::function<int(LRMI_regs& registers, std::uint8_t* block)> interrupt;
 
   // What was seen: "init", "ioperm 0 1024 1", "iopl 3", "alloc 128", "int 10 unit 0 block 0", "free", "deInit".

@@ -125,7 +125,8 @@ constexpr const char* kResolutions[] = {"1024x768", "1280x1024", "1680x1050", "1
 constexpr const char* kPaths[] = {"root/etc/X11/xorg.conf", "root/etc/X11/xorg.conf", "root/etc/X11/xorg.conf",
                                   "root/etc/X11/XF86Config-4", "root/etc/X11/XF86Config"};
 
-/// The numbers of one machine. The standard's distributions differ between libraries; the engine does not.
+/// The random numbers of a machine. Not by the standard's distributions, which differ between libraries; the engine
+/// does not.
 class TDice {
  public:
   TDice(std::uint32_t seed, std::uint32_t number) {
@@ -204,7 +205,7 @@ unsigned int CountMonitors(TDice& dice) {
   return percent < 97 ? 2 : 3;
 }
 
-// What a broken machine has instead of something good.
+// What a broken machine has instead of something right.
 struct TFault {
   const char* file;
   std::string content;

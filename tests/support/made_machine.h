@@ -1,4 +1,4 @@
-// Captured machines by the thousand, made up: for trying a fleet, its tests and its figures.
+// Makes up captured machines by the thousand, for trying, testing and measuring a fleet.
 #pragma once
 
 #include <cstdint>

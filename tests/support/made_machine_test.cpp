@@ -13,7 +13,7 @@ namespace {
 
 class MadeMachine : public testing::Test {
  protected:
-  /// Everything that stands in it.
+  /// Everything in it.
   std::string Make(std::uint32_t seed, std::uint32_t number) const {
     const TTemporaryFolder machine;
     WriteMadeMachine(seed, number, machine.GetPath() / "m");

@@ -1,5 +1,5 @@
 // make_edids examples|rich FOLDER: writes EDIDs below the folder, those of the example machines (see
-// tools/make-example-edids) or those that have much to say.
+// tools/make-example-edids) or those with as much as possible in them.
 #include <filesystem>
 #include <fstream>
 #include <iostream>

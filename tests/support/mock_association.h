@@ -1,5 +1,5 @@
-// A host whose every object is a double, for the association passes: it answers only when an operation gets the context
-// that it should, and fails where a test wants it to.
+// A host made only of doubles, for the association passes. It answers only if an operation gets the right context, and
+// fails where a test wants it to.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@ class TMockAssociation {
   boost::shared_ptr<testing::StrictMock<TMockClass>> first;
   boost::shared_ptr<testing::StrictMock<TMockClass>> second;
 
-  /// Two classes by name, each with the property that its instances are asked for.
+  /// Makes two classes by name, each with the property that its instances are asked for.
   TMockAssociation(const std::string& firstClass, const std::string& firstProperty, const std::string& secondClass,
                    const std::string& secondProperty);
   ~TMockAssociation();

@@ -1,4 +1,4 @@
-// Doubles of the host's CIM objects, for what a well-behaved store never does.
+// Doubles of the host's CIM objects, for behaviour that a real store never has.
 #pragma once
 
 #include <gmock/gmock.h>

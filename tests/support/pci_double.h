@@ -1,4 +1,4 @@
-// A stand-in for libpci that answers what a test tells it to. Loaded first, it is what the loader takes for libpci.
+// A stand-in for libpci that answers what a test tells it to. If it is loaded first, the loader takes it as libpci.
 #pragma once
 
 #include <map>

@@ -1,4 +1,4 @@
-// Which monitors and modes the EDIDs of a video BIOS hold, by plain rules: tests compare the monitor classes with them.
+// Finds the monitors and modes in a video BIOS's EDIDs by plain rules; tests compare the monitor classes with them.
 #pragma once
 
 #include <algorithm>
@@ -16,7 +16,7 @@ class TPlainMonitors {
 
   /// `edids`: whole blocks by unit.
   explicit TPlainMonitors(const std::map<unsigned int, TEdid>& edids) {
-    // Up to a unit without one, or one whose base block is that of the unit before.
+    // Up to a unit without an EDID, or one whose base block equals that of the unit before.
     for (const auto& [unit, edid] : edids) {
       if (unit != m_walked.size() || edid.empty()) break;
       if (!m_walked.empty() && std::equal(edid.begin(), edid.begin() + 128, m_walked.back().begin())) break;
@@ -24,7 +24,7 @@ class TPlainMonitors {
     }
   }
 
-  /// Of the monitors: up to the first invalid EDID.
+  /// The units of monitors: up to the first invalid EDID.
   TTexts GetDeviceIds() const {
     TTexts ids;
     for (const TEdid& edid : m_walked) {
@@ -34,7 +34,7 @@ class TPlainMonitors {
     return ids;
   }
 
-  /// Of the modes: one for each established and standard timing.
+  /// The units of modes: one for each established and standard timing.
   TTexts GetSettingIds() const {
     TTexts ids;
     for (std::size_t unit = 0; unit < m_walked.size(); ++unit) {

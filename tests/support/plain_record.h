@@ -1,4 +1,4 @@
-// What is kept of a section, read in a plain way: tests compare the section reader with it.
+// Reads the record of a section in a plain way; tests compare the section reader with it.
 #pragma once
 
 #include <map>
@@ -7,7 +7,7 @@
 
 #include "plugin/xconfig/xconfig.h"
 
-/// A record as the rules put it: the text's lines one after another, each parted at a blank or an earlier tab.
+/// A record exactly as the rules say: from the text line by line, each split at a blank or an earlier tab.
 inline SectionRecord ReadRecordPlainly(const std::string& text, const std::vector<std::string>& keys) {
   SectionRecord record;
   std::map<std::string, int> numbers;

@@ -1,4 +1,4 @@
-// Runs a command as a shell would, and takes what it writes.
+// Runs a command in a shell, and returns what it writes.
 #pragma once
 
 #include <sys/wait.h>

@@ -1,4 +1,4 @@
-// What this process holds of the system, to see that nothing is left behind.
+// Counts the system resources that this process holds, to check that nothing leaks.
 #pragma once
 
 #include <cstddef>
@@ -31,8 +31,8 @@ struct TProcessResources {
   }
 };
 
-/// Runs `round` `warmUp` times and then `rounds` times, and expects that no resource has grown. If each round kept one
-/// page, that would be ten times what is tolerated.
+/// Runs `round` `warmUp` times and then `rounds` times, and expects that no resource has grown. The tolerance is a
+/// tenth of one page for each round.
 template <typename TRound>
 void ExpectNothingLeftBehind(TRound round, std::size_t warmUp = 1000, std::size_t rounds = 10000) {
   for (std::size_t count = 0; count < warmUp; ++count) round();

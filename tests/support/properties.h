@@ -1,4 +1,4 @@
-// Whole sets of properties as text, so that a test compares all of them at once and a difference reads well.
+// Writes whole sets of properties as text, so that a test compares all of them at once and a difference is readable.
 #pragma once
 
 #include <map>

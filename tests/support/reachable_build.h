@@ -1,5 +1,5 @@
-// The command in a place that every user can reach. A test that root runs as another user needs it: the build may lie
-// in a folder of mode 0700, as /root is.
+// Copies the command to a place that every user can reach, for tests that root runs as another user: the build may be
+// in a folder of mode 0700, such as /root.
 #pragma once
 
 #include <filesystem>

@@ -36,13 +36,13 @@ inline std::string ReadStatus(pid_t process, const std::string& name) {
   return std::string();
 }
 
-/// Whether that signal is in the set: "SigCgt" are those that the process handles, "SigIgn" those that it ignores.
+/// True if that signal is in the set: "SigCgt" are those that the process handles, "SigIgn" those that it ignores.
 inline bool HasSignal(pid_t process, const std::string& set, int signal) {
   const std::string text = ReadStatus(process, set);
   return !text.empty() && (std::stoull(text, nullptr, 16) >> (signal - 1) & 1) != 0;
 }
 
-/// Ended, even if nobody has waited for it yet.
+/// True if the process has ended, even if nobody has waited for it yet.
 inline bool HasEnded(pid_t process) {
   const std::string state = ReadStatus(process, "State");
   return state.empty() || state[0] == 'Z' || state[0] == 'X';
@@ -82,7 +82,7 @@ class TRunningProcess {
 
   std::vector<pid_t> GetChildren() const { return ::GetChildren(m_process); }
 
-  /// How it ended, as waitpid tells; -1 when it does not end.
+  /// How it ended, as waitpid tells; -1 if it does not end.
   int Wait() {
     int status = -1;
     if (!WaitUntil([&] { return waitpid(m_process, &status, WNOHANG) == m_process; })) return -1;

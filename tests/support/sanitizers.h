@@ -1,4 +1,4 @@
-// Whether the tests run under a sanitizer, which changes what some of them measure.
+// Says whether the tests run under a sanitizer, which changes what some of them measure.
 #pragma once
 
 #ifndef __has_feature

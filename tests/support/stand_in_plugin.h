@@ -1,4 +1,4 @@
-// What every library in the place of a plug-in needs: a plug-in that answers requests with nothing.
+// The base of every library that stands in for the plug-in: a plug-in that answers requests with nothing.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// A folder for one test, gone afterwards.
+// A folder for one test, which removes itself.
 #pragma once
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// A pseudo-terminal, for what a command shows only there.
+// A pseudo-terminal, for what a command shows only on a terminal.
 #pragma once
 
 #include <fcntl.h>

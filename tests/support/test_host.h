@@ -1,4 +1,4 @@
-// A host for tests: the static services over data that the test sets, with every call recorded and any made to fail.
+// A host for tests: the static services with data that the test sets. Records every call, and can make any call fail.
 #pragma once
 
 #include <boost/make_shared.hpp>
@@ -50,7 +50,7 @@ class TTestHost : public IHostServices {
   std::vector<std::string> calls;  // such as "FileExists /etc/X11/xorg.conf"; log accesses are left out
   TLog log;
 
-  /// Forgets what was seen, so that any number of requests needs the memory of one.
+  /// Forgets what was seen, so that many requests need no more memory than one.
   void Forget() {
     calls.clear();
     log = TLog();

@@ -1,10 +1,10 @@
-// The time zone of a test.
+// Sets the time zone of a test.
 #pragma once
 
 #include <cstdlib>
 #include <ctime>
 
-/// Sets the time zone until it is destroyed; then the machine's own is back.
+/// Sets the time zone while it lives, and restores the machine's own afterwards.
 class TTimeZone {
  public:
   explicit TTimeZone(const char* zone) {

@@ -1,5 +1,5 @@
-// A library in the place of a plug-in that makes the trouble which the machine's files ask for: while it is loaded, or
-// when it is asked for a class.
+// The trouble plug-in: a library in place of the plug-in that makes the trouble for which the machine's files ask,
+// while it is loaded or when it is asked for a class.
 #include <unistd.h>
 
 #include <csignal>
@@ -17,7 +17,7 @@ namespace {
 
 bool IsAskedFor(const char* trouble) { return TOSSpecific::FileExists(trouble); }
 
-/// Takes memory until it runs out, and ignores that, as a plug-in that catches every exception.
+/// Takes memory until it runs out, and ignores that, like a plug-in that catches every exception.
 void TakeAllMemory() try {
   std::vector<std::unique_ptr<char[]>> taken;
   while (true) taken.emplace_back(new char[std::size_t{16} * 1024 * 1024]);
@@ -30,7 +30,7 @@ void TakeAllMemory() try {
   while (true) pause();
 }
 
-/// Until a signal comes. That SIGUSR1 is ignored shows that it waits.
+/// Waits for a signal. It ignores SIGUSR1 to show that it waits.
 void Wait() {
   std::signal(SIGUSR1, SIG_IGN);
   pause();

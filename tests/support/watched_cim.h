@@ -1,5 +1,5 @@
-// A CIM model that wraps another one: a watcher hears of every call before it is handed on, and may throw instead. Its
-// objects are counted, so that a reference that was kept shows.
+// A CIM model that wraps another one. A watcher is told of every call before it is passed on, and may throw instead.
+// The objects are counted, so that kept references show.
 #pragma once
 
 #include <boost/make_shared.hpp>

@@ -10,7 +10,7 @@ namespace {
 
 typedef std::vector<std::string> TSteps;
 
-/// What the rules of a made-up document do with the text, step by step, and last the message of a failure.
+/// What the rules of a made-up document do with the text, step by step, and at the end the message of a failure.
 TSteps Read(const std::string& text, EUnexpected unexpected = EUnexpected::kUnknownSkipped, bool isLine = false) {
   TJsonReader reader({"x.json", "test", "write it anew", isLine}, unexpected);
   TSteps steps;

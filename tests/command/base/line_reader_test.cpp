@@ -16,7 +16,7 @@ class LineReader : public testing::Test {
     return TLineReader::Open(folder.GetPath() / "file", longest, longLine, "write it anew");
   }
 
-  /// A text, and what is special of it.
+  /// A text, and what is special about it.
   static std::string Describe(const std::optional<TLine>& line) {
     return !line ? "nothing" : line->text + (line->hasEnd ? "" : " (without end)");
   }

@@ -14,7 +14,7 @@ using testing::ExitedWithCode;
 
 namespace {
 
-/// Ends the test's process: with 0 if that is true.
+/// Ends the test's process, with status 0 if `isTrue`.
 [[noreturn]] void EndWith(bool isTrue) { _exit(isTrue ? 0 : 1); }
 
 class RootPrivileges : public testing::Test {

@@ -18,7 +18,7 @@ std::string Replacements(int count) {
   return text;
 }
 
-/// A form of a character in the table of RFC 3629: the range of each of its bytes.
+/// A row of RFC 3629's table of characters: the range of each byte.
 typedef std::vector<std::pair<unsigned char, unsigned char>> TForm;
 
 const TForm kForms[] = {{{0x00, 0x7F}},

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// What is wrong with the text; empty when nothing is.
+/// What is wrong with the text; empty if nothing is.
 std::string Judge(const std::string& text) try {
   static_cast<void>(ReadXml(text));
   return "";

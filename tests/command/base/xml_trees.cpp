@@ -1,5 +1,5 @@
-// xml_trees FILE...: a line of JSON for each file: its tree, [name, [[attribute, value]...], text, [child...]], or what
-// is wrong with it, as a text.
+// xml_trees FILE...: prints a line of JSON for each file: its tree, [name, [[attribute, value]...], text, [child...]],
+// or a text that says what is wrong with it.
 #include <fstream>
 #include <iostream>
 #include <iterator>

@@ -1,4 +1,4 @@
-// Machines written down, and collected from again.
+// Writes machines down, and collects from them again.
 #include "command/capture/capture.h"
 
 #include <gmock/gmock.h>
@@ -177,7 +177,7 @@ TEST_F(Capture, SaysOnceThatNothingMoreIsReadOfTheMachine) {
   }
 }
 
-// The time limit and Ctrl-C, which take effect when the capture has gone.
+// The time limit and Ctrl-C, which take effect after the capture has been removed.
 TEST_F(Capture, IsNotLeftInPartByASignal) {
   const TCapture capture = MakeCapture(ReadCapturedMachine(live.GetPath()), PLUGIN_FILE, target, false);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGXCPU, SIGALRM}) {
@@ -254,7 +254,7 @@ TEST_F(Capture, NamesTheFilesThatHoldWhatWasReplacedElsewhere) {
 }
 
 TEST_F(Capture, IsRefusedWhenFillersWouldChangeMoreThanSerialNumbers) {
-  // Bytes after the end of a blank serial number are all that tells these two apart.
+  // These two differ only in bytes after the end of a blank serial number.
   const auto make = [](unsigned int byte) { return TEdidBuilder().Serial(3, " ").Byte(108 + 17, byte).Build(); };
   live.Edid(0, make('a')).Edid(1, make('b'));
   try {

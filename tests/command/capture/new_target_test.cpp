@@ -1,4 +1,4 @@
-// What a capture makes, while somebody else exchanges what lies around it.
+// Makes captures while somebody else replaces folders and files around them.
 #include "command/capture/new_target.h"
 
 #include <gmock/gmock.h>
@@ -33,7 +33,7 @@ class NewTarget : public testing::Test {
     }
   }
 
-  /// Puts a link to a folder of somebody else into the place of that one.
+  /// Replaces that folder by a link to somebody else's.
   void Exchange(const fs::path& path) const {
     fs::rename(path, path.string() + "-moved");
     fs::create_directory_symlink(victim, path);
@@ -146,7 +146,7 @@ TEST_F(NewTarget, RemovesAFileFromTheFolderThatItWentInto) {
 
 namespace {
 
-/// Files may have that many bytes at most, as on a disk that is full.
+/// Limits files to that many bytes, as a full disk does.
 class TFileLimit {
  public:
   explicit TFileLimit(rlim_t size) {

@@ -6,10 +6,10 @@ namespace {
 
 typedef std::function<void()> TWake;
 
-/// A keeper whose collections are counted, whose clock stands, and whose alarm the test rings.
+/// A keeper whose collections are counted, and whose clock and alarm the test controls.
 class AnswerKeeper : public testing::Test {
  protected:
-  /// Appends what it tells, once it does: the reason of a failure, or "instances", with a space.
+  /// Asks, and appends what is told once it is: the reason of a failure, or "instances", and a space.
   void Ask(std::string& told) {
     m_keeper.Ask(
         {[&told](const TCollected& collected) { told += (collected.model ? "instances" : collected.failure) + " "; },
@@ -33,7 +33,7 @@ class AnswerKeeper : public testing::Test {
     wake();
   }
 
-  /// An answer that is too old, and the next collection under way.
+  /// Makes an answer that is too old, and begins the next collection.
   void MakeOld() {
     m_keeper.Start();
     m_keeper.Put(MakeModel());

@@ -1,4 +1,4 @@
-// An answer of two monitors with a mode each, in the JSON that the server takes its instances from.
+// Makes an answer of two monitors with a mode each, in the JSON from which the server takes its instances.
 #pragma once
 
 #include <algorithm>

@@ -59,7 +59,7 @@ std::string CallForText(const std::string& operation, const TGiven& parameters) 
   return answer.substr(first, answer.find("</IRETURNVALUE>") - first);
 }
 
-/// The DeviceID or SettingID of each of the objects named.
+/// The DeviceID or SettingID of each named object.
 std::vector<std::string> ListKeys(const ptree& names) {
   std::vector<std::string> keys;
   for (const auto& name : names) {
@@ -299,7 +299,7 @@ namespace {
 /// A client that opens and pulls.
 class Pulling : public testing::Test {
  protected:
-  /// The answer, whose context is kept.
+  /// Returns the answer and keeps its context.
   ptree Ask(const std::string& operation, const TGiven& parameters, const std::string& nameSpace = "root/cimv2") {
     TCimRequest request = MakeRequest(operation, parameters);
     request.nameSpace = nameSpace;

@@ -19,7 +19,7 @@ TParameterValue ReadValue(const std::string& value) {
   return ReadCimRequest(MakeRequest("<IPARAMVALUE NAME=\"P\">" + value + "</IPARAMVALUE>")).parameters.at(0).second;
 }
 
-/// "400 request-not-valid"; empty when the request is taken.
+/// "400 request-not-valid"; empty if the request is accepted.
 std::string Refuse(const std::string& text) try {
   ReadCimRequest(text);
   return "";

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::seconds kLong(60);
 
-/// What the collection comes to.
+/// The result of the collection.
 TCollected Collect(TCollectingWorker& worker) {
   if (auto failed = worker.Begin()) return std::move(*failed);
   while (true) {

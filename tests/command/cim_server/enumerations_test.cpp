@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Enumerations whose clock the test turns.
+/// Enumerations whose clock the test sets.
 class Enumerations : public testing::Test {
  protected:
   static TEnumeration Make(std::size_t size = 1) {

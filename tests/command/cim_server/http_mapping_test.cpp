@@ -11,7 +11,7 @@ const std::string kBody =
 
 typedef std::vector<std::pair<std::string, std::string>> THeaders;
 
-/// "400 unsupported-operation"; empty when the request is taken.
+/// "400 unsupported-operation"; empty if the request is accepted.
 std::string Refuse(const std::string& method, const THeaders& headers, const std::string& body = kBody) try {
   ReadHttpRequest({method, headers, body});
   return "";

@@ -18,7 +18,7 @@ namespace {
 
 const std::string kRequest = "POST / HTTP/1.1\r\nHost: here\r\nContent-Length: 2\r\n\r\nhi";
 
-/// Connects to the server, and reads until it closes the connection.
+/// A client that connects to the server.
 class TClient {
  public:
   explicit TClient(unsigned short port) : m_socket(socket(AF_INET, SOCK_STREAM, 0)) {
@@ -36,7 +36,7 @@ class TClient {
 
   void EndSending() { shutdown(m_socket.Get(), SHUT_WR); }
 
-  /// What comes until the server closes the connection.
+  /// Everything that comes until the server closes the connection.
   std::string ReadAll() { return ReadUntil(""); }
 
   /// What comes until it ends with `end`.

@@ -66,7 +66,7 @@ TEST_F(Collection, TellsWhoseAnswerItIs) {
 
 TEST_F(Collection, TellsNoTimeThatACaptureDoesNotSay) { EXPECT_EQ(Run({}).identity.collected, ""); }
 
-/// Has no file, and notes which were asked for.
+/// Files of which none exists; notes which were asked for.
 class TAskedFiles : public IMachineFiles {
  public:
   bool Exists(const std::string& path) const override {
@@ -81,7 +81,7 @@ class TAskedFiles : public IMachineFiles {
   mutable std::vector<std::string> m_asked;
 };
 
-// What makes a configuration when there is no file of one must know every file that there could be.
+// The code that makes a configuration if no file exists must know every file that could exist.
 TEST_F(Collection, AsksForTheConfigurationsWhoseAbsenceMakesOneOfTheKernel) {
   const auto asked = std::make_shared<TAskedFiles>();
   const TXconfigFiles kernel(asked, EXconfigSource::kAuto, [] { return "made"; });
@@ -120,7 +120,7 @@ TEST_F(Collection, RemarksOnOutputsThatAreNotListedOnlyWhereMonitorsAreAskedFor)
   EXPECT_THAT(list("QRXSG_MonitorResolution"), ElementsAre(HasSubstr(ofDamage), ofTwin));
 }
 
-// The command says of each output what the plug-in does with it, without asking it.
+// Without asking the plug-in, the command says what it does with each output.
 TEST_F(Collection, ListsTheMonitorsThatTheOutputsSay) {
   const char* const machines[] = {"{}",
                                   R"({"bios": {"ignoresUnit": true}})",

@@ -28,7 +28,7 @@ TVirtualBiosConfiguration MakeBios(const std::vector<std::vector<std::uint8_t>>&
   return bios;
 }
 
-/// A captured machine without a configuration, with that BIOS.
+/// A captured machine with that BIOS and without a configuration.
 TMachine MakeMachine(const TVirtualBiosConfiguration& bios) {
   TMachine machine = ReadCapturedMachine(TCapturedMachineBuilder().GetPath());
   machine.bios = std::make_shared<TVirtualVideoBios>(bios);
@@ -44,7 +44,7 @@ std::vector<TOutput> Ask(const TMachine& machine, const TRequest& request = {"QR
   return outputs;
 }
 
-/// Of each output its device id, or the reason why it has none.
+/// The device id of each output, or the reason why it has none.
 std::vector<std::string> Describe(const std::vector<TOutput>& outputs) {
   std::vector<std::string> texts;
   for (const TOutput& output : outputs) {
@@ -228,7 +228,7 @@ TEST(Outputs, HaveTheIdOfTheirModesEvenWhereOnlyThoseWereAskedFor) {
   EXPECT_EQ(both[2].modesId, "");
 }
 
-// The plug-in's own dates, in a time zone with daylight saving: each of them is recognised.
+// Each of the plug-in's own dates is recognised, even in a time zone with daylight saving.
 TEST(Outputs, AreJoinedWhateverTheDate) {
   const TTimeZone zone("Europe/Berlin");
   for (unsigned int week = 0; week <= 256; week += week < 56 ? 1 : 50) {
@@ -243,7 +243,8 @@ namespace {
 
 class JoinedOutput : public TAnswerTest {
  protected:
-  /// Of a machine with one EDID, which says every fact, and an answer with one monitor, whose properties are given.
+  /// The output of a machine with one EDID, which has every fact, and of an answer with one monitor, whose properties
+  /// are given.
   std::string Join(const TValues& values) {
     Commit("QRXSG_DesktopMonitor", values);
     EndRequest({"QRXSG_DesktopMonitor"});

@@ -21,7 +21,7 @@ std::string MakeConfiguration(const std::string& depth, const std::string& modes
          "\"\n  EndSubSection\nEndSection\n";
 }
 
-/// What the plug-in answers for a machine with an EDID and that configuration.
+/// The plug-in's answer for a machine with an EDID and that configuration.
 TRequestAnswer AskPlugin(const TRequest& request, const std::string& configuration = "") {
   const TCapturedMachineBuilder machine;
   machine.Edid(0, TEdidBuilder().Established(1, 0).Build()).File("root/etc/X11/xorg.conf", configuration);

@@ -1,4 +1,4 @@
-// Why a part of the answer is empty: for each cause a machine that has it, and what the plug-in then answers.
+// Tests each cause of an empty part with a machine that has it, and with the plug-in's answer for that machine.
 #include "command/collection/reasons.h"
 
 #include <gmock/gmock.h>

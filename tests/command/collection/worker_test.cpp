@@ -17,7 +17,7 @@ constexpr std::chrono::seconds kTimeout(60);
 
 TMachineLine Echo(const std::string& machine) { return {machine + "\n", machine.empty()}; }
 
-/// Waits for the next line; nothing when the worker dies before.
+/// Waits for the next line; nothing if the worker dies before.
 std::optional<std::pair<std::size_t, TMachineLine>> Wait(TWorker& worker) {
   bool isAlive = true;
   while (true) {
@@ -269,7 +269,7 @@ TEST(Worker, MayEndWithALineInTheMidstOfItsWork) {
   EXPECT_EQ(worker.GetTasks().front().machine, "b");
 }
 
-// The worker waits for its line to be taken, and this process hands over machines all the same.
+// This process hands over machines even while the worker waits for its line to be taken.
 TEST(Worker, TakesTheLongestNamesWhileItsLineIsNotTaken) {
   const std::string name(4096, 'x');
   TWorker worker(

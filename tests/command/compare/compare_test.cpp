@@ -1,4 +1,4 @@
-// displayinfo compare as its users run it.
+// Runs displayinfo compare as its users do.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
@@ -22,7 +22,7 @@ std::vector<std::uint8_t> MakeFlat(unsigned int timings) {
   return TEdidBuilder().Manufacturer("ACM").Name(0, "Flat").Serial(1, "S3").Established(timings, 0).Build();
 }
 
-/// A configuration of one card whose screen is that many lines high.
+/// A configuration with one card whose screen has that many lines.
 std::string MakeConfiguration(const std::string& board, const std::string& mode) {
   return "Section \"Device\"\n  Identifier \"Card0\"\n  BoardName \"" + board +
          "\"\n  BusID \"PCI:1:0:0\"\nEndSection\nSection \"Screen\"\n  Identifier \"Screen0\"\n  Device \"Card0\"\n"

@@ -1,4 +1,4 @@
-// Answers to compare, made of what matters in them.
+// Makes answers for comparisons, with only what matters there.
 #pragma once
 
 #include <cstdint>
@@ -66,7 +66,7 @@ class TAnswerBuilder {
   TReadAnswer m_answer;
 };
 
-/// The EDID of a monitor of the maker ACM that says its name and, where they are given, its serial numbers.
+/// The EDID of a monitor of the maker ACM with its name and, if they are given, its serial numbers.
 inline std::vector<std::uint8_t> MakeEdid(const std::string& name, const std::string& serial, unsigned int number = 0) {
   TEdidBuilder edid;
   edid.Manufacturer("ACM").Name(0, name);

@@ -15,7 +15,7 @@ const std::vector<std::uint8_t> kLeft = MakeEdid("A190", "S1");
 const std::vector<std::uint8_t> kRight = MakeEdid("A190", "S2");
 const std::vector<std::uint8_t> kNameless = MakeEdid("", "");
 
-/// "changed Gamma 2.2 2.4", a line each.
+/// "changed Gamma 2.2 2.4", a line for each change.
 template <typename TDevice>
 std::vector<std::string> List(const std::vector<TDeviceDifference<TDevice>>& differences) {
   std::vector<std::string> lines;
@@ -42,7 +42,7 @@ std::vector<std::string> CompareControllers(const TAnswerBuilder& before, const 
   return List(Compare(before.Build(), after.Build()).controllers);
 }
 
-/// A monitor at a connector, and the mode that this is set to.
+/// A monitor at a connector, and the connector's mode.
 struct TConnected {
   const char* connector;
   std::vector<std::uint8_t> edid;

@@ -23,7 +23,7 @@ TMachineFacts MakeMachine(const std::vector<std::string>& serials) {
   return answer.Build();
 }
 
-/// What is told of a fleet: "S1: 0 to 1" for a move, "S1: gone from 0" and "S1: came to 1" for the rest.
+/// The report about a fleet: "S1: 0 to 1" for a move, otherwise "S1: gone from 0" and "S1: came to 1".
 class TTold {
  public:
   TTold(const TFleet& before, const TFleet& after) {

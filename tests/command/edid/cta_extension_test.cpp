@@ -79,7 +79,7 @@ TEST(CtaExtension, TellsSpeakersAndColorimetry) {
 }
 
 TEST(CtaExtension, EndsWhereItsBytesDo) {
-  // A data block that says that it has 31 bytes, in an extension whose last byte before the checksum it is.
+  // A data block that claims to have 31 bytes, but begins at the last byte before the checksum.
   std::vector<std::uint8_t> blocks(122, 0);
   blocks.push_back(0x5F);
   EXPECT_THAT(WriteModes(TEdidBuilder().Cta(blocks).Byte(edid::kBlockSize + 2, 255)), IsEmpty());

@@ -15,7 +15,7 @@ std::vector<std::string> WriteDisplayIdModes(const std::vector<std::uint8_t>& da
   return WriteModes(TEdidBuilder().DisplayId(0x12, dataBlocks));
 }
 
-/// 1920 x 1080 of 2200 x 1125 in 20 bytes; 148.5 MHz in units of 10 kHz.
+/// 1920 x 1080 within 2200 x 1125, in 20 bytes; 148.5 MHz in units of 10 kHz.
 const std::vector<std::uint8_t> kTypeI = {0x03, 0x00, 20,   0x01, 0x3A, 0x00, 0x04, 0x7F, 0x07, 0x17, 0x01, 0x57,
                                           0x00, 0x2B, 0x00, 0x37, 0x04, 0x2C, 0x00, 0x03, 0x00, 0x04, 0x00};
 

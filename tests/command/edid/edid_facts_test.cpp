@@ -10,10 +10,10 @@ using testing::Optional;
 
 namespace {
 
-/// The 18 bytes of a detailed timing: 4K at 59.997 Hz, as a DisplayPort monitor of 2019 has it.
+/// The 18 bytes of a detailed timing: 4K at 59.997 Hz, from a DisplayPort monitor of 2019.
 constexpr std::uint8_t k4K[] = {0x4D, 0xD0, 0x00, 0xA0, 0xF0, 0x70, 0x3E, 0x80, 0x30,
                                 0x20, 0x35, 0x00, 0x55, 0x50, 0x21, 0x00, 0x00, 0x1A};
-/// 1920 by 1080 in two fields of 540 lines, 50 fields a second (CTA-861, video code 20).
+/// 1920 x 1080 in two fields of 540 lines, 50 fields per second (CTA-861, video code 20).
 constexpr std::uint8_t k1080i50[] = {0x01, 0x1D, 0x80, 0xD0, 0x72, 0x1C, 0x16, 0x20, 0x10,
                                      0x2C, 0x25, 0x80, 0x55, 0x50, 0x21, 0x00, 0x00, 0x9E};
 

@@ -22,7 +22,7 @@ std::string Replace(std::string edid) {
 
 TEdidBuilder Plain() { return TEdidBuilder().Name(2, "Acme A190"); }
 
-/// The sums of the blocks' bytes, as a checksum sees them.
+/// The sum of each block's bytes, modulo 256.
 std::vector<unsigned int> GetSums(const std::string& edid) {
   std::vector<unsigned int> sums;
   for (std::size_t block = 0; block < edid.size(); block += 128) {

@@ -1,4 +1,4 @@
-// What an EDID says, as texts that a test compares whole.
+// Writes what an EDID says as texts, which a test compares as a whole.
 #pragma once
 
 #include <cstdint>

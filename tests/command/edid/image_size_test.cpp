@@ -6,7 +6,7 @@ using testing::Optional;
 
 namespace {
 
-/// With a first timing of 1280 x 1024 that gives these millimetres.
+/// A builder whose first timing, 1280 x 1024, gives these millimetres.
 TEdidBuilder WithMillimetres(unsigned int width, unsigned int height) {
   const std::size_t timing = edid::kDescriptors[0];
   return TEdidBuilder()

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The serial number, where it comes from, and the other one.
+/// The serial number, where it comes from, and the alternative one.
 std::string Find(const std::string& maker, unsigned int productCode, std::optional<std::uint32_t> number,
                  const std::string& text) {
   const std::optional<TSerial> serial = FindSerial(maker, productCode, number, text);

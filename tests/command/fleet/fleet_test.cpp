@@ -1,4 +1,4 @@
-// Many machines, as the users of the command ask for them.
+// Asks many machines as the command's users do.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/ioctl.h>
@@ -76,7 +76,7 @@ class Fleet : public testing::Test {
     return Run("--machines - " + arguments + " <list");
   }
 
-  /// A machine over which the plug-in that makes trouble makes this one.
+  /// A machine that asks the trouble plug-in for this trouble.
   void MakeTrouble(const std::string& trouble) const { folder.Write(trouble + "/root/" + trouble, ""); }
 
   /// The text in its lines that says why the machines failed; empty for those that did not.
@@ -93,7 +93,7 @@ class Fleet : public testing::Test {
     return std::string(std::istreambuf_iterator<char>(stream), {});
   }
 
-  /// The line of shell that becomes the command, in the folder of the machines.
+  /// The line of shell that runs the command in the folder of the machines.
   std::string Exec(const std::string& arguments) const {
     return "cd " + folder.GetPath().string() + " && exec " + kCommand + " " + arguments;
   }
@@ -133,7 +133,7 @@ class InterruptedFleet : public Fleet {
     if (!WaitUntil(isWaiting)) throw std::runtime_error("the worker does not wait");
   }
 
-  /// The run ended as that signal ends it, and left no word of the machine at which it was.
+  /// Expects that the run ended by that signal, and left no line of the machine that it was asking.
   void ExpectNoVerdict(int signal) {
     const int status = run->Wait();
     ASSERT_TRUE(WIFEXITED(status)) << "it was killed";
@@ -293,7 +293,7 @@ TEST_F(Fleet, LosesOneMachineWithAWorkerThatDies) {
   EXPECT_EQ(result.status, 1);
   const std::vector<std::string> lines = SplitLines(result.output);
   ASSERT_EQ(lines.size(), 3U);
-  // That plug-in registers none, which the other machines' lines say.
+  // That library registers no plug-in, which the lines of the other machines say.
   EXPECT_THAT(lines[0], HasSubstr("{\"machine\":\"m1\",\"error\":\"m1: " FATAL_PLUGIN_FILE ": registered 0"));
   EXPECT_EQ(lines[1],
             "{\"machine\":\"fatal\",\"error\":\"fatal: the process that collected from it was ended by signal 6 "
@@ -396,7 +396,7 @@ TEST_F(Fleet, EndsWithAWholeLineWhenItsFileMayNotGrow) {
   EXPECT_EQ(cut, whole.substr(0, cut.size()));
 }
 
-// A reader that takes nothing keeps the first from ending the line.
+// A reader that reads nothing keeps the first signal from taking effect.
 TEST_F(Fleet, IsKilledByTheSecondInterruption) {
   ASSERT_EQ(mkfifo(GetPath("out").c_str(), 0600), 0);
   const TDescriptor reader(open(GetPath("out").c_str(), O_RDWR | O_CLOEXEC));
@@ -496,7 +496,7 @@ TEST_F(Fleet, HoldsNoMoreThanTheLinesItMayWhenAnEarlierOneIsMissing) {
   const auto isAsleep = [](pid_t process) { return ReadStatus(process, "State")[0] == 'S'; };
   const auto areStuck = [&] {
     const std::vector<pid_t> workers = run.GetChildren();
-    // Each of the workers but one has used the memory of a long line, and now waits for it to be taken.
+    // All workers except one have used the memory of a long line, and now wait for it to be taken.
     return workers.size() == 6 && isAsleep(run.GetId()) && std::all_of(workers.begin(), workers.end(), isAsleep) &&
            std::count_if(workers.begin(), workers.end(),
                          [](pid_t worker) { return GetPeakMemory(worker) > 48 * 1024; }) >= 4;

@@ -39,7 +39,7 @@ class MachineList : public testing::Test {
   TTemporaryFolder folder;
 };
 
-/// Makes a descriptor, which it takes over, the standard input for as long as it lives; -1 closes it.
+/// Makes a descriptor, which it then owns, the standard input while it lives; -1 closes standard input.
 class TStandardInput {
  public:
   explicit TStandardInput(int descriptor) : m_before(dup(STDIN_FILENO)) {

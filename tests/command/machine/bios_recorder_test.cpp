@@ -15,7 +15,7 @@ class TFailingBios : public IVideoBios {
   void Stop() override {}
 };
 
-/// The registers of VBE/DDC's function to read a block of an EDID.
+/// The registers for VBE/DDC's function that reads a block of an EDID.
 LRMI_regs AskForEdid(unsigned int unit, unsigned int block) {
   LRMI_regs registers = {};
   registers.eax = 0x4F15;

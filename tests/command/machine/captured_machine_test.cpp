@@ -25,7 +25,7 @@ namespace {
 
 constexpr const char* kNoFile = "is not a regular file inside the machine's folder";
 
-/// What `call` gives when a user without privileges makes it, whom permissions stop.
+/// The result of `call` for a user without privileges, to whom permissions apply.
 std::string AsNobody(const std::function<std::string()>& call) {
   constexpr uid_t nobody = 65534;
   const uid_t user = geteuid();
@@ -66,7 +66,7 @@ class CapturedMachine : public testing::Test {
     return GetFailure();
   }
 
-  /// What the machine's BIOS does: "-" for a call that fails, else AX in hexadecimal.
+  /// What the machine's BIOS does: "-" for a call that fails, otherwise AX in hexadecimal.
   std::string CallBios(unsigned int unit, unsigned int block) const {
     ChooseVideoBios(Read().bios);
     if (LRMI_init() == 0) return "no BIOS";

@@ -1,4 +1,4 @@
-// The kernel's graphics cards, in a made-up folder that looks as /sys/class/drm does.
+// Reads the kernel's graphics cards from a made-up folder that looks like /sys/class/drm.
 #include "command/machine/drm_cards.h"
 
 #include <gmock/gmock.h>
@@ -24,7 +24,7 @@ namespace {
 
 class DrmCards : public testing::Test {
  protected:
-  /// A card on the PCI bus, or on another when the address is no PCI address.
+  /// A card on the PCI bus, or on another bus if the address is no PCI address.
   void AddCard(const std::string& name, const std::string& address) const {
     sys.Write("devices/" + address + "/vendor", "0x1af4\n");
     sys.Write("devices/" + address + "/device", "0x1050\n");
@@ -32,7 +32,7 @@ class DrmCards : public testing::Test {
     fs::create_directory_symlink(sys.GetPath() / "devices" / address, sys.GetPath() / "drm" / name / "device");
   }
 
-  /// `power`: what the connector's files "enabled" and "dpms" say.
+  /// `power`: the content of the connector's files "enabled" and "dpms".
   void SetPower(const std::string& connector, const std::string& power) const {
     sys.Write("drm/" + connector + "/enabled", power.substr(0, power.find(' ')) + "\n");
     sys.Write("drm/" + connector + "/dpms", power.substr(power.find(' ') + 1) + "\n");
@@ -83,8 +83,8 @@ TBytes MakeEdid(std::uint8_t extensions, std::size_t blocks, std::uint8_t filler
   return bytes;
 }
 
-/// A file of the kernel's that shows a page at once, and another content each time it is read from its beginning; at
-/// last it stays.
+/// A kernel file that gives a page per read, and other content each time it is read from its beginning, until the last,
+/// which stays.
 class TFile {
  public:
   explicit TFile(const TBytes& first, const std::vector<TBytes>& later = {}) : m_contents({first}) {
@@ -277,7 +277,7 @@ TEST_F(DrmCards, AreReadWholeOrNotAtAllWhenFilesCannotBeOpened) {
   }
 }
 
-// What becomes of the reads of an output's EDID: their sizes, their failures, and EDIDs that change meanwhile.
+// How an output's EDID is read: sizes, failures, and EDIDs that change meanwhile.
 
 TEST(DrmEdid, IsReadAtOnceWhenItHasItsBlocks) {
   TFile file(MakeEdid(1, 2));

@@ -1,4 +1,4 @@
-// What can be asked of a graphics card's device, as far as that needs no card.
+// Asks a graphics card's device, as far as that is possible without a card.
 #include "command/machine/drm_device.h"
 
 #include <gmock/gmock.h>

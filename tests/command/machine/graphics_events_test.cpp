@@ -1,4 +1,5 @@
-// Whose events are believed, and which tell of the graphics. Events of a kernel are met in a guest: tests/guest.
+// Tests whose events are believed, and which of them are about graphics. Guests test a real kernel's events:
+// tests/guest.
 #include "command/machine/graphics_events.h"
 
 #include <gmock/gmock.h>

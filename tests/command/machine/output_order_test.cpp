@@ -28,7 +28,7 @@ std::string Order(const std::string& letters) {
   return ordered;
 }
 
-/// How many the plug-in lists of them: all before the first that repeats the one before.
+/// How many of them the plug-in lists: all before the first that repeats the one before it.
 std::size_t CountListed(const std::string& ordered) {
   for (std::size_t index = 1; index < ordered.size(); ++index) {
     if (ordered[index] == ordered[index - 1]) return index;
@@ -61,7 +61,7 @@ TEST(OutputOrder, PutsEdidsLastThatThePlugInDoesNotRead) {
 
 TEST(OutputOrder, LeavesOutOutputsWithoutAnEdid) { EXPECT_EQ(Order("-A-"), "A"); }
 
-// An EDID that stands n times needs n - 1 others between.
+// n equal EDIDs need n - 1 others between them.
 TEST(OutputOrder, ListsAsManyAsCanBeForEveryRowOfUpToSevenOutputs) {
   for (std::size_t size = 1; size <= 7; ++size) {
     const auto rows = static_cast<std::size_t>(std::pow(3, size));

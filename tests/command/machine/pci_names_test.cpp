@@ -17,7 +17,7 @@ using testing::StartsWith;
 
 namespace {
 
-/// What the error says; empty without one.
+/// The message of the error; empty if there is none.
 std::string GetError(const std::function<void()>& call) try {
   call();
   return std::string();
@@ -25,7 +25,7 @@ std::string GetError(const std::function<void()>& call) try {
   return failure.what();
 }
 
-/// Names from a library that the test speaks for.
+/// Names from the test's stand-in for the library.
 class ForeignPciNames : public testing::Test {
  protected:
   ForeignPciNames() { pci = TPciDouble(); }
@@ -95,7 +95,7 @@ TEST(PciNames, AreNumbersWhereTheLibraryIsAnotherVersion) {
   EXPECT_EQ(names.GetVendor(0x8086), "0x8086");
 }
 
-// What is known depends on the machine's database; numbers that no maker has are known nowhere.
+// Which names are known depends on the machine's database; numbers that no maker has are unknown everywhere.
 TEST(PciNames, AreTheNumbersOfWhatTheDatabaseDoesNotKnow) {
   const TPciNames names;
   EXPECT_EQ(names.GetVendor(0xFFF0), "0xfff0");

@@ -1,4 +1,4 @@
-// Look-ups in a folder, with every rule for links.
+// Looks up files in a folder, with every rule for links.
 #include "command/machine/rooted_folder.h"
 
 #include <fcntl.h>
@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// What lies where: inside/ is the folder, with files, folders and links.
+/// A tree of files, folders and links; inside/ is the folder that is looked up in.
 class RootedFolder : public testing::Test {
  protected:
   RootedFolder() {
@@ -57,7 +57,7 @@ class RootedFolder : public testing::Test {
   TTemporaryFolder folder;
 };
 
-/// From now on this process, as in a sandbox, gets `error` from openat2.
+/// Makes openat2 fail with `error` in this process from now on, as a sandbox may.
 void ForbidOpenat2(int error) {
   sock_filter filter[] = {
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
@@ -71,7 +71,7 @@ void ForbidOpenat2(int error) {
   }
 }
 
-/// Why the look-up fails while this process may open no more files.
+/// Why the look-up fails if this process may open no more files.
 template <typename TLook>
 std::string LookWithoutDescriptors(const TLook& look) {
   const TDescriptorLimit none(0);

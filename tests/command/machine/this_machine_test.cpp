@@ -1,4 +1,4 @@
-// Where this machine's EDIDs and its X server's configuration come from, over made-up folders of the kernel's.
+// Tests where this machine's EDIDs and X configuration come from, with made-up folders of the kernel.
 #include "command/machine/this_machine.h"
 
 #include <gmock/gmock.h>

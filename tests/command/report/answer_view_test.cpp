@@ -7,7 +7,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Of the model 7 of the maker 1, without anything else.
+/// An EDID of model 7 of maker 1, without anything else.
 TOutput MakeOutput(unsigned int unit, const std::string& connector) {
   TEdidFacts facts;
   facts.isVersion1 = true;

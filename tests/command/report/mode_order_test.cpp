@@ -31,7 +31,7 @@ class ModeOrder : public TAnswerTest {
   static TListedMode MakeListed(const TEdidMode& mode) { return {mode, EModeSource::Detailed, EYcbcr420::No}; }
 };
 
-/// With a "+" after the preferred one, and a "=" after those of the answer.
+/// The modes as texts, with a "+" after the preferred one and a "=" after those of the answer.
 std::vector<std::string> Write(const std::vector<TShownMode>& modes) {
   std::vector<std::string> texts;
   for (const TShownMode& mode : modes) {

@@ -24,7 +24,7 @@ class MonitorFacts : public TAnswerTest {
     return TInstanceView(*answer.requests.back().instances.back());
   }
 
-  /// Every fact, to compare at once.
+  /// Every fact, to compare all at once.
   static std::vector<std::string> List(const TMonitorFacts& f) {
     return {f.makerCode, f.makerName, f.model, f.serialNumber, f.productCode, f.made,       f.year,
             f.size,      f.diagonal,  f.input, f.lineRate,     f.fieldRate,   f.pixelClock, f.preferredMode};
@@ -113,7 +113,7 @@ TEST_F(MonitorFacts, HaveNoSizeOfWhichOneSideIsMissing) {
 
 namespace {
 
-/// Of a modern monitor, as far as reports show it.
+/// Facts of a modern monitor that reports show.
 TEdidFacts MakeModernFacts() {
   TEdidFacts facts;
   facts.isVersion1 = true;

@@ -20,7 +20,7 @@ class TextReport : public TAnswerTest {
  protected:
   TextReport() { answer.identity = {"ws-17", "2026-11-21T21:30:00Z", "1.4.0"}; }
 
-  /// What follows the lines that say whose report it is.
+  /// The report after its first lines, which name the machine.
   std::string Make(const TRequest& classes, const std::vector<TLogEntry>& log = {}) {
     EndRequest(classes, log);
     return MakeBody();

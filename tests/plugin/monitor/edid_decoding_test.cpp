@@ -17,7 +17,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// What every valid EDID gives, however little it says.
+/// The properties that every valid EDID gives, however little it says.
 const TDescribed kAlways = {
     {"DPMSActiveOff", "boolean false"}, {"DPMSStandby", "boolean false"},    {"DPMSSuspend", "boolean false"},
     {"EDIDVersion", "real32 1.3"},      {"OperationalStatus", "uint16[] 2"}, {"StatusDescriptions", "string[] OK"},
@@ -106,7 +106,7 @@ TEST_F(EdidDecoding, GivesAllPropertiesOfARichEdid) {
 }
 
 TEST_F(EdidDecoding, ReadsAnEdidWrittenOutInBytes) {
-  // Byte by byte, apart from the layout that the builder shares with the decoder.
+  // Written byte by byte, without the layout that the builder shares with the decoder.
   edid::TBuffer buffer = {
       0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00,              // header
       0x06, 0xAF, 0x21, 0x43, 0x67, 0x45, 0x23, 0x01,              // AUO, product, serial number

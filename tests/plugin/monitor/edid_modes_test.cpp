@@ -23,7 +23,7 @@ std::vector<std::string> Decode(const TEdidBuilder& builder) {
   return modes;
 }
 
-/// The mode of a standard timing as the rules put it, with the lines shifted and divided as they say.
+/// The mode of a standard timing, calculated exactly as the rules say.
 std::vector<std::string> DecodePlainly(unsigned int first, unsigned int second) {
   if (first == 0 || first == 1) return {};
   const unsigned int width = first * 8 + 248;

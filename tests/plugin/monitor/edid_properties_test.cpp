@@ -35,7 +35,7 @@ std::string DecodeTextOf(const std::string& bytes) {
   return DecodeText(descriptor.data());
 }
 
-/// The date that many days after 1 January, counted off month by month.
+/// The date that many days after 1 January, counted month by month.
 std::string CountDays(unsigned int year, unsigned int days) {
   const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
   const unsigned int lengths[] = {31, isLeap ? 29U : 28U, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};

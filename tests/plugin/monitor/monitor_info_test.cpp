@@ -66,7 +66,7 @@ std::vector<std::uint8_t> Invalid(const std::string& name) {
   return TEdidBuilder().Name(0, name).Established(1, 0).Version(2, 0).Build();
 }
 
-/// Where the walk for monitors and the walk for resolutions end, and where they differ.
+/// Tests where the walks for monitors and for resolutions end, and where they differ.
 class UnitWalk : public testing::Test {
  protected:
   TTestHost host;
@@ -241,7 +241,7 @@ TEST_F(DesktopMonitors, CarryNothingFromOneMonitorToTheNext) {
 }
 
 TEST_F(DesktopMonitors, ReadEachUnitIntoAZeroedBuffer) {
-  // Unit 0 fills block 1, which unit 1 promises and does not have: its digital interface must not be unit 0's.
+  // Unit 0 has block 1; unit 1 promises one but has none. Its digital interface must not be unit 0's.
   lrmi.edids = {{0, Named("A").Extension({0x40, 0x01, 0x05}).Extension({0x40, 0x01, 0x05}).Build()},
                 {1, Named("B").Extension({0x02}).Byte(126, 2).Build()}};
   Collect();

@@ -33,7 +33,7 @@ class ScreenValues : public testing::Test {
   }
 };
 
-/// What the rules say that a mode gives, and what they log, followed step by step.
+/// What a mode gives and what is logged, by following the rules step by step.
 struct TPlainMode {
   TDescribed properties = {{"CurrentBitsPerPixel", "uint32 24"}};
   std::vector<TLogEntry> log;

@@ -18,7 +18,7 @@ const std::vector<std::string> kDeviceKeys = {"Identifier", "Chipset",   "Ramdac
                                               "VendorName", "BoardName", "BusID"};
 const std::vector<std::string> kScreenKeys = {"Identifier", "Device", "Monitor", "DefaultDepth", "Depth", "Modes"};
 
-/// The sections as the rules put it: for each start all ends are collected anew, and the first decides.
+/// The sections exactly as the rules say: for each start, all ends are collected again, and the first one counts.
 TRecords ReadPlainly(const std::string& text, const char* startPattern, const std::vector<std::string>& keys) {
   TRecords records;
   for (const unsigned int start : TXConfig::GetRegEx(text, 0, startPattern)) {

@@ -1,4 +1,4 @@
-// Files of other programs, as texts in each form.
+// Reads files of other programs, as texts in each form.
 #include "command/machine/forms/forms.h"
 
 #include <gmock/gmock.h>

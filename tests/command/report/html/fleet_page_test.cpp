@@ -125,7 +125,7 @@ TEST_F(FleetPage, SaysWhichSerialNumbersSeveralMachinesHave) {
     monitor.facts.serialNumber = serial;
     return monitor;
   };
-  // Another model may have the same number, and one machine two monitors that only their connectors tell apart.
+  // Another model may have the same number, and a machine may have two monitors that differ only in their connectors.
   Add("a", {makeMonitor("ACM-1-S1", "S1"), makeMonitor("ACM-1-S1", "S1"), makeMonitor("", "")});
   Add("b", {makeMonitor("ACM-2-S1", "S1"), makeMonitor("ACM-2-S1", "S1"), makeMonitor("", "")});
   Add("c", {makeMonitor("ACM-1-S1", "S1"), makeMonitor("", "")});

@@ -74,7 +74,7 @@ class HtmlReport : public TAnswerTest {
     answer.outputs = {{0, "card0-DP-1", "Monitor 1", "", facts, {}}};
   }
 
-  /// What the pattern's first group, or these groups, take, from each place of the page that it matches.
+  /// The text of the pattern's first group, or of these groups, for each match in the page.
   static std::vector<std::string> FindAll(const std::string& page, const std::string& pattern,
                                           const std::vector<int>& groups = {1}) {
     const std::regex regex(pattern);
@@ -522,7 +522,7 @@ TEST(HtmlStyle, HasEnoughContrastInBothSchemes) {
       for (const char* ground : {"paper", "panel"}) {
         const double first = colours.at(text).at(scheme);
         const double second = colours.at(ground).at(scheme);
-        // What WCAG 2 asks at level AA of text that is not large.
+        // The contrast that WCAG 2 requires at level AA for text that is not large.
         EXPECT_GE((std::max(first, second) + 0.05) / (std::min(first, second) + 0.05), 4.5) << text << " on " << ground;
       }
     }
