@@ -88,16 +88,17 @@ constexpr std::array<std::size_t, 4> kDescriptors = {54, 72, 90, 108};
 constexpr std::size_t kDescriptorSize = 18;  // bytes
 
 // A detailed timing [3.10.2]. Its numbers of 12 bits have their low eight in a byte of their own.
-constexpr std::size_t kPixelClock = 0;      // two bytes, the lower first, in 10 kHz; 0 in a display descriptor
-constexpr std::size_t kActiveWidth = 2;     // pixels
-constexpr std::size_t kBlankWidth = 3;      // pixels
-constexpr std::size_t kWidthHighBits = 4;   // of the active width in its upper half, of the blank one in its lower
-constexpr std::size_t kActiveHeight = 5;    // lines, of one field when it is interlaced
-constexpr std::size_t kBlankHeight = 6;     // lines
-constexpr std::size_t kHeightHighBits = 7;  // as those of the widths
-constexpr std::size_t kImageWidth = 12;     // mm
-constexpr std::size_t kImageHeight = 13;    // mm
-constexpr std::size_t kImageHighBits = 14;  // as those of the widths
+constexpr std::size_t kPixelClock = 0;         // two bytes, the lower first, in 10 kHz; 0 in a display descriptor
+constexpr unsigned int kMinPixelClock = 1000;  // in the same unit: what is slower is no timing
+constexpr std::size_t kActiveWidth = 2;        // pixels
+constexpr std::size_t kBlankWidth = 3;         // pixels
+constexpr std::size_t kWidthHighBits = 4;      // of the active width in its upper half, of the blank one in its lower
+constexpr std::size_t kActiveHeight = 5;       // lines, of one field when it is interlaced
+constexpr std::size_t kBlankHeight = 6;        // lines
+constexpr std::size_t kHeightHighBits = 7;     // as those of the widths
+constexpr std::size_t kImageWidth = 12;        // mm
+constexpr std::size_t kImageHeight = 13;       // mm
+constexpr std::size_t kImageHighBits = 14;     // as those of the widths
 constexpr std::size_t kTimingFlags = 17;
 constexpr unsigned char kInterlaced = 0x80;
 

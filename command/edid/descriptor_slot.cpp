@@ -19,9 +19,11 @@ unsigned int ReadLowerHalf(TBytes slot, std::size_t low, std::size_t high) {
   return slot[low] | (slot[high] & 0x0FU) << 8;
 }
 
-/// True for a slot of one byte repeated, which would read as 4095 x 8190 or 1 x 1.
+/// True for a slot of one byte repeated (it would read as 4095 x 8190), or with a clock too slow for any monitor (such
+/// as 1 x 1 at 38.609 Hz).
 bool IsFiller(TBytes slot) {
-  return std::all_of(slot.begin(), slot.end(), [&](std::uint8_t byte) { return byte == slot[0]; });
+  return slot.Number(edid::kPixelClock, 2) < edid::kMinPixelClock ||
+         std::all_of(slot.begin(), slot.end(), [&](std::uint8_t byte) { return byte == slot[0]; });
 }
 
 TDetailedTiming ReadTiming(TBytes slot) {

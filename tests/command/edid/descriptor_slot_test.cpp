@@ -32,10 +32,9 @@ TEST(DescriptorSlot, OfOneByteAllOverIsNoTiming) {
   }
 }
 
-TEST(DescriptorSlot, OfASmallPanelIsATiming) {
-  const std::vector<unsigned int> panel = {0x84, 3,    0xE0, 45, 0x10, 0x10, 16, 0x10, 2,
-                                           41,   0x2A, 0,    95, 54,   0,    0,  0,    0x18};
-  EXPECT_THAT(WriteModes(WithSlot(panel)), ElementsAre("480x272@59.524 detailed"));
+TEST(DescriptorSlot, OfAClockThatNoMonitorHasIsNoTiming) {
+  const TEdidBuilder slow = TEdidBuilder().DetailedTiming(0, false).Byte(edid::kDescriptors[0] + 1, 3);
+  EXPECT_THAT(WriteModes(slow), IsEmpty());
 }
 
 TEST(DescriptorSlot, RaisesLimitsSinceRevisionFour) {
