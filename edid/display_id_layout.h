@@ -100,6 +100,7 @@ constexpr unsigned int kDmtCodes = 0;
 constexpr unsigned int kVicCodes = 1;
 constexpr unsigned int kHdmiCodes = 2;
 constexpr unsigned int kTwoByteCodes = 0x08;
+constexpr unsigned int kCodesYcbcr420 = 0x20;  // of type VIII: with YCbCr 4:2:0 sampling too
 
 // Timings as bits of codes [4.4.7, 4.4.8].
 constexpr std::size_t kDmtBitCount = 80;
@@ -119,8 +120,11 @@ constexpr std::size_t kTypeIXRate = 5;
 constexpr unsigned int kTypeXSizeShift = 4;  // of the revision: how many bytes a timing has beyond those of type IX
 constexpr unsigned int kTypeXSizeBits = 0x07;
 constexpr unsigned int kTypeXRateBits = 0x3FF;
-constexpr std::size_t kTypeXBlank = 6;  // what version 3 of reduced blanking adds
-constexpr unsigned int kWideBlank = 0x10;
+constexpr std::size_t kTypeXBlank = 6;        // what version 3 of reduced blanking adds
+constexpr unsigned int kTypeXVariant = 0x10;  // in version 2 of reduced blanking for video, in version 3 a wide blank
+constexpr unsigned int kNarrowBlanks[] = {80, 88, 96, 104, 112, 120, 128, 136};   // pixels, by three bits
+constexpr unsigned int kWideBlanks[] = {160, 168, 176, 184, 192, 200, 152, 144};  // pixels
+constexpr unsigned int kTypeXYcbcr420 = 0x80;                                     // with YCbCr 4:2:0 sampling too
 
 // Timings of type VI [4.4.6], 14 bytes each, or 17 with a size of the picture.
 constexpr std::size_t kTypeVISize = 14;

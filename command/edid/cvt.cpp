@@ -74,8 +74,8 @@ TEdidMode MakeReduced(const TCvtRequest& request) {
   if (linePeriod <= 0) return {};
   const double blankHeight = std::max(std::floor(blanking.minBlankTime / linePeriod) + 1, blanking.minBlankHeight);
   const double totalHeight = request.height + blankHeight;
-  const double steps =
-      request.refresh * totalHeight * (width + blanking.blankWidth) / kMicroseconds / blanking.clockStep;
+  const double refresh = request.isForVideo ? request.refresh * 1000 / 1001 : request.refresh;
+  const double steps = refresh * totalHeight * (width + blanking.blankWidth) / kMicroseconds / blanking.clockStep;
   const double clock = (blanking.isClockRoundedUp ? std::ceil(steps) : std::floor(steps)) * blanking.clockStep;
   return MakeMode(request.width, request.height, clock * 1000, request.width + blanking.blankWidth, totalHeight, false);
 }

@@ -11,6 +11,7 @@ struct TCvtRequest {
   unsigned int height;  // lines
   double refresh;       // Hz
   EBlanking blanking;
+  bool isForVideo = false;  // only for reduced blanking: the clock is that of 1000/1001 of `refresh`
   // Only for version 3 of reduced blanking:
   unsigned int blankWidth = 80;     // pixels
   unsigned int minBlankTime = 460;  // microseconds

@@ -84,28 +84,35 @@ TEdidMode ReadTypeIX(TBytes timing) {
   return MakeCvtMode(request);
 }
 
-/// Version 3 of reduced blanking may add pixels to the blank, or take them from a wide one.
+/// Version 3 of reduced blanking may have a wider blank, and one that lasts longer.
 TEdidMode ReadTypeX(TBytes timing) {
-  constexpr unsigned int wide = 160;  // pixels
-  constexpr unsigned int pixels = 8;  // per step
-  constexpr unsigned int steps = 7;
-  constexpr unsigned int microseconds = 35;  // per step
+  constexpr unsigned int microseconds = 35;  // of a step
   const bool hasLongRate = timing.GetSize() > displayid::kTypeIXSize;
   const unsigned int rate =
       timing.Number(displayid::kTypeIXRate, 2) & (hasLongRate ? displayid::kTypeXRateBits : 0xFFU);
   TCvtRequest request = ReadCvtRequest(timing, rate + 1);
   const unsigned int blank = timing[displayid::kTypeXBlank];
-  const unsigned int addedWidth = (blank >> 2 & steps) * pixels;
-  request.blankWidth += addedWidth;
-  if ((timing[0] & displayid::kWideBlank) != 0) request.blankWidth = wide - addedWidth;
+  const bool hasVariant = (timing[0] & displayid::kTypeXVariant) != 0;
+  const auto& widths = hasVariant ? displayid::kWideBlanks : displayid::kNarrowBlanks;
+  request.isForVideo = hasVariant && request.blanking == EBlanking::Reduced2;
+  request.blankWidth = widths[blank >> 2 & (std::size(widths) - 1)];
   request.minBlankTime += (blank >> 5) * microseconds;
   return MakeCvtMode(request);
 }
 
-/// Consecutive timings of `size` bytes each.
-void ReadEach(TBytes payload, std::size_t size, TEdidMode (*read)(TBytes timing), TEdidDraft& draft) {
+/// Adds a mode, once more for YCbCr 4:2:0 where it works with that too.
+template <typename TMode>
+void Add(const TMode& mode, bool hasYcbcr420, TEdidDraft& draft) {
+  draft.modes.Add(mode, EModeSource::DisplayId);
+  if (hasYcbcr420) draft.modes.Add(mode, EModeSource::DisplayId, ESampling::Ycbcr420);
+}
+
+/// Consecutive timings of `size` bytes each. `ycbcr420`: the bit of the first byte that stands for that sampling, 0
+/// where none does.
+void ReadEach(TBytes payload, std::size_t size, TEdidMode (*read)(TBytes timing), TEdidDraft& draft,
+              unsigned int ycbcr420 = 0) {
   for (; payload.GetSize() >= size; payload = payload.From(size)) {
-    draft.modes.Add(read(payload.Part(0, size)), EModeSource::DisplayId);
+    Add(read(payload.Part(0, size)), (payload[0] & ycbcr420) != 0, draft);
   }
 }
 
@@ -133,7 +140,7 @@ const edid::TTiming* FindByCode(unsigned int revision, unsigned int code) {
 
 void ReadCodes(unsigned int revision, std::size_t size, TBytes payload, TEdidDraft& draft) {
   for (; payload.GetSize() >= size; payload = payload.From(size)) {
-    draft.modes.Add(FindByCode(revision, payload.Number(0, size)), EModeSource::DisplayId);
+    Add(FindByCode(revision, payload.Number(0, size)), (revision & displayid::kCodesYcbcr420) != 0, draft);
   }
 }
 
@@ -173,7 +180,7 @@ void ReadDisplayIdTimings(unsigned int tag, unsigned int revision, TBytes payloa
     case displayid::kTagTypeX:
       return ReadEach(payload,
                       displayid::kTypeIXSize + (revision >> displayid::kTypeXSizeShift & displayid::kTypeXSizeBits),
-                      ReadTypeX, draft);
+                      ReadTypeX, draft, displayid::kTypeXYcbcr420);
     default:
       return;
   }

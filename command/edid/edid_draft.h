@@ -56,6 +56,7 @@ struct TEdidDraft {
   std::vector<unsigned char> videoCodes;
   std::bitset<std::size_t{8} * edid::cta::kSizeBits> ycbcr420Map;
 
+  std::size_t fixedRateLink = 0;            // code of facts.hdmi's, the fastest of all blocks
   std::optional<ERangeSource> rangeSource;  // of facts.refreshRange
 
   THdr& Hdr() { return facts.hdr ? *facts.hdr : facts.hdr.emplace(); }

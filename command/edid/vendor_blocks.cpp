@@ -21,8 +21,10 @@ void ReadHdmiVideo(TBytes payload, TEdidDraft& draft) {
   const unsigned int fields = payload[cta::kHdmiFields];
   if ((fields & cta::kHdmiHasVideo) == 0) return;
   std::size_t position = cta::kHdmiFields + 1;
-  if ((fields & cta::kHdmiHasLatency) != 0) position += cta::kLatencySize;
-  if ((fields & cta::kHdmiHasInterlacedLatency) != 0) position += cta::kLatencySize;
+  const bool hasLatency = (fields & cta::kHdmiHasLatency) != 0;
+  if (hasLatency) position += cta::kLatencySize;
+  // Those of interlaced video exist only after the others.
+  if (hasLatency && (fields & cta::kHdmiHasInterlacedLatency) != 0) position += cta::kLatencySize;
   const TBytes video = payload.From(position);
   const std::size_t count = video[cta::kHdmiVideoCodeCount] >> cta::kHdmiVideoCodeShift;
   for (const std::uint8_t code : video.Part(cta::kHdmiVideoCodes, count)) {
@@ -37,6 +39,7 @@ void ReadHdmi(TBytes payload, TEdidDraft& draft) {
     const bool isKnown = std::count(hdmi.deepColourBits.begin(), hdmi.deepColourBits.end(), colour.bits) != 0;
     if ((payload[cta::kHdmiColour] & colour.bit) != 0 && !isKnown) hdmi.deepColourBits.push_back(colour.bits);
   }
+  std::sort(hdmi.deepColourBits.begin(), hdmi.deepColourBits.end());
   ReadHdmiVideo(payload, draft);
 }
 
@@ -93,11 +96,14 @@ void ReadForumBlock(TBytes payload, TEdidDraft& draft) {
   THdmi& hdmi = draft.Hdmi();
   RaiseMaxTmds(payload[cta::kForumMaxTmds] * cta::kTmdsUnit, hdmi);
   const std::size_t link = payload[cta::kForumLink] >> cta::kForumLinkShift;
-  if (link < std::size(cta::kFixedRateLinks)) hdmi.fixedRateLink = cta::kFixedRateLinks[link];
+  if (link < std::size(cta::kFixedRateLinks)) draft.fixedRateLink = std::max(draft.fixedRateLink, link);
+  hdmi.fixedRateLink = cta::kFixedRateLinks[draft.fixedRateLink];
   hdmi.hasCompression = hdmi.hasCompression || (payload[cta::kForumDsc] & cta::kForumDscBit) != 0;
   const unsigned int min = payload[cta::kForumVrrMin];
   const unsigned int upperBits = min & ~cta::kForumVrrMinBits;
-  draft.OfferRange(ERangeSource::Hdmi, min & cta::kForumVrrMinBits, payload[cta::kForumVrrMax] | upperBits << 2);
+  // A block that ends before the lower bits says nothing of the upper end.
+  const unsigned int max = payload.GetSize() > cta::kForumVrrMax ? payload[cta::kForumVrrMax] | upperBits << 2 : 0;
+  draft.OfferRange(ERangeSource::Hdmi, min & cta::kForumVrrMinBits, max);
 }
 
 void ReadHdrStatic(TBytes payload, TEdidDraft& draft) {

@@ -72,6 +72,29 @@ TEST(DisplayId, DeclaresTimingsOfTypeX) {
               ElementsAre("1920x1080@480.083 displayid"));
 }
 
+TEST(DisplayId, DeclaresTimingsOfTypeXForVideo) {
+  EXPECT_THAT(WriteDisplayIdModes({0x2A, 0x10, 7, 0x12, 0x7F, 0x07, 0x37, 0x04, 0x77, 0x00}),
+              ElementsAre("1920x1080@119.88 displayid"));
+}
+
+TEST(DisplayId, DeclaresTimingsOfTypeXWithAWideBlank) {
+  const auto write = [](unsigned char blank) {
+    return WriteDisplayIdModes(
+        {0x2A, 0x10, 7, 0x13, 0x7F, 0x07, 0x37, 0x04, 0x3B, static_cast<std::uint8_t>(blank << 2)});
+  };
+  EXPECT_THAT(write(0), ElementsAre("1920x1080@60.042 displayid"));
+  EXPECT_THAT(write(5), ElementsAre("1920x1080@60.077 displayid"));
+  EXPECT_THAT(write(6), ElementsAre("1920x1080@60.057 displayid"));
+  EXPECT_THAT(write(7), ElementsAre("1920x1080@60.071 displayid"));
+}
+
+TEST(DisplayId, TellsWhichTimingsOfTypesVIIIAndXWorkWithYcbcr420Too) {
+  EXPECT_THAT(WriteDisplayIdModes({0x23, 0x20, 1, 0x10}), ElementsAre("1024x768@60.004 displayid, 4:2:0 too"));
+  EXPECT_THAT(WriteDisplayIdModes({0x2A, 0x10, 14, 0x83, 0x7F, 0x07, 0x37, 0x04, 0xDF, 0x01,  //
+                                   0x02, 0xFF, 0x04, 0xCF, 0x02, 0x3B, 0x00}),
+              ElementsAre("1920x1080@480.083 displayid, 4:2:0 too", "1280x720@59.999 displayid"));
+}
+
 TEST(DisplayId, MayHaveDataBlocksOfCta) {
   EXPECT_THAT(WriteDisplayIdModes({0x81, 0, 2, 0x41, 97}), ElementsAre("3840x2160@60 vic"));
 }

@@ -42,6 +42,27 @@ TEST(VendorBlocks, TellTheFasterLinkOfHdmiForum) {
   }
 }
 
+TEST(VendorBlocks, TellTheFastestLinkOfAllBlocksOfHdmiForum) {
+  std::vector<std::uint8_t> other = kForum;
+  for (const std::uint8_t link : std::vector<std::uint8_t>{0x00, 0x30, 0xF0}) {
+    other[7] = link;
+    for (const auto& blocks : {Join(kForum, other), Join(other, kForum)}) {
+      EXPECT_STREQ(ReadBlocks(blocks).hdmi->fixedRateLink, "4 lanes at 12 Gbps");
+    }
+  }
+}
+
+TEST(VendorBlocks, TellTheDepthsOfSeveralBlocksInAscendingOrder) {
+  std::vector<std::uint8_t> deepest = kHdmi;
+  deepest[6] = 0x40;
+  EXPECT_THAT(ReadBlocks(Join(deepest, kHdmi)).hdmi->deepColourBits, ElementsAre(10, 12, 16));
+}
+
+TEST(VendorBlocks, HaveNoLatencyOfInterlacedVideoWithoutThatOfOtherVideo) {
+  EXPECT_THAT(WriteModes(TEdidBuilder().Cta({0x6C, 0x03, 0x0C, 0x00, 0x10, 0x00, 0x00, 60, 0x60, 0, 0x40, 1, 4})),
+              ElementsAre("4096x2160@24 hdmi vic", "3840x2160@30 hdmi vic"));
+}
+
 TEST(VendorBlocks, TellTheModesOfHdmiAfterItsLatencies) {
   EXPECT_THAT(WriteModes(TEdidBuilder().Cta({0x6E, 0x03, 0x0C, 0x00, 0x10, 0x00, 0x00, 60, 0xA0, 1, 1, 0, 0x40, 1, 4})),
               ElementsAre("4096x2160@24 hdmi vic", "3840x2160@30 hdmi vic"));
@@ -68,6 +89,10 @@ TEST(VendorBlocks, TellTheRefreshRangeOfHdmi) {
   forum[9] = 0x30;
   forum[10] = 0;
   EXPECT_EQ(ReadBlocks(forum).refreshRange->max, std::nullopt);
+}
+
+TEST(VendorBlocks, TellNoUpperEndOfARefreshRangeThatIsCutOff) {
+  EXPECT_EQ(ReadBlocks({0x69, 0xD8, 0x5D, 0xC4, 1, 120, 0x80, 0x60, 0, 0x70}).refreshRange->max, std::nullopt);
 }
 
 TEST(VendorBlocks, TellTheRangeOfBrightness) {
