@@ -68,7 +68,7 @@ TReducedBlanking GetBlanking(const TCvtRequest& request) {
 /// [CVT 1.2, 5.4]
 TEdidMode MakeReduced(const TCvtRequest& request) {
   const TReducedBlanking blanking = GetBlanking(request);
-  const double cell = request.blanking == EBlanking::Reduced ? kCell : 1;
+  const double cell = request.blanking == EBlanking::Reduced2 ? 1 : kCell;
   const double width = std::floor(request.width / cell) * cell;
   const double linePeriod = (kMicroseconds / request.refresh - blanking.minBlankTime) / request.height;  // microseconds
   if (linePeriod <= 0) return {};

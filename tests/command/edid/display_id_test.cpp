@@ -51,6 +51,7 @@ TEST(DisplayId, DeclaresTimingsOfTypesIIIAndVAndIXByFormula) {
 
 TEST(DisplayId, GivesAModeByFormulaEveryPixelOfItsLines) {
   EXPECT_THAT(WriteDisplayIdModes({0x24, 0, 6, 0, 0x55, 5, 0xFF, 2, 59}), ElementsAre("1366x768@59.598 displayid"));
+  EXPECT_THAT(WriteDisplayIdModes({0x2A, 0x00, 6, 3, 0x55, 5, 0xFF, 2, 59}), ElementsAre("1366x768@59.965 displayid"));
 }
 
 TEST(DisplayId, DeclaresTimingsByTheCodesOfStandards) {
