@@ -306,8 +306,8 @@ constexpr TTiming kHdmiVics[] = {
     {4096, 2160, 5500, 2250, 297000},
 };
 
-/// Established timing of bit b at b, from bit 7 of the first byte down [EDID 3.8]: a DMT timing, or where that is 0 one
-/// that has but a size and a rate.
+/// Established timing of bit b at b, from bit 7 of the first byte down [EDID 3.8]: a DMT timing or, if that is 0, only
+/// a size and a rate.
 struct TEstablishedTiming {
   unsigned char dmt;
   unsigned short width = 0;    // pixels

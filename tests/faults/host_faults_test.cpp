@@ -82,13 +82,13 @@ std::vector<std::string> GetComplaintsOfTheHostsOwn(const TPlace& place) {
   return complaint.message == nullptr ? std::vector<std::string>() : std::vector<std::string>{complaint.message};
 }
 
-/// True where a failure costs every later request the same: the configuration is read once in the plug-in's life.
+/// True if every later request loses the same, since a loaded plug-in reads the configuration only once.
 bool IsKept(const TPlace& place) {
   return place.className == "QRXSG_VideoController" && !place.isGenerating &&
          Has("FileExists CaptureFile GetNamespace GetSystemCreationClassName GetSystemName", place.call);
 }
 
-/// Whatever else is thrown then, the next request reads again.
+/// If anything else is thrown, the next request reads again.
 bool IsNeverKept(const TPlace&) { return false; }
 
 std::vector<std::string> GetServedClasses(const std::vector<TLogEntry>& log) {
