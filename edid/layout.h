@@ -1,5 +1,5 @@
 // The layout of an EDID (VESA Enhanced EDID standard, release A, version 1): offsets, sizes, tags and the few codes
-// that are more than a number. Everything that reads or writes an EDID takes them from here.
+// that are more than a number. Everything that reads or writes an EDID uses these.
 //
 // Sections in brackets are those of release A, revision 2 (EDID 1.4). Offsets are in bytes: of fields of the base block
 // from its beginning, of fields of a descriptor from the beginning of its slot.
@@ -61,13 +61,13 @@ constexpr std::size_t kStandardTimings = 38;
 constexpr std::size_t kStandardTimingCount = 8;
 constexpr std::size_t kStandardTimingSize = 2;  // bytes
 
-/// Whether an entry declares a timing, from its first byte: 1 marks an unused entry, and 0 is reserved.
+/// True if an entry declares a timing, from its first byte: 1 marks an unused entry, and 0 is reserved.
 constexpr bool IsStandardTiming(unsigned char first) { return first > 1; }
 
-/// Of an entry's first byte, in pixels.
+/// The width in pixels, from an entry's first byte.
 constexpr unsigned int GetStandardWidth(unsigned char first) { return (first + 31U) * 8U; }
 
-/// Of an entry's second byte, in lines. The aspect ratio of code 0 is 16:10; EDIDs before 1.3 meant 1:1 by it.
+/// The height in lines, from an entry's second byte. The aspect ratio of code 0 is 16:10; before EDID 1.3 it was 1:1.
 constexpr unsigned int GetStandardHeight(unsigned int width, unsigned char second) {
   constexpr unsigned int aspects[4][2] = {{16, 10}, {4, 3}, {5, 4}, {16, 9}};
   return width * aspects[second >> 6][1] / aspects[second >> 6][0];
@@ -75,12 +75,12 @@ constexpr unsigned int GetStandardHeight(unsigned int width, unsigned char secon
 
 constexpr unsigned int kFirstWith16By10 = 3;  // revision: before it, the aspect ratio of code 0 is 1:1
 
-/// Of an entry in an EDID before that revision.
+/// The height in lines, for an entry in an EDID before that revision.
 constexpr unsigned int GetOldStandardHeight(unsigned int width, unsigned char second) {
   return second >> 6 == 0 ? width : GetStandardHeight(width, second);
 }
 
-/// Of an entry's second byte, in Hz.
+/// The refresh rate in Hz, from an entry's second byte.
 constexpr unsigned int GetStandardRefresh(unsigned char second) { return (second & 63U) + 60U; }
 
 // The four slots of 18 bytes [3.10], each a detailed timing or, when its first two bytes are 0, a display descriptor.
@@ -113,11 +113,11 @@ constexpr int kTagRangeLimits = 0xFD;
 constexpr int kTagText = 0xFE;
 constexpr int kTagSerialNumber = 0xFF;
 
-// One that holds a text, which ends at a line feed or at the end of the slot.
+// A descriptor with a text, which ends at a line feed or at the end of the slot.
 constexpr std::size_t kDescriptorText = 5;
 constexpr std::size_t kDescriptorTextSize = 13;  // bytes
 
-// One of range limits.
+// A descriptor of range limits.
 constexpr unsigned int kFirstWithRateOffsets = 4;  // revision
 constexpr std::size_t kRateOffsets = 4;            // since EDID 1.4: what kMinVertFreq and the three after it lack
 constexpr unsigned int kRateOffset = 255;          // in the unit of the rate

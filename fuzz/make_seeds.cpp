@@ -187,7 +187,7 @@ std::vector<TEdidBuilder> MakeOddEdids() {
   };
 }
 
-/// Of the makers that have rules for serial numbers.
+/// EDIDs of the makers that have rules for serial numbers.
 std::vector<TEdidBuilder> MakeEdidsWithSerials() {
   std::vector<TEdidBuilder> edids;
   for (const char* const maker : {"ACR", "BNQ", "GSM", "PHL", "SAM"}) {

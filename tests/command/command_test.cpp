@@ -587,7 +587,7 @@ TEST_F(Command, LeavesNothingWhenACaptureIsEndedWhileItReads) {
   EXPECT_TRUE(WaitUntil([&] { return HasEnded(readers[0]); }));
 }
 
-// The process that reads the stranger's machine gives up root's rights, and the one that writes keeps them.
+// The process that reads the stranger's machine gives up root's rights; the one that writes keeps them.
 TEST_F(Command, CapturesAsRootIntoAnyFolder) {
   if (geteuid() != 0) GTEST_SKIP() << "only root gives up rights";
   machine.Edid(0, TEdidBuilder().Build());
@@ -649,7 +649,7 @@ TEST_F(Command, ExplainsItselfOnOneScreen) {
   EXPECT_GT(count, 10U);
 }
 
-// Started without any, it passes whatever the command does.
+// Passes without a check if it is started without capabilities.
 TEST_F(Command, HasNoCapabilityLeftWhenItAnswers) {
   std::string requests;
   for (int count = 0; count < 100; ++count) requests += " --request QRXSG_DesktopMonitor";  // more than a pipe holds

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The allocation that fails, counted down from its number; 0: none does.
+/// Counts down to the allocation that fails; 0: none fails.
 std::size_t g_untilFailure = 0;
 
 void* Allocate(std::size_t size) {

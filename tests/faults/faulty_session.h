@@ -69,7 +69,7 @@ class TFaultySession {
     return instances;
   }
 
-  /// Asks in an empty model; what was committed.
+  /// Asks in an empty model, and returns what was committed.
   std::set<TDescribed> AskForAll() {
     EmptyModel();
     Ask();

@@ -49,7 +49,7 @@ TBytes ReadDeviceEdid(std::size_t size) {
   throw std::runtime_error("this guest has no standard VGA");
 }
 
-/// One block of unit 0 by the LRMI calls, or nothing when the BIOS has it not.
+/// One block of unit 0 by the LRMI calls; nothing if the BIOS does not have it.
 std::optional<TBytes> ReadBlock(std::uint32_t block) {
   void* const buffer = LRMI_alloc_real(edid::kBlockSize);
   LRMI_regs registers = {};

@@ -1,4 +1,4 @@
-// EDIDs that have much to say: one for each kind of extension, for tests that need many kinds of blocks at once.
+// EDIDs with much in them, one for each kind of extension, for tests that need many kinds of blocks.
 #pragma once
 
 #include <cstdint>
@@ -6,5 +6,5 @@
 #include <string>
 #include <vector>
 
-/// By what they are.
+/// The EDIDs, by name.
 std::map<std::string, std::vector<std::uint8_t>> MakeRichEdids();

@@ -1,4 +1,4 @@
-// A command that a test starts, looks at while it runs, and sends signals to.
+// A command that a test starts, watches while it runs, and sends signals to.
 #pragma once
 
 #include <sys/wait.h>
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-/// Looks again and again until it holds; false when it never does.
+/// Checks again and again until the condition holds; false if it never does.
 template <typename TCondition>
 bool WaitUntil(TCondition holds) {
   for (int look = 0; look < 30000; ++look) {
@@ -21,7 +21,7 @@ bool WaitUntil(TCondition holds) {
   return false;
 }
 
-/// A file of /proc for that process: empty when there is none.
+/// The content of the process's file in /proc; empty if there is none.
 inline std::string ReadProcess(pid_t process, const std::string& file) {
   std::ifstream stream("/proc/" + std::to_string(process) + "/" + file, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(stream), {});

@@ -29,10 +29,10 @@ class TTerminal {
     if (ioctl(m_keyboard, TIOCSWINSZ, &size) != 0) throw std::runtime_error("no width for the terminal");
   }
 
-  /// To be opened by a command that is to believe that it runs on the terminal.
+  /// The path for a command to open, so that it takes itself to run on a terminal.
   std::string GetName() const { return ptsname(m_screen); }
 
-  /// All that was written on it, with its line ends as "\r\n". Nobody may have it open any more.
+  /// Everything that was written to it, with line ends as "\r\n". Nobody may have it open any more.
   std::string Read() {
     close(m_keyboard);
     m_keyboard = -1;

@@ -16,7 +16,7 @@ struct TWatcher {
   int objects = 0;  // alive
 };
 
-/// What every watched object has: the object that it wraps, and its place in the count.
+/// The base of every watched object: wraps another object, and counts itself.
 template <typename TInterface>
 class TWatched : public TInterface {
  public:
@@ -28,7 +28,7 @@ class TWatched : public TInterface {
   TWatched& operator=(const TWatched&) = delete;
 
  protected:
-  /// The wrapped object, once the watcher has let the call pass.
+  /// The wrapped object, after the watcher has allowed the call.
   TInterface& Call(const char* operation) {
     if (m_watcher.onCall) m_watcher.onCall(operation);
     return *m_inner;

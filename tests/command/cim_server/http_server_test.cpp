@@ -39,7 +39,7 @@ class TClient {
   /// Everything that comes until the server closes the connection.
   std::string ReadAll() { return ReadUntil(""); }
 
-  /// What comes until it ends with `end`.
+  /// Everything that comes, up to `end`.
   std::string ReadUntil(const std::string& end) {
     std::string text;
     char byte = 0;
@@ -51,7 +51,7 @@ class TClient {
     return text;
   }
 
-  /// True when something can be read, which may be the end, within 20 ms.
+  /// True if something can be read within 20 ms, which may be the end.
   bool HasHeard() const {
     pollfd descriptor = {m_socket.Get(), POLLIN, 0};
     return poll(&descriptor, 1, 20) > 0;

@@ -38,7 +38,7 @@ void TakePieces(std::size_t count) {
   while (taken.size() < count) taken.emplace_back(new char[kPiece]);
 }
 
-/// What becomes of `work` within the budget, as the exit message of this process.
+/// Runs `work` within the budget, and ends this process with the result as its message.
 template <typename TWork>
 [[noreturn]] void RunLimited(const TWork& work) {
   std::string end;

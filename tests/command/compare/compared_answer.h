@@ -13,7 +13,7 @@ inline const std::vector<std::string> kAllClasses = {"QRXSG_VideoController",   
                                                      "QRXSG_HeadOfVideoController", "QRXSG_DesktopMonitor",
                                                      "QRXSG_MonitorResolution",     "QRXSG_MonitorSetting"};
 
-/// An answer of all classes, as it was read; it begins without any device.
+/// An answer of all classes, as if it had been read. It begins without devices.
 class TAnswerBuilder {
  public:
   TAnswerBuilder() { m_answer.requests = {{kAllClasses, {}}}; }
@@ -23,7 +23,7 @@ class TAnswerBuilder {
     return *this;
   }
 
-  /// What follows belongs to another request for the same classes.
+  /// Begins another request for the same classes.
   TAnswerBuilder& AskAgain() {
     m_answer.requests.push_back({m_answer.requests.back().classes, {}});
     return *this;

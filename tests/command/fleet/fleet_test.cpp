@@ -38,14 +38,14 @@ std::vector<std::string> SplitLines(const std::string& text) {
   return lines;
 }
 
-/// For lines that are longer than a pipe holds.
+/// Options for lines that are longer than a pipe can hold.
 const std::string kManyRequests = [] {
   std::string requests;
   for (int count = 0; count < 100; ++count) requests += " --request QRXSG_DesktopMonitor";
   return requests;
 }();
 
-/// Whether the pipe holds all that it can.
+/// True if the pipe is full.
 bool IsFull(const TDescriptor& pipe) {
   int size = 0;
   return ioctl(pipe.Get(), FIONREAD, &size) == 0 && size >= 65536;

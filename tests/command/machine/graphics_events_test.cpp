@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::string_literals;
 
-/// A message as recvmsg gives it.
+/// A message as recvmsg returns it.
 class TReceived {
  public:
   TReceived() {
