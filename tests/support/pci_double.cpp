@@ -36,8 +36,8 @@ void pci_set_name_list_path(pci_access*, char* name, int) { gPciDouble.path = na
 
 int pci_load_name_list(pci_access* access) {
   if (!gPciDouble.complaint.empty()) access->error(const_cast<char*>("%s\n"), gPciDouble.complaint.c_str());
-  errno = gPciDouble.loadError;
-  return gPciDouble.loadError == 0 ? 1 : 0;
+  if (gPciDouble.loadError != 0) errno = gPciDouble.loadError;
+  return gPciDouble.isLoaded ? 1 : 0;
 }
 
 char* pci_lookup_name(pci_access*, char* buffer, int size, int flags, ...) {

@@ -6,7 +6,8 @@
 
 struct TPciDouble {
   bool hasMemory = true;
-  int loadError = 0;                       // errno when the database cannot be loaded; 0 when it can
+  bool isLoaded = true;                    // the database could be read
+  int loadError = 0;                       // the errno that the load leaves; 0 for none
   std::string complaint;                   // passed to the caller's error function by the load, unless it is empty
   std::map<int, std::string> vendorNames;  // by the vendor's number
   std::map<int, std::string> deviceNames;  // by the device's number

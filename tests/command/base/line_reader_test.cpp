@@ -89,6 +89,30 @@ TEST_F(LineReader, ReadsOnlyALittlePastTheLargestRest) {
   EXPECT_LT(size, 1100000U);
 }
 
+TEST_F(LineReader, ReadsPastTheLargestRestEvenWhereAPieceEndsWithIt) {
+  const std::size_t piece = 65536;
+  EXPECT_GT(Open(std::string(piece + 1, 'x')).TakeRest(piece).size(), piece);
+  EXPECT_EQ(Open(std::string(piece, 'x')).TakeRest(piece).size(), piece);
+}
+
+TEST_F(LineReader, GivesNothingAgainThatWasInARest) {
+  TLineReader begun = Open("{\nrest\n");
+  EXPECT_EQ(Describe(begun.TakeNext()), "{");
+  EXPECT_EQ(begun.TakeRest(1), "rest\n");
+  EXPECT_EQ(Describe(begun.TakeNext()), "nothing");
+  const std::string line(70000, 'x');
+  TLineReader cut = Open(line);
+  const std::string rest = cut.TakeRest(1);
+  EXPECT_EQ(rest + Describe(cut.TakeNext()), line + " (without end)");
+}
+
+TEST_F(LineReader, PassesItsFileToNoProgram) {
+  const TLineReader file = Open("");
+  const TLineReader input = TLineReader::Open("-", 1, ELongLine::kCut, "");
+  EXPECT_EQ(fcntl(file.GetDescriptor(), F_GETFD), FD_CLOEXEC);
+  EXPECT_EQ(fcntl(input.GetDescriptor(), F_GETFD), FD_CLOEXEC);
+}
+
 TEST_F(LineReader, GivesWhatHasComeWithoutWaiting) {
   int ends[2];
   ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);

@@ -40,9 +40,10 @@ class ForeignPciNames : public testing::Test {
 TEST_F(ForeignPciNames, AreThoseOfTheLibrary) {
   pci.vendorNames = {{0xFFF0, "Acme Graphics"}};
   pci.deviceNames = {{0x0A, "Acme 3D"}};
+  pci.path = "/usual/pci.ids";
   const TPciNames names;
   EXPECT_TRUE(names.IsAvailable());
-  EXPECT_EQ(pci.path, "");
+  EXPECT_EQ(pci.path, "/usual/pci.ids");
   EXPECT_EQ(names.GetVendor(0xFFF0), "Acme Graphics");
   EXPECT_EQ(names.GetDevice(0xFFF0, 0x0A), "Acme 3D");
   EXPECT_EQ(names.GetDevice(0xFFF0, 0x0B), "0x000b");
@@ -67,11 +68,19 @@ TEST_F(ForeignPciNames, AreNumbersWhenTheLibraryDoesNotBegin) {
 }
 
 TEST_F(ForeignPciNames, AreNumbersWhereTheDatabaseIsMissing) {
+  pci.isLoaded = false;
   pci.loadError = ENOENT;
   EXPECT_EQ(TPciNames().GetVendor(0xFFF0), "0xfff0");
 }
 
+TEST_F(ForeignPciNames, AreAnErrorWhenTheLibraryDoesNotSayWhatIsWrong) {
+  pci.isLoaded = false;
+  errno = ENOENT;  // of an earlier call
+  EXPECT_THAT(GetError([] { TPciNames(); }), StartsWith("/usual/pci.ids: cannot be read: "));
+}
+
 TEST_F(ForeignPciNames, AreAnErrorWhenTheDatabaseMayNotBeRead) {
+  pci.isLoaded = false;
   pci.loadError = EACCES;
   EXPECT_EQ(GetError([] { TPciNames(); }), "/usual/pci.ids: cannot be read: Permission denied; check its permissions");
   pci.loadError = EIO;

@@ -132,6 +132,16 @@ TEST(Forms, ReadDumpsInHex) {
   EXPECT_THAT(GetEdids("     0  1  2  3\n" + Dump(kEdid, "%02x: ", " ", "    ff aa")), ElementsAre(kEdid));
 }
 
+TEST(Forms, ReadADumpWhoseEqualRowsAreAStar) {
+  const std::string zeros = Dump(TBytes(16), "", " ", "") + "*\n";
+  TBytes edid = kEdid;  // its extension is zeros but for the first row and the checksum
+  const std::string begin = Dump(Cut(edid, 0, 144), "%08x  ", " ", "") + "00000090  " + zeros;
+  const std::string last = Hex(Cut(edid, 240, 16), " ");
+  EXPECT_THAT(GetEdids(begin + "000000f0  " + last + "\n00000100\n"), ElementsAre(kEdid));
+  std::fill(edid.begin() + 240, edid.end(), std::uint8_t{0});
+  EXPECT_THAT(GetEdids(begin + "00000100\n"), ElementsAre(edid));
+}
+
 TEST(Forms, TakeOnlyTheEdidFromADumpOfAMemory) {
   TBytes memory = kOther;
   memory.resize(256, 0xFF);
@@ -280,6 +290,12 @@ TEST(Forms, LoseOnlyTheUnitOfADamagedEdidAndPutItLast) {
   EXPECT_EQ(Describe(machine.damagedEdids.at(1)),
             "ws-17.txt: the EDID of output A has 64 bytes, which is not a multiple of 128, so its unit counts as one "
             "without an EDID; write the file again");
+}
+
+TEST(Forms, KeepTheOrderOfWholeEdidsHoweverLarge) {
+  const TMachineDocument machine = Read("A connected\n\tEDID:\n" + Lines(MakeEdid("one", 255), "\t\t") +
+                                        "B connected\n\tEDID:\n" + Lines(kOther, "\t\t"));
+  EXPECT_THAT(machine.connectors, ElementsAre(Pair(0, "A"), Pair(1, "B")));
 }
 
 TEST(Forms, SayWhatIsWrongWithTheEdidOfAnInventory) {
