@@ -63,12 +63,19 @@ std::string ReadText(TBytes slot) {
   return text.erase(text.find_last_not_of(' ') + 1);
 }
 
-void ReadName(TBytes slot, TEdidDraft& draft) {
-  if (draft.facts.name.empty()) draft.facts.name = ReadText(slot);
+/// Keeps the first text of its kind, but one of a descriptor whose reserved byte is not 0 only until another comes: the
+/// plug-in does not know such a descriptor. `isSound`: whether the descriptor of `text` is none of these.
+void OfferText(TBytes slot, std::string& text, bool& isSound) {
+  const bool isSlotSound = slot[edid::kDescriptorReserved] == 0;
+  if (!text.empty() && (isSound || !isSlotSound)) return;
+  text = ReadText(slot);
+  isSound = isSlotSound;
 }
 
+void ReadName(TBytes slot, TEdidDraft& draft) { OfferText(slot, draft.facts.name, draft.isNameSound); }
+
 void ReadSerialText(TBytes slot, TEdidDraft& draft) {
-  if (draft.facts.serialText.empty()) draft.facts.serialText = ReadText(slot);
+  OfferText(slot, draft.facts.serialText, draft.isSerialTextSound);
 }
 
 void ReadOtherText(TBytes slot, TEdidDraft& draft) {

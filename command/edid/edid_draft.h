@@ -47,6 +47,10 @@ struct TEdidDraft {
   unsigned int declaredExtensions = 0;   // blocks after the first
   std::optional<TDisplayIdProduct> displayIdProduct;
 
+  // Whether the descriptors of facts.name and facts.serialText have the reserved byte that the standard asks for.
+  bool isNameSound = false;
+  bool isSerialTextSound = false;
+
   // The size of the image: in centimetres or as an aspect ratio in the base block, in millimetres in DisplayID.
   TImageSize centimetres = {0, 0};
   std::optional<TImageSize> displayIdSize;

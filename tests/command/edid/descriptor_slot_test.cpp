@@ -84,6 +84,15 @@ TEST(DescriptorSlot, TellsTexts) {
   EXPECT_THAT(facts.texts, ElementsAre("LP156WF6-SPB1"));
 }
 
+TEST(DescriptorSlot, WithAReservedByteNamesAMonitorThatNoOtherNames) {
+  const auto read = [](const TEdidBuilder& builder) { return ReadEdidFacts(builder.Build()).name; };
+  const std::size_t reserved = edid::kDescriptors[1] + edid::kDescriptorReserved;
+  const TEdidBuilder one = TEdidBuilder().Text(1, edid::kTagName, "Broken").Byte(reserved, 0x1B);
+  EXPECT_EQ(read(one), "Broken");
+  EXPECT_EQ(read(TEdidBuilder(one).Text(2, edid::kTagName, "Sound")), "Sound");
+  EXPECT_EQ(read(TEdidBuilder(one).Text(0, edid::kTagName, "Sound")), "Sound");
+}
+
 TEST(DescriptorSlot, MayStandInAnExtension) {
   std::vector<std::uint8_t> name = {0, 0, 0, 0xFC, 0, 'A', 'c', 'm', 'e', 10, 32, 32, 32, 32, 32, 32, 32, 32};
   EXPECT_EQ(ReadEdidFacts(TEdidBuilder().Cta({}, name).Build()).name, "Acme");
