@@ -138,7 +138,7 @@ TMachineLine CaptureApart(const TOptions& options, const TCaptureOptions& captur
 int RunCapture(const TOptions& options, const TCaptureOptions& capture) {
   std::optional<TTimeLimit> limit = LimitTime(options.timeout, capture.machine);
   TWorker worker([&](const std::string&) { return CaptureApart(options, capture); }, {}, options.timeout);
-  worker.Give({0, ""});
+  if (!worker.Give({0, ""})) throw TUnusable("the process that reads the machine cannot be reached; try again");
   const TMachineLine line = worker.WaitForLine();
   if (line.hasFailed) throw TUnusable(line.text);
   if (capture.target == "-") limit.reset();  // the reader may take its time

@@ -139,7 +139,10 @@ void TWorker::Spend(std::chrono::nanoseconds time) {
 }
 
 bool TWorker::Give(TTask task) {
-  if (!SendMachine(m_socket.Get(), task.machine)) return false;
+  if (!SendMachine(m_socket.Get(), task.machine)) {
+    shutdown(m_socket.Get(), SHUT_RDWR);  // the process may have a part of the name, and would wait for the rest
+    return false;
+  }
   if (m_tasks.empty()) m_timeLeft = m_timeout;
   m_tasks.push_back(std::move(task));
   return true;

@@ -41,9 +41,9 @@ class TWorker {
   TWorker(const TWorker&) = delete;
   TWorker& operator=(const TWorker&) = delete;
 
-  /// Hands over a machine, which waits until those before it are done. False if the process cannot be reached. At most
-  /// two machines of 4096 bytes each may be on their way: they fit into the socket's buffer, so this never waits for
-  /// the worker, which may itself be waiting for this process to take a line.
+  /// Hands over a machine, which waits until those before it are done. False if the process cannot be reached; it then
+  /// ends. At most two machines of 4096 bytes each may be on their way: they fit into the socket's buffer, so this
+  /// never waits for the worker, which may itself be waiting for this process to take a line.
   bool Give(TTask task);
 
   /// Unfinished tasks in order; the first one is running.
