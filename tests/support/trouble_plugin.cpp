@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "host/logger.h"
@@ -23,6 +24,8 @@ void TakeAllMemory() try {
   while (true) taken.emplace_back(new char[std::size_t{16} * 1024 * 1024]);
 } catch (const std::bad_alloc&) {
 }
+
+void TakeMuchMemory() { std::vector<char>(std::size_t{300} * 1024 * 1024, 'x'); }
 
 /// Whatever may be caught is ignored.
 [[noreturn]] void NeverReturn() {
@@ -51,6 +54,8 @@ class TTroublePlugin : public TStandInPlugin {
 
   void GetData(boost::shared_ptr<ICIMNamespace>, std::vector<boost::shared_ptr<ICIMClass>>&) override {
     if (IsAskedFor("/takes-all-memory")) TakeAllMemory();
+    if (IsAskedFor("/takes-much-memory")) TakeMuchMemory();
+    if (IsAskedFor("/names-its-process")) Log(1, "process " + std::to_string(getpid()));
     if (IsAskedFor("/never-returns")) NeverReturn();
     if (IsAskedFor("/waits")) Wait();
     if (IsAskedFor("/stops")) raise(SIGSTOP);

@@ -86,6 +86,19 @@ class Fleet : public testing::Test {
     return errors;
   }
 
+  /// What the machines that name their process log, in the order of the output.
+  static std::vector<std::string> GetProcesses(const std::string& output) {
+    std::vector<std::string> processes;
+    for (const std::string& line : SplitLines(output)) {
+      const json answer = json::parse(line);
+      for (const json& entry : answer.at("log")) {
+        std::string message = entry.at("message");
+        if (message.compare(0, 8, "process ") == 0) processes.push_back(std::move(message));
+      }
+    }
+    return processes;
+  }
+
   std::string GetPath(const std::string& name) const { return folder.GetPath() / name; }
 
   std::string ReadFile(const std::string& name) const {
@@ -463,6 +476,25 @@ TEST_F(Fleet, FailsTheMachineThatTakesTooMuchMemory) {
   EXPECT_EQ(result.status, 1);
   const std::string reason = "takes-all-memory: needs more than 2 GiB of memory, the most that one machine may take";
   EXPECT_THAT(GetErrors(result.output), ElementsAre("", reason, reason, ""));
+}
+
+TEST_F(Fleet, AsksTheNextMachineInTheSameProcess) {
+  MakeTrouble("names-its-process");
+  const TProcessResult result =
+      RunList("names-its-process\nm1\nnames-its-process\n", "--jobs 1 --plugin " TROUBLE_PLUGIN_FILE);
+  const std::vector<std::string> processes = GetProcesses(result.output);
+  ASSERT_THAT(processes, SizeIs(2));
+  EXPECT_EQ(processes[0], processes[1]);
+}
+
+TEST_F(Fleet, AsksTheNextMachineInAFreshProcessAfterOneThatTookMuchMemory) {
+  MakeTrouble("names-its-process");
+  MakeTrouble("takes-much-memory");
+  const TProcessResult result =
+      RunList("names-its-process\ntakes-much-memory\nnames-its-process\n", "--jobs 1 --plugin " TROUBLE_PLUGIN_FILE);
+  const std::vector<std::string> processes = GetProcesses(result.output);
+  ASSERT_THAT(processes, SizeIs(2));
+  EXPECT_NE(processes[0], processes[1]);
 }
 
 TEST_F(Fleet, FailsTheMachineWhoseAnswerIsTooLarge) {
