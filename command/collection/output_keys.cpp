@@ -41,6 +41,7 @@ TKeyValue MakeValue(const std::vector<T>& values) {
   if (values.empty()) return TKeyValue();
   if constexpr (std::is_arithmetic_v<T>) {
     std::vector<TNumber> numbers;
+    numbers.reserve(values.size());
     for (const T value : values) numbers.push_back(MakeNumber(value));
     return numbers;
   } else {
