@@ -91,15 +91,6 @@ void ReadAudio(TBytes payload, TEdidDraft& draft) {
   }
 }
 
-template <std::size_t kCount>
-void AddNames(const char* const (&names)[kCount], unsigned int bits, std::vector<const char*>& known) {
-  known.reserve(known.size() + std::bitset<kCount>(bits).count());
-  for (std::size_t index = 0; index < kCount; ++index) {
-    const bool isMeant = (bits >> index & 1U) != 0 && names[index] != nullptr;
-    if (isMeant && std::find(known.begin(), known.end(), names[index]) == known.end()) known.push_back(names[index]);
-  }
-}
-
 void ReadSpeakers(TBytes payload, TEdidDraft& draft) {
   constexpr std::size_t size = 3;  // bytes
   if (payload.GetSize() >= size) AddNames(cta::kSpeakers, payload.Number(0, size), draft.facts.speakers);

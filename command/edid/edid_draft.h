@@ -1,6 +1,7 @@
 // The facts of an EDID while its blocks are read, and the readers of the blocks, which add what they find.
 #pragma once
 
+#include <algorithm>
 #include <bitset>
 #include <cmath>
 #include <cstddef>
@@ -18,6 +19,17 @@ enum class ERangeSource { FreeSync, Hdmi, DisplayId };
 
 /// `decimals`: 10 for one, 100 for two.
 inline double RoundTo(double number, unsigned int decimals) { return std::round(number * decimals) / decimals; }
+
+/// Adds to `known` the name of each bit that is set, unless it is reserved (null) or already there. The lowest bit has
+/// the first name.
+template <std::size_t kCount>
+void AddNames(const char* const (&names)[kCount], unsigned int bits, std::vector<const char*>& known) {
+  known.reserve(known.size() + std::bitset<kCount>(bits).count());
+  for (std::size_t index = 0; index < kCount; ++index) {
+    const bool isMeant = (bits >> index & 1U) != 0 && names[index] != nullptr;
+    if (isMeant && std::find(known.begin(), known.end(), names[index]) == known.end()) known.push_back(names[index]);
+  }
+}
 
 struct TDetailedTiming {
   TEdidMode mode;

@@ -109,9 +109,7 @@ void ReadForumBlock(TBytes payload, TEdidDraft& draft) {
 void ReadHdrStatic(TBytes payload, TEdidDraft& draft) {
   if (payload.GetSize() <= cta::kTransfers + 1) return;
   THdr& hdr = draft.Hdr();
-  for (std::size_t index = 0; index < std::size(cta::kTransferNames); ++index) {
-    if ((payload[cta::kTransfers] >> index & 1U) != 0) hdr.transfers.push_back(cta::kTransferNames[index]);
-  }
+  AddNames(cta::kTransferNames, payload[cta::kTransfers], hdr.transfers);
   const std::optional<double> max = ReadLuminance(payload[cta::kMaxLuminance]);
   const std::optional<double> average = ReadLuminance(payload[cta::kMaxFrameAverageLuminance]);
   if (max) hdr.maxLuminance = RoundTo(*max, kLuminanceDecimals);

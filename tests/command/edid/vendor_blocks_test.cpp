@@ -104,6 +104,12 @@ TEST(VendorBlocks, TellTheRangeOfBrightness) {
   EXPECT_EQ(hdr->minLuminance, 0.505);
 }
 
+TEST(VendorBlocks, TellEachTransferFunctionOnce) {
+  const auto hdr = ReadBlocks({0xE3, 6, 0x05, 1, 0xE3, 6, 0x0D, 1}).hdr;
+  ASSERT_TRUE(hdr);
+  EXPECT_THAT(hdr->transfers, ElementsAre(StrEq("SDR"), StrEq("PQ"), StrEq("HLG")));
+}
+
 TEST(VendorBlocks, TellNoBrightnessThatIsNotGiven) {
   const auto hdr = ReadBlocks({0xE6, 6, 0x0D, 1, 0, 0, 84}).hdr;
   ASSERT_TRUE(hdr);
