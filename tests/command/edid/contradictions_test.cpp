@@ -9,6 +9,15 @@ namespace {
 
 std::vector<std::string> FindAll(const TEdidBuilder& builder) { return ReadEdidFacts(builder.Build()).contradictions; }
 
+/// A DisplayID extension about product 5 of that maker.
+TEdidBuilder& AddProduct(TEdidBuilder& builder, const std::string& maker) {
+  std::vector<std::uint8_t> block = {0, 0, 12};
+  block.insert(block.end(), maker.begin(), maker.end());
+  block.push_back(5);
+  block.resize(15);
+  return builder.DisplayId(0x12, block);
+}
+
 std::vector<std::uint8_t> MakeBase() { return TEdidBuilder().Build(); }
 
 }  // namespace
@@ -28,13 +37,27 @@ TEST(Contradictions, TellOfExtensionsThatAreMissing) {
               ElementsAre("It declares 2 extension blocks but has no extension block."));
 }
 
+TEST(Contradictions, TellOfMoreExtensionsThanDeclared) {
+  EXPECT_THAT(FindAll(TEdidBuilder().Cta({}).Byte(edid::kExtensionCount, 0)),
+              ElementsAre("It declares no extension block but has 1 extension block."));
+}
+
+TEST(Contradictions, TakeTheNumberOfExtensionsFromTheBlockThatOverridesIt) {
+  EXPECT_THAT(FindAll(TEdidBuilder().Cta({0xE2, 0x78, 2}).Cta({}).Byte(edid::kExtensionCount, 1)), IsEmpty());
+}
+
 TEST(Contradictions, TellOfTheExtensionsOfAnotherEdid) {
   std::vector<std::uint8_t> other = MakeBase();
   other[edid::kProductCode] = 1;
   EXPECT_THAT(FindAll(TEdidBuilder().Extension(other)), ElementsAre("Block 1 is the base block of another EDID."));
-  EXPECT_THAT(
-      FindAll(TEdidBuilder().Manufacturer("DEL").DisplayId(0x12, {0, 0, 12, 'A', 'C', 'M', 5, 0, 0, 0, 0, 0, 0, 0, 0})),
-      ElementsAre("Its DisplayID extension is about ACM 5, its base block about DEL 0."));
+  EXPECT_THAT(FindAll(AddProduct(TEdidBuilder().Manufacturer("DEL"), "ACM")),
+              ElementsAre("Its DisplayID extension is about ACM 5, its base block about DEL 0."));
+  EXPECT_THAT(FindAll(AddProduct(TEdidBuilder().Manufacturer("DEL"), "DEL")),
+              ElementsAre("Its DisplayID extension is about DEL 5, its base block about DEL 0."));
+}
+
+TEST(Contradictions, AreNoneWithADisplayIdThatNamesNoMaker) {
+  EXPECT_THAT(FindAll(AddProduct(TEdidBuilder().Manufacturer("DEL"), std::string(3, '\0'))), IsEmpty());
 }
 
 TEST(Contradictions, TellOfSizesThatDiffer) {
@@ -42,6 +65,17 @@ TEST(Contradictions, TellOfSizesThatDiffer) {
   const TEdidBuilder small = TEdidBuilder().DetailedTiming(0, false).ImageSize(60, 34);
   EXPECT_THAT(FindAll(TEdidBuilder(small).Byte(timing + edid::kImageWidth, 100).Byte(timing + edid::kImageHeight, 50)),
               testing::Contains(testing::StartsWith("Its image is 60 x 34 cm, but ")));
+}
+
+TEST(Contradictions, AreNoneWhereATimingGivesAnAspectRatio) {
+  const std::size_t timing = edid::kDescriptors[0];
+  EXPECT_THAT(FindAll(TEdidBuilder()
+                          .ImageSize(60, 34)
+                          .DetailedTiming(0, false)
+                          .Byte(timing + edid::kImageWidth, 16)
+                          .Byte(timing + edid::kImageHeight, 9)
+                          .Byte(timing + edid::kImageHighBits, 0)),
+              IsEmpty());
 }
 
 TEST(Contradictions, TellOfAnAspectRatioThatStandsAsASize) {
@@ -53,6 +87,25 @@ TEST(Contradictions, TellOfAPreferredModeOutsideTheLimits) {
               ElementsAre("Its preferred mode needs 60.020 Hz, but its limits are 70 to 75 Hz.",
                           "Its preferred mode needs 63.981 kHz, but its limits are 30 to 60 kHz.",
                           "Its preferred mode needs a pixel clock of 108.000 MHz, but its limit is 100 MHz."));
+}
+
+TEST(Contradictions, AreNoneWhereARateIsOutsideTheLimitsByLessThanOne) {
+  EXPECT_THAT(FindAll(TEdidBuilder().DetailedTiming(0, false).RangeLimits(1, 50, 60, 30, 63, 15)), IsEmpty());
+  EXPECT_THAT(FindAll(TEdidBuilder().DetailedTiming(0, false).RangeLimits(1, 61, 75, 64, 80, 15)), IsEmpty());
+}
+
+TEST(Contradictions, AreNoneWhereTheClockIsAtItsLimit) {
+  const std::size_t timing = edid::kDescriptors[0];
+  EXPECT_THAT(FindAll(TEdidBuilder()
+                          .DetailedTiming(0, false)
+                          .Byte(timing, 11000 & 0xFF)
+                          .Byte(timing + 1, 11000 >> 8)
+                          .RangeLimits(1, 50, 75, 30, 80, 11)),
+              IsEmpty());
+}
+
+TEST(Contradictions, AreNoneWithLimitsThatAreUnknown) {
+  EXPECT_THAT(FindAll(TEdidBuilder().DetailedTiming(0, false).RangeLimits(1, 0, 0, 0, 0, 0xFF)), IsEmpty());
 }
 
 TEST(Contradictions, AreNoneWhereAPanelHasOneRateForALimit) {

@@ -67,6 +67,18 @@ TEST(CtaExtension, TellsTheFormatsOfSound) {
   EXPECT_EQ(audio[2].channels, std::nullopt);
 }
 
+TEST(CtaExtension, TellsTheChannelsAndSampleSizesOfSoundInThreeDimensions) {
+  const std::vector<TAudioFormat> audio = ReadCta({0x26, 0xFB, 0x84, 0x6A, 0x7D, 0x04, 0x33}).audio;
+  ASSERT_EQ(audio.size(), 2U);
+  EXPECT_EQ(audio[0].name, "L-PCM 3D Audio");
+  EXPECT_EQ(audio[0].channels, 28U);
+  EXPECT_THAT(audio[0].sampleRates, ElementsAre(48));
+  EXPECT_THAT(audio[0].sampleSizes, ElementsAre(20));
+  EXPECT_EQ(audio[1].name, "MPEG-4 AAC LC");
+  EXPECT_EQ(audio[1].channels, 6U);
+  EXPECT_THAT(audio[1].sampleSizes, IsEmpty());
+}
+
 TEST(CtaExtension, TellsNoSoundOfABlockThatEndsWithinADescriptor) {
   EXPECT_THAT(ReadCta({0x22, 0x09, 0x07}).audio, IsEmpty());
 }
@@ -76,6 +88,15 @@ TEST(CtaExtension, TellsSpeakersAndColorimetry) {
   EXPECT_THAT(facts.speakers, ElementsAre(testing::StrEq("FL/FR"), testing::StrEq("FC")));
   EXPECT_THAT(facts.colorimetry,
               ElementsAre(testing::StrEq("xvYCC601"), testing::StrEq("BT2020RGB"), testing::StrEq("ST2113RGB")));
+}
+
+TEST(CtaExtension, TellsASpeakerOfSeveralBlocksOnce) {
+  EXPECT_THAT(ReadCta({0x83, 0x01, 0x00, 0x00, 0x83, 0x05, 0x00, 0x00}).speakers,
+              ElementsAre(testing::StrEq("FL/FR"), testing::StrEq("FC")));
+}
+
+TEST(CtaExtension, TellsNoColorimetryOfABlockThatIsCutOff) {
+  EXPECT_THAT(ReadCta({0xE2, 5, 0x81}).colorimetry, IsEmpty());
 }
 
 TEST(CtaExtension, EndsWhereItsBytesDo) {

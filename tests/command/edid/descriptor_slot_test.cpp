@@ -73,6 +73,11 @@ TEST(DescriptorSlot, DrawsNoAspectRatioFromARoundedWidthOfACvtCode) {
               ElementsAre("848x480@59.524 cvt"));
 }
 
+TEST(DescriptorSlot, LeavesACvtCodeABlankOfAFifthOfItsLine) {
+  EXPECT_THAT(WriteModes(WithTag(edid::kTagCvt, {1, 0xC7, 0x00, 0x08, 0, 0, 0, 0, 0, 0, 0, 0, 0})),
+              ElementsAre("528x400@58.979 cvt"));
+}
+
 TEST(DescriptorSlot, DeclaresMoreStandardTimings) {
   EXPECT_THAT(WriteModes(WithTag(edid::kTagStandardTimings, {0xD1, 0xC0, 0x8B, 0xC0, 1, 1, 1, 1, 1, 1, 1, 1, 10})),
               ElementsAre("1920x1080@60 standard", "1360x765@60 standard"));

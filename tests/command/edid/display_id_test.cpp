@@ -19,6 +19,14 @@ std::vector<std::string> WriteDisplayIdModes(const std::vector<std::uint8_t>& da
 const std::vector<std::uint8_t> kTypeI = {0x03, 0x00, 20,   0x01, 0x3A, 0x00, 0x04, 0x7F, 0x07, 0x17, 0x01, 0x57,
                                           0x00, 0x2B, 0x00, 0x37, 0x04, 0x2C, 0x00, 0x03, 0x00, 0x04, 0x00};
 
+/// The topology of a display whose tiles have 1920 x 2160 pixels. `counts`, `place` and `upper`: of its columns and
+/// rows.
+std::vector<std::uint8_t> MakeTile(std::uint8_t counts, std::uint8_t place, std::uint8_t upper) {
+  std::vector<std::uint8_t> block = {0x12, 0, 22, 0x82, counts, place, upper, 0x7F, 0x07, 0x6F, 0x08};
+  block.resize(3 + 22);
+  return block;
+}
+
 }  // namespace
 
 TEST(DisplayId, DeclaresTimingsOfTypeI) {
@@ -101,9 +109,7 @@ TEST(DisplayId, MayHaveDataBlocksOfCta) {
 }
 
 TEST(DisplayId, TellsThePlaceOfATile) {
-  std::vector<std::uint8_t> block = {0x12, 0, 22, 0x82, 0x10, 0x10, 0x00, 0x7F, 0x07, 0x6F, 0x08};
-  block.resize(3 + 22);
-  const auto tile = ReadDisplayId(block).tile;
+  const auto tile = ReadDisplayId(MakeTile(0x10, 0x10, 0x00)).tile;
   ASSERT_TRUE(tile);
   EXPECT_EQ(tile->columns, 2U);
   EXPECT_EQ(tile->rows, 1U);
@@ -113,12 +119,40 @@ TEST(DisplayId, TellsThePlaceOfATile) {
   EXPECT_EQ(tile->height, 2160U);
 }
 
+TEST(DisplayId, TellsThePlaceOfATileOfALargeDisplay) {
+  const auto tile = ReadDisplayId(MakeTile(0x12, 0x34, 0xE4)).tile;
+  ASSERT_TRUE(tile);
+  EXPECT_EQ(tile->columns, 50U);
+  EXPECT_EQ(tile->rows, 35U);
+  EXPECT_EQ(tile->column, 19U);
+  EXPECT_EQ(tile->row, 4U);
+}
+
+TEST(DisplayId, TellsNoPlaceOfATileInABlockThatIsCutOff) {
+  EXPECT_FALSE(ReadDisplayId({0x12, 0, 8, 0x82, 0x10, 0x10, 0x00, 0x7F, 0x07, 0x6F, 0x08}).tile);
+}
+
+TEST(DisplayId, TellsTheFirstOfSeveralTilesAndSizes) {
+  std::vector<std::uint8_t> tiles = MakeTile(0x10, 0x10, 0x00);
+  const std::vector<std::uint8_t> other = MakeTile(0x30, 0x20, 0x00);
+  tiles.insert(tiles.end(), other.begin(), other.end());
+  EXPECT_EQ(ReadDisplayId(tiles).tile.value().columns, 2U);
+  const TEdidBuilder sizes =
+      TEdidBuilder().ImageSize(60, 34).DisplayId(0x12, {0x01, 0, 12, 0x52, 0x17, 0x25, 0x0D, 0, 0, 0, 0, 0, 0, 0, 0,  //
+                                                        0x01, 0, 12, 0x70, 0x17, 0x48, 0x0D, 0, 0, 0, 0, 0, 0, 0, 0});
+  EXPECT_EQ(ReadEdidFacts(sizes.Build()).imageSize.value().width, 597U);
+}
+
 TEST(DisplayId, TellsTheRefreshRangeOfAdaptiveSync) {
   const auto range = ReadDisplayId({0x2B, 0, 6, 0x01, 0, 48, 0x8F, 0x01, 0}).refreshRange;
   ASSERT_TRUE(range);
   EXPECT_EQ(range->min, 48U);
   EXPECT_EQ(range->max, 400U);
   EXPECT_STREQ(range->from, "DisplayID");
+}
+
+TEST(DisplayId, TellsNoRefreshRangeOfABlockThatIsCutOff) {
+  EXPECT_FALSE(ReadDisplayId({0x2B, 0x10, 6, 0x01, 0, 48, 0x8F, 0x01, 0}).refreshRange);
 }
 
 TEST(DisplayId, EndsAtAFillerAndAtABlockThatDoesNotFit) {

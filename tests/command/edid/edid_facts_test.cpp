@@ -108,6 +108,38 @@ TEST(EdidFacts, TellOnlyTheChecksumsOfWhatIsNoEdidOfVersionOne) {
   EXPECT_FALSE(ReadEdidFacts(std::vector<std::uint8_t>(128)).isVersion1);
 }
 
+TEST(EdidFacts, TellTheWeeksOneToFiftyThree) {
+  EXPECT_EQ(Read(TEdidBuilder().Made(0, 2020)).made.value().week, std::nullopt);
+  EXPECT_EQ(Read(TEdidBuilder().Made(1, 2020)).made.value().week, 1U);
+  EXPECT_EQ(Read(TEdidBuilder().Made(53, 2020)).made.value().week, 53U);
+  EXPECT_EQ(Read(TEdidBuilder().Made(54, 2020)).made.value().week, std::nullopt);
+}
+
+TEST(EdidFacts, TellNoMakerByCodesThatAreNoLetters) {
+  const auto read = [](unsigned int first) {  // the code of the first letter; A and A follow
+    return Read(TEdidBuilder().Byte(edid::kManufacturer, first << 2).Byte(edid::kManufacturer + 1, 0x21)).maker;
+  };
+  EXPECT_EQ(read(0), "");
+  EXPECT_EQ(read(26), "ZAA");
+  EXPECT_EQ(read(27), "");
+}
+
+TEST(EdidFacts, TellTheInterfaceAndItsDepthSinceRevisionFour) {
+  const auto read = [](unsigned int revision, unsigned int input) {
+    const TVideoInput facts = Read(TEdidBuilder().Version(1, revision).Byte(edid::kVideoInput, input)).input;
+    return facts.interface + std::string(" ") + std::to_string(facts.colourBits.value_or(0));
+  };
+  EXPECT_EQ(read(4, 0x95), "DisplayPort 6");
+  EXPECT_EQ(read(4, 0xE1), "DVI 16");
+  EXPECT_EQ(read(4, 0xF6), " 0");
+  EXPECT_EQ(read(3, 0x95), " 0");
+}
+
+TEST(EdidFacts, EndAtTheBaseBlockOfAnotherEdid) {
+  const std::vector<std::uint8_t> other = TEdidBuilder().Build();
+  EXPECT_TRUE(Read(TEdidBuilder().Extension(other).Cta({0x41, 16})).modes.empty());
+}
+
 TEST(EdidFacts, TellNoYearBeforeTheStandardsFirstNorThatOfAFiller) {
   EXPECT_FALSE(Read(TEdidBuilder().Made(1, 1993)).made);
   EXPECT_EQ(Read(TEdidBuilder().Made(1, 1994)).made.value().year, 1994U);

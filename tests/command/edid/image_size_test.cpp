@@ -16,6 +16,9 @@ TEdidBuilder WithMillimetres(unsigned int width, unsigned int height) {
       .Byte(timing + edid::kImageHighBits, width >> 8 << 4 | height >> 8);
 }
 
+/// A data block of DisplayID with a size of 597 x 336.5 mm.
+const std::vector<std::uint8_t> kParameters = {0x01, 0, 12, 0x52, 0x17, 0x25, 0x0D, 0, 0, 0, 0, 0, 0, 0, 0};
+
 /// "597 x 336 mm, 1.78", or only the aspect ratio.
 std::string WriteImage(const TEdidBuilder& builder) {
   const TEdidFacts facts = ReadEdidFacts(builder.Build());
@@ -32,6 +35,11 @@ TEST(ImageSize, IsThatOfThePreferredTimingWhereItAgreesWithTheCentimetres) {
   EXPECT_EQ(WriteImage(WithMillimetres(597, 336).ImageSize(60, 34)), "597 x 336 mm, 1.78");
 }
 
+TEST(ImageSize, OfTheTimingDiffersFromTheCentimetresByATenthAtMost) {
+  EXPECT_EQ(WriteImage(WithMillimetres(540, 306).ImageSize(60, 34)), "540 x 306 mm, 1.76");
+  EXPECT_EQ(WriteImage(WithMillimetres(539, 306).ImageSize(60, 34)), "600 x 340 mm, 1.76");
+}
+
 TEST(ImageSize, IsInWholeCentimetresWhereTheTimingContradictsThem) {
   EXPECT_EQ(WriteImage(WithMillimetres(1600, 900).ImageSize(60, 34)), "600 x 340 mm, 1.76");
   EXPECT_EQ(WriteImage(WithMillimetres(0, 0).ImageSize(60, 34)), "600 x 340 mm, 1.76");
@@ -39,8 +47,11 @@ TEST(ImageSize, IsInWholeCentimetresWhereTheTimingContradictsThem) {
 }
 
 TEST(ImageSize, IsThatOfDisplayIdWhereNoTimingHasOne) {
-  const std::vector<std::uint8_t> parameters = {0x01, 0, 12, 0x52, 0x17, 0x25, 0x0D, 0, 0, 0, 0, 0, 0, 0, 0};
-  EXPECT_EQ(WriteImage(TEdidBuilder().ImageSize(60, 34).DisplayId(0x12, parameters)), "597 x 337 mm, 1.77");
+  EXPECT_EQ(WriteImage(TEdidBuilder().ImageSize(60, 34).DisplayId(0x12, kParameters)), "597 x 337 mm, 1.77");
+}
+
+TEST(ImageSize, IsInWholeCentimetresWhereDisplayIdContradictsThem) {
+  EXPECT_EQ(WriteImage(TEdidBuilder().ImageSize(50, 28).DisplayId(0x12, kParameters)), "500 x 280 mm, 1.79");
 }
 
 TEST(ImageSize, IsNoneForAnAspectRatio) {
@@ -54,6 +65,11 @@ TEST(ImageSize, IsNoneForAnAspectRatio) {
 
 TEST(ImageSize, MayLookLikeAnAspectRatioWhenATimingAgrees) {
   EXPECT_EQ(WriteImage(WithMillimetres(1600, 900).ImageSize(160, 90)), "1600 x 900 mm, 1.78");
+}
+
+TEST(ImageSize, MayLookLikeAnAspectRatioWhenDisplayIdAgrees) {
+  const std::vector<std::uint8_t> parameters = {0x01, 0, 12, 0x40, 0x06, 0x84, 0x03, 0, 0, 0, 0, 0, 0, 0, 0};
+  EXPECT_EQ(WriteImage(TEdidBuilder().ImageSize(16, 9).DisplayId(0x12, parameters)), "160 x 90 mm, 1.78");
 }
 
 TEST(ImageSize, IsNotKnownOfAProjector) { EXPECT_EQ(WriteImage(WithMillimetres(1600, 900).ImageSize(0, 0)), ""); }

@@ -52,6 +52,13 @@ TEST(VendorBlocks, TellTheFastestLinkOfAllBlocksOfHdmiForum) {
   }
 }
 
+TEST(VendorBlocks, TellTheLinkOfHdmiForumWithoutItsIdentifier) {
+  const auto hdmi = ReadBlocks({0xEA, 0x79, 0, 0, 1, 120, 0x80, 0x60, 0, 0x30, 144}).hdmi;
+  ASSERT_TRUE(hdmi);
+  EXPECT_EQ(hdmi->maxTmdsClock, 600U);
+  EXPECT_STREQ(hdmi->fixedRateLink, "4 lanes at 12 Gbps");
+}
+
 TEST(VendorBlocks, TellTheDepthsOfSeveralBlocksInAscendingOrder) {
   std::vector<std::uint8_t> deepest = kHdmi;
   deepest[6] = 0x40;
@@ -76,6 +83,19 @@ TEST(VendorBlocks, TellTheRefreshRangeOfFreeSyncBeforeThatOfHdmi) {
     EXPECT_EQ(range->max, 165U);
     EXPECT_STREQ(range->from, "FreeSync");
   }
+}
+
+TEST(VendorBlocks, TellTheFirstRefreshRangeOfSeveralBlocksOfOneKind) {
+  std::vector<std::uint8_t> other = kFreeSync;
+  other[6] = 30;
+  EXPECT_EQ(ReadBlocks(Join(kFreeSync, other)).refreshRange.value().min, 40U);
+}
+
+TEST(VendorBlocks, TellNoRefreshRangeThatBeginsAtZero) {
+  std::vector<std::uint8_t> none = kFreeSync;
+  none[6] = 0;
+  EXPECT_FALSE(ReadBlocks(none).refreshRange);
+  EXPECT_STREQ(ReadBlocks(Join(none, kForum)).refreshRange.value().from, "HDMI");
 }
 
 TEST(VendorBlocks, TellTheRefreshRangeOfHdmi) {
