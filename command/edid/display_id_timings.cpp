@@ -84,13 +84,12 @@ TEdidMode ReadTypeIX(TBytes timing) {
   return MakeCvtMode(request);
 }
 
-/// Version 3 of reduced blanking may have a wider blank, and one that lasts longer.
+/// Version 3 of reduced blanking may have a wider blank, and one that lasts longer. The bytes that a short timing lacks
+/// read as zero.
 TEdidMode ReadTypeX(TBytes timing) {
   constexpr unsigned int microseconds = 35;  // of a step
-  const bool hasLongRate = timing.GetSize() > displayid::kTypeIXSize;
-  const unsigned int rate =
-      timing.Number(displayid::kTypeIXRate, 2) & (hasLongRate ? displayid::kTypeXRateBits : 0xFFU);
-  TCvtRequest request = ReadCvtRequest(timing, rate + 1);
+  TCvtRequest request =
+      ReadCvtRequest(timing, (timing.Number(displayid::kTypeIXRate, 2) & displayid::kTypeXRateBits) + 1);
   const unsigned int blank = timing[displayid::kTypeXBlank];
   const bool hasVariant = (timing[0] & displayid::kTypeXVariant) != 0;
   const auto& widths = hasVariant ? displayid::kWideBlanks : displayid::kNarrowBlanks;

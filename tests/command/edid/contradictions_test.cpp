@@ -94,6 +94,16 @@ TEST(Contradictions, AreNoneWhereARateIsOutsideTheLimitsByLessThanOne) {
   EXPECT_THAT(FindAll(TEdidBuilder().DetailedTiming(0, false).RangeLimits(1, 61, 75, 64, 80, 15)), IsEmpty());
 }
 
+TEST(Contradictions, TellOfARateThatExceedsItsLimitByOne) {
+  constexpr unsigned int timing[] = {0x01, 0x1D, 0x00, 0x72, 0x51, 0xD0, 0x1E, 0x20};  // 1280 x 720 at 60 Hz
+  TEdidBuilder builder;
+  for (std::size_t index = 0; index < std::size(timing); ++index) {
+    builder.Byte(edid::kDescriptors[0] + index, timing[index]);
+  }
+  EXPECT_THAT(FindAll(builder.RangeLimits(1, 50, 59, 30, 80, 15)),
+              ElementsAre("Its preferred mode needs 60.000 Hz, but its limits are 50 to 59 Hz."));
+}
+
 TEST(Contradictions, AreNoneWhereTheClockIsAtItsLimit) {
   const std::size_t timing = edid::kDescriptors[0];
   EXPECT_THAT(FindAll(TEdidBuilder()

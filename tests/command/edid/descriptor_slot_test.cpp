@@ -33,8 +33,10 @@ TEST(DescriptorSlot, OfOneByteAllOverIsNoTiming) {
 }
 
 TEST(DescriptorSlot, OfAClockThatNoMonitorHasIsNoTiming) {
-  const TEdidBuilder slow = TEdidBuilder().DetailedTiming(0, false).Byte(edid::kDescriptors[0] + 1, 3);
-  EXPECT_THAT(WriteModes(slow), IsEmpty());
+  const std::size_t clock = edid::kDescriptors[0];
+  const TEdidBuilder timing = TEdidBuilder().DetailedTiming(0, false).Byte(clock + 1, 3);
+  EXPECT_THAT(WriteModes(TEdidBuilder(timing).Byte(clock, 0xE7)), IsEmpty());
+  EXPECT_THAT(WriteModes(TEdidBuilder(timing).Byte(clock, 0xE8)), ElementsAre("1280x1024@5.557 detailed"));
 }
 
 TEST(DescriptorSlot, RaisesLimitsSinceRevisionFour) {
@@ -51,6 +53,38 @@ TEST(DescriptorSlot, RaisesLimitsSinceRevisionFour) {
   EXPECT_THAT(read(4, 0x0F), ElementsAre(303, 399, 285, 415));
   EXPECT_THAT(read(4, 0x05), ElementsAre(48, 144, 30, 160));
   EXPECT_THAT(read(3, 0x0F), ElementsAre(48, 144, 30, 160));
+}
+
+TEST(DescriptorSlot, TellsTheFirstOfSeveralLimits) {
+  const TEdidBuilder limits = TEdidBuilder().RangeLimits(1, 48, 144, 30, 160, 60).RangeLimits(2, 50, 75, 30, 80, 15);
+  EXPECT_EQ(ReadEdidFacts(limits.Build()).limits.value().fields.max, 144U);
+}
+
+TEST(DescriptorSlot, TellsNoHighestClockThatIsAFillerBeforeRevisionFour) {
+  const auto read = [](unsigned int revision) {
+    const TEdidBuilder limits = TEdidBuilder().Version(1, revision).RangeLimits(1, 48, 144, 30, 160, 0xFF);
+    return ReadEdidFacts(limits.Build()).limits.value().pixelClock;
+  };
+  EXPECT_EQ(read(3), std::nullopt);
+  EXPECT_EQ(read(4), 2550U);
+}
+
+TEST(DescriptorSlot, DeclaresSquareStandardTimingsBeforeRevisionThree) {
+  const auto write = [](unsigned int revision) {
+    return WriteModes(TEdidBuilder().Version(1, revision).Standard(0, 0x8B, 0x00));
+  };
+  EXPECT_THAT(write(2), ElementsAre("1360x1360@60 standard"));
+  EXPECT_THAT(write(3), ElementsAre("1360x850@60 standard"));
+}
+
+TEST(DescriptorSlot, MayBeTheLastBytesOfAVideoTimingExtension) {
+  std::vector<std::uint8_t> extension(edid::kChecksum, 1);
+  extension[edid::kExtensionTag] = edid::kVideoTimingExtension;
+  extension[edid::kVtbDetailed] = extension[edid::kVtbCvt] = 0;
+  extension[edid::kVtbStandard] = 61;
+  extension[edid::kChecksum - 2] = 0xD1;
+  extension[edid::kChecksum - 1] = 0xC0;
+  EXPECT_THAT(WriteModes(TEdidBuilder().Extension(extension)), ElementsAre("1920x1080@60 standard"));
 }
 
 TEST(DescriptorSlot, DeclaresEstablishedTimingsIII) {

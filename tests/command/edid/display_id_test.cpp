@@ -53,12 +53,15 @@ TEST(DisplayId, DeclaresTimingsOfTypeII) {
 TEST(DisplayId, DeclaresTimingsOfTypesIIIAndVAndIXByFormula) {
   EXPECT_THAT(WriteDisplayIdModes({0x05, 0, 6, 0x04, 239, 59, 0x14, 239, 59}),
               ElementsAre("1920x1080@59.963 displayid", "1920x1080@59.934 displayid"));
+  EXPECT_THAT(WriteDisplayIdModes({0x05, 0, 3, 0x24, 239, 59}), ElementsAre("1920x1080@59.963 displayid"));
   EXPECT_THAT(WriteDisplayIdModes({0x11, 0, 7, 0, 0, 0x7F, 7, 0x37, 4, 59}), ElementsAre("1920x1080@60 displayid"));
+  EXPECT_THAT(WriteDisplayIdModes({0x24, 0, 6, 3, 0x7F, 7, 0x37, 4, 59}), ElementsAre("1920x1080@59.963 displayid"));
   EXPECT_THAT(WriteDisplayIdModes({0x24, 0, 6, 2, 0x7F, 7, 0x37, 4, 143}), ElementsAre("1920x1080@144 displayid"));
 }
 
 TEST(DisplayId, GivesAModeByFormulaEveryPixelOfItsLines) {
   EXPECT_THAT(WriteDisplayIdModes({0x24, 0, 6, 0, 0x55, 5, 0xFF, 2, 59}), ElementsAre("1366x768@59.598 displayid"));
+  EXPECT_THAT(WriteDisplayIdModes({0x24, 0, 6, 2, 0x55, 5, 0xFF, 2, 59}), ElementsAre("1366x768@60 displayid"));
   EXPECT_THAT(WriteDisplayIdModes({0x2A, 0x00, 6, 3, 0x55, 5, 0xFF, 2, 59}), ElementsAre("1366x768@59.965 displayid"));
 }
 
@@ -76,9 +79,21 @@ TEST(DisplayId, DeclaresTimingsOfTypeVI) {
               ElementsAre("1920x1080@60 displayid"));
 }
 
+TEST(DisplayId, DeclaresTimingsOfTypeVIAfterALongOne) {
+  EXPECT_THAT(WriteDisplayIdModes({0x13, 0,    31,   0x13, 0x44, 0x42, 0x7F, 0x07, 0x37, 0x04, 0x17, 88,   1, 44,
+                                   0x2C, 4,    5,    1,    2,    3,  // its last three bytes: a size
+                                   0x13, 0x44, 0x02, 0x7F, 0x07, 0xCF, 0x02, 0x17, 88,   1,    44,   0x2C, 4, 5}),
+              ElementsAre("1920x1080@60 displayid", "1920x720@88.235 displayid"));
+}
+
 TEST(DisplayId, DeclaresTimingsOfTypeX) {
   EXPECT_THAT(WriteDisplayIdModes({0x2A, 0x10, 7, 0x03, 0x7F, 0x07, 0x37, 0x04, 0xDF, 0x01}),
               ElementsAre("1920x1080@480.083 displayid"));
+}
+
+TEST(DisplayId, DeclaresTimingsOfTypeXWithALongerBlank) {
+  EXPECT_THAT(WriteDisplayIdModes({0x2A, 0x10, 7, 0x03, 0x7F, 0x07, 0x37, 0x04, 0xDF, 0xE1}),
+              ElementsAre("1920x1080@480.021 displayid"));
 }
 
 TEST(DisplayId, DeclaresTimingsOfTypeXForVideo) {

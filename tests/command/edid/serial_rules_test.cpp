@@ -33,6 +33,7 @@ TEST(SerialRules, TakeNoFillerForASerialNumber) {
 
 TEST(SerialRules, LeaveOutTheBytesAtTheEndOfATextThatNobodyPrints) {
   EXPECT_EQ(Find("DEL", 0xA0A2, 1, "9TG464AD19EL\x04"), "9TG464AD19EL (text) ");
+  EXPECT_EQ(Find("DEL", 0xA0A2, 1, "9TG464AD19E~"), "9TG464AD19E~ (text) ");
   EXPECT_EQ(Find("PHL", 0x081E, std::nullopt, " VN  028521 \xFF "), " VN  028521 (text) ");
 }
 

@@ -59,6 +59,23 @@ TEST(VendorBlocks, TellTheLinkOfHdmiForumWithoutItsIdentifier) {
   EXPECT_STREQ(hdmi->fixedRateLink, "4 lanes at 12 Gbps");
 }
 
+TEST(VendorBlocks, TellOfCompressionInAnyBlockOfHdmiForum) {
+  std::vector<std::uint8_t> other = kForum;
+  other[11] = 0;
+  EXPECT_FALSE(ReadBlocks(other).hdmi.value().hasCompression);
+  EXPECT_TRUE(ReadBlocks(Join(kForum, other)).hdmi.value().hasCompression);
+}
+
+TEST(VendorBlocks, TellNoRateOfALinkThatIsNotGiven) {
+  std::vector<std::uint8_t> none = kHdmi;
+  none[7] = 0;
+  EXPECT_EQ(ReadBlocks(none).hdmi.value().maxTmdsClock, std::nullopt);
+}
+
+TEST(VendorBlocks, TellEachDepthOfSeveralBlocksOnce) {
+  EXPECT_THAT(ReadBlocks(Join(kHdmi, kHdmi)).hdmi.value().deepColourBits, ElementsAre(10, 12));
+}
+
 TEST(VendorBlocks, TellTheDepthsOfSeveralBlocksInAscendingOrder) {
   std::vector<std::uint8_t> deepest = kHdmi;
   deepest[6] = 0x40;
@@ -136,6 +153,10 @@ TEST(VendorBlocks, TellNoBrightnessThatIsNotGiven) {
   EXPECT_EQ(hdr->maxLuminance, std::nullopt);
   EXPECT_EQ(hdr->maxFrameAverageLuminance, std::nullopt);
   EXPECT_EQ(hdr->minLuminance, std::nullopt);
+}
+
+TEST(VendorBlocks, TellNoLowestBrightnessOfABlockThatIsCutOff) {
+  EXPECT_EQ(ReadBlocks({0xE5, 6, 0x0D, 1, 103, 77}).hdr.value().minLuminance, std::nullopt);
 }
 
 TEST(VendorBlocks, NameHdr10PlusAndDolbyVisionWithTheirVersions) {
