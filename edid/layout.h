@@ -139,7 +139,9 @@ constexpr std::size_t kEstablished3Bits = 6;
 constexpr std::size_t kMoreStandardTimings = 5;
 constexpr std::size_t kMoreStandardTimingCount = 6;
 
-// One of CVT codes [3.10.3.8]: three bytes each.
+// One of CVT codes [3.10.3.8]: three bytes each, if the descriptor has the version that the standard defines.
+constexpr std::size_t kCvtVersion = 5;
+constexpr unsigned int kCvtKnownVersion = 1;
 constexpr std::size_t kCvtCodes = 6;
 constexpr std::size_t kCvtCodeCount = 4;
 constexpr std::size_t kCvtCodeSize = 3;      // bytes

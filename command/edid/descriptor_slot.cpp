@@ -111,6 +111,7 @@ void ReadEstablished3(TBytes slot, TEdidDraft& draft) {
 }
 
 void ReadCvtCodes(TBytes slot, TEdidDraft& draft) {
+  if (slot[edid::kCvtVersion] != edid::kCvtKnownVersion) return;
   for (std::size_t index = 0; index < edid::kCvtCodeCount; ++index) {
     ReadCvtCode(slot.Part(edid::kCvtCodes + edid::kCvtCodeSize * index, edid::kCvtCodeSize), draft);
   }

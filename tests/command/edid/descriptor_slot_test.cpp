@@ -97,6 +97,12 @@ TEST(DescriptorSlot, DeclaresARateForEachBitOfACvtCode) {
               ElementsAre("1920x1080@59.963 cvt", "1920x1080@59.934 cvt"));
 }
 
+TEST(DescriptorSlot, DeclaresNoModeByCvtCodesOfAnotherVersion) {
+  for (const std::uint8_t version : std::vector<std::uint8_t>{0, 2}) {
+    EXPECT_THAT(WriteModes(WithTag(edid::kTagCvt, {version, 0x1B, 0x24, 0x09, 0, 0, 0, 0, 0, 0, 0, 0, 0})), IsEmpty());
+  }
+}
+
 TEST(DescriptorSlot, LeavesTheBackPorchOfACvtCodeSevenLines) {
   EXPECT_THAT(WriteModes(WithTag(edid::kTagCvt, {1, 0xEF, 0x08, 0x01, 0, 0, 0, 0, 0, 0, 0, 0, 0})),
               ElementsAre("768x480@59.745 cvt"));
