@@ -36,6 +36,10 @@ std::vector<unsigned int> GetSums(const std::string& edid) {
 const TBytes kContainerId = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
 const TBytes kFillerId = {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 
+/// Slots with a serial number, before and after.
+const TBytes kSerial = {0, 0, 0, 0xFF, 0, 'A', 'B', '\n', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
+const TBytes kFiller = {0, 0, 0, 0xFF, 0, '1', '\n', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
+
 TBytes Join(TBytes left, const TBytes& right) {
   left.insert(left.end(), right.begin(), right.end());
   return left;
@@ -71,6 +75,12 @@ TEST(EdidSerials, ThatMeanNoneStay) {
   EXPECT_EQ(Replace(Build(Plain().Serial(0, ""))), Build(Plain().Serial(0, "")));
 }
 
+TEST(EdidSerials, ThatAreZerosStay) {
+  TEdidBuilder zeros = Plain().Serial(0, "");
+  for (std::size_t byte = 0; byte < edid::kDescriptorTextSize; ++byte) zeros.Byte(54 + 5 + byte, 0);
+  EXPECT_EQ(Replace(Build(zeros)), Build(zeros));
+}
+
 TEST(EdidSerials, AreNumbersInEveryDescriptorThatHoldsOne) {
   EXPECT_EQ(Replace(Build(Plain().Serial(0, "A1").Serial(3, "0123456789ABC"))),
             Build(Plain().Serial(0, "1").Serial(3, "2")));
@@ -101,11 +111,19 @@ TEST(EdidSerials, AreNoneInOtherDescriptorsAndExtensions) {
   EXPECT_EQ(Replace(Build(builder)), Build(builder));
 }
 
+TEST(EdidSerials, AreNoneInATimingThatLooksLikeADescriptor) {
+  const std::string timing = Build(Plain().DetailedTiming(0, false).Byte(54, 0).Byte(54 + 3, 0xFF));
+  EXPECT_EQ(Replace(timing), timing);
+}
+
 TEST(EdidSerials, AreNumbersInTheDescriptorsOfExtensions) {
-  const TBytes serial = {0, 0, 0, 0xFF, 0, 'A', 'B', '\n', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
-  const TBytes filler = {0, 0, 0, 0xFF, 0, '1', '\n', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
-  EXPECT_EQ(ReplaceIn(MakeCta({0x41, 7}, serial)), Expected(MakeCta({0x41, 7}, filler)));
-  EXPECT_EQ(ReplaceIn(Join({0x10, 1, 1, 0, 0}, serial)), Expected(Join({0x10, 1, 1, 0, 0}, filler)));
+  EXPECT_EQ(ReplaceIn(MakeCta({0x41, 7}, kSerial)), Expected(MakeCta({0x41, 7}, kFiller)));
+  EXPECT_EQ(ReplaceIn(Join({0x10, 1, 1, 0, 0}, kSerial)), Expected(Join({0x10, 1, 1, 0, 0}, kFiller)));
+}
+
+TEST(EdidSerials, AreNumbersInTheLastBytesOfAnExtension) {
+  const TBytes blocks(127 - 4 - 18);
+  EXPECT_EQ(ReplaceIn(MakeCta(blocks, kSerial)), Expected(MakeCta(blocks, kFiller)));
 }
 
 TEST(EdidSerials, AreContainerIdsInCtaBlocksOfMicrosoftOnly) {

@@ -59,17 +59,18 @@ TEST_F(ModeOrder, HasAModeOnceThatIsDeclaredTwice) {
 }
 
 TEST_F(ModeOrder, HasAllModesOfTheEdidAndThoseThatItLacks) {
-  TOutput output = MakeOutput({1920, 1080, 59.94}, {MakeListed({1920, 1080, 59.94}), MakeListed({1920, 1080, 50}),
-                                                    MakeListed({1920, 1080, 59.94, true})});
+  TOutput output =
+      MakeOutput({1920, 1080, 59.94}, {MakeListed({1920, 1080, 60}), MakeListed({1920, 1080, 59.94}),
+                                       MakeListed({1920, 1080, 50}), MakeListed({1920, 1080, 59.94, true})});
   output.resolutions = {{1920, 1080, 50}, {640, 480, 60}};
   const std::vector<TShownMode> modes = ListModes({MakeMode(1920, 1080, 50), MakeMode(640, 480, 60)}, &output);
-  EXPECT_THAT(Write(modes),
-              ElementsAre("1920 x 1080 @ 59.94+", "1920 x 1080 @ 50=", "1920 x 1080 @ 59.94i", "640 x 480 @ 60="));
+  EXPECT_THAT(Write(modes), ElementsAre("1920 x 1080 @ 60", "1920 x 1080 @ 59.94+",
+                                        "1920 x 1080 @ 50=", "1920 x 1080 @ 59.94i", "640 x 480 @ 60="));
   EXPECT_FALSE(AreAllInClasses(modes));
 }
 
 TEST_F(ModeOrder, KnowsThePreferredModeByItsRoundedRate) {
-  const TOutput output = MakeOutput({640, 480, 59.94});
+  const TOutput output = MakeOutput({640, 480, 59.55});
   EXPECT_THAT(Write(ListModes({MakeMode(640, 480, 60), MakeMode(640, 480, 59), MakeMode(641, 480, 60)}, &output)),
               ElementsAre("641 x 480 @ 60=", "640 x 480 @ 60+=", "640 x 480 @ 59="));
 }

@@ -341,6 +341,11 @@ TEST(Forms, RefuseAnInventoryThatIsTooDeepOrSaysAThingTwice) {
             "ws-17.txt: \"content.monitors.port\" appears twice");
 }
 
+TEST(Forms, TakeAnEdidThatEndsBeforeItsCountOfExtensionsForADamagedOne) {
+  EXPECT_EQ(Read(Content(Cut(kEdid, 0, 126))).damagedEdids.at(0).fault,
+            "has 126 bytes, which is not a multiple of 128");
+}
+
 TEST(Forms, TakeAnEdidOfTooManyBlocksForADamagedOne) {
   EXPECT_EQ(Read(Content(kEdid) + std::string(257 * 128, '\1')).damagedEdids.at(0).fault,
             "has more than 32768 bytes, the most of an EDID");
