@@ -100,8 +100,6 @@ bool AppendHex(std::string& bytes, std::string_view digits) {
 }
 
 std::optional<std::size_t> ReadHexNumber(std::string_view digits) {
-  constexpr std::size_t maxDigits = 8;
-  if (digits.size() > maxDigits) return std::nullopt;
   std::uint32_t number = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
   if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;

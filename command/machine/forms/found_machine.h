@@ -65,5 +65,5 @@ std::size_t GetPromisedSize(std::string_view edid);
 /// anything else. An empty text stands for no bytes.
 bool AppendHex(std::string& bytes, std::string_view digits);
 
-/// The number that at most eight hexadecimal digits stand for.
+/// The number that hexadecimal digits stand for, of 32 bits at most; nothing for any other text.
 std::optional<std::size_t> ReadHexNumber(std::string_view digits);

@@ -197,6 +197,17 @@ TEST(ControllerDifference, IsNoneWhenAMonitorOfAKernelsConnectorIsAnotherOne) {
   }
 }
 
+TEST(ControllerDifference, IsNoneWhereOnlyOneSideKnowsTheMonitorOfAKernelsConnector) {
+  const TAnswerBuilder known = MakeKernelMachine({{"card0-DP-1", kLeft, 600}});
+  const TAnswerBuilder unknown =
+      TAnswerBuilder()
+          .Controller("PCI:0:2:0", {{"Name", "Card"}, {"DeviceID", "card0-DP-1"}})
+          .Head("PCI:0:2:0", "card0-DP-1",
+                {{"Name", "Card"}, {"CurrentHorizontalResolution", 800}, {"CurrentVerticalResolution", 768}});
+  EXPECT_THAT(Compare(known.Build(), unknown.Build()).controllers, IsEmpty());
+  EXPECT_THAT(Compare(unknown.Build(), known.Build()).controllers, IsEmpty());
+}
+
 TEST(ControllerDifference, TellsTheModeOfAKernelsConnectorWithTheSameMonitor) {
   EXPECT_THAT(CompareControllers(MakeKernelMachine({{"card0-DP-1", kLeft, 600}}),
                                  MakeKernelMachine({{"card0-DP-1", kLeft, 768}})),
@@ -256,6 +267,7 @@ TEST(ControllerDifference, TellsOfAHeadWhatItsControllerDoesNotSay) {
   EXPECT_THAT(CompareControllers(make("a", "a"), make("b", "b")), ElementsAre("changed Name \"a\" \"b\""));
   EXPECT_THAT(CompareControllers(make("a", "a"), make("b", "a")), ElementsAre("changed Name \"a\" \"b\""));
   EXPECT_THAT(CompareControllers(make("a", "a"), make("a", "b")), ElementsAre("changed Head Right: Name \"a\" \"b\""));
+  EXPECT_THAT(CompareControllers(make("a", "b"), make("a", "a")), ElementsAre("changed Head Right: Name \"b\" \"a\""));
 }
 
 TEST(Difference, TakesNoPropertyOfAStrangersForAFactOfItsOwn) {

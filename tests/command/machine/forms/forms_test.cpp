@@ -313,8 +313,9 @@ TEST(Forms, SayWhereADumpHasAHole) {
 }
 
 TEST(Forms, RefuseWhatTheyDoNotKnowAndSayWhatTheyExpect) {
-  for (const std::string& content : {std::string("hello"), std::string("{}"), std::string("[1]"), std::string(128, 'x'),
-                                     std::string("\0\1\2", 3), std::string("<html/>"), std::string("{ 0x00 }")}) {
+  for (const std::string& content :
+       {std::string("hello"), std::string(" \n"), std::string("{}"), std::string("[1]"), std::string(128, 'x'),
+        std::string("\0\1\2", 3), std::string("<html/>"), std::string("{ 0x00 }")}) {
     EXPECT_THAT(GetFailure(content), StartsWith("ws-17.txt: is in no known form; --machine takes a folder or file that "
                                                 "displayinfo capture wrote, an EDID as bytes"))
         << content;
