@@ -153,6 +153,12 @@ TEST(MonitorDifference, LeavesOutWhatOneSideWasNotAskedFor) {
   EXPECT_THAT(CompareMonitors(all, TAnswerBuilder().Monitor(kLeft)), SizeIs(1));
 }
 
+TEST(MonitorDifference, IsNoneOfAMachineThatWasNotAskedForMonitors) {
+  TAnswerBuilder machine = TAnswerBuilder().Unlisted(kLeft);
+  EXPECT_THAT(List(ListMonitors(machine.Build(), EState::kCame)), ElementsAre("came"));
+  EXPECT_THAT(ListMonitors(machine.Classes({"QRXSG_VideoController"}).Build(), EState::kCame), IsEmpty());
+}
+
 TEST(ControllerDifference, TellsWhatCameIsGoneAndHasChanged) {
   EXPECT_THAT(CompareControllers(TAnswerBuilder().Controller("PCI:1:0:0", {{"Name", "a"}}).Controller("PCI:2:0:0", {}),
                                  TAnswerBuilder().Controller("PCI:3:0:0", {}).Controller("PCI:1:0:0", {{"Name", "b"}})),

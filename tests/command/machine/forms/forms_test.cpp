@@ -179,6 +179,11 @@ TEST(Forms, ReadXrandrWithItsConnectors) {
   EXPECT_THAT(machine.connectors, ElementsAre(Pair(0, "DP-1"), Pair(1, "DP-2")));
 }
 
+TEST(Forms, ReadFromXrandrAnOutputWhoseConnectionIsUnknown) {
+  EXPECT_THAT(Read("VGA-1 unknown connection\n\tEDID:\n" + Lines(kEdid, "\t\t")).connectors,
+              ElementsAre(Pair(0, "VGA-1")));
+}
+
 TEST(Forms, ReadTheLogOfAnXServerWithItsConnectors) {
   const std::string source = "[    30.503] (II) modeset(0): ";
   const TMachineDocument machine =
@@ -193,7 +198,7 @@ TEST(Forms, TakeTheLastThatALogSaysOfAnOutput) {
   const std::string source = "(II) RADEON(0): ";
   const std::string first = source + "EDID for output DVI-0\n" + source + "EDID (in hex):\n" + Lines(kEdid, source);
   EXPECT_THAT(GetEdids(first + first), ElementsAre(kEdid));
-  EXPECT_THAT(GetEdids(first + source + "EDID for output DVI-0\n"), IsEmpty());
+  EXPECT_THAT(Read(first + source + "EDID for output DVI-0\n").bios.units, IsEmpty());
   EXPECT_THAT(
       GetEdids(first + source + "EDID for output DVI-0\n" + source + "EDID (in hex):\n" + Lines(kOther, source)),
       ElementsAre(kOther));
@@ -222,6 +227,17 @@ TEST(Forms, TakeTheBlocksThatAreMissingInTheRegistryFromEdidOverride) {
   EXPECT_THAT(GetEdids(Registry(edid + block)), ElementsAre(kEdid));
   EXPECT_THAT(GetEdids(Registry(block + edid)), ElementsAre(kEdid));
   EXPECT_THAT(GetEdids(Registry(edid)), ElementsAre(Cut(kEdid, 0, 128)));
+}
+
+TEST(Forms, TakeNoBlockOfAnotherSizeFromEdidOverride) {
+  EXPECT_THAT(GetEdids(Registry(kRegistryKey + "]\n\"EDID\"=hex:" + Hex(Cut(kEdid, 0, 128), ",") + "\n" + kRegistryKey +
+                                "\\EDID_OVERRIDE]\n\"1\"=hex:" + Hex(Cut(kEdid, 128, 100), ",") + "\n")),
+              ElementsAre(Cut(kEdid, 0, 128)));
+}
+
+TEST(Forms, SayThatAnEdidOfTheRegistryIsNoValueInHex) {
+  EXPECT_EQ(Read(Registry(kRegistryKey + "]\n\"EDID\"=dword:00000001\n")).damagedEdids.at(0).fault,
+            "is not a value of type hex");
 }
 
 TEST(Forms, TakeAMonitorOfTheRegistryOnceFromAllControlSets) {
@@ -273,6 +289,7 @@ TEST(Forms, KnowTheConnectorOfAKernelsFileByItsPath) {
               ElementsAre(Pair(0, "card0-HDMI-A-1")));
   EXPECT_THAT(Read(Content(kEdid), "card1-DP-1.bin").connectors, ElementsAre(Pair(0, "card1-DP-1")));
   EXPECT_THAT(Read(Content(kEdid), "cards-1/cardboard-2").connectors, IsEmpty());
+  EXPECT_THAT(Read(Content(kEdid), "card-DP-1.bin").connectors, IsEmpty());
 }
 
 TEST(Forms, TakeAnEmptyKernelsFileForAConnectorWithoutAnEdid) {
@@ -315,7 +332,7 @@ TEST(Forms, SayWhereADumpHasAHole) {
 TEST(Forms, RefuseWhatTheyDoNotKnowAndSayWhatTheyExpect) {
   for (const std::string& content :
        {std::string("hello"), std::string(" \n"), std::string("{}"), std::string("[1]"), std::string(128, 'x'),
-        std::string("\0\1\2", 3), std::string("<html/>"), std::string("{ 0x00 }")}) {
+        std::string("\0\1\2", 3), std::string("<html/>"), std::string("{ 0x00 }"), Print(TBytes(128, 7), "%u", " ")}) {
     EXPECT_THAT(GetFailure(content), StartsWith("ws-17.txt: is in no known form; --machine takes a folder or file that "
                                                 "displayinfo capture wrote, an EDID as bytes"))
         << content;
