@@ -121,7 +121,7 @@ class TSerialFillers::TEditor {
 
   void EditCta() {
     const std::size_t slots = At(cta::kTimings);
-    if (slots < cta::kDataBlocks) return;
+    if (slots < cta::kDataBlocks) return EmptyFrom(cta::kDataBlocks);  // nothing is known of what it holds
     EditCtaBlocks(cta::kDataBlocks, std::min(slots, edid::kChecksum));
     EditSlots(slots);
   }

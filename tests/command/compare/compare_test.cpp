@@ -378,6 +378,9 @@ TEST_F(Comparison, CannotCompareWhatItCannotRead) {
                  "lines, line 2: is not JSON: parse error at column 16: syntax error while parsing object - "
                  "unexpected end of input; expected '}'" +
                      kComparable);
+  folder.Write("broken", "\n\n{\"requests\": [],\n]");
+  EXPECT_THAT(Run("old broken").errors,
+              StartsWith("displayinfo: broken: is not JSON: parse error at line 4, column 1: "));
   ExpectUnusable("old nameless", "nameless, line 1: names no \"machine\", which each of several lines does");
   ExpectUnusable("old packed.gz",
                  "packed.gz: is compressed, and compare reads plain files; give it - and the unpacked text, as in zcat "

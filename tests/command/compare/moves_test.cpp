@@ -19,7 +19,10 @@ typedef std::vector<std::vector<std::string>> TFleet;  // the serial numbers of 
 
 TMachineFacts MakeMachine(const std::vector<std::string>& serials) {
   TAnswerBuilder answer;
-  for (const std::string& serial : serials) answer.Monitor(MakeEdid("A190", serial));
+  for (std::size_t index = 0; index < serials.size(); ++index) {
+    // Numbers of their own, since byte-equal EDIDs would be told apart by their connectors.
+    answer.Monitor(MakeEdid("A190", serials[index], static_cast<unsigned int>(index)));
+  }
   return answer.Build();
 }
 
@@ -78,6 +81,7 @@ TEST(Moves, AreOfMonitorsWithSerialNumbersOnly) {
 
 TEST(Moves, AreNotOfASerialNumberThatSeveralMachinesOfOneSideHave) {
   for (const auto& [before, after] : {std::pair<TFleet, TFleet>({{"S1"}, {"S1"}, {}}, {{"S1"}, {}, {"S1"}}),
+                                      std::pair<TFleet, TFleet>({{"S1"}, {"S1"}, {}}, {{}, {}, {"S1"}}),
                                       std::pair<TFleet, TFleet>({{"S1"}, {}, {}}, {{}, {"S1"}, {"S1"}})}) {
     const TTold told(before, after);
     EXPECT_THAT(told.moves, IsEmpty());
@@ -86,6 +90,12 @@ TEST(Moves, AreNotOfASerialNumberThatSeveralMachinesOfOneSideHave) {
     EXPECT_EQ(ReadEdidFacts(told.doubtful[0].monitor.output.edid).serialText, "S1");
   }
   EXPECT_THAT(TTold({{"S1"}, {"S1"}}, {{"S1"}, {"S1"}}).doubtful, IsEmpty());
+}
+
+TEST(Moves, AreOfAMonitorOnceEvenIfTwoOutputsOfItsNewMachineHaveIt) {
+  const TTold told({{"S1"}, {}}, {{}, {"S1", "S1"}});
+  EXPECT_THAT(told.moves, ElementsAre("S1: 0 to 1"));
+  EXPECT_THAT(told.others, ElementsAre("S1: came to 1"));
 }
 
 TEST(Moves, AreAllOfAThousandAndNoOther) {

@@ -171,6 +171,11 @@ TEST(EdidSerials, LeaveNothingInExtensionsOfUnknownContent) {
   }
 }
 
+TEST(EdidSerials, LeaveNothingInACtaExtensionThatDoesNotSayWhereItsPartsAre) {
+  EXPECT_EQ(ReplaceIn({0x02, 3, 3, 0, 'S', 'e', 'r', 'i', 'a', 'l'}), Expected({0x02, 3, 3, 0, 1}));
+  EXPECT_EQ(ReplaceIn({0x02, 3, 0, 0}), Expected({0x02, 3, 0, 0}));
+}
+
 TEST(EdidSerials, LeaveNothingInADisplayIdWhosePartsDoNotEndWhereTheyShould) {
   EXPECT_EQ(ReplaceIn({0x70, 0x12, 255, 9, 9}), Expected({0x70, 0x12, 1}));
   EXPECT_EQ(ReplaceIn({0x70, 0x12, 8, 0, 0, 0x0A, 0, 6, 'S', 'e', 'r', 'i', 'a', 'l'}), Expected({0x70, 0x12, 1}));

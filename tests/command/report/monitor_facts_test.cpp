@@ -139,6 +139,12 @@ TEdidFacts MakeModernFacts() {
 
 }  // namespace
 
+TEST_F(MonitorFacts, NameAMonitorByItsTextsOnlyIfItHasNoName) {
+  TOutput output = {0, "", "Monitor 1", "", MakeModernFacts(), {}};
+  output.facts->name = "Acme A190";
+  EXPECT_EQ(DescribeMonitor(&output, nullptr, TMakerNames()).model, "Acme A190");
+}
+
 TEST_F(MonitorFacts, TellWhatAModernMonitorCan) {
   const TOutput output = {0, "", "Monitor 1", "", MakeModernFacts(), {}};
   const TMonitorFacts facts = DescribeMonitor(&output, nullptr, TMakerNames());

@@ -254,6 +254,7 @@ TEST(Forms, ReadIoregAndTakeWhatTheDisplayItselfSaid) {
   EXPECT_THAT(GetEdids(node + edid), ElementsAre(kOther));
   EXPECT_THAT(GetEdids(node + edid + original + node + edid), ElementsAre(kEdid, kOther));
   EXPECT_THAT(GetEdids(edid + edid), ElementsAre(kOther, kOther));
+  EXPECT_THAT(GetEdids(original + original), ElementsAre(kEdid, kEdid));
 }
 
 TEST(Forms, ReadTheInventoryOfGlpi) {
@@ -282,6 +283,7 @@ TEST(Forms, ReadTheInventoryOfFusionInventory) {
 TEST(Forms, NameAMachineAfterItsFileWhereTheContentDoesNot) {
   EXPECT_EQ(Read(Content(kEdid), "/a/ws-17.bin").host.systemName, "ws-17");
   EXPECT_EQ(Read(R"({"deviceid": "ws-17-2026", "content": {}})").host.systemName, "ws-17-2026");
+  EXPECT_EQ(Read("<REQUEST><CONTENT/><DEVICEID>ws-17-2026</DEVICEID></REQUEST>").host.systemName, "ws-17-2026");
 }
 
 TEST(Forms, KnowTheConnectorOfAKernelsFileByItsPath) {
