@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <set>
+#include <tuple>
+
 #include "command/machine/captured_machine.h"
 #include "realmode/choose_bios.h"
 #include "tests/support/answer_test.h"
@@ -79,6 +83,20 @@ TEST(Outputs, KnowWhatMayHelpWhereAnEdidIsMissingOrDamaged) {
   EXPECT_EQ(outputs[2].cure, "copy it again");
 }
 
+TEST(Outputs, WithAnEdidHaveNoCure) {
+  const std::vector<TOutput> outputs = Ask(MakeMachine(MakeBios({kA, kA})));
+  ASSERT_THAT(outputs, SizeIs(2));
+  EXPECT_EQ(outputs[1].cure, "");
+}
+
+TEST(Outputs, AreNamedByTheirConnectorsInPrintableText) {
+  TOutput output;
+  output.unit = 1;
+  EXPECT_EQ(GetName(output), "unit 1");
+  output.connector = "card0-DP-1\x1b";
+  EXPECT_EQ(GetName(output), "card0-DP-1\\x1b (unit 1)");
+}
+
 TEST(Outputs, OfMonitorsHaveTheirDeviceIds) {
   EXPECT_THAT(Describe(MakeBios({kA, kB, kA})), ElementsAre("Monitor 1", "Monitor 2", "Monitor 3"));
 }
@@ -94,6 +112,19 @@ TEST(Outputs, TellTheUnitAndTheConnectorAndKeepTheEdid) {
   EXPECT_EQ(outputs[0].connector, "card0-DP-1");
   EXPECT_EQ(outputs[0].edid, kA);
   EXPECT_EQ(outputs[0].facts->name, "A");
+}
+
+TEST(Outputs, OfEqualEdidsAreIdentifiedByTheirConnectors) {
+  TMachine machine = MakeMachine(MakeBios({kA, kB, kA}));
+  machine.connectors = {{0, "card0-DP-1"}, {1, "card0-DP-2"}, {2, "card0-DP-3"}};
+  const std::vector<TOutput> outputs = Ask(machine);
+  ASSERT_THAT(outputs, SizeIs(3));
+  EXPECT_THAT(outputs[0].identity.text, testing::EndsWith("card0-DP-1"));
+  EXPECT_THAT(outputs[2].identity.text, testing::EndsWith("card0-DP-3"));
+}
+
+TEST(Outputs, OfMonitorsAreJoinedWhateverBlanksTheirNamesBeginWith) {
+  EXPECT_THAT(Describe(MakeBios({MakeEdid(" A")})), ElementsAre("Monitor 1"));
 }
 
 TEST(Outputs, HaveTheFirstModeOfTheHighestRateForTheFastest) {
@@ -119,6 +150,13 @@ TEST(Outputs, BeyondAMissingUnitSayIt) {
   TVirtualBiosConfiguration bios = MakeBios({kA});
   bios.units[2].edid = kB;
   EXPECT_THAT(Describe(bios), ElementsAre("Monitor 1", "the plug-in stopped at unit 1, whose EDID is missing"));
+}
+
+TEST(Outputs, BeyondAMissingUnitSayWhyThereIsNoMonitorAtAll) {
+  TVirtualBiosConfiguration bios;
+  bios.units[1].edid = kA;
+  bios.present = false;
+  EXPECT_THAT(Describe(bios), ElementsAre("there is no video BIOS"));
 }
 
 TEST(Outputs, WithoutAnEdidAreNamedWhenTheirConnectorIsKnown) {
@@ -217,15 +255,48 @@ TEST(Outputs, AreUnlistedOnlyWhereSomethingIsWrongWithThem) {
   EXPECT_EQ(ExplainUnlisted(outputs[1]), "unit 1 is not listed: its EDID repeats that of unit 0");
 }
 
+TEST(Outputs, OfEdidsThatDifferOnlyInTheirChecksumAreBothListed) {
+  const std::vector<std::uint8_t> damaged = TEdidBuilder().Name(0, "A").Byte(127, kA[127] ^ 1U).Build();
+  for (const TOutput& output : Ask(MakeMachine(MakeBios({kA, damaged})), {"QRXSG_MonitorResolution"})) {
+    EXPECT_FALSE(IsUnlisted(output)) << output.reason;
+  }
+}
+
 TEST(Outputs, HaveTheIdOfTheirModesEvenWhereOnlyThoseWereAskedFor) {
   const TMachine machine = MakeMachine(
       MakeBios({TEdidBuilder().Name(0, "A").Established(1, 0).Build(),
                 TEdidBuilder().Name(0, "B").Established(1, 1).Build(), TEdidBuilder().Version(2, 0).Build()}));
-  const std::vector<TOutput> both = Ask(machine, {"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"});
-  ASSERT_THAT(both, SizeIs(3));
-  EXPECT_EQ(both[0].modesId, "Monitor 1");
-  EXPECT_EQ(both[1].modesId, "Monitor 2");
-  EXPECT_EQ(both[2].modesId, "");
+  for (const TRequest& request :
+       {TRequest{"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"}, TRequest{"QRXSG_MonitorResolution"}}) {
+    const std::vector<TOutput> outputs = Ask(machine, request);
+    ASSERT_THAT(outputs, SizeIs(3));
+    EXPECT_EQ(outputs[0].modesId, "Monitor 1");
+    EXPECT_EQ(outputs[1].modesId, "Monitor 2");
+    EXPECT_EQ(outputs[2].modesId, "");
+  }
+}
+
+TEST(Outputs, TellWhichOfTheirModesTheAnswerHas) {
+  const std::vector<std::uint8_t> edid =
+      TEdidBuilder().Name(0, "A").Established(0x20, 0x01).DetailedTiming(1, false).Build();
+  const std::vector<TOutput> outputs =
+      Ask(MakeMachine(MakeBios({edid})), {"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"});
+  ASSERT_THAT(outputs, SizeIs(1));
+  std::vector<std::tuple<unsigned int, long, bool>> modes;  // the width, the rate in mHz, and whether it is there
+  for (const TEdidMode& mode : outputs[0].facts->modes) {
+    modes.emplace_back(mode.width, std::lround(mode.refresh * 1000), IsInClasses(outputs[0], mode));
+  }
+  // The plug-in lists no detailed timings, and its rates are in whole Hz.
+  EXPECT_THAT(modes, ElementsAre(std::tuple(1280U, 75025L, true), std::tuple(1280U, 60020L, false),
+                                 std::tuple(640U, 59940L, true)));
+}
+
+TEST(Outputs, WithoutModesInTheAnswerHaveNoneThere) {
+  const std::vector<std::uint8_t> edid = TEdidBuilder().Name(0, "A").DetailedTiming(1, false).Build();
+  const std::vector<TOutput> outputs =
+      Ask(MakeMachine(MakeBios({edid})), {"QRXSG_DesktopMonitor", "QRXSG_MonitorResolution"});
+  ASSERT_THAT(outputs, SizeIs(1));
+  EXPECT_EQ(outputs[0].resolutions, std::set<TListedResolution>());
 }
 
 // Each of the plug-in's own dates is recognised, even in a time zone with daylight saving.
@@ -237,6 +308,13 @@ TEST(Outputs, AreJoinedWhateverTheDate) {
       EXPECT_THAT(Describe(Ask(machine)), ElementsAre("Monitor 1")) << week << " of " << year;
     }
   }
+}
+
+// The zone of daylight saving is a day ahead, so the plug-in's dates in summer are a day off.
+TEST(Outputs, AreJoinedWhereTheClocksSkippedADay) {
+  const TTimeZone zone("AAA12BBB-12,J60/0,J300/0");
+  const TMachine machine = MakeMachine(MakeBios({TEdidBuilder().Name(0, "A").Made(26, 2012).Build()}));
+  EXPECT_THAT(Describe(Ask(machine)), ElementsAre("Monitor 1"));
 }
 
 namespace {
@@ -297,4 +375,73 @@ TEST_F(JoinedOutput, HasTheMonitorThatSaysMore) {
   monitor["DeviceID"] = TCIMValue("Monitor 3");
   Commit("QRXSG_DesktopMonitor", monitor);
   EXPECT_EQ(Join(MakeFullMonitor()), "Monitor 1");
+}
+
+TEST_F(JoinedOutput, HasTheMonitorThatWasCommittedLastOfThoseOfOnePath) {
+  TValues monitor = MakeFullMonitor();
+  monitor["Name"] = TCIMValue("Acme A170");
+  Commit("QRXSG_DesktopMonitor", monitor);
+  EXPECT_EQ(Join(MakeFullMonitor()), "Monitor 1");
+}
+
+TEST_F(JoinedOutput, OfAnotherVersionHasNoMonitor) {
+  Commit("QRXSG_DesktopMonitor", {{"DeviceID", TCIMValue("Monitor 1")}});
+  EndRequest({"QRXSG_DesktopMonitor"});
+  const TMachine machine = MakeMachine(MakeBios({TEdidBuilder().Version(2, 0).Build()}));
+  EXPECT_EQ(JoinOutputs(machine, answer.requests).at(0).deviceId, std::nullopt);
+}
+
+namespace {
+
+/// The modes of an answer to a request for these only.
+class JoinedModes : public TAnswerTest {
+ protected:
+  void CommitMode(const std::string& monitor, unsigned int width, unsigned int height) {
+    Commit("QRXSG_MonitorResolution", {{"SettingID", TCIMValue(monitor + "\\ Setting " + std::to_string(++m_count))},
+                                       {"HorizontalResolution", TCIMValue(width)},
+                                       {"VerticalResolution", TCIMValue(height)},
+                                       {"RefreshRate", TCIMValue(60U)}});
+  }
+
+  /// The monitor whose modes each output has.
+  std::vector<std::string> Join(const std::vector<std::vector<std::uint8_t>>& edids) {
+    EndRequest({"QRXSG_MonitorResolution"});
+    std::vector<std::string> ids;
+    for (const TOutput& output : JoinOutputs(MakeMachine(MakeBios(edids)), answer.requests)) {
+      ids.push_back(output.modesId);
+    }
+    return ids;
+  }
+
+  /// 640 x 480, and also 800 x 600.
+  const std::vector<std::uint8_t> m_one = TEdidBuilder().Name(0, "A").Established(0x20, 0).Build();
+  const std::vector<std::uint8_t> m_both = TEdidBuilder().Name(0, "B").Established(0x21, 0).Build();
+
+ private:
+  unsigned int m_count = 0;
+};
+
+}  // namespace
+
+TEST_F(JoinedModes, AreOfTheOutputThatHasAllTheirSizes) {
+  CommitMode("Monitor 1", 640, 480);
+  CommitMode("Monitor 1", 800, 600);
+  EXPECT_THAT(Join({m_one, m_both}), ElementsAre("", "Monitor 1"));
+}
+
+TEST_F(JoinedModes, AreOfNoOutputThatHasOnlyTheirWidths) {
+  CommitMode("Monitor 1", 640, 400);
+  EXPECT_THAT(Join({m_one}), ElementsAre(""));
+}
+
+TEST_F(JoinedModes, AreOfOneOutputEach) {
+  CommitMode("Monitor 1", 640, 480);
+  CommitMode("Monitor 2", 640, 480);
+  EXPECT_THAT(Join({m_one, m_both}), ElementsAre("Monitor 1", "Monitor 2"));
+}
+
+TEST_F(JoinedModes, AreOfNoOutputWithAFault) {
+  CommitMode("Monitor 1", 1280, 1024);
+  const std::vector<std::uint8_t> another = TEdidBuilder().Version(1, 3).Name(0, "A").Established(0x20, 1).Build();
+  EXPECT_THAT(Join({m_one, {}, another}), ElementsAre("", ""));
 }
