@@ -111,6 +111,27 @@ TEST_F(AnswerKeeper, TellsTheOldAnswerAfterTwoSeconds) {
   EXPECT_EQ(m_collections, 2);
 }
 
+TEST_F(AnswerKeeper, WakesOnceForAllWhoWait) {
+  MakeOld();
+  std::string told;
+  Ask(told);
+  Pass(std::chrono::milliseconds(500));
+  Ask(told);
+  EXPECT_EQ(m_wakeTime, std::chrono::seconds(2));
+}
+
+TEST_F(AnswerKeeper, DoesNotWakeTooEarly) {
+  MakeOld();
+  std::string first;
+  std::string second;
+  Ask(first);
+  m_now += std::chrono::microseconds(100);
+  Ask(second);
+  m_now += std::chrono::microseconds(1'999'900);
+  Wake();
+  EXPECT_EQ(m_wakeTime, std::chrono::milliseconds(1));
+}
+
 TEST_F(AnswerKeeper, WakesInVainWhenTheAnswerCameInTime) {
   MakeOld();
   std::string told;

@@ -4,6 +4,8 @@
 
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
+#include <chrono>
+#include <set>
 #include <sstream>
 
 #include "command/base/xml_reader.h"
@@ -157,6 +159,16 @@ TEST(CimOperations, EnumerateClassesAtTheDepthThatIsAskedFor) {
                 .get<std::string>("CLASSNAME.<xmlattr>.NAME"),
             kMonitors.name);
   EXPECT_EQ(Call("EnumerateClasses", {{"DeepInheritance", "TRUE"}}).count("CLASS"), 14U);
+  EXPECT_EQ(Call("EnumerateClassNames", {{"ClassName", TClassName{"CIM_DesktopMonitor"}}, {"DeepInheritance", "TRUE"}})
+                .count("CLASSNAME"),
+            1U);
+}
+
+TEST(CimOperations, ShowClassesWithAllTheirPropertiesAtAnyDepth) {
+  const ptree classes =
+      Call("EnumerateClasses",
+           {{"ClassName", TClassName{"CIM_DesktopMonitor"}}, {"DeepInheritance", "FALSE"}, {"LocalOnly", "TRUE"}});
+  EXPECT_FALSE(ListProperties(classes.get_child("CLASS")).empty());
 }
 
 TEST(CimOperations, ShowOnlyWhatAClassDeclaresItselfUnlessToldOtherwise) {
@@ -319,7 +331,8 @@ class Pulling : public testing::Test {
   }
 
   TCimModel m_model = TCimModel(MakeTwoMonitorsJson());
-  TEnumerations m_enumerations;
+  TEnumerations::TTime m_now;
+  TEnumerations m_enumerations = TEnumerations([this] { return m_now; });
   std::string m_context;
   std::string m_end;
   int m_error = 0;
@@ -368,6 +381,33 @@ TEST_F(Pulling, EndsWhenItIsClosed) {
   EXPECT_EQ(Refuse("PullInstancePaths", {{"EnumerationContext", m_context}, {"MaxObjectCount", "1"}}), 21);
 }
 
+TEST_F(Pulling, EndsAfterTheLastObject) {
+  Ask("OpenEnumerateInstancePaths", {{"ClassName", kMonitors}});
+  const TGiven pull = {{"EnumerationContext", m_context}, {"MaxObjectCount", "9"}};
+  EXPECT_EQ(Refuse("PullInstancePaths", pull), 0);
+  EXPECT_EQ(Refuse("PullInstancePaths", pull), 21);
+}
+
+TEST_F(Pulling, MayPauseForAMinuteUnlessToldOtherwise) {
+  Ask("OpenEnumerateInstancePaths", {{"ClassName", kMonitors}});
+  const TGiven pull = {{"EnumerationContext", m_context}, {"MaxObjectCount", "0"}};
+  m_now += std::chrono::seconds(60);
+  EXPECT_EQ(Refuse("PullInstancePaths", pull), 0);
+  m_now += std::chrono::seconds(61);
+  EXPECT_EQ(Refuse("PullInstancePaths", pull), 21);
+}
+
+TEST_F(Pulling, TellsWhatAContextIsOf) {
+  const auto pull = [&](const std::string& operation) {
+    const TCimRequest request = MakeRequest(operation, {{"EnumerationContext", m_context}, {"MaxObjectCount", "1"}});
+    return AnswerCim(request, m_model, m_enumerations, "").xml;
+  };
+  Ask("OpenEnumerateInstancePaths", {{"ClassName", kMonitors}});
+  EXPECT_NE(pull("PullInstancesWithPath").find("it is of paths"), std::string::npos);
+  Ask("OpenEnumerateInstances", {{"ClassName", kMonitors}});
+  EXPECT_NE(pull("PullInstancePaths").find("it is of instances"), std::string::npos);
+}
+
 TEST_F(Pulling, KnowsAContextOnlyForWhatItWasOpened) {
   Ask("OpenEnumerateInstancePaths", {{"ClassName", kMonitors}});
   const TGiven pull = {{"EnumerationContext", m_context}, {"MaxObjectCount", "1"}};
@@ -386,6 +426,7 @@ TEST_F(Pulling, RefusesWithTheErrorOfTheStandard) {
   EXPECT_EQ(refuse("OperationTimeout", "601"), 22);
   EXPECT_EQ(refuse("OperationTimeout", "600"), 0);
   EXPECT_EQ(refuse("OperationTimeout", "-1"), 4);
+  EXPECT_EQ(refuse("OperationTimeout", "60x"), 4);
   EXPECT_EQ(refuse("FilterQueryLanguage", "DMTF:FQL"), 25);
   EXPECT_EQ(refuse("FilterQuery", "a = 1"), 25);
   EXPECT_EQ(refuse("FilterQuery", ""), 0);
@@ -409,6 +450,7 @@ TEST_F(Pulling, IsRefusedWhenTooManyAreOpen) {
 TEST_F(Pulling, NeedsNoInstancesToGoOn) {
   EXPECT_TRUE(NeedsInstances(MakeRequest("OpenEnumerateInstances", {{"ClassName", kMonitors}})));
   EXPECT_FALSE(NeedsInstances(MakeRequest("PullInstancesWithPath", {{"EnumerationContext", "a"}})));
+  EXPECT_FALSE(NeedsInstances(MakeRequest("OpenEnumerateInstances", {{"ContinueOnError", "maybe"}})));
 }
 
 TEST(CimOperations, RefuseFlagsThatAreNeitherTrueNorFalse) {
@@ -416,6 +458,50 @@ TEST(CimOperations, RefuseFlagsThatAreNeitherTrueNorFalse) {
     EXPECT_EQ(Refuse("EnumerateInstances", {{"ClassName", kMonitors}, {flag, "maybe"}}), 4) << flag;
     EXPECT_EQ(Refuse("EnumerateInstances", {{"ClassName", kMonitors}, {flag, ""}}), 4) << flag;
     EXPECT_EQ(Refuse("EnumerateInstances", {{"ClassName", kMonitors}, {flag, "False"}}), 0) << flag;
+  }
+}
+
+TEST(CimOperations, HaveTheParametersOfTheStandard) {
+  const TNames shown = {"IncludeQualifiers", "IncludeClassOrigin", "PropertyList"};
+  const TNames associated = {"AssocClass", "ResultClass", "Role", "ResultRole"};
+  const TNames opened = {"FilterQueryLanguage", "FilterQuery", "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
+  const std::pair<const char*, std::vector<TNames>> operations[] = {
+      {"EnumerateInstances", {{"ClassName", "LocalOnly", "DeepInheritance"}, shown}},
+      {"EnumerateInstanceNames", {{"ClassName"}}},
+      {"GetInstance", {{"InstanceName", "LocalOnly"}, shown}},
+      {"GetProperty", {{"InstanceName", "PropertyName"}}},
+      {"Associators", {{"ObjectName"}, associated, shown}},
+      {"AssociatorNames", {{"ObjectName"}, associated}},
+      {"References", {{"ObjectName", "ResultClass", "Role"}, shown}},
+      {"ReferenceNames", {{"ObjectName", "ResultClass", "Role"}}},
+      {"OpenEnumerateInstances", {{"ClassName", "LocalOnly", "DeepInheritance"}, shown, opened}},
+      {"OpenEnumerateInstancePaths", {{"ClassName"}, opened}},
+      {"OpenAssociatorInstances", {{"InstanceName"}, associated, shown, opened}},
+      {"OpenAssociatorInstancePaths", {{"InstanceName"}, associated, opened}},
+      {"OpenReferenceInstances", {{"InstanceName", "ResultClass", "Role"}, shown, opened}},
+      {"OpenReferenceInstancePaths", {{"InstanceName", "ResultClass", "Role"}, opened}},
+      {"PullInstancesWithPath", {{"EnumerationContext", "MaxObjectCount"}}},
+      {"PullInstancePaths", {{"EnumerationContext", "MaxObjectCount"}}},
+      {"CloseEnumeration", {{"EnumerationContext"}}},
+      {"GetClass", {{"ClassName", "LocalOnly"}, shown}},
+      {"EnumerateClasses", {{"ClassName", "DeepInheritance", "LocalOnly", "IncludeQualifiers", "IncludeClassOrigin"}}},
+      {"EnumerateClassNames", {{"ClassName", "DeepInheritance"}}},
+      {"EnumerateQualifiers", {}},
+      {"GetQualifier", {{"QualifierName"}}},
+  };
+  std::set<std::string> all;
+  for (const auto& [name, lists] : operations) {
+    for (const TNames& list : lists) all.insert(list.begin(), list.end());
+  }
+  for (const auto& [name, lists] : operations) {
+    std::set<std::string> expected;
+    for (const TNames& list : lists) expected.insert(list.begin(), list.end());
+    std::set<std::string> taken;
+    for (const std::string& parameter : all) {
+      const std::string answer = Answer(name, {{parameter, TParameterValue()}});
+      if (answer.find(parameter + " is no parameter of") == std::string::npos) taken.insert(parameter);
+    }
+    EXPECT_EQ(taken, expected) << name;
   }
 }
 
@@ -439,7 +525,8 @@ TEST(CimOperations, ChooseAmongAssociationsByClassesAndRoles) {
         TCase{"AssocClass", TClassName{"QRXSG_HeadOfVideoController"}, false},
         TCase{"ResultClass", TClassName{"QRXSG_MonitorResolution"}, true},
         TCase{"ResultClass", TClassName{"QRXSG_DesktopMonitor"}, false}, TCase{"Role", "element", true},
-        TCase{"Role", "Setting", false}, TCase{"ResultRole", "Setting", true}, TCase{"ResultRole", "Element", false}}) {
+        TCase{"Role", "Setting", false}, TCase{"ResultRole", "Setting", true}, TCase{"ResultRole", "Element", false},
+        TCase{"Role", "", true}, TCase{"ResultRole", "", true}}) {
     const ptree found = Call("AssociatorNames", {{"ObjectName", kOne}, {one.parameter, one.value}});
     EXPECT_EQ(!found.empty(), one.isFound) << one.parameter;
   }
@@ -474,7 +561,9 @@ TEST(CimOperations, RefuseOtherNamespaces) {
   TCimRequest request = MakeRequest("EnumerateClassNames", {});
   request.nameSpace = "root/other";
   TEnumerations enumerations;
-  EXPECT_EQ(GetError(AnswerCim(request, TCimModel(), enumerations, "").xml), 3);
+  const TCimAnswer answer = AnswerCim(request, TCimModel(), enumerations, "");
+  EXPECT_EQ(GetError(answer.xml), 3);
+  EXPECT_EQ(answer.error, 3);
 }
 
 TEST(CimOperations, TellWhyACollectionFailed) {

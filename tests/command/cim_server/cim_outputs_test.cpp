@@ -69,3 +69,7 @@ TEST(CimOutputs, HaveNullForWhatIsNotKnown) {
     "Serial": null, "Maker": null, "Name": null, "LargestWidth": null, "LargestHeight": null, "HighestRefresh": null,
     "DeviceID": null, "Reason": "its EDID is missing"})"));
 }
+
+TEST(CimOutputs, HaveNoLargestOfNoModes) {
+  EXPECT_TRUE(ReadOutput(json::parse(R"({"unit": 0, "modes": []})"), "ws-17").at("LargestWidth").is_null());
+}

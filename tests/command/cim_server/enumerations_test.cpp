@@ -30,6 +30,11 @@ TEST_F(Enumerations, AreFoundByTheirContextUntilTheyAreClosed) {
   EXPECT_EQ(m_enumerations.Find(""), nullptr);
 }
 
+TEST_F(Enumerations, HaveContextsThatAreRandomThroughout) {
+  const std::string context = m_enumerations.Open(Make());
+  EXPECT_NE(context.substr(0, 16), context.substr(16));
+}
+
 TEST_F(Enumerations, AreForgottenWhenTheyRestTooLong) {
   const std::string context = m_enumerations.Open(Make());
   m_now += std::chrono::seconds(10);

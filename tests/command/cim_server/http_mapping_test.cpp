@@ -34,6 +34,10 @@ TEST(HttpMapping, TakesACimOperation) {
             "");
 }
 
+TEST(HttpMapping, UndoesAPercentAtTheEndOfAName) {
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root/cimv%32"}}), "");
+}
+
 TEST(HttpMapping, RefusesWhatIsNoCimOperation) {
   EXPECT_EQ(Refuse("POST", {}), "400 unsupported-operation");
   EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodResponse"}}), "400 unsupported-operation");
@@ -65,6 +69,7 @@ TEST(HttpMapping, RefusesRequestsToNamesThatAreNotOfThisMachineAlone) {
     EXPECT_EQ(refuse(host), "403 ") << host;
   }
   EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"Host", "localhost"}, {"Host", "example.org"}}), "403 ");
+  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"host", "example.org"}}), "403 ");
 }
 
 TEST(HttpMapping, FindsItsExtensionAmongOthersHoweverItIsWritten) {
@@ -72,6 +77,8 @@ TEST(HttpMapping, FindsItsExtensionAmongOthersHoweverItIsWritten) {
            "http://www.dmtf.org/cim/mapping/http/v1.0;ns=73",
            "\"http://www.dmtf.org/cim/mapping/http/v1.0\" ; ns=73",
            "\"HTTP://WWW.DMTF.ORG/CIM/MAPPING/HTTP/V1.0\"; NS = \"73\"",
+           "\thttp://www.dmtf.org/cim/mapping/http/v1.0\t;\tns\t=\t73\t",
+           "http://www.dmtf.org/cim/mapping/http/v1.0; ns=\"; ns=73",
            "\"http://example.org/other\"; ns=11, \"http://www.dmtf.org/cim/mapping/http/v1.1\"; a=b; ns=73",
        }) {
     EXPECT_EQ(Refuse("M-POST", {{"MAN", man}, {"73-CIMOPERATION", "MethodCall"}}), "") << man;
@@ -95,12 +102,32 @@ TEST(HttpMapping, TakesTheExtendedMethodWithItsPrefix) {
   EXPECT_EQ(GetHeader(MakeHttpAnswer({"M-POST", headers, ""}, ""), "73-CIMOperation"), "MethodResponse");
 }
 
+TEST(HttpMapping, RefusesPrefixedHeadersThatSayOtherThanTheXml) {
+  const auto refuse = [](const std::string& header) {
+    return Refuse("M-POST", {{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
+                             {"73-CIMOperation", "MethodCall"},
+                             {header, "other"}});
+  };
+  EXPECT_EQ(refuse("73-CIMMethod"), "400 header-mismatch");
+  EXPECT_EQ(refuse("73-CIMObject"), "400 header-mismatch");
+}
+
 TEST(HttpMapping, AnswersWithTheHeadersOfTheProtocol) {
   const THttpAnswer answer = MakeHttpAnswer({"POST", {}, ""}, "<a/>");
   EXPECT_EQ(answer.status, 200U);
   EXPECT_EQ(GetHeader(answer, "CIMOperation"), "MethodResponse");
   EXPECT_EQ(GetHeader(answer, "Content-Type"), "application/xml; charset=\"utf-8\"");
   EXPECT_EQ(answer.body, "<a/>");
+}
+
+TEST(HttpMapping, AnswersTheExtendedMethodWithItsHeaders) {
+  const THeaders headers = {{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"}};
+  EXPECT_EQ(MakeHttpAnswer({"M-POST", headers, ""}, "").headers,
+            (THeaders{{"Content-Type", "application/xml; charset=\"utf-8\""},
+                      {"Cache-Control", "no-cache"},
+                      {"73-CIMOperation", "MethodResponse"},
+                      {"Ext", ""},
+                      {"Man", "http://www.dmtf.org/cim/mapping/http/v1.0; ns=73"}}));
 }
 
 TEST(HttpMapping, TellsWhyItRefuses) {
@@ -119,4 +146,5 @@ TEST(HttpMapping, IsCalledAsTheClientCallsIt) {
   EXPECT_EQ(GetHost({"POST", {}, ""}, "here:1"), "here:1");
   EXPECT_EQ(GetHost({"POST", {{"Host", "\x01"}}, ""}, "here:1"), "here:1");
   EXPECT_EQ(GetHost({"POST", {{"Host", std::string(256, 'a')}}, ""}, "here:1"), "here:1");
+  EXPECT_EQ(GetHost({"POST", {{"Host", std::string(255, 'a')}}, ""}, "here:1"), std::string(255, 'a'));
 }
