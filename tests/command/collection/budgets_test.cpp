@@ -99,6 +99,21 @@ TEST(TimeLimit, EndsWithItsOwner) {
   EXPECT_FALSE(IsArmed());
 }
 
+TEST(TimeLimit, LeavesNoHandlerBehind) {
+  { const TTimeLimit limit(std::chrono::hours(1), ""); }
+  struct sigaction action = {};
+  sigaction(SIGALRM, nullptr, &action);
+  EXPECT_EQ(action.sa_handler, SIG_DFL);
+}
+
+TEST(TimeLimit, EndsTheProcessWithTheStatusThatItIsGiven) {
+  const auto run = [] {
+    const TTimeLimit limit(kShort, "too late\n", 2);
+    while (true) pause();
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(2), "^too late\n$");
+}
+
 TEST(TimeLimit, IsDescribedWithItsCure) {
   EXPECT_EQ(DescribeTimeout(std::chrono::seconds(60)), "took longer than 60 s; --timeout SECONDS gives it longer");
 }
@@ -133,6 +148,18 @@ TEST_F(MemoryBudget, FailsWhatNeedsMore) {
   if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
   EXPECT_EXIT(RunLimited([] {
                 TakePieces(130);
+                return std::string("enough");
+              }),
+              done, kTooMuch);
+}
+
+TEST_F(MemoryBudget, DoesNotGrowWithFurtherLimits) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process itself";
+  EXPECT_EXIT(RunLimited([] {
+                std::vector<std::unique_ptr<char[]>> taken;
+                while (taken.size() < 100) taken.emplace_back(new char[kPiece]);
+                LimitMemory();
+                TakePieces(40);
                 return std::string("enough");
               }),
               done, kTooMuch);

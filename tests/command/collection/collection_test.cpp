@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <stdexcept>
+
 #include "command/base/unusable.h"
 #include "command/base/version.h"
 #include "command/machine/captured_machine.h"
@@ -9,6 +12,7 @@
 #include "realmode/choose_bios.h"
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
+#include "tests/support/time_zone.h"
 
 using NQRXZELT20::ILogger;
 using testing::ElementsAre;
@@ -118,6 +122,34 @@ TEST_F(Collection, RemarksOnOutputsThatAreNotListedOnlyWhereMonitorsAreAskedFor)
   EXPECT_THAT(list("QRXSG_VideoHead"), ElementsAre(HasSubstr(ofDamage)));
   EXPECT_THAT(list("QRXSG_DesktopMonitor"), ElementsAre(HasSubstr(ofDamage), ofTwin));
   EXPECT_THAT(list("QRXSG_MonitorResolution"), ElementsAre(HasSubstr(ofDamage), ofTwin));
+}
+
+TEST_F(Collection, RemarksOnOutputsWhereMonitorsAreAskedForAmongOthers) {
+  const std::vector<std::uint8_t> edid = TEdidBuilder().Name(0, "A").Build();
+  machine.Edid(0, edid).Edid(1, edid);
+  const TMachine captured = ReadCapturedMachine(machine.GetPath());
+  EXPECT_THAT(ListRemarks(captured, Collect(captured, PLUGIN_FILE, {{"QRXSG_VideoHead", "QRXSG_DesktopMonitor"}}, {})),
+              ElementsAre("unit 1 is not listed: its EDID repeats that of unit 0"));
+}
+
+TEST_F(Collection, LeavesTheTimeZoneUnset) {
+  const TTimeZone zone("UTC");  // restores the machine's own
+  unsetenv("TZ");
+  Run({{"QRXSG_DesktopMonitor"}});
+  EXPECT_EQ(std::getenv("TZ"), nullptr);
+}
+
+/// Files that cannot be looked for.
+class TFailingFiles : public IMachineFiles {
+ public:
+  bool Exists(const std::string&) const override { throw std::runtime_error("out of order"); }
+  std::string Read(const std::string&) const override { return {}; }
+};
+
+TEST_F(Collection, FailsWithTheFilesEvenIfThePlugInGoesOn) {
+  TMachine captured = ReadCapturedMachine(machine.GetPath());
+  captured.host.files = std::make_shared<TFailingFiles>();
+  EXPECT_THROW(Collect(captured, PLUGIN_FILE, {{"QRXSG_VideoController"}}, {}), std::runtime_error);
 }
 
 // Without asking the plug-in, the command says what it does with each output.

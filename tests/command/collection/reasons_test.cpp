@@ -54,6 +54,14 @@ TEST_F(Reasons, OfNoControllerLieInItsConfiguration) {
       {"Section \"Device\"\n  Identifier \"a\"\n  VideoRam \"64M\"\nEndSection\n",
        "a Device section in /etc/X11/xorg.conf has a VideoRam that is no whole number, at which the plug-in gives up; "
        "write it in kilobytes"},
+      {"Section \"Device\"\n  Identifier \"a\"\n  VideoRam \"\"\nEndSection\n",
+       "a Device section in /etc/X11/xorg.conf has a VideoRam that is no whole number, at which the plug-in gives up; "
+       "write it in kilobytes"},
+      {"Section \"Device\"\n  Identifier \"a\"\n  Identifier \"\"\n  VideoRam \"64M\"\n  VideoRam 65536\nEndSection\n",
+       "a Device section in /etc/X11/xorg.conf has a VideoRam that is no whole number, at which the plug-in gives up; "
+       "write it in kilobytes"},
+      {"Section \"Device\"\r\n  BusID \"PCI:1:0:0\"\r\nEndSection\r\n",
+       "no Device section in /etc/X11/xorg.conf has an Identifier"},
       {"Section \"Device\"\n  Identifier \"a\"\n  VideoRam 99999999999\nEndSection\n",
        "/etc/X11/xorg.conf yields none"},
   };
@@ -75,6 +83,21 @@ TEST_F(Reasons, OfNoControllerAreTheFilesThatAreNotThere) {
   EXPECT_EQ(WhyNoController(), "no X server configuration file exists (10 places tried)");
   machine.File("root/etc/motd", "");
   EXPECT_EQ(WhyNoController(), "no X server configuration file exists (10 places tried)");
+}
+
+TEST_F(Reasons, OfNoControllerAreThatNoFileWasAskedFor) {
+  EXPECT_EQ(FindReasons(ReadCapturedMachine(machine.GetPath()), {}, {}).noControllers,
+            "no X server configuration was asked for");
+}
+
+TEST_F(Reasons, OfFilesThatCannotBeLookedForAreThatOfTheFirst) {
+  TMachine captured = ReadCapturedMachine(machine.GetPath());
+  captured.filesPlace = "";
+  captured.getFileFailures = [] {
+    return std::vector<TFileFailure>{{"/a", "is broken", true, "mend it"}, {"/b", "is lost", true, "find it"}};
+  };
+  EXPECT_EQ(ExplainUnreadableFiles(captured, {{"/a", false}, {"/b", false}, {"/c", false}}),
+            "2 of the 3 X server configuration files could not be looked for: is broken; mend it");
 }
 
 TEST_F(Reasons, OfNoControllerAreLinksThatLeadOut) {
@@ -151,6 +174,11 @@ TEST_F(Reasons, OfNoMonitorLieInTheEdidOfTheFirstUnit) {
   }
   machine.Edid(0, TEdidBuilder().Build()).Json(R"({"bios": {"units": {"0": {"errorAtBlock": 0}}}})");
   EXPECT_EQ(WhyNoMonitor(), "unit 0 is not listed: its EDID cannot be read: the video BIOS fails at its first block");
+}
+
+TEST_F(Reasons, OfNoMonitorDoNotLieInTheEdidOfAnotherUnit) {
+  machine.Edid(1, TEdidBuilder().Build());
+  EXPECT_EQ(WhyNoMonitor(), "no EDID from unit 0 of the video BIOS");
 }
 
 TEST_F(Reasons, OfNoMonitorAreWhatTheRealBiosSays) {

@@ -1,5 +1,6 @@
 #include "command/collection/worker.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/wait.h>
@@ -116,6 +117,42 @@ TEST(Worker, CanBeEndedBySignalsThatItsParentBlocks) {
   sigprocmask(SIG_SETMASK, &before, nullptr);
 }
 
+TEST(Worker, DropsItsParentsHandlersButKeepsIgnoringWhatThatIgnores) {
+  std::signal(SIGHUP, [](int) {});
+  std::signal(SIGTERM, SIG_IGN);
+  std::signal(SIGXCPU, SIG_IGN);
+  const auto list = [](const std::string&) -> TMachineLine {
+    std::string text;
+    for (const int signal : {SIGHUP, SIGTERM, SIGXCPU}) {
+      struct sigaction action = {};
+      sigaction(signal, nullptr, &action);
+      text += action.sa_handler == SIG_DFL ? "default " : action.sa_handler == SIG_IGN ? "ignored " : "handled ";
+    }
+    return {text, false};
+  };
+  TWorker worker(list, {}, kTimeout);
+  EXPECT_EQ(Work(worker, "a").text, "default default ignored ");
+  for (const int signal : {SIGHUP, SIGTERM, SIGXCPU}) std::signal(signal, SIG_DFL);
+}
+
+TEST(Worker, ClosesTheDescriptorsOfOthers) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const TDescriptor kept(ends[0]);
+  const TDescriptor others(ends[1]);
+  TWorker worker(
+      [&](const std::string&) {
+        return TMachineLine{fcntl(others.Get(), F_GETFD) < 0 ? "closed" : "open", false};
+      },
+      {others.Get()}, kTimeout);
+  EXPECT_EQ(Work(worker, "a").text, "closed");
+}
+
+TEST(Worker, IsReachedThroughADescriptorThatNoProgramInherits) {
+  const TWorker worker(Echo, {}, kTimeout);
+  EXPECT_EQ(fcntl(worker.GetDescriptor(), F_GETFD), FD_CLOEXEC);
+}
+
 TEST(Worker, TellsHowItDied) {
   TWorker worker([](const std::string&) -> TMachineLine { std::abort(); }, {}, kTimeout);
   ASSERT_TRUE(worker.Give({0, "a"}));
@@ -129,6 +166,26 @@ TEST(Worker, TellsTheStatusWithWhichItEnded) {
   ASSERT_TRUE(worker.Give({0, "a"}));
   EXPECT_EQ(Wait(worker), std::nullopt);
   EXPECT_EQ(worker.DescribeDeath(), "ended with status 3");
+}
+
+TEST(Worker, TellsWhoWaitsForItsLineThatItDied) {
+  TWorker worker([](const std::string&) -> TMachineLine { _exit(3); }, {}, kTimeout);
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  const TMachineLine line = worker.WaitForLine();
+  EXPECT_EQ(line.text, "the process that had it to do ended with status 3");
+  EXPECT_TRUE(line.hasFailed);
+}
+
+TEST(Worker, IsKilledWhenItClosesItsSocketAndGoesOn) {
+  TWorker worker(
+      [](const std::string&) -> TMachineLine {
+        for (int descriptor = STDERR_FILENO + 1; descriptor < 1024; ++descriptor) close(descriptor);
+        while (true) pause();
+      },
+      {}, kTimeout);
+  ASSERT_TRUE(worker.Give({0, "a"}));
+  EXPECT_EQ(Wait(worker), std::nullopt);
+  EXPECT_EQ(worker.DescribeDeath(), "was ended by signal 9 (Killed)");
 }
 
 TEST(Worker, HandsOverTheLinesFromBeforeItDied) {
