@@ -175,7 +175,7 @@ THttpAnswer MakeRefusal(const TRefused& refused) {
 std::string GetHost(const THttpRequest& request, const std::string& fallback) {
   constexpr std::size_t maxSize = 255;
   for (const char* const name : {"X-Forwarded-Host", "Host"}) {
-    const std::string host = request.GetHeader(name);
+    std::string host = request.GetHeader(name);
     if (!host.empty() && host.size() <= maxSize && IsXmlText(host)) return host;
   }
   return fallback;

@@ -13,7 +13,7 @@ struct THttpRequest {
   std::string method;
   std::vector<std::pair<std::string, std::string>> headers;
   std::string body;
-  std::string client = "";  // its address
+  std::string client = {};  // its address
 
   /// The value of the first header of that name, ignoring case; empty if there is none.
   std::string GetHeader(const std::string& name) const;

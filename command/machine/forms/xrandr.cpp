@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "command/machine/forms/readers.h"
@@ -18,10 +20,7 @@ std::optional<std::string_view> ReadOutputName(std::string_view line) {
 
 bool IsEdidProperty(std::string_view line) {
   if (line.empty() || !IsBlank(line.front())) return false;
-  for (const std::string_view property : kProperties) {
-    if (Trim(line) == property) return true;
-  }
-  return false;
+  return std::find(std::begin(kProperties), std::end(kProperties), Trim(line)) != std::end(kProperties);
 }
 
 }  // namespace
