@@ -44,4 +44,4 @@ void WriteValue(TXmlWriter& xml, const TCimProperty& property);
 
 void WriteClass(TXmlWriter& xml, const TCimClass& declaration, const TShown& shown);
 
-void WriteQualifierDeclaration(TXmlWriter& xml, const TCimQualifier& qualifier);
+void WriteQualifierDeclaration(TXmlWriter& xml, const TCimQualifier& declared);

@@ -30,7 +30,7 @@ std::string MakeContext() {
 std::string TEnumerations::Open(TEnumeration enumeration) {
   ForgetExpired();
   if (m_kept.size() >= kMaxCount || GetSize() + Measure(enumeration) > kMaxSize) return "";
-  const std::string context = MakeContext();
+  std::string context = MakeContext();
   const TTime end = m_now() + enumeration.timeout;
   if (!context.empty()) m_kept.emplace(context, TKept{std::move(enumeration), end});
   return context;

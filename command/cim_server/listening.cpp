@@ -80,7 +80,7 @@ std::vector<TDescriptor> TryToListen(const std::vector<std::string>& addresses, 
       missing = error;
     }
   }
-  if (listeners.empty() && missing) throw *missing;
+  if (listeners.empty() && missing) throw std::system_error(*missing);
   return listeners;
 }
 
@@ -121,7 +121,7 @@ void TellReady() {
   sockaddr_un address = {};
   if (name == nullptr || std::strlen(name) >= sizeof address.sun_path) return;
   address.sun_family = AF_UNIX;
-  std::strcpy(address.sun_path, name);
+  std::memcpy(address.sun_path, name, std::strlen(name) + 1);
   if (address.sun_path[0] == '@') address.sun_path[0] = '\0';  // a name that is no file
   const TDescriptor sender(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
   constexpr std::string_view message = "READY=1";

@@ -19,6 +19,7 @@ struct TNumber {
 typedef std::variant<std::monostate, bool, TNumber, std::string, std::vector<TNumber>, std::vector<std::string>>
     TKeyValue;
 
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): the members have the order of the table's columns
 struct TOutputKey {
   const char* group;  // the object or the array of objects that the key belongs to; empty for the output itself
   const char* name;

@@ -99,6 +99,7 @@ fs::path FindPlugin() {
   std::error_code error;
   fs::path command = fs::read_symlink("/proc/self/exe", error);
   // Without /proc, the command is found by the name under which it was started.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel hands its address over as a number
   if (error) command = fs::canonical(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), error);
   if (error) {
     throw TUnusable("the plug-in beside the command cannot be found: /proc/self/exe: " + error.message() +

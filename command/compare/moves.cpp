@@ -71,6 +71,7 @@ std::vector<TDoubtfulSerial> TMoves::Find(std::vector<TMachineReport>& reports) 
     }
   }
   std::vector<TDoubtfulSerial> all;
+  all.reserve(doubtful.size());
   for (auto& [identity, serial] : doubtful) all.push_back(std::move(serial));
   return all;
 }
