@@ -104,10 +104,8 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
     if (error) return OnFailure(error);
     const bool waits = beast::iequals(m_parser->get()[http::field::expect], "100-continue");
     if (!waits || m_parser->is_done()) return ReadBody();
-    m_continue = http::response<http::empty_body>(http::status::continue_, kHttp11);
-    http::async_write(m_stream, m_continue, [self = shared_from_this()](error_code failure, std::size_t) {
-      if (!failure) self->ReadBody();
-    });
+    m_answer = http::response<http::string_body>(http::status::continue_, kHttp11);
+    Send([this] { ReadBody(); });
   }
 
   void ReadBody() {
@@ -153,11 +151,15 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
     m_answer.keep_alive(keepsAlive);
     m_answer.prepare_payload();
     m_stream.expires_after(m_shared->limits.time);
-    http::async_write(m_stream, m_answer, [self = shared_from_this(), keepsAlive](error_code error, std::size_t) {
-      if (error) return;
-      if (keepsAlive) return self->Read();
-      self->Linger();
-    });
+    Send([this, keepsAlive] { keepsAlive ? Read() : Linger(); });
+  }
+
+  /// Sends m_answer and, once the client took it, calls `next`.
+  void Send(std::function<void()> next) {
+    http::async_write(m_stream, m_answer,
+                      [self = shared_from_this(), next = std::move(next)](error_code error, std::size_t) {
+                        if (!error) next();
+                      });
   }
 
   void Linger() {
@@ -177,7 +179,6 @@ class TConnection : public std::enable_shared_from_this<TConnection> {
   std::shared_ptr<TShared> m_shared;
   beast::flat_buffer m_buffer;  // received bytes that were not parsed yet
   std::optional<http::request_parser<http::string_body>> m_parser;
-  http::response<http::empty_body> m_continue;
   http::response<http::string_body> m_answer;
   char m_discarded[4096] = {};
 };
