@@ -40,7 +40,7 @@ std::string TThisPhysicalMachine::Open() {
   m_memory = open(m_memoryDevice.c_str(), O_RDONLY | O_CLOEXEC);
   if (m_memory < 0) {
     const int error = errno;
-    const std::string failure =
+    std::string failure =
         "the video BIOS cannot be read from " + m_memoryDevice + ": " + std::strerror(error) + "; " + GetCure(error);
     if (!IsOfTheDevice(error)) throw std::runtime_error(failure);
     return failure;

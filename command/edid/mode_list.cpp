@@ -19,6 +19,12 @@ std::uint32_t CountPixels(unsigned int width, unsigned int height) {
   return pixels >> 32 != 0 ? 0xFFFFFFFF : static_cast<std::uint32_t>(pixels);
 }
 
+/// The nearest number of thousandths of a rate.
+std::uint64_t RoundToThousandths(double rate) {
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): rates are positive, and std::llround is a call for each mode
+  return static_cast<std::uint64_t>(rate * kDecimals + 0.5);
+}
+
 EYcbcr420 Describe(std::uint64_t samplings) {
   constexpr EYcbcr420 descriptions[] = {EYcbcr420::No, EYcbcr420::No, EYcbcr420::Only, EYcbcr420::Also};
   return descriptions[samplings];
@@ -30,8 +36,7 @@ TModeList::TModeList() { m_entries.reserve(kUsualCount); }
 
 void TModeList::Add(const TEdidMode& mode, EModeSource source, ESampling sampling) {
   if (mode.width == 0 || mode.height == 0 || mode.refresh == 0) return;
-  const auto rate = static_cast<std::uint64_t>(mode.refresh * kDecimals + 0.5);
-  Add(mode.width, mode.height, mode.isInterlaced, rate, source, sampling);
+  Add(mode.width, mode.height, mode.isInterlaced, RoundToThousandths(mode.refresh), source, sampling);
 }
 
 void TModeList::Add(const edid::TTiming* timing, EModeSource source, ESampling sampling) {
@@ -81,6 +86,5 @@ TEdidMode MakeMode(unsigned int width, unsigned int height, double clock, double
   constexpr double hertz = 1000;  // per kilohertz
   const double total = totalWidth * fieldLines;
   const double rate = total > 0 ? clock * hertz / total : 0;
-  return {width, height, static_cast<double>(static_cast<std::uint64_t>(rate * kDecimals + 0.5)) / kDecimals,
-          isInterlaced};
+  return {width, height, static_cast<double>(RoundToThousandths(rate)) / kDecimals, isInterlaced};
 }

@@ -18,6 +18,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kFolder = O_PATH | O_DIRECTORY | O_CLOEXEC;
+// NOLINTNEXTLINE(misc-redundant-expression): O_LARGEFILE is nothing in a 64-bit build
 constexpr int kReading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_LARGEFILE | O_CLOEXEC;
 
 /// The path relative to the folder; "." for the folder itself.
