@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "command/base/unusable.h"
+#include "tests/support/pipe.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -114,18 +115,16 @@ TEST_F(LineReader, PassesItsFileToNoProgram) {
 }
 
 TEST_F(LineReader, GivesWhatHasComeWithoutWaiting) {
-  int ends[2];
-  ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
-  TLineReader file("pipe", TDescriptor(ends[0]), 100, ELongLine::kCut, "");
-  TDescriptor writer(ends[1]);
+  TPipe lines(O_NONBLOCK);
+  TLineReader file("pipe", std::move(lines.reading), 100, ELongLine::kCut, "");
   file.ReadMore();
   EXPECT_EQ(Describe(file.TakeRead()), "nothing");
-  ASSERT_EQ(write(writer.Get(), "one\ntw", 6), 6);
+  ASSERT_EQ(write(lines.writing.Get(), "one\ntw", 6), 6);
   file.ReadMore();
   EXPECT_EQ(Describe(file.TakeRead()), "one");
   EXPECT_EQ(Describe(file.TakeRead()), "nothing");
   EXPECT_FALSE(file.IsAtEnd());
-  writer.Close();
+  lines.writing.Close();
   file.ReadMore();
   EXPECT_TRUE(file.IsAtEnd());
   EXPECT_EQ(Describe(file.TakeRead()), "tw (without end)");

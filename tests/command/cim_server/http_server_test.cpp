@@ -13,6 +13,7 @@
 
 #include "command/base/descriptor.h"
 #include "command/cim_server/listening.h"
+#include "tests/support/pipe.h"
 
 namespace {
 
@@ -90,17 +91,6 @@ class THttpFixture {
   unsigned short m_port;
   THttpServer m_server;
   std::thread m_thread;
-};
-
-struct TPipe {
-  TPipe() {
-    int ends[2] = {-1, -1};
-    EXPECT_EQ(pipe(ends), 0);
-    reading = TDescriptor(ends[0]);
-    writing = TDescriptor(ends[1]);
-  }
-
-  TDescriptor reading, writing;
 };
 
 /// How long a server waits for a client, and whether a client that connected later can have been waited for.

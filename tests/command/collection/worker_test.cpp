@@ -9,7 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 
-#include "command/base/descriptor.h"
+#include "tests/support/pipe.h"
 #include "tests/support/running_process.h"
 
 namespace {
@@ -136,15 +136,12 @@ TEST(Worker, DropsItsParentsHandlersButKeepsIgnoringWhatThatIgnores) {
 }
 
 TEST(Worker, ClosesTheDescriptorsOfOthers) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const TDescriptor kept(ends[0]);
-  const TDescriptor others(ends[1]);
+  const TPipe others;
   TWorker worker(
       [&](const std::string&) {
-        return TMachineLine{fcntl(others.Get(), F_GETFD) < 0 ? "closed" : "open", false};
+        return TMachineLine{fcntl(others.writing.Get(), F_GETFD) < 0 ? "closed" : "open", false};
       },
-      {others.Get()}, kTimeout);
+      {others.writing.Get()}, kTimeout);
   EXPECT_EQ(Work(worker, "a").text, "closed");
 }
 
@@ -217,26 +214,24 @@ TEST(Worker, IsNotInterruptedWithItsParent) {
 }
 
 TEST(Worker, DoesNotOutliveItsParentWhateverItDoes) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
+  TPipe work;
   const pid_t parent = fork();
   if (parent == 0) {
     TWorker worker(
         [&](const std::string&) -> TMachineLine {
-          if (write(ends[1], "w", 1) != 1) _exit(1);
+          if (write(work.writing.Get(), "w", 1) != 1) _exit(1);
           while (true) pause();
         },
         {}, kTimeout);
     worker.Give({0, "a"});
     while (true) pause();
   }
-  close(ends[1]);
+  work.writing.Close();
   char byte = 0;
-  ASSERT_EQ(read(ends[0], &byte, 1), 1);
+  ASSERT_EQ(read(work.reading.Get(), &byte, 1), 1);
   kill(parent, SIGKILL);
-  EXPECT_EQ(read(ends[0], &byte, 1), 0);  // nobody holds the other end any more
+  EXPECT_EQ(read(work.reading.Get(), &byte, 1), 0);  // nobody holds the other end any more
   waitpid(parent, nullptr, 0);
-  close(ends[0]);
 }
 
 TEST(Worker, IsLateOnceAMachineHasHadItsTime) {
@@ -304,20 +299,17 @@ TEST(Worker, EndsAfterItsLastLine) {
 }
 
 TEST(Worker, MayEndWithALineInTheMidstOfItsWork) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const TDescriptor waiting(ends[0]);
-  const TDescriptor going(ends[1]);
+  const TPipe signal;
   TWorker worker(
       [&](const std::string&) -> TMachineLine {
         char byte = 0;
-        static_cast<void>(read(waiting.Get(), &byte, 1) == 1);
+        static_cast<void>(read(signal.reading.Get(), &byte, 1) == 1);
         TWorker::EndWith({"the end", true});
       },
       {}, kTimeout);
   ASSERT_TRUE(worker.Give({7, "a"}));
   ASSERT_TRUE(worker.Give({8, "b"}));
-  ASSERT_EQ(write(going.Get(), "x", 1), 1);
+  ASSERT_EQ(write(signal.writing.Get(), "x", 1), 1);
   const auto line = Wait(worker).value();
   EXPECT_EQ(line.first, 7U);
   EXPECT_EQ(line.second.text, "the end");

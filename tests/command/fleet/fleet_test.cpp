@@ -12,6 +12,7 @@
 #include "command/base/descriptor.h"
 #include "tests/support/captured_machine_builder.h"
 #include "tests/support/edid_builder.h"
+#include "tests/support/pipe.h"
 #include "tests/support/process.h"
 #include "tests/support/running_process.h"
 #include "tests/support/sanitizers.h"
@@ -562,19 +563,18 @@ TEST_F(Fleet, CannotBeReadFromAClosedStandardInput) {
 }
 
 TEST_F(Fleet, WaitsForAReaderEvenWhenItsOutputDoesNot) {
-  int ends[2];
-  ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
-  const TDescriptor reader(ends[0]);
-  TDescriptor writer(ends[1]);
+  TPipe answer(O_NONBLOCK);
   folder.Write("list", "m1\nm2\n");
-  TRunningProcess run(Exec("--machines list" + kManyRequests + " 2>errors >&" + std::to_string(writer.Get())));
-  writer.Close();
-  ASSERT_TRUE(WaitUntil([&] { return IsFull(reader); }));
+  TRunningProcess run(Exec("--machines list" + kManyRequests + " 2>errors >&" + std::to_string(answer.writing.Get())));
+  answer.writing.Close();
+  ASSERT_TRUE(WaitUntil([&] { return IsFull(answer.reading); }));
   std::string output;
   char piece[4096];
   const auto readAll = [&] {
     ssize_t count = 0;
-    while ((count = read(reader.Get(), piece, sizeof piece)) > 0) output.append(piece, static_cast<std::size_t>(count));
+    while ((count = read(answer.reading.Get(), piece, sizeof piece)) > 0) {
+      output.append(piece, static_cast<std::size_t>(count));
+    }
     return count == 0;
   };
   ASSERT_TRUE(WaitUntil(readAll));

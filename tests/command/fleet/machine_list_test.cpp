@@ -1,11 +1,10 @@
 #include "command/fleet/machine_list.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "command/base/descriptor.h"
 #include "command/base/unusable.h"
+#include "tests/support/pipe.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -107,19 +106,17 @@ TEST_F(MachineList, CountsTheNamesOfAFile) {
 }
 
 TEST_F(MachineList, TakesNamesFromStandardInputAsTheyCome) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const TStandardInput input(ends[0]);
-  const TDescriptor writer(ends[1]);
+  TPipe names;
+  const TStandardInput input(names.reading.Release());
   TMachineList list = TMachineList::Open("-");
   EXPECT_EQ(list.CountAll(), std::nullopt);
-  ASSERT_EQ(write(writer.Get(), "a\nb", 3), 3);
+  ASSERT_EQ(write(names.writing.Get(), "a\nb", 3), 3);
   list.ReadMore();
   ASSERT_TRUE(list.HasNext());
   EXPECT_EQ(list.TakeNext(), "a");
   EXPECT_FALSE(list.HasNext());
   EXPECT_FALSE(list.IsAtEnd());
-  ASSERT_EQ(write(writer.Get(), "c\n", 2), 2);
+  ASSERT_EQ(write(names.writing.Get(), "c\n", 2), 2);
   list.ReadMore();
   ASSERT_TRUE(list.HasNext());
   EXPECT_EQ(list.TakeNext(), "bc");
