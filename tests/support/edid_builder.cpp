@@ -15,6 +15,11 @@ std::uint8_t ToByte(unsigned int value) { return static_cast<std::uint8_t>(value
 
 }  // namespace
 
+std::vector<std::uint8_t> Join(std::vector<std::uint8_t> first, const std::vector<std::uint8_t>& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
 TEdidBuilder::TEdidBuilder() : m_bytes(edid::kBlockSize) {
   std::copy(edid::kHeader.begin(), edid::kHeader.end(), m_bytes.begin());
   Version(1, 3);
@@ -114,17 +119,14 @@ TEdidBuilder& TEdidBuilder::Extension(const std::vector<std::uint8_t>& head) {
 }
 
 TEdidBuilder& TEdidBuilder::Cta(const std::vector<std::uint8_t>& dataBlocks, const std::vector<std::uint8_t>& timings) {
-  std::vector<std::uint8_t> head = {edid::cta::kExtension, edid::cta::kFirstWithDataBlocks,
-                                    ToByte(static_cast<unsigned int>(edid::cta::kDataBlocks + dataBlocks.size())), 0};
-  head.insert(head.end(), dataBlocks.begin(), dataBlocks.end());
-  head.insert(head.end(), timings.begin(), timings.end());
-  return Extension(head);
+  const auto timingsAt = ToByte(static_cast<unsigned int>(edid::cta::kDataBlocks + dataBlocks.size()));
+  return Extension(
+      Join(Join({edid::cta::kExtension, edid::cta::kFirstWithDataBlocks, timingsAt, 0}, dataBlocks), timings));
 }
 
 TEdidBuilder& TEdidBuilder::DisplayId(unsigned int version, const std::vector<std::uint8_t>& dataBlocks) {
-  std::vector<std::uint8_t> head = {edid::displayid::kExtension, ToByte(version),
-                                    ToByte(static_cast<unsigned int>(dataBlocks.size())), 0, 0};
-  head.insert(head.end(), dataBlocks.begin(), dataBlocks.end());
+  const std::uint8_t size = ToByte(static_cast<unsigned int>(dataBlocks.size()));
+  std::vector<std::uint8_t> head = Join({edid::displayid::kExtension, ToByte(version), size, 0, 0}, dataBlocks);
   head.push_back(ToByte(0U - std::accumulate(head.begin() + 1, head.end(), 0U)));
   return Extension(head);
 }

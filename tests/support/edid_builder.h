@@ -8,6 +8,9 @@
 
 #include "edid/layout.h"
 
+/// The bytes of one, and then those of the other: data blocks, slots or EDIDs.
+std::vector<std::uint8_t> Join(std::vector<std::uint8_t> first, const std::vector<std::uint8_t>& second);
+
 /// Starts with a valid base block that says as little as possible: version 1.3, no maker, no date, no size, no gamma,
 /// four dummy descriptors, no timings, no extensions. Build sets the checksums and the extension count.
 class TEdidBuilder {

@@ -12,7 +12,7 @@ const std::string kBody =
 typedef std::vector<std::pair<std::string, std::string>> THeaders;
 
 /// "400 unsupported-operation"; empty if the request is accepted.
-std::string Refuse(const std::string& method, const THeaders& headers, const std::string& body = kBody) try {
+std::string RefuseHttp(const std::string& method, const THeaders& headers, const std::string& body = kBody) try {
   ReadHttpRequest({method, headers, body});
   return "";
 } catch (const TRefused& refused) {
@@ -29,35 +29,36 @@ std::string GetHeader(const THttpAnswer& answer, const std::string& name) {
 }  // namespace
 
 TEST(HttpMapping, TakesACimOperation) {
-  EXPECT_EQ(Refuse("POST", {{"cimoperation", "MethodCall"}}), "");
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMMethod", "GetClass"}, {"CIMObject", "root%2fcimv2"}}),
-            "");
+  EXPECT_EQ(RefuseHttp("POST", {{"cimoperation", "MethodCall"}}), "");
+  EXPECT_EQ(
+      RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"CIMMethod", "GetClass"}, {"CIMObject", "root%2fcimv2"}}),
+      "");
 }
 
 TEST(HttpMapping, UndoesAPercentAtTheEndOfAName) {
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root/cimv%32"}}), "");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root/cimv%32"}}), "");
 }
 
 TEST(HttpMapping, RefusesWhatIsNoCimOperation) {
-  EXPECT_EQ(Refuse("POST", {}), "400 unsupported-operation");
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodResponse"}}), "400 unsupported-operation");
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}}, "<"), "400 request-not-well-formed");
-  EXPECT_EQ(Refuse("GET", {{"CIMOperation", "MethodCall"}}), "405 unsupported-operation");
+  EXPECT_EQ(RefuseHttp("POST", {}), "400 unsupported-operation");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodResponse"}}), "400 unsupported-operation");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodCall"}}, "<"), "400 request-not-well-formed");
+  EXPECT_EQ(RefuseHttp("GET", {{"CIMOperation", "MethodCall"}}), "405 unsupported-operation");
 }
 
 TEST(HttpMapping, RefusesHeadersThatSayOtherThanTheXml) {
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMMethod", "GetInstance"}}), "400 header-mismatch");
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root%2Fother"}}), "400 header-mismatch");
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root%2"}}), "400 header-mismatch");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"CIMMethod", "GetInstance"}}), "400 header-mismatch");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root%2Fother"}}), "400 header-mismatch");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"CIMObject", "root%2"}}), "400 header-mismatch");
 }
 
 TEST(HttpMapping, RefusesWebPages) {
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"Origin", "http://localhost:5988"}}), "403 ");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"Origin", "http://localhost:5988"}}), "403 ");
 }
 
 TEST(HttpMapping, RefusesRequestsToNamesThatAreNotOfThisMachineAlone) {
   const auto refuse = [](const std::string& host) {
-    return Refuse("POST", {{"CIMOperation", "MethodCall"}, {"Host", host}});
+    return RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"Host", host}});
   };
   for (const char* const host :
        {"localhost", "LocalHost:5988", "127.0.0.1", "127.1.2.3:1", "[::1]", "[::1]:5988", ""}) {
@@ -68,8 +69,9 @@ TEST(HttpMapping, RefusesRequestsToNamesThatAreNotOfThisMachineAlone) {
         "127.0.0.1.example.org", "10.0.0.1", "128.0.0.1", "[::2]", "[::1", "[", "::1", ":1"}) {
     EXPECT_EQ(refuse(host), "403 ") << host;
   }
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"Host", "localhost"}, {"Host", "example.org"}}), "403 ");
-  EXPECT_EQ(Refuse("POST", {{"CIMOperation", "MethodCall"}, {"host", "example.org"}}), "403 ");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"Host", "localhost"}, {"Host", "example.org"}}),
+            "403 ");
+  EXPECT_EQ(RefuseHttp("POST", {{"CIMOperation", "MethodCall"}, {"host", "example.org"}}), "403 ");
 }
 
 TEST(HttpMapping, FindsItsExtensionAmongOthersHoweverItIsWritten) {
@@ -81,32 +83,32 @@ TEST(HttpMapping, FindsItsExtensionAmongOthersHoweverItIsWritten) {
            "http://www.dmtf.org/cim/mapping/http/v1.0; ns=\"; ns=73",
            "\"http://example.org/other\"; ns=11, \"http://www.dmtf.org/cim/mapping/http/v1.1\"; a=b; ns=73",
        }) {
-    EXPECT_EQ(Refuse("M-POST", {{"MAN", man}, {"73-CIMOPERATION", "MethodCall"}}), "") << man;
+    EXPECT_EQ(RefuseHttp("M-POST", {{"MAN", man}, {"73-CIMOPERATION", "MethodCall"}}), "") << man;
   }
-  EXPECT_EQ(Refuse("M-POST", {{"Man", "http://example.org; ns=11"},
-                              {"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
-                              {"73-CIMOperation", "MethodCall"}}),
+  EXPECT_EQ(RefuseHttp("M-POST", {{"Man", "http://example.org; ns=11"},
+                                  {"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
+                                  {"73-CIMOperation", "MethodCall"}}),
             "");
   for (const char* const man : {"http://example.org/other; ns=73", "http://www.dmtf.org/cim/mapping/http/v1.0",
                                 "http://www.dmtf.org/cim/mapping/http/v1.0; ns=a", ";;,,=", "ns=73"}) {
-    EXPECT_EQ(Refuse("M-POST", {{"Man", man}, {"73-CIMOperation", "MethodCall"}}), "510 ") << man;
+    EXPECT_EQ(RefuseHttp("M-POST", {{"Man", man}, {"73-CIMOperation", "MethodCall"}}), "510 ") << man;
   }
 }
 
 TEST(HttpMapping, TakesTheExtendedMethodWithItsPrefix) {
   const THeaders headers = {{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
                             {"73-CIMOperation", "MethodCall"}};
-  EXPECT_EQ(Refuse("M-POST", headers), "");
-  EXPECT_EQ(Refuse("M-POST", {{"CIMOperation", "MethodCall"}}), "510 ");
-  EXPECT_EQ(Refuse("M-POST", {headers[0], {"CIMOperation", "MethodCall"}}), "400 unsupported-operation");
+  EXPECT_EQ(RefuseHttp("M-POST", headers), "");
+  EXPECT_EQ(RefuseHttp("M-POST", {{"CIMOperation", "MethodCall"}}), "510 ");
+  EXPECT_EQ(RefuseHttp("M-POST", {headers[0], {"CIMOperation", "MethodCall"}}), "400 unsupported-operation");
   EXPECT_EQ(GetHeader(MakeHttpAnswer({"M-POST", headers, ""}, ""), "73-CIMOperation"), "MethodResponse");
 }
 
 TEST(HttpMapping, RefusesPrefixedHeadersThatSayOtherThanTheXml) {
   const auto refuse = [](const std::string& header) {
-    return Refuse("M-POST", {{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
-                             {"73-CIMOperation", "MethodCall"},
-                             {header, "other"}});
+    return RefuseHttp("M-POST", {{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=73"},
+                                 {"73-CIMOperation", "MethodCall"},
+                                 {header, "other"}});
   };
   EXPECT_EQ(refuse("73-CIMMethod"), "400 header-mismatch");
   EXPECT_EQ(refuse("73-CIMObject"), "400 header-mismatch");

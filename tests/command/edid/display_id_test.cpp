@@ -148,10 +148,7 @@ TEST(DisplayId, TellsNoPlaceOfATileInABlockThatIsCutOff) {
 }
 
 TEST(DisplayId, TellsTheFirstOfSeveralTilesAndSizes) {
-  std::vector<std::uint8_t> tiles = MakeTile(0x10, 0x10, 0x00);
-  const std::vector<std::uint8_t> other = MakeTile(0x30, 0x20, 0x00);
-  tiles.insert(tiles.end(), other.begin(), other.end());
-  EXPECT_EQ(ReadDisplayId(tiles).tile.value().columns, 2U);
+  EXPECT_EQ(ReadDisplayId(Join(MakeTile(0x10, 0x10, 0x00), MakeTile(0x30, 0x20, 0x00))).tile.value().columns, 2U);
   const TEdidBuilder sizes =
       TEdidBuilder().ImageSize(60, 34).DisplayId(0x12, {0x01, 0, 12, 0x52, 0x17, 0x25, 0x0D, 0, 0, 0, 0, 0, 0, 0, 0,  //
                                                         0x01, 0, 12, 0x70, 0x17, 0x48, 0x0D, 0, 0, 0, 0, 0, 0, 0, 0});
@@ -171,8 +168,6 @@ TEST(DisplayId, TellsNoRefreshRangeOfABlockThatIsCutOff) {
 }
 
 TEST(DisplayId, EndsAtAFillerAndAtABlockThatDoesNotFit) {
-  std::vector<std::uint8_t> filled = {0, 0, 0};
-  filled.insert(filled.end(), kTypeI.begin(), kTypeI.end());
-  EXPECT_THAT(WriteDisplayIdModes(filled), IsEmpty());
+  EXPECT_THAT(WriteDisplayIdModes(Join({0, 0, 0}, kTypeI)), IsEmpty());
   EXPECT_THAT(WriteDisplayIdModes({0x06, 0x00, 200, 0x10}), IsEmpty());
 }

@@ -40,11 +40,6 @@ const TBytes kFillerId = {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 const TBytes kSerial = {0, 0, 0, 0xFF, 0, 'A', 'B', '\n', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
 const TBytes kFiller = {0, 0, 0, 0xFF, 0, '1', '\n', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
 
-TBytes Join(TBytes left, const TBytes& right) {
-  left.insert(left.end(), right.begin(), right.end());
-  return left;
-}
-
 /// A DisplayID extension with these data blocks, and the section's checksum off by `error`.
 TBytes MakeDisplayId(const TBytes& blocks, unsigned int error = 0) {
   TBytes section = Join({0x12, 121, 0, 0}, blocks);

@@ -15,11 +15,6 @@ const std::vector<std::uint8_t> kHdmi = {0x67, 0x03, 0x0C, 0x00, 0x10, 0x00, 0x3
 const std::vector<std::uint8_t> kForum = {0x6B, 0xD8, 0x5D, 0xC4, 1, 120, 0x80, 0x60, 0, 0x30, 144, 0x80};
 const std::vector<std::uint8_t> kFreeSync = {0x68, 0x1A, 0x00, 0x00, 1, 1, 40, 165, 0};
 
-std::vector<std::uint8_t> Join(std::vector<std::uint8_t> left, const std::vector<std::uint8_t>& right) {
-  left.insert(left.end(), right.begin(), right.end());
-  return left;
-}
-
 }  // namespace
 
 TEST(VendorBlocks, TellTheLinkOfHdmi) {

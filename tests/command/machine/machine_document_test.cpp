@@ -16,15 +16,15 @@ namespace {
 
 typedef void (*TRead)(const std::string& text, const std::string& name, TMachineDocument& machine);
 
-TMachineDocument Read(const std::string& text, TRead read = ReadMachineDocument) {
+TMachineDocument ReadDocument(const std::string& text, TRead read = ReadMachineDocument) {
   TMachineDocument machine;
   read(text, "x.json", machine);
   return machine;
 }
 
-std::string GetFailure(const std::string& text, TRead read = ReadMachineDocument) {
+std::string GetDocumentFailure(const std::string& text, TRead read = ReadMachineDocument) {
   try {
-    Read(text, read);
+    ReadDocument(text, read);
   } catch (const TUnusable& failure) {
     return failure.what();
   }
@@ -36,7 +36,7 @@ std::string Captured(const std::string& keys) { return R"({"captured": 1, )" + k
 
 /// The failure of such a machine, without the file's name.
 std::string GetFailureOf(const std::string& keys) {
-  const std::string failure = GetFailure(Captured(keys));
+  const std::string failure = GetDocumentFailure(Captured(keys));
   return failure.substr(failure.find(": ") + 2);
 }
 
@@ -54,9 +54,10 @@ std::string MakeUnits(unsigned int first, unsigned int count, const std::string&
 }  // namespace
 
 TEST(MachineDocument, TellsWhenTheMachineWasCaptured) {
-  EXPECT_EQ(Read(Captured(R"("collected": "2026-11-21T21:30:00Z")")).collected, "2026-11-21T21:30:00Z");
-  EXPECT_EQ(Read(R"({"collected": "2026-11-21T21:30:00Z"})", ReadMachineJson).collected, "2026-11-21T21:30:00Z");
-  EXPECT_EQ(Read(Captured(R"("systemName": "ws-17")")).collected, "");
+  EXPECT_EQ(ReadDocument(Captured(R"("collected": "2026-11-21T21:30:00Z")")).collected, "2026-11-21T21:30:00Z");
+  EXPECT_EQ(ReadDocument(R"({"collected": "2026-11-21T21:30:00Z"})", ReadMachineJson).collected,
+            "2026-11-21T21:30:00Z");
+  EXPECT_EQ(ReadDocument(Captured(R"("systemName": "ws-17")")).collected, "");
 }
 
 TEST(MachineDocument, HasATimeInItsOneForm) {
@@ -68,7 +69,7 @@ TEST(MachineDocument, HasATimeInItsOneForm) {
 }
 
 TEST(MachineDocument, TellsAllOfAMachine) {
-  const TMachineDocument machine = Read(R"({
+  const TMachineDocument machine = ReadDocument(R"({
     "captured": 1,
     "systemName": "ws-17", "systemCreationClassName": "X", "systemType": -3, "provider": false,
     "bios": {"present": false, "memory": false, "ignoresUnit": true,
@@ -95,7 +96,7 @@ TEST(MachineDocument, TellsAllOfAMachine) {
 }
 
 TEST(MachineDocument, NeedsNothingButItsVersion) {
-  const TMachineDocument machine = Read(R"({"captured": 1})");
+  const TMachineDocument machine = ReadDocument(R"({"captured": 1})");
   EXPECT_EQ(machine.host.systemCreationClassName, "CIM_UnitaryComputerSystem");
   EXPECT_TRUE(machine.host.provider);
   EXPECT_THAT(machine.bios.units, IsEmpty());
@@ -106,21 +107,21 @@ TEST(MachineDocument, NeedsNothingButItsVersion) {
 TEST(MachineDocument, IsKnownByItsVersion) {
   const std::string missing =
       "x.json: is not a captured machine: it has no \"captured\": 1; displayinfo capture FILE.json writes one";
-  EXPECT_EQ(GetFailure("{}"), missing);
-  EXPECT_EQ(GetFailure(R"({"plugin": {"captured": 1}, "requests": [{"captured": 1}]})"), missing);
-  EXPECT_EQ(GetFailure(R"([{"captured": 1}])"), missing);
-  EXPECT_EQ(GetFailure("5"), missing);
+  EXPECT_EQ(GetDocumentFailure("{}"), missing);
+  EXPECT_EQ(GetDocumentFailure(R"({"plugin": {"captured": 1}, "requests": [{"captured": 1}]})"), missing);
+  EXPECT_EQ(GetDocumentFailure(R"([{"captured": 1}])"), missing);
+  EXPECT_EQ(GetDocumentFailure("5"), missing);
   for (const char* const version : {"\"1\"", "null", "true", "{}", "[1]"}) {
-    EXPECT_EQ(GetFailure(R"({"captured": )" + std::string(version) + "}"), "x.json: \"captured\" must be 1");
+    EXPECT_EQ(GetDocumentFailure(R"({"captured": )" + std::string(version) + "}"), "x.json: \"captured\" must be 1");
   }
 }
 
 TEST(MachineDocument, OfAnotherVersionIsRefusedBeforeAnythingElseInIt) {
   const std::string reason = ", a format that this command does not read; it reads 1";
-  EXPECT_EQ(GetFailure(R"({"captured": 2})"), "x.json: \"captured\" is 2" + reason);
-  EXPECT_EQ(GetFailure(R"({"captured": 1.5})"), "x.json: \"captured\" is 1.5" + reason);
-  EXPECT_EQ(GetFailure(R"({"captured": 0})"), "x.json: \"captured\" is 0" + reason);
-  EXPECT_EQ(GetFailure(R"({"audio": [{"x": 1}], "bios": {"captured": 1}, "captured": 2})"),
+  EXPECT_EQ(GetDocumentFailure(R"({"captured": 2})"), "x.json: \"captured\" is 2" + reason);
+  EXPECT_EQ(GetDocumentFailure(R"({"captured": 1.5})"), "x.json: \"captured\" is 1.5" + reason);
+  EXPECT_EQ(GetDocumentFailure(R"({"captured": 0})"), "x.json: \"captured\" is 0" + reason);
+  EXPECT_EQ(GetDocumentFailure(R"({"audio": [{"x": 1}], "bios": {"captured": 1}, "captured": 2})"),
             "x.json: \"captured\" is 2" + reason);
 }
 
@@ -136,7 +137,7 @@ TEST(MachineDocument, HasNoKeyTwice) {
 }
 
 TEST(MachineDocument, MayHaveOneKeyInSeveralPlaces) {
-  EXPECT_EQ(GetFailure(Captured(R"("bios": {"units": {"0": {"failAtBlock": 1}, "1": {"failAtBlock": 1}}},
+  EXPECT_EQ(GetDocumentFailure(Captured(R"("bios": {"units": {"0": {"failAtBlock": 1}, "1": {"failAtBlock": 1}}},
                                    "edids": {"0": "", "1": ""})")),
             "no failure");
 }
@@ -169,7 +170,7 @@ TEST(MachineDocument, RefusesEdidsThatAreNoStrings) {
 TEST(MachineDocument, LosesOnlyTheUnitOfAnEdidThatIsNotBase64) {
   for (const char* const value : {"Zg", "Zg==\\n", "Zh==", "no"}) {
     const TMachineDocument machine =
-        Read(Captured(R"("edids": {"0": ")" + std::string(value) + R"(", "1": ")" + Edid(128) + R"("})"));
+        ReadDocument(Captured(R"("edids": {"0": ")" + std::string(value) + R"(", "1": ")" + Edid(128) + R"("})"));
     ASSERT_THAT(machine.damagedEdids, ElementsAre(Pair(0, testing::_)));
     EXPECT_EQ(Describe(machine.damagedEdids.at(0)),
               "x.json: \"edids.0\" is not base64, padded and without line breaks, so its unit counts as one without "
@@ -186,18 +187,20 @@ TEST(MachineDocument, HasAbsolutePathsInTheOneWayToWriteThem) {
     EXPECT_THAT(failure, testing::EndsWith("\" is not a plain absolute path, such as /etc/X11/xorg.conf")) << path;
   }
   for (const char* const path : {"/a", "/...", "/.a/..b", "/etc/X11/xorg.conf", "/a\\\\b", "/ "}) {
-    EXPECT_EQ(GetFailure(Captured(R"("files": {")" + std::string(path) + R"(": {"text": ""}})")), "no failure") << path;
+    EXPECT_EQ(GetDocumentFailure(Captured(R"("files": {")" + std::string(path) + R"(": {"text": ""}})")), "no failure")
+        << path;
   }
 }
 
 TEST(MachineDocument, HasEdidsOfWholeBlocks) {
   const auto getDamage = [](std::size_t bytes) {
-    return Read(Captured(R"("edids": {"3": ")" + Edid(bytes) + R"("})")).damagedEdids.at(3).fault;
+    return ReadDocument(Captured(R"("edids": {"3": ")" + Edid(bytes) + R"("})")).damagedEdids.at(3).fault;
   };
   EXPECT_EQ(getDamage(0), "is empty");
   EXPECT_EQ(getDamage(127), "has 127 bytes, which is not a multiple of 128");
   EXPECT_EQ(getDamage(257 * 128), "has more than 32768 bytes, the most of an EDID");
-  EXPECT_EQ(Read(Captured(R"("edids": {"3": ")" + Edid(256 * 128) + R"("})")).bios.units.at(3).edid.size(), 32768U);
+  EXPECT_EQ(ReadDocument(Captured(R"("edids": {"3": ")" + Edid(256 * 128) + R"("})")).bios.units.at(3).edid.size(),
+            32768U);
 }
 
 TEST(MachineDocument, NamesUnitsInTheOneWayToWriteTheirNumbers) {
@@ -208,7 +211,7 @@ TEST(MachineDocument, NamesUnitsInTheOneWayToWriteTheirNumbers) {
     EXPECT_EQ(GetFailureOf(R"("bios": {"units": {")" + std::string(name) + R"(": {}}})"),
               "\"bios.units." + std::string(name) + "\"" + reason);
   }
-  EXPECT_EQ(GetFailure(Captured(R"("edids": {"4294967295": ""})")), "no failure");
+  EXPECT_EQ(GetDocumentFailure(Captured(R"("edids": {"4294967295": ""})")), "no failure");
 }
 
 TEST(MachineDocument, HasTwoHundredAndFiftySixUnitsAtMostHoweverTheyAreNamed) {
@@ -218,8 +221,8 @@ TEST(MachineDocument, HasTwoHundredAndFiftySixUnitsAtMostHoweverTheyAreNamed) {
   EXPECT_EQ(GetFailureOf(R"("bios": {"units": )" + MakeUnits(0, 128, "{}") + R"(}, "edids": )" +
                          MakeUnits(1000, 129, "\"\"")),
             "\"edids.1128\"" + tooMany);
-  EXPECT_EQ(GetFailure(Captured(R"("bios": {"units": )" + MakeUnits(0, 256, "{}") + R"(}, "edids": )" +
-                                MakeUnits(0, 256, "\"\""))),
+  EXPECT_EQ(GetDocumentFailure(Captured(R"("bios": {"units": )" + MakeUnits(0, 256, "{}") + R"(}, "edids": )" +
+                                        MakeUnits(0, 256, "\"\""))),
             "no failure");
 }
 
@@ -228,28 +231,29 @@ TEST(MachineDocument, IsNoDeeperThanAMachineIs) {
   for (const char* const bracket : {"[", "{\"a\":"}) {
     std::string text = "{\"a\": ";
     for (int depth = 0; depth < 1000000; ++depth) text += bracket;
-    EXPECT_EQ(GetFailure(text), reason);
+    EXPECT_EQ(GetDocumentFailure(text), reason);
   }
-  EXPECT_EQ(GetFailure(R"({"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": )"
-                       R"({"a": {}}}}}}}}}}}}}}}, "captured": 2})"),
+  EXPECT_EQ(GetDocumentFailure(R"({"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": {"a": )"
+                               R"({"a": {}}}}}}}}}}}}}}}, "captured": 2})"),
             "x.json: \"captured\" is 2, a format that this command does not read; it reads 1");
   EXPECT_EQ(GetFailureOf(R"("systemName": [[)"), "\"systemName\" must be a string");
   EXPECT_EQ(GetFailureOf(R"("systemName": {"a": {)"), "\"systemName\" must be a string");
 }
 
 TEST(MachineDocument, SaysWhereItIsBroken) {
-  EXPECT_THAT(GetFailure(""), StartsWith("x.json: is not JSON: parse error at line 1, column 1: "));
-  EXPECT_THAT(GetFailure("{\"captured\": 1,\n\"provider\": tru}"),
+  EXPECT_THAT(GetDocumentFailure(""), StartsWith("x.json: is not JSON: parse error at line 1, column 1: "));
+  EXPECT_THAT(GetDocumentFailure("{\"captured\": 1,\n\"provider\": tru}"),
               StartsWith("x.json: is not JSON: parse error at line 2, column 16: "));
-  EXPECT_THAT(GetFailure("{\"captured\": 1} {}"), StartsWith("x.json: is not JSON: parse error at line 1, column 17"));
-  EXPECT_THAT(GetFailure("{\"captured\": 1, \"systemName\": \"\xFF\"}"), StartsWith("x.json: is not JSON: "));
+  EXPECT_THAT(GetDocumentFailure("{\"captured\": 1} {}"),
+              StartsWith("x.json: is not JSON: parse error at line 1, column 17"));
+  EXPECT_THAT(GetDocumentFailure("{\"captured\": 1, \"systemName\": \"\xFF\"}"), StartsWith("x.json: is not JSON: "));
   EXPECT_EQ(GetFailureOf(R"("systemType": 1e999)"), "is not JSON: number overflow parsing '1e999'");
 }
 
 TEST(MachineDocument, DoesNotEndAtAZeroByte) {
   const std::string zero(1, '\0');
-  EXPECT_EQ(GetFailure("{\"captured\": 1}" + zero + "more"), "x.json: is not JSON: it has a zero byte");
-  EXPECT_EQ(GetFailure("{}" + zero, ReadMachineJson), "x.json: is not JSON: it has a zero byte");
+  EXPECT_EQ(GetDocumentFailure("{\"captured\": 1}" + zero + "more"), "x.json: is not JSON: it has a zero byte");
+  EXPECT_EQ(GetDocumentFailure("{}" + zero, ReadMachineJson), "x.json: is not JSON: it has a zero byte");
 }
 
 TEST(MachineDocument, IsRefusedInAShortMessageWhateverItSays) {
@@ -258,7 +262,7 @@ TEST(MachineDocument, IsRefusedInAShortMessageWhateverItSays) {
        {Captured("\"" + large + "\": 1"), Captured(R"("files": {"/)" + large + R"(": 1})"), "{\"captured\": \"" + large,
         Captured("\"systemType\": 1" + std::string(5000000, '0') + "x"),
         "{\"captured\": " + std::string(5000000, '1') + "}", Captured(R"("edids": {")" + large + R"(": ""})")}) {
-    const std::string failure = GetFailure(text);
+    const std::string failure = GetDocumentFailure(text);
     EXPECT_THAT(failure, StartsWith("x.json: "));
     EXPECT_LT(failure.size(), 500U);
   }
@@ -266,7 +270,7 @@ TEST(MachineDocument, IsRefusedInAShortMessageWhateverItSays) {
 
 TEST(MachineDocument, OfMachineJsonHasNoFilesEdidsOrVersion) {
   for (const char* const key : {"captured", "files", "edids"}) {
-    EXPECT_EQ(GetFailure("{\"" + std::string(key) + "\": 1}", ReadMachineJson),
+    EXPECT_EQ(GetDocumentFailure("{\"" + std::string(key) + "\": 1}", ReadMachineJson),
               "x.json: \"" + std::string(key) +
                   "\" is not a known key; known here: bios, collected, provider, systemCreationClassName, systemName, "
                   "systemType");
@@ -274,7 +278,7 @@ TEST(MachineDocument, OfMachineJsonHasNoFilesEdidsOrVersion) {
 }
 
 TEST(MachineDocument, OfMachineJsonHasNoKeyTwice) {
-  EXPECT_EQ(GetFailure(R"({"systemName": "a", "systemName": "b"})", ReadMachineJson),
+  EXPECT_EQ(GetDocumentFailure(R"({"systemName": "a", "systemName": "b"})", ReadMachineJson),
             "x.json: \"systemName\" appears twice");
-  EXPECT_EQ(GetFailure(R"({"bios": {}, "bios": {}})", ReadMachineJson), "x.json: \"bios\" appears twice");
+  EXPECT_EQ(GetDocumentFailure(R"({"bios": {}, "bios": {}})", ReadMachineJson), "x.json: \"bios\" appears twice");
 }

@@ -108,8 +108,7 @@ TEST(Forms, ReadAnEdidAsBytes) {
 }
 
 TEST(Forms, TakeACopyOfAnEdidForAPartOfIt) {
-  TBytes twice = kEdid;
-  twice.insert(twice.end(), kEdid.begin(), kEdid.end());
+  const TBytes twice = Join(kEdid, kEdid);
   EXPECT_THAT(GetEdids(Content(twice)), ElementsAre(twice));
 }
 
