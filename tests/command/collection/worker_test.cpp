@@ -299,17 +299,17 @@ TEST(Worker, EndsAfterItsLastLine) {
 }
 
 TEST(Worker, MayEndWithALineInTheMidstOfItsWork) {
-  const TPipe signal;
+  const TPipe gate;
   TWorker worker(
       [&](const std::string&) -> TMachineLine {
         char byte = 0;
-        static_cast<void>(read(signal.reading.Get(), &byte, 1) == 1);
+        static_cast<void>(read(gate.reading.Get(), &byte, 1) == 1);
         TWorker::EndWith({"the end", true});
       },
       {}, kTimeout);
   ASSERT_TRUE(worker.Give({7, "a"}));
   ASSERT_TRUE(worker.Give({8, "b"}));
-  ASSERT_EQ(write(signal.writing.Get(), "x", 1), 1);
+  ASSERT_EQ(write(gate.writing.Get(), "x", 1), 1);
   const auto line = Wait(worker).value();
   EXPECT_EQ(line.first, 7U);
   EXPECT_EQ(line.second.text, "the end");
